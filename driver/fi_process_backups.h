@@ -1,0 +1,105 @@
+#ifndef FI_PROCESS_BACKUPS_H
+#define FI_PROCESS_BACKUPS_H
+
+/*
+ * Rotation of snapshot targets: which targets may a new snapshot backup use?
+ *
+ * The host calls fi_process_backups before it takes a new snapshot backup. The call reads the
+ * documents of the earlier backups, lets the newest ones keep their targets, releases those of the
+ * oldest releasable ones, one backup at a time, until every configuration has a free target, and
+ * says which target of each configuration to use.
+ *
+ * The host supplies the trace facility, a function with C linkage that the library calls on the
+ * calling thread for every diagnostic and that must not throw:
+ *
+ *   void mofi_tracelog(int level, const char* format, ...);
+ *
+ * The format is printf's; level 3 carries failures, level 4 progress.
+ */
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Bit of a flag word: the targets of this backup are never rotated. Other bits are ignored. */
+#define FI_EXCLUDE_ROTATION 4
+
+/* Status of a call; no other value is returned. */
+enum {
+    FI_STATUS_SUCCESS = 0,
+    /* An argument was rejected, no complete selection could be made, or the selection could not
+     * be allocated. */
+    FI_STATUS_FAILURE = 3
+};
+
+/* What became of an earlier backup. */
+enum {
+    /* Its targets agree with the configuration and it keeps them. */
+    FI_BACKUP_KEPT = 0,
+    /* Its targets do not agree with the configuration, or a newer backup holds one of them. */
+    FI_BACKUP_INVALID = 1,
+    /* Its targets were released for the new backup. */
+    FI_BACKUP_ROTATED = 2
+};
+
+/*
+ * Chooses a free target for every configuration.
+ *
+ * fiidList
+ *     fiidListSize NUL-terminated file names, each the document of one earlier backup, in any
+ *     order. Borrowed for the call. May be null only when fiidListSize is not positive; no entry
+ *     may be null. The files are read in this order up to the first that cannot be opened: that
+ *     one and all after it take no part in the rotation, which is no failure. One line on standard
+ *     output names it.
+ *
+ * resource_config_string
+ *     NUL-terminated, borrowed for the call, never null. Configurations are separated by '&', line
+ *     feed or carriage return, the targets of a configuration by ';'. A target is
+ *     ENCLOSURE##DEVICE or, with the enclosure of the target before it, DEVICE. The first target
+ *     names the device that is backed up, the further ones are the candidates for its snapshots.
+ *     The references &amp; &lt; &gt; &quot; and &#39; are decoded before anything else. A malformed
+ *     configuration is traced and does not end the call: the configurations before it are used.
+ *
+ * fiidFlags
+ *     fiidListSize flag words, fiidFlags[i] belonging to fiidList[i]; the caller's. May be null
+ *     only when fiidListSize is 0.
+ *     In: with FI_EXCLUDE_ROTATION or without. A name listed twice has the bit of its last entry.
+ *     Out, on success: the final state (FI_BACKUP_...) of each backup whose document was loaded and
+ *     holds a Node; the other entries keep their flag words. The exclude bit is overwritten with
+ *     the rest of the word and must be set again before the next call.
+ *
+ * fiidListSize
+ *     Number of entries. 0 for a first backup; fiidFlags is then not touched. A negative number
+ *     stands for a list without entries.
+ *
+ * resultString
+ *     Never null. On success *resultString receives the selection: "[FIRST;CHOSEN]" for each
+ *     configuration in order with nothing in between, both targets as ENCLOSURE##DEVICE; an empty
+ *     text when there is no configuration. It belongs to the caller, who releases it with free.
+ *
+ * Returns FI_STATUS_SUCCESS or FI_STATUS_FAILURE. On FI_STATUS_FAILURE, and when an exception
+ * leaves the call, *resultString and all of fiidFlags are as they were. On every path all that the
+ * call allocated for itself is released, with one exception: of a document with several top-level
+ * Nodes only the last counts, and the others stay allocated for the life of the process.
+ *
+ * Exceptions: CFiUdidException (CFiUdidException.h) leaves the call when the document of an earlier
+ * backup holds a malformed device identifier. A host in C++ catches it; a host in C must call
+ * through a function in C++ that does. When memory runs out, std::bad_alloc or an exception of the
+ * XML library leaves the call.
+ *
+ * Threads: calls in one process must not overlap. The library takes no lock, and the set-up of the
+ * XML library, which every call with earlier backups runs, is not thread-safe. The host serialises
+ * its calls, on whichever threads it makes them, and any use of its own that sets up or terminates
+ * the same XML library with them.
+ */
+__attribute__((visibility("default"))) int32_t fi_process_backups(
+    const char* const* fiidList, const char* resource_config_string, int32_t* fiidFlags,
+    int32_t fiidListSize, char** resultString);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
