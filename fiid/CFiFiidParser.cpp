@@ -1,0 +1,83 @@
+#include "fiid/CFiFiidParser.h"
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax2/XMLReaderFactory.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "fiid/entry_exit_trace.h"
+
+using xercesc::MemBufInputSource;
+using xercesc::XMLException;
+using xercesc::XMLPlatformUtils;
+using xercesc::XMLReaderFactory;
+using xercesc::XMLUni;
+
+CFiFiidParser::CFiFiidParser(xercesc::DefaultHandler* initialHandler) {
+    traceEntering("CFiFiidParser::CFiFiidParser");
+    try {
+        init();
+        if (initialHandler != nullptr) {
+            setHandler(initialHandler);
+        }
+    } catch (...) {
+        // No destructor runs for an object whose constructor throws.
+        release();
+        throw;
+    }
+    traceExiting("CFiFiidParser::CFiFiidParser");
+}
+
+CFiFiidParser::~CFiFiidParser() {
+    traceEntering("CFiFiidParser::~CFiFiidParser");
+    release();
+    traceExiting("CFiFiidParser::~CFiFiidParser");
+}
+
+void CFiFiidParser::init() {
+    traceEntering("CFiFiidParser::init");
+    try {
+        XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
+        reader.reset(XMLReaderFactory::createXMLReader(XMLPlatformUtils::fgMemoryManager));
+        reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
+        reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
+        reader->setFeature(XMLUni::fgXercesSchema, false);
+        reader->setFeature(XMLUni::fgXercesSchemaFullChecking, false);
+        reader->setFeature(XMLUni::fgSAX2CoreNameSpacePrefixes, false);
+    } catch (const XMLException&) {
+        // A parser without a reader yields no tree, and the backup is then absent from the
+        // selection.
+    }
+    traceExiting("CFiFiidParser::init");
+}
+
+void CFiFiidParser::setHandler(xercesc::DefaultHandler* newHandler) {
+    traceEntering("CFiFiidParser::setHandler");
+    handler = newHandler;
+    try {
+        if (reader != nullptr) {
+            reader->setContentHandler(handler);
+            reader->setErrorHandler(handler);
+        }
+    } catch (const XMLException&) {
+        // As in init: without its handler the document yields no tree.
+    }
+    traceExiting("CFiFiidParser::setHandler");
+}
+
+void CFiFiidParser::parse(const std::string& document) {
+    traceEntering("CFiFiidParser::parse");
+    if (reader != nullptr) {
+        const MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()),
+                                       document.size(), "mofi_sax_parser", false,
+                                       XMLPlatformUtils::fgMemoryManager);
+        reader->parse(source);
+    }
+    traceExiting("CFiFiidParser::parse");
+}
+
+void CFiFiidParser::release() {
+    reader.reset();
+    XMLPlatformUtils::Terminate();
+}
