@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class CFiFiidNode;
+
+// Reads the documents of earlier backups into trees. Used once: a second import appends.
+class CFiFiidLoader {
+public:
+    enum EStatus : std::int32_t {
+        kLoaded = 0,
+        kCannotOpen = 6,
+    };
+
+    // Reads `file` whole into `content`, each line up to its first NUL. A file that cannot be
+    // opened is reported on standard output and in the trace, and leaves `content` empty. A read
+    // error ends the text silently.
+    std::int32_t load(std::string file, std::string& content) const;
+
+    // Loads `names` in order and appends the root of each document to `nodes`, named after its
+    // file; a document without a Node adds nothing, a malformed one the tree built before the
+    // fault. Stops at the first file that cannot be opened and returns its status.
+    std::int32_t import(const std::vector<std::string>& names);
+
+    // Roots of the loaded documents in the order of import. Not owned: they outlive the loader.
+    std::vector<CFiFiidNode*> nodes;
+    // The list last given to import.
+    std::vector<std::string> files;
+};
