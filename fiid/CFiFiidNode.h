@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -8,9 +9,20 @@
 // document stands for the backup itself.
 //
 // Nodes are plain records on the heap, linked by raw pointers: destroying a node destroys neither
-// its children nor its parent.
+// its children nor its parent. A document may nest as deep as its writer likes, so every walk over
+// a tree is a loop; recursion would let the document overrun the caller's stack.
 class CFiFiidNode {
 public:
+    // Sets an entry of `result`, objid to altobjid, for every node of this tree whose objid
+    // contains `pattern`, in pre-order, so that of nodes with the same objid the last one's
+    // altobjid stays. Other entries of `result` are left as they are. Always returns 0.
+    std::int32_t getNodes(std::string pattern, std::map<std::string, std::string>& result) const;
+
+    // Writes this tree to the trace in pre-order, three lines for each node, indented by one tab
+    // for each level above 0; this node is printed at `level`, every child one level below its
+    // parent.
+    void print(std::int32_t level);
+
     std::string objid;
     // The name under which the document was loaded; root only.
     std::string fiidFile;
