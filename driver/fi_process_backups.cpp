@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/mofi_tracelog.h"
+#include "driver/rotation.h"
 #include "driver/selection.h"
 #include "resource/CFiResourceManager.h"
 #include "resource/CFiResourceParser.h"
@@ -29,7 +30,7 @@ std::int32_t selectForFirstBackup(const CFiResourceManager& manager, char** resu
 
 }  // namespace
 
-std::int32_t fi_process_backups(const char* const* /*fiidList*/, const char* resource_config_string,
+std::int32_t fi_process_backups(const char* const* fiidList, const char* resource_config_string,
                                 std::int32_t* fiidFlags, std::int32_t fiidListSize,
                                 char** resultString) {
     if ((fiidListSize != 0 && fiidFlags == nullptr) || resultString == nullptr ||
@@ -48,6 +49,5 @@ std::int32_t fi_process_backups(const char* const* /*fiidList*/, const char* res
     if (fiidListSize == 0) {
         return selectForFirstBackup(manager, resultString);
     }
-    // No rotation across earlier backups yet: without it no target may be handed out.
-    return FI_STATUS_FAILURE;
+    return selectByRotation(manager, fiidList, fiidFlags, fiidListSize, resultString);
 }

@@ -1,0 +1,30 @@
+#include "driver/CFiTreeReleaser.h"
+
+#include "fiid/CFiFiidNode.h"
+
+namespace {
+
+// Descends along last children and climbs by the parent links, so that neither the stack nor the
+// heap is needed, however deep the tree: releasing must work when memory has run out.
+void deleteTree(CFiFiidNode* root) {
+    CFiFiidNode* node = root;
+    while (node != nullptr) {
+        if (!node->children.empty()) {
+            CFiFiidNode* child = node->children.back();
+            node->children.pop_back();
+            node = child;
+            continue;
+        }
+        CFiFiidNode* parent = node->parent;
+        delete node;
+        node = parent;
+    }
+}
+
+}  // namespace
+
+CFiTreeReleaser::~CFiTreeReleaser() {
+    for (CFiFiidNode* root : roots) {
+        deleteTree(root);
+    }
+}

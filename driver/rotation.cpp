@@ -1,0 +1,171 @@
+#include "driver/rotation.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "common/mofi_tracelog.h"
+#include "driver/CFiTreeReleaser.h"
+#include "driver/fi_process_backups.h"
+#include "driver/selection.h"
+#include "fiid/CFiFiidLoader.h"
+#include "fiid/CFiFiidNode.h"
+#include "fiid/SAscendingDateSort.h"
+#include "fiid/SDescendingDateSort.h"
+#include "resource/CFiResourceManager.h"
+
+namespace {
+
+using Backups = std::vector<CFiFiidNode*>;
+// By file name: 0, or FI_EXCLUDE_ROTATION for a backup that must keep its targets.
+using ExcludeMap = std::map<std::string, std::int32_t>;
+
+// A name listed twice has the flag word of its last entry.
+ExcludeMap recordExcludeFlags(const std::vector<std::string>& fiidNames,
+                              const std::int32_t* fiidFlags) {
+    ExcludeMap excludeMap;
+    for (std::size_t i = 0; i < fiidNames.size(); ++i) {
+        excludeMap[fiidNames[i]] = fiidFlags[i] & FI_EXCLUDE_ROTATION;
+        // At the level of failures although it reports none: hosts that keep only this level still
+        // see what they asked for.
+        mofi_tracelog(kTraceFailure, "fi_process_backups :  Fiid [%s] exclude rotation flag [%d] ",
+                      fiidNames[i].c_str(), fiidFlags[i]);
+    }
+    return excludeMap;
+}
+
+void printLoaded(const Backups& backups) {
+    for (CFiFiidNode* backup : backups) {
+        mofi_tracelog(kTraceProgress, "fi_process_backups : parsed [%s]", backup->fiidFile.c_str());
+        backup->print(0);
+    }
+}
+
+void checkBackups(CFiResourceManager& manager, const Backups& backups) {
+    for (CFiFiidNode* backup : backups) {
+        if (manager.validateResources(backup, CFiResourceManager::kCheck)) {
+            mofi_tracelog(kTraceProgress, "fi_process_backups : [RESOURCES MATCH] [%s]",
+                          backup->fiidFile.c_str());
+            backup->state = FI_BACKUP_KEPT;
+        } else {
+            mofi_tracelog(kTraceProgress, "fi_process_backups : [INVALID RESOURCES] [%s]",
+                          backup->fiidFile.c_str());
+            backup->state = FI_BACKUP_INVALID;
+        }
+    }
+}
+
+// `backups` newest first: of two that hold the same target the newer one keeps it.
+void claimTargets(CFiResourceManager& manager, const Backups& backups) {
+    for (CFiFiidNode* backup : backups) {
+        if (backup->state != FI_BACKUP_KEPT) {
+            continue;
+        }
+        if (manager.validateResources(backup, CFiResourceManager::kClaim)) {
+            mofi_tracelog(kTraceProgress, "fi_process_backups : [RESERVE GOOD] %s - T: %s",
+                          backup->fiidFile.c_str(), backup->timeStamp.c_str());
+        } else {
+            mofi_tracelog(kTraceProgress, "fi_process_backups : %s - T: %s",
+                          backup->fiidFile.c_str(), backup->timeStamp.c_str());
+            backup->state = FI_BACKUP_INVALID;
+        }
+    }
+}
+
+// `backups` oldest first. No more are released than needed, since every release is preceded by the
+// test.
+void releaseOldest(CFiResourceManager& manager, const Backups& backups, ExcludeMap& excludeMap) {
+    for (CFiFiidNode* backup : backups) {
+        if (buildSelection(manager.resourceSet).has_value()) {
+            return;
+        }
+        if (backup->state != FI_BACKUP_KEPT) {
+            continue;
+        }
+        if (excludeMap[backup->fiidFile] == 0) {
+            const bool released = manager.validateResources(backup, CFiResourceManager::kRelease);
+            backup->state = released ? FI_BACKUP_ROTATED : FI_BACKUP_INVALID;
+        } else {
+            mofi_tracelog(kTraceProgress, "fi_process_backups : Skipped Rotation for fiid [%s]",
+                          backup->fiidFile.c_str());
+        }
+    }
+}
+
+// What fiidFlags will hold: the state of each name's first backup, oldest first, or the flag word
+// of a name that was not loaded.
+std::vector<std::int32_t> finalFlags(const std::vector<std::string>& fiidNames,
+                                     const std::int32_t* fiidFlags, const Backups& backups) {
+    std::unordered_map<std::string_view, std::int32_t> states;
+    for (const CFiFiidNode* backup : backups) {
+        states.emplace(backup->fiidFile, backup->state);
+    }
+    std::vector<std::int32_t> flags;
+    flags.reserve(fiidNames.size());
+    for (std::size_t i = 0; i < fiidNames.size(); ++i) {
+        const auto found = states.find(fiidNames[i]);
+        flags.push_back(found != states.end() ? found->second : fiidFlags[i]);
+    }
+    return flags;
+}
+
+void printOutcome(const Backups& backups) {
+    for (CFiFiidNode* backup : backups) {
+        mofi_tracelog(kTraceProgress, "fi_process_backups : parsed [%s] state=[%d]",
+                      backup->fiidFile.c_str(), backup->state);
+        backup->print(0);
+    }
+}
+
+}  // namespace
+
+std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fiidList,
+                              std::int32_t* fiidFlags, std::int32_t fiidListSize,
+                              char** resultString) {
+    const std::vector<std::string> fiidNames(fiidList, fiidList + std::max(fiidListSize, 0));
+    ExcludeMap excludeMap = recordExcludeFlags(fiidNames, fiidFlags);
+
+    CFiFiidLoader loader;
+    const CFiTreeReleaser releaser(loader.nodes);
+    // The status is not looked at: what could not be loaded takes no part, and the rest is enough
+    // or not.
+    loader.import(fiidNames);
+    Backups backups = loader.nodes;
+
+    printLoaded(backups);
+    manager.print();
+    checkBackups(manager, backups);
+    std::sort(backups.begin(), backups.end(), SDescendingDateSort());
+    claimTargets(manager, backups);
+    std::sort(backups.begin(), backups.end(), SAscendingDateSort());
+    releaseOldest(manager, backups, excludeMap);
+
+    const std::optional<std::string> selection = buildSelection(manager.resourceSet);
+    if (!selection.has_value()) {
+        mofi_tracelog(kTraceFailure,
+                      "fi_process_backups : Resources not availabe, some/all are part of Skip "
+                      "rotation fiids");
+        return FI_STATUS_FAILURE;
+    }
+    CMallocedText result = duplicateForCaller(*selection);
+    if (result == nullptr) {
+        return FI_STATUS_FAILURE;
+    }
+    mofi_tracelog(kTraceProgress, "fi_process_backups : resource_config_string [%s] ",
+                  selection->c_str());
+    const std::vector<std::int32_t> flags = finalFlags(fiidNames, fiidFlags, backups);
+
+    manager.print();
+    printOutcome(backups);
+
+    // Only now, when nothing can throw any more, does the caller see the outcome, all of it at
+    // once.
+    *resultString = result.release();
+    std::copy(flags.begin(), flags.end(), fiidFlags);
+    return FI_STATUS_SUCCESS;
+}
