@@ -36,7 +36,7 @@ std::string replaceAll(const std::string& text, const Escape& escape) {
         result.append(text, copied, hit - copied).append(escape.replacement);
         copied = hit + escape.sequence.size();
     }
-    result.append(text, copied, std::string::npos);
+    result.append(text, copied);
 
     // The text is a C string to everybody behind this call: nothing after a NUL byte counts.
     result.resize(std::strlen(result.c_str()));

@@ -17,14 +17,14 @@
  * The format is printf's; level 3 carries failures, level 4 progress.
  */
 
-#include <stdint.h>
+#include <stdint.h> /* NOLINT(modernize-deprecated-headers): C reads this header too. */
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /* Bit of a flag word: the targets of this backup are never rotated. Other bits are ignored. */
-#define FI_EXCLUDE_ROTATION 4
+enum { FI_EXCLUDE_ROTATION = 4 };
 
 /* Status of a call; no other value is returned. */
 enum {

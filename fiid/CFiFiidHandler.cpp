@@ -34,6 +34,7 @@ std::optional<std::string> toLocalCodePage(const XMLCh* text) {
 }  // namespace
 
 CFiFiidHandler::CFiFiidHandler()
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a member, the last report; nothing is thrown.
     : lastException(nullptr, nullptr, nullptr, 0, 0, XMLPlatformUtils::fgMemoryManager) {
     traceEntering("CFiFiidHandler::CFiFiidHandler");
     traceExiting("CFiFiidHandler::CFiFiidHandler");
