@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace fi_rotate {
+
+struct SFileClose {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using CFile = std::unique_ptr<std::FILE, SFileClose>;
+
+// All bytes of `file`; nothing, with errno set, when it cannot be opened or read.
+std::optional<std::string> readFile(const std::string& file);
+
+}  // namespace fi_rotate

@@ -1,0 +1,41 @@
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/select.h"
+
+namespace {
+
+std::string failureMessage(const CLI::App* /*app*/, const CLI::Error& error) {
+    return std::string("fi-rotate: ") + error.what() + "\nRun fi-rotate with --help for help.\n";
+}
+
+int run(int argc, char** argv) {
+    int exitStatus = fi_rotate::kExitUsage;
+    CLI::App app("Runs rotations of snapshot targets by hand.", "fi-rotate");
+    app.set_version_flag("--version", FI_ROTATION_VERSION);
+    app.require_subcommand(1);
+    app.failure_message(failureMessage);
+    fi_rotate::addSelect(app, exitStatus);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version arrive as errors with status 0; all others are wrong usage.
+        const bool isWrong = app.exit(error) != 0;
+        return isWrong ? fi_rotate::kExitUsage : fi_rotate::kExitSelection;
+    }
+    return exitStatus;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "fi-rotate: %s\n", error.what());
+        return fi_rotate::kExitNotShown;
+    }
+}

@@ -1,0 +1,70 @@
+#include "cli/outcome.h"
+
+#include <cstddef>
+
+#include <fi_rotation/CFiUdidException.h>
+#include <fi_rotation/fi_process_backups.h>
+
+namespace fi_rotate {
+
+std::optional<std::vector<SChoice>> choices(std::string_view selection) {
+    constexpr std::string_view kBetween = "][";
+    std::vector<SChoice> result;
+    if (selection.empty()) {
+        return result;
+    }
+
+    // Neither target can hold a ';', which separates targets in the configuration.
+    std::string_view rest = selection.substr(1, selection.size() - 2);
+    while (true) {
+        const std::size_t end = rest.find(kBetween);
+        const std::string_view group = rest.substr(0, end);
+        const std::size_t separator = group.find(';');
+        if (separator == std::string_view::npos ||
+            group.find(';', separator + 1) != std::string_view::npos) {
+            return std::nullopt;
+        }
+        result.push_back(
+            {std::string(group.substr(0, separator)), std::string(group.substr(separator + 1))});
+        if (end == std::string_view::npos) {
+            return result;
+        }
+        rest.remove_prefix(end + kBetween.size());
+    }
+}
+
+std::optional<std::string_view> stateWord(const SBackup& backup) {
+    if (!backup.loaded) {
+        return "not loaded";
+    }
+    if (!backup.state.has_value()) {
+        return std::nullopt;
+    }
+    switch (*backup.state) {
+        case FI_BACKUP_KEPT:
+            return "kept";
+        case FI_BACKUP_INVALID:
+            return "invalid";
+        case FI_BACKUP_ROTATED:
+            return "rotated";
+        default:
+            return "unknown";
+    }
+}
+
+std::string_view identifierFault(std::int32_t code) {
+    switch (code) {
+        case CFiUdidException::kNothingAfterSecondPart:
+            return "nothing follows the second ## after its prefix";
+        case CFiUdidException::kNoPrefix:
+            return "it holds neither UDID## nor UEID##";
+        case CFiUdidException::kNoSeparatorAfterFirstPart:
+            return "no ## follows its prefix";
+        case CFiUdidException::kNoSeparatorAfterSecondPart:
+            return "only one ## follows its prefix";
+        default:
+            return "it is malformed";
+    }
+}
+
+}  // namespace fi_rotate

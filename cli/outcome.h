@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What one call of the library came to, as facts that every renderer shows alike.
+namespace fi_rotate {
+
+struct SBackup {
+    std::string file;
+    std::int32_t flagWord = 0;
+    // As the library reads it; empty when the document has none or was not loaded.
+    std::string timeStamp;
+    bool loaded = false;
+    // FI_BACKUP_...; nothing when the library handed no state back.
+    std::optional<std::int32_t> state;
+};
+
+// What left the library in place of a status.
+struct SException {
+    // Nothing for an exception that is not about an identifier.
+    std::optional<std::string> identifier;
+    std::optional<std::int32_t> code;
+    std::string reason;
+};
+
+struct SOutcome {
+    // Nothing when an exception left the call.
+    std::optional<std::int32_t> status;
+    // The selection string; nothing when there is none.
+    std::optional<std::string> selection;
+    std::optional<SException> exception;
+    // In the order given.
+    std::vector<SBackup> backups;
+    // Failures that the library traced, in order.
+    std::vector<std::string> messages;
+};
+
+// One configuration of a selection; targets as ENCLOSURE##DEVICE.
+struct SChoice {
+    std::string first;
+    std::string chosen;
+};
+
+// Takes a selection string apart. Nothing when a name in it holds "][", which makes it impossible to
+// say where one configuration ends.
+std::optional<std::vector<SChoice>> choices(std::string_view selection);
+
+// "kept", "invalid", "rotated", "not loaded"; nothing when the library handed no state back.
+std::optional<std::string_view> stateWord(const SBackup& backup);
+
+// What is wrong with an identifier, by the code of the exception that names it.
+std::string_view identifierFault(std::int32_t code);
+
+}  // namespace fi_rotate

@@ -1,0 +1,254 @@
+#include "cli/select.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "cli/file.h"
+#include "cli/json.h"
+#include "cli/library_call.h"
+#include "cli/outcome.h"
+#include "cli/printable.h"
+#include "cli/table.h"
+
+namespace fi_rotate {
+namespace {
+
+constexpr const char* kFooter = R"(Example:
+  fi-rotate select --config 'encA##lun1;encA##snap1;snap2' --exclude monday.xml monday.xml tuesday.xml
+
+Without FIID this is a first backup. Documents are loaded in the order given, up to the first that
+cannot be opened; that one and those after it are "not loaded" and take no part, like a document without
+a Node. State "-" (null in JSON): the library handed no states back, because there is no selection.
+
+JSON keys: status (null when an exception left the library), selection, configurations (first, chosen;
+null without a selection, and when names hold "][" so that the selection cannot be taken apart), backups
+(file, time_stamp, flag_word, excluded, state), exception (identifier, code, reason; or null), messages.
+A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.
+
+Exit status: 0 a selection, 3 none, 4 an exception left the library, 2 wrong usage, 1 the outcome could
+not be written.)";
+
+struct SOptions {
+    // Exactly one of the two is given.
+    std::optional<std::string> configuration;
+    std::optional<std::string> configurationFile;
+    std::vector<std::string> excluded;
+    std::vector<std::string> flagWords;
+    bool json = false;
+    bool trace = false;
+    std::optional<std::string> traceFile;
+    std::vector<std::string> files;
+};
+
+std::string errorText() {
+    return std::generic_category().message(errno);
+}
+
+std::string quoted(const std::string& text) {
+    return '"' + asPrintable(text) + '"';
+}
+
+std::string readConfigurationFile(const std::string& file) {
+    std::optional<std::string> text = readFile(file);
+    if (!text.has_value()) {
+        throw CLI::ValidationError("--config-file",
+                                   "cannot read " + quoted(file) + ": " + errorText());
+    }
+    // The library would take the text before it for the whole.
+    if (text->find('\0') != std::string::npos) {
+        throw CLI::ValidationError("--config-file", quoted(file) + " holds a NUL byte");
+    }
+    return *std::move(text);
+}
+
+void requireListed(const std::string& option, const std::string& file,
+                   const std::set<std::string>& listed) {
+    if (listed.count(file) == 0) {
+        throw CLI::ValidationError(option, quoted(file) + " is not among the FIIDs given");
+    }
+}
+
+// FILE=N; the last '=' separates, since a name may hold one.
+std::pair<std::string, std::int32_t> parseFlagWord(const std::string& text) {
+    const std::size_t separator = text.rfind('=');
+    std::int32_t flagWord = 0;
+    if (separator != std::string::npos) {
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + separator + 1, end, flagWord);
+        if (error == std::errc() && stop == end) {
+            return {text.substr(0, separator), flagWord};
+        }
+    }
+    throw CLI::ValidationError("--flags",
+                               quoted(text) + " is not FILE=N with N a whole number of 32 bits");
+}
+
+std::vector<SBackup> backupsOf(const SOptions& options) {
+    const std::set<std::string> listed(options.files.begin(), options.files.end());
+    std::map<std::string, std::int32_t> flagWords;
+    for (const std::string& text : options.flagWords) {
+        const auto [file, flagWord] = parseFlagWord(text);
+        requireListed("--flags", file, listed);
+        if (!flagWords.emplace(file, flagWord).second) {
+            throw CLI::ValidationError("--flags", quoted(file) + " has a flag word already");
+        }
+    }
+    for (const std::string& file : options.excluded) {
+        requireListed("--exclude", file, listed);
+        flagWords[file] |= FI_EXCLUDE_ROTATION;
+    }
+
+    std::vector<SBackup> backups;
+    for (const std::string& file : options.files) {
+        SBackup backup;
+        backup.file = file;
+        const auto found = flagWords.find(file);
+        backup.flagWord = found != flagWords.end() ? found->second : 0;
+        backups.push_back(std::move(backup));
+    }
+    return backups;
+}
+
+bool wantsColour() {
+    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
+}
+
+void say(const std::string& message) {
+    fmt::print(stderr, "fi-rotate: {}\n", asPrintable(message));
+}
+
+void sayNotLoaded(const std::vector<SBackup>& backups) {
+    const auto isNotLoaded = [](const SBackup& backup) { return !backup.loaded; };
+    const auto first = std::find_if(backups.begin(), backups.end(), isNotLoaded);
+    if (first == backups.end()) {
+        return;
+    }
+    const auto others = std::count_if(first + 1, backups.end(), isNotLoaded);
+    say("not loaded: \"" + first->file + "\"" +
+        (others == 0 ? "" : fmt::format(" and {} more", others)) +
+        "; took no part in the rotation");
+}
+
+void sayWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
+    if (!isTraceShown) {
+        std::for_each(outcome.messages.begin(), outcome.messages.end(), say);
+    }
+    if (outcome.exception.has_value()) {
+        const SException& exception = *outcome.exception;
+        say(exception.identifier.has_value()
+                ? fmt::format("malformed identifier \"{}\": {}", *exception.identifier,
+                              exception.reason)
+                : "an exception left the library: " + exception.reason);
+        return;
+    }
+    sayNotLoaded(outcome.backups);
+    if (!outcome.selection.has_value()) {
+        say("no selection: at least one configuration has no free target");
+    }
+}
+
+int exitStatusOf(const SOutcome& outcome) {
+    if (outcome.exception.has_value()) {
+        return kExitException;
+    }
+    return outcome.selection.has_value() ? kExitSelection : kExitNoSelection;
+}
+
+// Flushes what was written to `stream`, called `name`; false, with a message, when a write failed.
+bool isWritten(std::FILE* stream, const std::string& name) {
+    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    if (!written) {
+        say("cannot write " + name + ": " + errorText());
+    }
+    return written;
+}
+
+CFile openTraceFile(const std::string& file) {
+    CFile stream(std::fopen(file.c_str(), "w"));
+    if (stream == nullptr) {
+        throw CLI::ValidationError("--trace-file",
+                                   "cannot write " + quoted(file) + ": " + errorText());
+    }
+    return stream;
+}
+
+int runSelect(const SOptions& options) {
+    SCall call;
+    call.configuration = options.configuration.has_value()
+                             ? *options.configuration
+                             : readConfigurationFile(*options.configurationFile);
+    call.backups = backupsOf(options);
+
+    std::vector<std::FILE*> traceOutputs;
+    if (options.trace) {
+        traceOutputs.push_back(stderr);
+    }
+    CFile traceFile;
+    if (options.traceFile.has_value()) {
+        traceFile = openTraceFile(*options.traceFile);
+        traceOutputs.push_back(traceFile.get());
+    }
+
+    const SOutcome outcome = runCall(std::move(call), traceOutputs);
+    const std::string shown = options.json ? toJson(outcome) : toTables(outcome, wantsColour());
+    std::fwrite(shown.data(), 1, shown.size(), stdout);
+    sayWhatWentWrong(outcome, options.trace);
+
+    const bool outputWritten = isWritten(stdout, "standard output");
+    const bool traceWritten =
+        traceFile == nullptr || isWritten(traceFile.get(), *options.traceFile);
+    return outputWritten && traceWritten ? exitStatusOf(outcome) : kExitNotShown;
+}
+
+}  // namespace
+
+void addSelect(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<SOptions>();
+    CLI::App& select = *app.add_subcommand(
+        "select", "Choose the targets for a new backup and show what becomes of the others");
+    select.footer(kFooter);
+
+    CLI::Option_group& configuration = *select.add_option_group("configuration");
+    configuration.add_option("--config", options->configuration, "The resource configuration")
+        ->type_name("TEXT");
+    configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
+        ->type_name("FILE");
+    configuration.require_option(1);
+
+    select
+        .add_option("--exclude", options->excluded,
+                    "Never rotate this backup (adds 4 to its flag word)")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    select.add_option("--flags", options->flagWords, "The flag word of this backup")
+        ->type_name("FILE=N")
+        ->allow_extra_args(false);
+    select.add_flag("--json", options->json, "Show the outcome as one JSON document");
+    select.add_flag("--trace", options->trace,
+                    "Write the library's trace to standard error: level and text, one line a call");
+    select.add_option("--trace-file", options->traceFile, "Write the trace to a file")
+        ->type_name("FILE");
+    select.add_option("FIID", options->files, "Documents of the earlier backups")->type_name("");
+
+    select.callback([options, &exitStatus] { exitStatus = runSelect(*options); });
+}
+
+}  // namespace fi_rotate
