@@ -8,8 +8,13 @@
 
 namespace {
 
-std::string failureMessage(const CLI::App* /*app*/, const CLI::Error& error) {
-    return std::string("fi-rotate: ") + error.what() + "\nRun fi-rotate with --help for help.\n";
+std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
+    std::string message = std::string("fi-rotate: ") + error.what();
+    // What could not be understood may be what is missing: a subcommand with its name misspelt.
+    for (const std::string& argument : app->remaining()) {
+        message += " \"" + argument + "\"";
+    }
+    return message + "\nRun fi-rotate with --help for help.\n";
 }
 
 int run(int argc, char** argv) {
