@@ -1,4 +1,5 @@
-#pragma once
+#ifndef FI_UDID_EXCEPTION_H
+#define FI_UDID_EXCEPTION_H
 
 #include <cstdint>
 #include <string>
@@ -29,3 +30,5 @@ public:
     // Why it was rejected, one of the reasons above.
     std::int32_t code = 0;
 };
+
+#endif

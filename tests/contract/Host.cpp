@@ -1,0 +1,70 @@
+#include "tests/contract/Host.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+namespace fi_test {
+namespace {
+
+constexpr std::int32_t kGuard = 0x5AFE5AFE;
+
+struct SFree {
+    void operator()(char* text) const { std::free(text); }
+};
+
+}  // namespace
+
+EntryPoint entryPoint() {
+    static const EntryPoint function = [] {
+        void* const library = dlopen(FI_ROTATION_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) {
+            throw std::runtime_error(dlerror());
+        }
+        return reinterpret_cast<EntryPoint>(dlsym(library, "fi_process_backups"));
+    }();
+    return function;
+}
+
+SObserved call(const std::string& configuration, const std::vector<SListed>& backups) {
+    return callWithSize(configuration, backups, static_cast<std::int32_t>(backups.size()));
+}
+
+SObserved callWithSize(const std::string& configuration, const std::vector<SListed>& backups,
+                       std::int32_t size) {
+    std::vector<const char*> files;
+    std::vector<std::int32_t> words{kGuard};
+    for (const SListed& backup : backups) {
+        files.push_back(backup.file.c_str());
+        words.push_back(backup.flagWord);
+    }
+    words.push_back(kGuard);
+
+    const EntryPoint process = entryPoint();
+    char untouched = 'u';
+    char* result = &untouched;
+    SObserved observed;
+    TraceRecorder recorder;
+    testing::internal::CaptureStdout();
+    try {
+        observed.status =
+            process(files.data(), configuration.c_str(), words.data() + 1, size, &result);
+    } catch (const CFiUdidException& malformed) {
+        observed.exception = malformed;
+    }
+    observed.standardOutput = testing::internal::GetCapturedStdout();
+    observed.trace = recorder.take();
+
+    if (result != &untouched) {
+        const std::unique_ptr<char, SFree> selection(result);
+        observed.selection = selection.get();
+    }
+    EXPECT_EQ(words.front(), kGuard);
+    EXPECT_EQ(words.back(), kGuard);
+    observed.flags.assign(words.begin() + 1, words.end() - 1);
+    return observed;
+}
+
+}  // namespace fi_test

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <fi_rotation/CFiUdidException.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceRecorder.h"
+
+namespace fi_test {
+
+using EntryPoint = std::int32_t (*)(const char* const*, const char*, std::int32_t*, std::int32_t,
+                                    char**);
+
+// fi_process_backups of the built library, loaded once.
+EntryPoint entryPoint();
+
+struct SListed {
+    std::string file;
+    std::int32_t flagWord = 0;
+};
+
+// All that a host sees of one call.
+struct SObserved {
+    // Nothing when an exception left the call.
+    std::optional<std::int32_t> status;
+    std::optional<CFiUdidException> exception;
+    // Nothing when the target of resultString was left as it was.
+    std::optional<std::string> selection;
+    std::vector<std::int32_t> flags;
+    Trace trace;
+    std::string standardOutput;
+};
+
+// Calls the library with the words around the flag array guarded.
+SObserved call(const std::string& configuration, const std::vector<SListed>& backups);
+
+// The same with another size than that of the list.
+SObserved callWithSize(const std::string& configuration, const std::vector<SListed>& backups,
+                       std::int32_t size);
+
+// A test with documents in a folder of its own.
+class CContractTest : public testing::Test {
+protected:
+    std::string path(const std::string& name) const { return folder.path(name); }
+    std::string write(const std::string& name, const std::string& content) const {
+        return folder.write(name, content);
+    }
+
+    TemporaryFolder folder;
+};
+
+}  // namespace fi_test

@@ -1,0 +1,71 @@
+// What a call does when its selection cannot be duplicated. The library finds this program's strdup before
+// the C library's.
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/contract/Document.h"
+#include "tests/contract/Host.h"
+
+namespace {
+
+bool isShortOfMemory = false;
+int duplicates = 0;
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) char* strdup(const char* text) noexcept {
+    ++duplicates;
+    if (isShortOfMemory) {
+        return nullptr;
+    }
+    const std::size_t size = std::strlen(text) + 1;
+    void* const copy = std::malloc(size);
+    return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
+}
+
+namespace {
+
+using fi_test::call;
+using fi_test::SObserved;
+
+class Strdup : public fi_test::CContractTest {
+protected:
+    Strdup() { duplicates = 0; }
+    ~Strdup() override { isShortOfMemory = false; }
+};
+
+TEST_F(Strdup, MakesTheSelectionThatTheCallerGets) {
+    EXPECT_EQ(call("encA##lun1;snap1", {}).selection, "[encA##lun1;encA##snap1]");
+    EXPECT_EQ(duplicates, 1);
+}
+
+TEST_F(Strdup, FailureFailsAFirstBackup) {
+    isShortOfMemory = true;
+    const SObserved observed = call("encA##lun1;snap1", {});
+    EXPECT_EQ(observed.status, 3);
+    EXPECT_EQ(observed.selection, std::nullopt);
+    EXPECT_EQ(duplicates, 1);
+}
+
+TEST_F(Strdup, FailureFailsARotationAndLeavesTheFlagsAsTheyWere) {
+    const std::string a =
+        write("a.xml", fi_test::toXml(fi_test::backup("1", {{"encA##lun1", "encA##snap1"}})));
+    isShortOfMemory = true;
+    const SObserved observed = call("encA##lun1;snap1", {{a, 8}});
+    EXPECT_EQ(observed.status, 3);
+    EXPECT_EQ(observed.selection, std::nullopt);
+    EXPECT_EQ(observed.flags, std::vector<std::int32_t>{8});
+    EXPECT_EQ(duplicates, 1);
+
+    isShortOfMemory = false;
+    EXPECT_EQ(call("encA##lun1;snap1", {{a, 8}}).flags, std::vector<std::int32_t>{2});
+}
+
+}  // namespace

@@ -1,0 +1,224 @@
+#include "fiid/CFiFiidLoader.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/fiid/Tree.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceRecorder.h"
+
+namespace {
+
+using fi_test::Trace;
+using Files = std::vector<std::string>;
+
+constexpr const char* kCannotOpen = "CFiFiidLoader::load: ERROR: failed to load FIID file";
+
+// A loader, the trees that it loads, and a folder with documents.
+class CFiFiidLoaderTest : public testing::Test {
+protected:
+    std::string document(const std::string& name, const std::string& objid) {
+        return folder.write(name, "<Node><objid>" + objid + "</objid></Node>");
+    }
+
+    // "objid@file" of each root, in order.
+    Files roots() const {
+        Files result;
+        for (const CFiFiidNode* node : loader.nodes) {
+            result.push_back(node->objid + '@' + node->fiidFile);
+        }
+        return result;
+    }
+
+    // The content that load gives for a file with these bytes.
+    std::string loaded(const std::string& bytes) {
+        std::string content;
+        EXPECT_EQ(loader.load(folder.write("loaded", bytes), content), 0);
+        return content;
+    }
+
+    fi_test::TemporaryFolder folder;
+    CFiFiidLoader loader;
+    CFiTreeReleaser releaser{loader.nodes};
+};
+
+TEST_F(CFiFiidLoaderTest, EmptyListLoadsNothingAndEmptiesFiles) {
+    loader.files = {"old"};
+    fi_test::TraceRecorder recorder;
+    EXPECT_EQ(loader.import({}), 0);
+    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"}, {4, "Exiting \n"}}));
+    EXPECT_TRUE(loader.nodes.empty());
+    EXPECT_TRUE(loader.files.empty());
+}
+
+TEST_F(CFiFiidLoaderTest, KeepsTheRootsInTheOrderOfTheListEachWithItsName) {
+    const std::string a = document("a", "A");
+    const std::string b = document("b", "B");
+    EXPECT_EQ(loader.import({b, a}), 0);
+    EXPECT_EQ(roots(), (Files{"B@" + b, "A@" + a}));
+    EXPECT_EQ(loader.files, (Files{b, a}));
+}
+
+TEST_F(CFiFiidLoaderTest, OnlyTheRootOfADocumentKnowsItsFile) {
+    const std::string file = folder.write("a", "<Node><Node/></Node>");
+    EXPECT_EQ(loader.import({file}), 0);
+    EXPECT_EQ(loader.nodes.at(0)->fiidFile, file);
+    EXPECT_EQ(loader.nodes.at(0)->children.at(0)->fiidFile, "");
+}
+
+TEST_F(CFiFiidLoaderTest, MissingFileEndsTheImport) {
+    const std::string a = document("a", "A");
+    const std::string c = document("c", "C");
+    const std::string missing = folder.path("missing");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(loader.import({a, missing, c}), 6);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "ERROR: failed to load FIID file [" + missing + "]\n");
+    EXPECT_EQ(roots(), Files{"A@" + a});
+    EXPECT_EQ(loader.files, (Files{a, missing, c}));
+}
+
+TEST_F(CFiFiidLoaderTest, MissingFileTracesTheFailureBetweenEntryAndExit) {
+    testing::internal::CaptureStdout();
+    fi_test::TraceRecorder recorder;
+    EXPECT_EQ(loader.import({folder.path("missing"), document("a", "A")}), 6);
+    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"},
+                                      {4, "Entering \n"},
+                                      {3, kCannotOpen},
+                                      {4, "Exiting \n"},
+                                      {4, "Exiting \n"}}));
+    testing::internal::GetCapturedStdout();
+}
+
+TEST_F(CFiFiidLoaderTest, LoadOfAMissingFileClearsTheContent) {
+    std::string content = "old";
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(loader.load(folder.path("100%s"), content), 6);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "ERROR: failed to load FIID file [" + folder.path("100%s") + "]\n");
+    EXPECT_EQ(content, "");
+}
+
+TEST_F(CFiFiidLoaderTest, LoadReplacesTheContentAndTracesEntryAndExit) {
+    const std::string file = folder.write("a", "new");
+    std::string content = "old";
+    fi_test::TraceRecorder recorder;
+    EXPECT_EQ(loader.load(file, content), 0);
+    EXPECT_EQ(content, "new");
+    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"}, {4, "Exiting \n"}}));
+}
+
+TEST_F(CFiFiidLoaderTest, LinesOfEveryLengthAreReadWholeAndUnchanged) {
+    for (const std::size_t length : {0, 1, 2045, 2046, 2047, 2048, 4094, 4095, 4096, 10000}) {
+        const std::string bytes = std::string(length, 'x') + "\nlast line without an end";
+        EXPECT_EQ(loaded(bytes), bytes) << length;
+    }
+}
+
+TEST_F(CFiFiidLoaderTest, LineEndsOfAllKindsStayAsTheyAre) {
+    EXPECT_EQ(loaded("a\r\nb\rc\n\n"), "a\r\nb\rc\n\n");
+}
+
+TEST_F(CFiFiidLoaderTest, NulByteCutsTheRestOfItsLine) {
+    EXPECT_EQ(loaded(std::string("ab\0cd\nef\n", 9)), "abef\n");
+    EXPECT_EQ(loaded(std::string("\0\0\nx", 4)), "x");
+}
+
+// A line longer than the buffer is read in pieces of 2047 bytes, and a NUL byte cuts its piece.
+TEST_F(CFiFiidLoaderTest, NulByteInALongLineCutsItsPieceOnly) {
+    std::string bytes = std::string(3000, 'x') + '\n';
+    bytes[10] = '\0';
+    EXPECT_EQ(loaded(bytes), std::string(10, 'x') + std::string(3000 - 2047, 'x') + '\n');
+}
+
+TEST_F(CFiFiidLoaderTest, EmptyFileYieldsNoRootAndIsNoFailure) {
+    const std::string a = document("a", "A");
+    EXPECT_EQ(loader.import({folder.write("empty", ""), a}), 0);
+    EXPECT_EQ(roots(), Files{"A@" + a});
+}
+
+TEST_F(CFiFiidLoaderTest, DirectoryOpensAndYieldsNoRoot) {
+    const std::string a = document("a", "A");
+    EXPECT_EQ(loader.import({folder.path(""), a}), 0);
+    EXPECT_EQ(roots(), Files{"A@" + a});
+}
+
+TEST_F(CFiFiidLoaderTest, DocumentWithoutANodeAddsNothing) {
+    EXPECT_EQ(loader.import({folder.write("a", "<other/>")}), 0);
+    EXPECT_TRUE(loader.nodes.empty());
+}
+
+TEST_F(CFiFiidLoaderTest, MalformedDocumentKeepsTheRootBuiltBeforeTheFault) {
+    const std::string file = folder.write("a", "<Node><objid>A</objid></Wrong>");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(loader.import({file}), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(roots(), Files{"A@" + file});
+}
+
+TEST_F(CFiFiidLoaderTest, NameListedTwiceYieldsTwoRoots) {
+    const std::string a = document("a", "A");
+    EXPECT_EQ(loader.import({a, a}), 0);
+    EXPECT_EQ(roots(), (Files{"A@" + a, "A@" + a}));
+    EXPECT_NE(loader.nodes[0], loader.nodes[1]);
+}
+
+TEST_F(CFiFiidLoaderTest, SecondImportAppendsRootsAndReplacesFiles) {
+    const std::string a = document("a", "A");
+    const std::string b = document("b", "B");
+    EXPECT_EQ(loader.import({a}), 0);
+    EXPECT_EQ(loader.import({b}), 0);
+    EXPECT_EQ(roots(), (Files{"A@" + a, "B@" + b}));
+    EXPECT_EQ(loader.files, Files{b});
+}
+
+TEST_F(CFiFiidLoaderTest, OneDocumentTracesLoadParserAndHandlerInTheOrderOfTheirLives) {
+    const std::string file = folder.write("a", "<Node><objid>A</objid></Node>");
+    fi_test::TraceRecorder recorder;
+    EXPECT_EQ(loader.import({file}), 0);
+    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"},
+                                      {4, "Entering \n"},
+                                      {4, "Exiting \n"},
+                                      {4, "Entering CFiFiidParser::CFiFiidParser\n"},
+                                      {4, "Entering CFiFiidParser::init\n"},
+                                      {4, "Exiting CFiFiidParser::init\n"},
+                                      {4, "Exiting CFiFiidParser::CFiFiidParser\n"},
+                                      {4, "Entering CFiFiidHandler::CFiFiidHandler\n"},
+                                      {4, "Exiting CFiFiidHandler::CFiFiidHandler\n"},
+                                      {4, "Entering CFiFiidParser::setHandler\n"},
+                                      {4, "Exiting CFiFiidParser::setHandler\n"},
+                                      {4, "Entering CFiFiidParser::parse\n"},
+                                      {4, "Entering CFiFiidHandler::startElement\n"},
+                                      {4, "Exiting CFiFiidHandler::startElement\n"},
+                                      {4, "Entering CFiFiidHandler::startElement\n"},
+                                      {4, "Exiting CFiFiidHandler::startElement\n"},
+                                      {4, "Entering CFiFiidHandler::endElement\n"},
+                                      {4, "Exiting CFiFiidHandler::endElement\n"},
+                                      {4, "Entering CFiFiidHandler::endElement\n"},
+                                      {4, "Exiting CFiFiidHandler::endElement\n"},
+                                      {4, "Exiting CFiFiidHandler::endElement\n"},
+                                      {4, "Exiting CFiFiidParser::parse\n"},
+                                      {4, "Entering CFiFiidHandler::~CFiFiidHandler\n"},
+                                      {4, "Exiting CFiFiidHandler::~CFiFiidHandler\n"},
+                                      {4, "Entering CFiFiidParser::~CFiFiidParser\n"},
+                                      {4, "Exiting CFiFiidParser::~CFiFiidParser\n"},
+                                      {4, "Exiting \n"}}));
+}
+
+TEST(CFiFiidLoader, DestructionTracesNothingAndDeletesNoNode) {
+    const fi_test::TemporaryFolder folder;
+    fi_test::STrees trees;
+    fi_test::TraceRecorder recorder;
+    {
+        CFiFiidLoader loader;
+        EXPECT_EQ(loader.import({folder.write("a", "<Node><objid>A</objid></Node>")}), 0);
+        trees.roots = loader.nodes;
+        recorder.take();
+    }
+    EXPECT_EQ(recorder.take(), Trace());
+    EXPECT_EQ(fi_test::dump(trees.roots.at(0)), "(A|||0)");
+}
+
+}  // namespace

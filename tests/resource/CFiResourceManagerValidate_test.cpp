@@ -1,0 +1,341 @@
+#include "resource/CFiResourceManager.h"
+
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fiid/CFiFiidNode.h"
+#include "resource/CFiResourceParser.h"
+#include "resource/CFiUdidException.h"
+#include "tests/support/TraceRecorder.h"
+
+namespace {
+
+constexpr int kCheck = 0;
+constexpr int kClaim = 1;
+constexpr int kRelease = 2;
+constexpr int kAnotherMode = 7;
+
+// A root without identifiers and one child for each pair of objid and altobjid.
+class CBackup {
+public:
+    CBackup(std::initializer_list<std::pair<std::string, std::string>> pairs) {
+        for (const auto& [objid, altobjid] : pairs) {
+            auto node = std::make_unique<CFiFiidNode>();
+            node->objid = objid;
+            node->altobjid = altobjid;
+            node->parent = &root;
+            root.children.push_back(node.get());
+            nodes.push_back(std::move(node));
+        }
+    }
+    CFiFiidNode* get() { return &root; }
+
+private:
+    CFiFiidNode root;
+    std::vector<std::unique_ptr<CFiFiidNode>> nodes;
+};
+
+std::string udid(const std::string& target) {
+    return "UDID##v##m##" + target;
+}
+
+CFiResourceManager managerOf(const char* configuration) {
+    CFiResourceParser parser;
+    EXPECT_EQ(parser.parse(configuration), 0);
+    CFiResourceManager manager;
+    manager.resourceSet = parser.configurations;
+    return manager;
+}
+
+// States of lists and their targets: "1:0,1 0:0" is a Used list with an Available and a Used target, then
+// an Available list with an Available target.
+std::string states(const CFiResourceManager& manager) {
+    std::string text;
+    for (const SFiResourceList& list : manager.resourceSet) {
+        text += (text.empty() ? "" : " ") + std::to_string(list.state) + ':';
+        for (const SFiResource& resource : list.resources) {
+            text += (text.back() == ':' ? "" : ",") + std::to_string(resource.state);
+        }
+    }
+    return text;
+}
+
+std::optional<CFiUdidException> thrownBy(CFiResourceManager& manager, CBackup& backup, int mode) {
+    try {
+        manager.validateResources(backup.get(), mode);
+    } catch (const CFiUdidException& malformed) {
+        return malformed;
+    }
+    return std::nullopt;
+}
+
+TEST(CFiResourceManagerValidate, BackupWithoutPairsIsValidInEveryModeAndChangesNothing) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{"no identifier", "at all"}, {"UEID##v##m##encA##lun1", "x"}};
+    for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
+        EXPECT_TRUE(manager.validateResources(backup.get(), mode)) << mode;
+        EXPECT_EQ(states(manager), "0:0") << mode;
+    }
+}
+
+TEST(CFiResourceManagerValidate, CheckOfMatchingPairsIsTrueAndChangesNothing) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encB##lun2;snap3");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")},
+                   {udid("encB##lun2"), udid("encB##snap3")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(states(manager), "0:0,0 0:0");
+}
+
+TEST(CFiResourceManagerValidate, ClaimMarksTheTargetAndItsListUsed) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encB##lun2;snap3");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:0,1 0:0");
+}
+
+TEST(CFiResourceManagerValidate, ReleaseMarksTheTargetAvailableAndLeavesItsListUsed) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_TRUE(manager.validateResources(backup.get(), kRelease));
+    EXPECT_EQ(states(manager), "1:0,0");
+}
+
+TEST(CFiResourceManagerValidate, CheckPassesWhateverTheStatesAre) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(states(manager), "1:1");
+}
+
+TEST(CFiResourceManagerValidate, CheckEndsAtTheFirstUnmatchedPair) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun9"), udid("encA##snap1")},
+                   {udid("encB##lun1"), "malformed"},
+                   {udid("encC##lun1"), udid("encA##snap1")}};
+    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+}
+
+TEST(CFiResourceManagerValidate, OtherModesGoOnBehindAnUnmatchedPair) {
+    for (const int mode : {kClaim, kRelease, kAnotherMode}) {
+        CFiResourceManager manager = managerOf("encB##lun1;snap1");
+        manager.resourceSet[0].resources[0].state = mode == kRelease ? 1 : 0;
+        CBackup backup{{udid("encA##unknown"), udid("encA##snap1")},
+                       {udid("encB##lun1"), udid("encB##snap1")}};
+        EXPECT_FALSE(manager.validateResources(backup.get(), mode)) << mode;
+        EXPECT_EQ(states(manager), mode == kClaim ? "1:1" : "0:0") << mode;
+    }
+    CFiResourceManager manager = managerOf("encB##lun1;snap1");
+    CBackup backup{{udid("encA##unknown"), udid("encA##snap1")}, {udid("encB##lun1"), "malformed"}};
+    EXPECT_TRUE(thrownBy(manager, backup, kAnotherMode).has_value());
+}
+
+TEST(CFiResourceManagerValidate, AnotherModeChangesNothing) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kAnotherMode));
+    EXPECT_EQ(states(manager), "0:0");
+    EXPECT_TRUE(manager.validateResources(backup.get(), -1));
+    EXPECT_EQ(states(manager), "0:0");
+}
+
+TEST(CFiResourceManagerValidate, ClaimOfOneTargetByTwoPairsFailsAndKeepsItUsed) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{"a" + udid("encA##lun1"), udid("encA##snap1")},
+                   {"b" + udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_FALSE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:1");
+}
+
+TEST(CFiResourceManagerValidate, ClaimThatFailsPartWayKeepsWhatItClaimed) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1&encA##lun2;snap2&encA##lun3;snap3");
+    CBackup newer{{udid("encA##lun2"), udid("encA##snap2")}};
+    CBackup older{{udid("encA##lun1"), udid("encA##snap1")},
+                  {udid("encA##lun2"), udid("encA##snap2")},
+                  {udid("encA##lun3"), udid("encA##snap3")}};
+    EXPECT_TRUE(manager.validateResources(newer.get(), kClaim));
+    EXPECT_FALSE(manager.validateResources(older.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:1 1:1 1:1");
+}
+
+TEST(CFiResourceManagerValidate, ClaimTakesATargetThatIsInvalidRatherThanUsed) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    manager.resourceSet[0].resources[0].state = 2;
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:1");
+}
+
+TEST(CFiResourceManagerValidate, ReleaseThatFailsPartWayStillReleasesWhatMatched) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1&encA##lun2;snap2");
+    manager.resourceSet[0].resources[0].state = 1;
+    manager.resourceSet[1].resources[0].state = 1;
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap9")},
+                   {udid("encA##lun2"), udid("encA##snap2")}};
+    EXPECT_FALSE(manager.validateResources(backup.get(), kRelease));
+    EXPECT_EQ(states(manager), "0:1 0:0");
+}
+
+TEST(CFiResourceManagerValidate, PairThatNamesTheFirstTargetTwiceIsUnmatched) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun1"), udid("encA##lun1")}};
+    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+}
+
+TEST(CFiResourceManagerValidate, PairOutsideTheConfigurationIsUnmatched) {
+    const std::pair<std::string, std::string> rows[] = {
+        {udid("encA##lun9"), udid("encA##snap1")},  // no such configuration
+        {udid("encB##lun1"), udid("encA##snap1")},  // the device in another enclosure
+        {udid("encA##lun1"), udid("encB##snap1")},  // the target in another enclosure
+        {udid("encA##lun1"), udid("encA##snap3")},  // a target of another configuration
+        {udid("encA##LUN1"), udid("encA##snap1")},  // case counts
+        {udid("encA##lun1"), udid("encA##Snap1")},
+        {udid("encA##lun1"), udid("encA##snap1 ")},  // whole strings
+        {udid("encA##snap1"), udid("encA##lun1")},   // the wrong way round
+    };
+    for (const auto& row : rows) {
+        CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encA##lun2;snap3");
+        CBackup backup{row};
+        EXPECT_FALSE(manager.validateResources(backup.get(), kCheck))
+            << row.first << ' ' << row.second;
+    }
+}
+
+TEST(CFiResourceManagerValidate, PassesOverAListThatLacksTheTarget) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1&encB##lun1;snap2&encA##lun1;snap2");
+    manager.resourceSet[1].resources[0].enclosure = "encA";
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "0:0 0:0 1:1");
+}
+
+TEST(CFiResourceManagerValidate, TakesTheFirstOfSeveralMatchingTargets) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2;snap2&encA##lun1;snap2");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:0,1,0 0:0");
+    EXPECT_FALSE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:0,1,0 0:0");
+}
+
+TEST(CFiResourceManagerValidate, EnclosureIdentifierAsValueNamesNoTarget) {
+    CFiResourceManager manager = managerOf("encA##lun1;c##snap1;##c");
+    CBackup backup{{udid("encA##lun1"), "UEID##a##b##c"}};
+    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+}
+
+TEST(CFiResourceManagerValidate, FourPartEnclosureIdentifierAsValueMatchesLikeADevice) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun1"), "UEID##v##m##encA##snap1"}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+}
+
+TEST(CFiResourceManagerValidate, KeyWithoutAnEnclosureMatchesNoConfiguration) {
+    CFiResourceManager manager = managerOf("encA##c;snap1");
+    CBackup backup{{"UDID##a##b##c", udid("encA##snap1")}};
+    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+}
+
+TEST(CFiResourceManagerValidate, ValueWithoutAnEnclosureMatchesATargetWithoutOne) {
+    CFiResourceManager manager = managerOf("encA##lun1;##c");
+    CBackup backup{{udid("encA##lun1"), "UDID##a##b##c"}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:1");
+}
+
+TEST(CFiResourceManagerValidate, OfNodesWithTheSameObjidTheLastCounts) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2");
+    CBackup backup{{udid("encA##lun1"), "malformed"},
+                   {udid("encA##lun1"), udid("encA##snap1")},
+                   {udid("encA##lun1"), udid("encA##snap2")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:0,1");
+}
+
+TEST(CFiResourceManagerValidate, MalformedIdentifiersAreTracedAndThrownOn) {
+    const struct {
+        std::string objid, altobjid, identifier;
+        std::int32_t code;
+    } rows[] = {
+        {"UDID##a", udid("encA##snap1"), "UDID##a", 3},
+        {"UDID##a##b", udid("encA##snap1"), "UDID##a##b", 4},
+        {"UDID##a##b##", udid("encA##snap1"), "UDID##a##b##", 1},
+        {udid("encA##lun1"), "snap1", "snap1", 2},
+        {udid("encA##lun1"), "", "", 2},
+        {"UDID##a", "snap1", "UDID##a", 3},
+    };
+    for (const auto& row : rows) {
+        for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
+            CFiResourceManager manager = managerOf("encA##lun1;snap1");
+            CBackup backup{{row.objid, row.altobjid}};
+            fi_test::TraceRecorder recorder;
+            const auto thrown = thrownBy(manager, backup, mode);
+            ASSERT_TRUE(thrown.has_value()) << row.objid << ' ' << row.altobjid;
+            EXPECT_EQ(thrown->identifier, row.identifier);
+            EXPECT_EQ(thrown->code, row.code) << row.identifier;
+            EXPECT_EQ(recorder.take(), (fi_test::Trace{{3, "ERROR: " + row.identifier}}));
+        }
+    }
+}
+
+TEST(CFiResourceManagerValidate, MalformedValueThrowsThoughItsKeyMatchesNoConfiguration) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encZ##unknown"), "malformed"}};
+    const auto thrown = thrownBy(manager, backup, kCheck);
+    ASSERT_TRUE(thrown.has_value());
+    EXPECT_EQ(thrown->identifier, "malformed");
+}
+
+TEST(CFiResourceManagerValidate, PairsAreVisitedInTheOrderOfTheirKeysNotOfTheDocument) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup malformedLast{{udid("encB##x"), "malformed"}, {udid("encA##x"), udid("encA##snap1")}};
+    EXPECT_FALSE(manager.validateResources(malformedLast.get(), kCheck));
+    CBackup malformedFirst{{udid("encB##x"), udid("encA##snap1")}, {udid("encA##x"), "malformed"}};
+    EXPECT_TRUE(thrownBy(manager, malformedFirst, kCheck).has_value());
+}
+
+TEST(CFiResourceManagerValidate, StatesChangedBeforeTheExceptionStayChanged) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1&encB##lun2;snap2");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}, {udid("encB##lun2"), "malformed"}};
+    EXPECT_TRUE(thrownBy(manager, backup, kClaim).has_value());
+    EXPECT_EQ(states(manager), "1:1 0:0");
+}
+
+TEST(CFiResourceManagerValidate, FindsPairsAtEveryDepthAndInTheNodeItself) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1&encA##lun2;snap2&encA##lun3;snap3");
+    CFiFiidNode root;
+    CFiFiidNode child;
+    CFiFiidNode grandchild;
+    root.children = {&child};
+    child.children = {&grandchild};
+    root.objid = udid("encA##lun1");
+    root.altobjid = udid("encA##snap1");
+    child.objid = "x" + udid("encA##lun2");
+    child.altobjid = udid("encA##snap2");
+    grandchild.objid = udid("encA##lun3");
+    grandchild.altobjid = udid("encA##snap3");
+    EXPECT_TRUE(manager.validateResources(&root, kClaim));
+    EXPECT_EQ(states(manager), "1:1 1:1 1:1");
+}
+
+TEST(CFiResourceManagerValidate, WritesNoTraceLinesOtherwise) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup matching{{udid("encA##lun1"), udid("encA##snap1")}};
+    CBackup unmatched{{udid("encA##lun9"), udid("encA##snap1")}};
+    fi_test::TraceRecorder recorder;
+    for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
+        manager.validateResources(matching.get(), mode);
+        manager.validateResources(unmatched.get(), mode);
+    }
+    EXPECT_EQ(recorder.take(), fi_test::Trace());
+}
+
+}  // namespace

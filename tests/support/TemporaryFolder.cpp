@@ -1,0 +1,37 @@
+#include "tests/support/TemporaryFolder.h"
+
+#include <stdlib.h>
+
+#include <cerrno>
+#include <fstream>
+#include <ios>
+#include <system_error>
+
+namespace fi_test {
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "fi-rotation-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) {
+        throw std::system_error(errno, std::generic_category(), pattern);
+    }
+    folder = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+}
+
+std::string TemporaryFolder::path(const std::string& name) const {
+    return (folder / name).string();
+}
+
+std::string TemporaryFolder::write(const std::string& name, std::string_view content) const {
+    std::ofstream file(folder / name, std::ios::binary);
+    file.exceptions(std::ios::failbit | std::ios::badbit);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    file.close();
+    return path(name);
+}
+
+}  // namespace fi_test

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace fi_test {
+
+// A folder of its own for one test, removed with all that is in it.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    // The path of `name` in this folder, whether it exists or not.
+    std::string path(const std::string& name) const;
+
+    // Writes `content` byte for byte and returns the file's path.
+    std::string write(const std::string& name, std::string_view content) const;
+
+private:
+    std::filesystem::path folder;
+};
+
+}  // namespace fi_test

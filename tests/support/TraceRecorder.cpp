@@ -1,0 +1,63 @@
+#include "tests/support/TraceRecorder.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <ostream>
+#include <stdexcept>
+#include <utility>
+
+namespace fi_test {
+namespace {
+
+// The trace call has no context argument, so its receiver must be reachable without one.
+TraceRecorder* activeRecorder = nullptr;
+
+std::string formatted(const char* format, std::va_list arguments) {
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    std::vsnprintf(text.data(), text.size(), format, again);
+    va_end(again);
+    text.pop_back();
+    return text;
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const TraceLine& line) {
+    return out << line.level << ' ' << line.text;
+}
+
+TraceRecorder::TraceRecorder() {
+    if (activeRecorder != nullptr) {
+        throw std::logic_error("a trace recorder exists already");
+    }
+    activeRecorder = this;
+}
+
+TraceRecorder::~TraceRecorder() {
+    activeRecorder = nullptr;
+}
+
+Trace TraceRecorder::take() {
+    return std::exchange(lines, {});
+}
+
+void TraceRecorder::add(TraceLine line) {
+    lines.push_back(std::move(line));
+}
+
+}  // namespace fi_test
+
+extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int level, const char* format,
+                                                                     ...) {
+    if (fi_test::activeRecorder == nullptr) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::string text = fi_test::formatted(format, arguments);
+    va_end(arguments);
+    fi_test::activeRecorder->add({level, std::move(text)});
+}
