@@ -1,0 +1,153 @@
+#include "tests/cli/Program.h"
+
+#include <fcntl.h>
+#include <pty.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string_view>
+#include <system_error>
+
+#include "tests/support/TemporaryFolder.h"
+
+extern char** environ;
+
+namespace fi_test {
+namespace {
+
+class CDescriptor {
+public:
+    explicit CDescriptor(int opened) : descriptor(opened) {
+        if (descriptor == -1) {
+            throw std::system_error(errno, std::generic_category(), "open");
+        }
+    }
+    ~CDescriptor() { close(); }
+    CDescriptor(const CDescriptor&) = delete;
+    CDescriptor& operator=(const CDescriptor&) = delete;
+
+    void close() {
+        if (descriptor != -1) {
+            ::close(descriptor);
+            descriptor = -1;
+        }
+    }
+    int get() const { return descriptor; }
+
+private:
+    int descriptor;
+};
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts) {
+        pointers.push_back(text.data());
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+std::vector<std::string> environmentWith(const std::vector<std::string>& additions) {
+    std::vector<std::string> result;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        if (std::string_view(*entry).substr(0, 9) != "NO_COLOR=") {
+            result.emplace_back(*entry);
+        }
+    }
+    result.insert(result.end(), additions.begin(), additions.end());
+    return result;
+}
+
+pid_t start(std::vector<std::string> arguments, const std::vector<std::string>& additions,
+            int output, int error) {
+    arguments.insert(arguments.begin(), FI_ROTATE_PROGRAM);
+    std::vector<std::string> environment = environmentWith(additions);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, error, STDERR_FILENO);
+    pid_t process = -1;
+    const int failure = posix_spawn(&process, FI_ROTATE_PROGRAM, &actions, nullptr,
+                                    pointersTo(arguments).data(), pointersTo(environment).data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (failure != 0) {
+        throw std::system_error(failure, std::generic_category(), FI_ROTATE_PROGRAM);
+    }
+    return process;
+}
+
+int waitFor(pid_t process) {
+    int status = 0;
+    waitpid(process, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Until the end of the file; a terminal ends with an error when its last writer has gone.
+std::string readAll(int descriptor) {
+    std::string text;
+    char piece[4096];
+    for (ssize_t length = 0; (length = read(descriptor, piece, sizeof piece)) > 0;) {
+        text.append(piece, static_cast<std::size_t>(length));
+    }
+    return text;
+}
+
+std::string readBack(const CDescriptor& file) {
+    lseek(file.get(), 0, SEEK_SET);
+    return readAll(file.get());
+}
+
+CDescriptor scratchFile(const TemporaryFolder& folder, const std::string& name) {
+    return CDescriptor(open(folder.path(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+}
+
+}  // namespace
+
+SProgramResult runFiRotate(const std::vector<std::string>& arguments,
+                           const std::vector<std::string>& environment) {
+    const TemporaryFolder folder;
+    const CDescriptor output = scratchFile(folder, "output");
+    const CDescriptor error = scratchFile(folder, "error");
+    SProgramResult result;
+    result.exitStatus = waitFor(start(arguments, environment, output.get(), error.get()));
+    result.output = readBack(output);
+    result.error = readBack(error);
+    return result;
+}
+
+SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
+                                     const std::vector<std::string>& environment) {
+    const TemporaryFolder folder;
+    const CDescriptor error = scratchFile(folder, "error");
+    int ends[2] = {-1, -1};
+    if (openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) == -1) {
+        throw std::system_error(errno, std::generic_category(), "openpty");
+    }
+    const CDescriptor ours(ends[0]);
+    CDescriptor theirs(ends[1]);
+
+    const pid_t process = start(arguments, environment, theirs.get(), error.get());
+    theirs.close();
+    SProgramResult result;
+    result.output = readAll(ours.get());
+    result.exitStatus = waitFor(process);
+    result.error = readBack(error);
+    return result;
+}
+
+std::string example(const std::string& name) {
+    return FI_ROTATE_EXAMPLES "/" + name;
+}
+
+std::vector<std::string> exampleBackups() {
+    std::vector<std::string> paths;
+    for (int day = 1; day <= 8; ++day) {
+        paths.push_back(example("backup-2026-10-0" + std::to_string(day) + ".xml"));
+    }
+    return paths;
+}
+
+}  // namespace fi_test

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace fi_test {
+
+struct SProgramResult {
+    int exitStatus = -1;
+    std::string output;
+    std::string error;
+};
+
+// Runs fi-rotate with `arguments` to its end. `environment` entries (NAME=VALUE) are added to ours,
+// from which NO_COLOR is taken away.
+SProgramResult runFiRotate(const std::vector<std::string>& arguments,
+                           const std::vector<std::string>& environment = {});
+
+// The same with a terminal as standard output.
+SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
+                                     const std::vector<std::string>& environment = {});
+
+// The path of a file in the examples.
+std::string example(const std::string& name);
+
+// Paths of the eight example backups, oldest first.
+std::vector<std::string> exampleBackups();
+
+}  // namespace fi_test

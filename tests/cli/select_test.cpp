@@ -1,0 +1,207 @@
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/cli/Program.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_test::example;
+using fi_test::exampleBackups;
+using fi_test::runFiRotate;
+using fi_test::runFiRotateOnTerminal;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+// One configuration with one further target, and a backup that holds it.
+constexpr const char* kConfiguration = "encA##lun1;encA##snap1";
+constexpr const char* kHolder =
+    "<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>UDID##a##b##encA##snap1</altobjid>"
+    "<timeStamp>20260101</timeStamp></Node>";
+
+std::vector<std::string> selectExamples() {
+    std::vector<std::string> arguments{"select", "--config-file", example("resource.conf"),
+                                       "--exclude", exampleBackups().front()};
+    for (const std::string& backup : exampleBackups()) {
+        arguments.push_back(backup);
+    }
+    return arguments;
+}
+
+std::string contentOf(const std::string& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+TEST(FiRotateSelect, ShowsSelectionAndEveryBackupInTheOrderGiven) {
+    const auto result = runFiRotate(selectExamples());
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.error, "");
+    const std::string folder = example("");
+    EXPECT_EQ(result.output,
+              "Selection\n"
+              "  first target     chosen target\n"
+              "  ENC-A##VOL-0011  ENC-A##SNP-0102\n"
+              "  ENC-A##VOL-0012  ENC-A##SNP-0112\n"
+              "  ENC-B##VOL-0021  ENC-B##SNP-0202\n"
+              "\n"
+              "Backups\n"
+              "  file" +
+                  std::string(folder.size() + 17, ' ') +
+                  "  time stamp      flags  state\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-01.xml  20261001013000  4      kept\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-02.xml  20261002013000  0      invalid\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-03.xml  20261003013000  0      rotated\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-04.xml  20261004013000  0      invalid\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-05.xml  20261005013000  0      kept\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-06.xml  20261006013000  0      kept\n"
+                  "  " +
+                  folder +
+                  "backup-2026-10-07.xml  20261007013000  0      kept\n"
+                  "  " +
+                  folder + "backup-2026-10-08.xml  20261008013000  0      kept\n");
+}
+
+TEST(FiRotateSelect, WithoutBackupsChoosesTheFirstTargets) {
+    const auto result = runFiRotate({"select", "--config", kConfiguration});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.output,
+              "Selection\n"
+              "  first target  chosen target\n"
+              "  encA##lun1    encA##snap1\n"
+              "\n"
+              "Backups: none, this is the first\n");
+}
+
+TEST(FiRotateSelect, ExitsWith3AndSaysSoWhenThereIsNoSelection) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.write("a.xml", kHolder);
+    const auto result =
+        runFiRotate({"select", "--config", kConfiguration, "--exclude", file, file});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output, StartsWith("Selection: none\n"));
+    EXPECT_THAT(result.output, HasSubstr("  " + file + "  20260101    4      -\n"));
+    EXPECT_EQ(result.error,
+              "fi-rotate: fi_process_backups : Resources not availabe, some/all are part of Skip "
+              "rotation fiids\n"
+              "fi-rotate: no selection: at least one configuration has no free target\n");
+}
+
+TEST(FiRotateSelect, ExitsWith4AndNamesTheIdentifierWhenAnExceptionLeavesTheLibrary) {
+    const struct {
+        const char* identifier;
+        const char* fault;
+    } rows[] = {
+        {"UDID##a##b##", "nothing follows the second ## after its prefix"},
+        {"snap1", "it holds neither UDID## nor UEID##"},
+        {"UDID##a", "no ## follows its prefix"},
+        {"UDID##a##b", "only one ## follows its prefix"},
+    };
+    for (const auto& row : rows) {
+        const fi_test::TemporaryFolder folder;
+        const std::string file = folder.write(
+            "a.xml", std::string("<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>") +
+                         row.identifier + "</altobjid></Node>");
+        const auto result = runFiRotate({"select", "--config", kConfiguration, file});
+        EXPECT_EQ(result.exitStatus, 4) << row.identifier;
+        EXPECT_EQ(result.error, std::string("fi-rotate: ERROR: ") + row.identifier +
+                                    "\nfi-rotate: malformed identifier \"" + row.identifier +
+                                    "\": " + row.fault + "\n");
+        EXPECT_THAT(result.output, StartsWith("Selection: none\n"));
+    }
+}
+
+TEST(FiRotateSelect, NamesTheFirstBackupThatWasNotLoadedAndCountsTheOthers) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.write("a.xml", kHolder);
+    const std::string missing = folder.path("missing.xml");
+    const auto result = runFiRotate(
+        {"select", "--config", "encA##lun1;encA##snap1;snap2", file, missing, file + "2"});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.error, "ERROR: failed to load FIID file [" + missing +
+                                "]\n"
+                                "fi-rotate: CFiFiidLoader::load: ERROR: failed to load FIID file\n"
+                                "fi-rotate: not loaded: \"" +
+                                missing + "\" and 1 more; took no part in the rotation\n");
+    EXPECT_THAT(result.output, HasSubstr("  -           0      not loaded\n"));
+}
+
+TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.write("a.xml", "<nothing/>");
+    const auto result = runFiRotate({"select", "--config", kConfiguration, file});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output, EndsWith("not loaded\n"));
+    EXPECT_EQ(result.error,
+              "fi-rotate: not loaded: \"" + file + "\"; took no part in the rotation\n");
+}
+
+TEST(FiRotateSelect, TellsWhichConfigurationWasRejected) {
+    const auto result = runFiRotate({"select", "--config", "encA##lun1;snap1&lun2;snap2"});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output, HasSubstr("  encA##lun1    encA##snap1\n\n"));
+    EXPECT_EQ(result.error,
+              "fi-rotate: CFiResourceParser::parse : resource configuration \"lun2\" has no "
+              "enclosure data specified.\n");
+}
+
+TEST(FiRotateSelect, WritesTheTraceToStandardErrorOneLineACall) {
+    const auto result = runFiRotate({"select", "--config", "encA##lun1;sn\\p", "--trace"});
+    EXPECT_EQ(result.error,
+              "4 CFiResourceParser::parse : Resource specification [encA##lun1;sn\\\\p]\n"
+              "4 CFiResourceParser::parse : [encA][lun1]\n"
+              "4 CFiResourceParser::parse : [encA][sn\\\\p]\n"
+              "4 fi_process_backups : fiidListSize empty, no previous backups to process\n");
+}
+
+TEST(FiRotateSelect, KeepsLineBreaksOfATraceTextOnItsLine) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.write("a.xml", "<Node><objid>one\ntwo</objid></Node>");
+    const auto result = runFiRotate({"select", "--config", kConfiguration, "--trace", file});
+    EXPECT_THAT(result.error, HasSubstr("4  [one\\ntwo]\n4  {"));
+    EXPECT_THAT(result.error, HasSubstr("4 Entering CFiFiidHandler::startElement\n4 Exiting "));
+}
+
+TEST(FiRotateSelect, WritesTheSameTraceToAFile) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.path("trace");
+    const auto onError = runFiRotate({"select", "--config", kConfiguration, "--trace"});
+    const auto inFile = runFiRotate({"select", "--config", kConfiguration, "--trace-file", file});
+    EXPECT_EQ(inFile.error, "");
+    EXPECT_EQ(contentOf(file), onError.error);
+    EXPECT_THAT(contentOf(file), HasSubstr("4 CFiResourceParser::parse : [encA][lun1]\n"));
+}
+
+TEST(FiRotateSelect, ColoursStatesOnATerminalOnly) {
+    EXPECT_THAT(runFiRotateOnTerminal(selectExamples()).output, HasSubstr("\x1B["));
+    EXPECT_THAT(runFiRotate(selectExamples()).output, Not(HasSubstr("\x1B[")));
+}
+
+TEST(FiRotateSelect, NeverColoursWithNoColorSet) {
+    const auto result = runFiRotateOnTerminal(selectExamples(), {"NO_COLOR=1"});
+    EXPECT_THAT(result.output, HasSubstr("rotated"));
+    EXPECT_THAT(result.output, Not(HasSubstr("\x1B[")));
+    EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"NO_COLOR="}).output,
+                Not(HasSubstr("\x1B[")));
+}
+
+}  // namespace

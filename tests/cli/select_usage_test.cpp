@@ -1,0 +1,96 @@
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/cli/Program.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_test::runFiRotate;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
+    const struct {
+        std::vector<std::string> arguments;
+        const char* message;
+    } rows[] = {
+        {{}, "A subcommand is required"},
+        {{"rotate"}, "\"rotate\""},
+        {{"select"}, "--config"},
+        {{"select", "--config", "a##b", "--config-file", "c"}, "2 were given"},
+        {{"select", "--config"}, "--config"},
+        {{"select", "--config", "a##b", "--frobnicate"}, "--frobnicate"},
+        {{"select", "--config-file", "no/such/file"}, "cannot read \"no/such/file\": No such file"},
+        {{"select", "--config-file", ""}, "cannot read \"\": No such file"},
+        {{"select", "--config-file", "/"}, "cannot read \"/\": Is a directory"},
+        {{"select", "--config", "a##b", "--exclude", "x", "y"}, "\"x\" is not among the FIIDs"},
+        {{"select", "--config", "a##b", "--flags", "x=4", "y"}, "\"x\" is not among the FIIDs"},
+        {{"select", "--config", "a##b", "--flags", "y", "y"}, "\"y\" is not FILE=N"},
+        {{"select", "--config", "a##b", "--flags", "y=", "y"}, "\"y=\" is not FILE=N"},
+        {{"select", "--config", "a##b", "--flags", "y=4x", "y"}, "\"y=4x\" is not FILE=N"},
+        {{"select", "--config", "a##b", "--flags", "y=2147483648", "y"}, "\"y=2147483648\" is not"},
+        {{"select", "--config", "a##b", "--flags", "y=1", "--flags", "y=2", "y"},
+         "\"y\" has a flag"},
+        {{"select", "--config", "a##b", "--trace-file", "/no/such/folder/t"},
+         "cannot write \"/no/such/folder/t\": No such file"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        const auto result = runFiRotate(row.arguments);
+        EXPECT_EQ(result.exitStatus, 2);
+        EXPECT_EQ(result.output, "");
+        EXPECT_THAT(result.error, StartsWith("fi-rotate: "));
+        EXPECT_THAT(result.error, HasSubstr(row.message));
+    }
+}
+
+TEST(FiRotateUsage, RefusesAConfigurationFileThatTheLibraryWouldReadInPart) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.write("c", std::string("a##b;c\0&d##e;f", 14));
+    const auto result = runFiRotate({"select", "--config-file", file});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_THAT(result.error, HasSubstr("\"" + file + "\" holds a NUL byte"));
+}
+
+TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
+    const auto help = runFiRotate({"select", "--help"});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_EQ(help.error, "");
+    for (const char* text :
+         {"--config ", "--config-file ", "--exclude ", "--flags ", "--json", "--trace ",
+          "--trace-file ", "FIID", "Exit status:", "Example:", "\\xNN"}) {
+        EXPECT_THAT(help.output, HasSubstr(text));
+    }
+    const auto version = runFiRotate({"--version"});
+    EXPECT_EQ(version.exitStatus, 0);
+    EXPECT_EQ(version.output, "1.0.0\n");
+}
+
+TEST(FiRotateUsage, FlagWordsAndExclusionsReachTheLibrary) {
+    const fi_test::TemporaryFolder folder;
+    const std::string a = folder.write("a=1.xml", "<Node/>");
+    const std::string b = folder.write("b.xml", "<Node/>");
+    const auto result = runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", "--flags",
+                                     a + "=-2147483648", "--exclude", a, "--exclude", b, a, b, a});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.error, HasSubstr("3 fi_process_backups :  Fiid [" + a +
+                                        "] exclude rotation flag [-2147483644] \n"
+                                        "3 fi_process_backups :  Fiid [" +
+                                        b +
+                                        "] exclude rotation flag [4] \n"
+                                        "3 fi_process_backups :  Fiid [" +
+                                        a + "] exclude rotation flag [-2147483644] \n"));
+}
+
+TEST(FiRotateUsage, ExitsWith1WhenTheOutcomeCannotBeWritten) {
+    const auto result =
+        runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace-file", "/dev/full"});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.error, "fi-rotate: cannot write /dev/full: No space left on device\n");
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+#include "cli/table.h"
+
+#include <string>
+
+#include <fi_rotation/fi_process_backups.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using fi_rotate::SBackup;
+using fi_rotate::SOutcome;
+
+SBackup backup(const std::string& file, const std::string& timeStamp, int flagWord, int state) {
+    SBackup result;
+    result.file = file;
+    result.timeStamp = timeStamp;
+    result.flagWord = flagWord;
+    result.loaded = true;
+    result.state = state;
+    return result;
+}
+
+SOutcome someOutcome() {
+    SOutcome outcome;
+    outcome.status = FI_STATUS_SUCCESS;
+    outcome.selection = "[encA##lun1;encA##snap1][encLonger##lun2;##s2]";
+    outcome.backups = {backup("a.xml", "20260101", 4, FI_BACKUP_KEPT),
+                       backup("a much longer name.xml", "", -12, FI_BACKUP_ROTATED)};
+    outcome.backups.emplace_back();
+    outcome.backups.back().file = "gone.xml";
+    return outcome;
+}
+
+TEST(FiRotateTable, AlignsColumnsAndCutsNothing) {
+    EXPECT_EQ(fi_rotate::toTables(someOutcome(), false),
+              "Selection\n"
+              "  first target     chosen target\n"
+              "  encA##lun1       encA##snap1\n"
+              "  encLonger##lun2  ##s2\n"
+              "\n"
+              "Backups\n"
+              "  file                    time stamp  flags  state\n"
+              "  a.xml                   20260101    4      kept\n"
+              "  a much longer name.xml  -           -12    rotated\n"
+              "  gone.xml                -           0      not loaded\n");
+}
+
+TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
+    SOutcome outcome = someOutcome();
+    outcome.backups = {backup("\xC3\xA4.xml", "1", 0, FI_BACKUP_KEPT),
+                       backup("\xE6\x97\xA5\xE6\x9C\xAC.xml", "2", 0, FI_BACKUP_INVALID)};
+    const std::string tables = fi_rotate::toTables(outcome, false);
+    EXPECT_NE(tables.find("  file      time stamp"), std::string::npos) << tables;
+    EXPECT_NE(tables.find("  \xC3\xA4.xml     1 "), std::string::npos) << tables;
+    EXPECT_NE(tables.find("  \xE6\x97\xA5\xE6\x9C\xAC.xml  2 "), std::string::npos) << tables;
+}
+
+TEST(FiRotateTable, KeepsANameWithALineBreakOnItsLine) {
+    SOutcome outcome = someOutcome();
+    outcome.backups = {backup("a\nb.xml", "1", 0, FI_BACKUP_KEPT)};
+    EXPECT_NE(fi_rotate::toTables(outcome, false).find("  a\\x0Ab.xml  1 "), std::string::npos);
+}
+
+TEST(FiRotateTable, SaysWhyThereAreNoRows) {
+    SOutcome outcome;
+    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+              "Selection: none\n\nBackups: none, this is the first\n");
+    outcome.status = FI_STATUS_SUCCESS;
+    outcome.selection = "";
+    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+              "Selection: empty, since there is no configuration\n\n"
+              "Backups: none, this is the first\n");
+}
+
+TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
+    SOutcome outcome;
+    outcome.selection = "[A##x][1;B##2]";
+    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+              "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");
+}
+
+// Colour adds to what is there: without its escape sequences the text is the same.
+TEST(FiRotateTable, ColourChangesNoText) {
+    std::string coloured = fi_rotate::toTables(someOutcome(), true);
+    EXPECT_NE(coloured.find("\x1B["), std::string::npos);
+    for (std::size_t start = 0; (start = coloured.find("\x1B[")) != std::string::npos;) {
+        coloured.erase(start, coloured.find('m', start) - start + 1);
+    }
+    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), false));
+}
+
+}  // namespace
