@@ -15,6 +15,7 @@
 #include "driver/selection.h"
 #include "fiid/CFiFiidLoader.h"
 #include "fiid/CFiFiidNode.h"
+#include "fiid/CFiXmlLibrary.h"
 #include "fiid/SAscendingDateSort.h"
 #include "fiid/SDescendingDateSort.h"
 #include "resource/CFiResourceManager.h"
@@ -77,11 +78,31 @@ void claimTargets(CFiResourceManager& manager, const Backups& backups) {
     }
 }
 
+// The configurations that have no free target. A release only ever adds free targets, so what was found
+// to have one is never looked at again, and the selection string need not be built to know.
+class CFiExhaustedLists {
+public:
+    explicit CFiExhaustedLists(const std::vector<SFiResourceList>& resourceSet)
+        : next(resourceSet.begin()), end(resourceSet.end()) {}
+
+    bool areNone() {
+        next = std::find_if(next, end, [](const SFiResourceList& list) {
+            return std::none_of(list.resources.begin(), list.resources.end(), isAvailable);
+        });
+        return next == end;
+    }
+
+private:
+    std::vector<SFiResourceList>::const_iterator next;
+    std::vector<SFiResourceList>::const_iterator end;
+};
+
 // `backups` oldest first. No more are released than needed, since every release is preceded by the
 // test.
 void releaseOldest(CFiResourceManager& manager, const Backups& backups, ExcludeMap& excludeMap) {
+    CFiExhaustedLists exhausted(manager.resourceSet);
     for (CFiFiidNode* backup : backups) {
-        if (buildSelection(manager.resourceSet).has_value()) {
+        if (exhausted.areNone()) {
             return;
         }
         if (backup->state != FI_BACKUP_KEPT) {
@@ -134,7 +155,10 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
     const CFiTreeReleaser releaser(loader.nodes);
     // The status is not looked at: what could not be loaded takes no part, and the rest is enough
     // or not.
-    loader.import(fiidNames);
+    {
+        const CFiXmlLibrary heldForAllDocuments;
+        loader.import(fiidNames);
+    }
     Backups backups = loader.nodes;
 
     printLoaded(backups);

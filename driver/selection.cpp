@@ -13,12 +13,14 @@ std::string targetText(const std::string& enclosure, const std::string& device) 
 
 }  // namespace
 
+bool isAvailable(const SFiResource& resource) {
+    return resource.state == kResourceAvailable;
+}
+
 std::optional<std::string> buildSelection(const std::vector<SFiResourceList>& resourceSet) {
     std::string selection;
     for (const SFiResourceList& list : resourceSet) {
-        const auto chosen = std::find_if(
-            list.resources.begin(), list.resources.end(),
-            [](const SFiResource& resource) { return resource.state == kResourceAvailable; });
+        const auto chosen = std::find_if(list.resources.begin(), list.resources.end(), isAvailable);
         if (chosen == list.resources.end()) {
             return std::nullopt;
         }

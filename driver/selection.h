@@ -8,6 +8,9 @@
 
 #include "resource/SFiResourceList.h"
 
+// Whether a further target may be chosen.
+bool isAvailable(const SFiResource& resource);
+
 // The selection string: "[FIRST;CHOSEN]" for every configuration in order, where CHOSEN is the
 // first of its further targets that is Available. Nothing when some configuration has no such
 // target; the empty text when there is no configuration.
