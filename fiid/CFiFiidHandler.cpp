@@ -2,33 +2,25 @@
 
 #include <cstdlib>
 #include <memory>
-#include <optional>
 
 #include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLString.hpp>
 
 #include "fiid/CFiFiidNode.h"
 #include "fiid/entry_exit_trace.h"
+#include "fiid/local_code_page.h"
 
 using xercesc::XMLPlatformUtils;
-using xercesc::XMLString;
 
 namespace {
 
-struct STranscodedRelease {
-    void operator()(char* buffer) const {
-        XMLString::release(&buffer, XMLPlatformUtils::fgMemoryManager);
+// Names are compared as they arrive, in UTF-16: no character but ASCII's own becomes ASCII in a local
+// code page.
+bool isNamed(const XMLCh* qname, const XMLCh* element) {
+    while (*qname == *element && *element != 0) {
+        ++qname;
+        ++element;
     }
-};
-
-// The text up to its NUL in the local code page; nothing when the conversion gives no buffer.
-std::optional<std::string> toLocalCodePage(const XMLCh* text) {
-    const std::unique_ptr<char, STranscodedRelease> buffer(
-        XMLString::transcode(text, XMLPlatformUtils::fgMemoryManager));
-    if (buffer == nullptr) {
-        return std::nullopt;
-    }
-    return std::string(buffer.get());
+    return *qname == *element;
 }
 
 }  // namespace
@@ -46,9 +38,7 @@ CFiFiidHandler::~CFiFiidHandler() {
 }
 
 void CFiFiidHandler::characters(const XMLCh* chars, XMLSize_t /*length*/) {
-    if (auto converted = toLocalCodePage(chars)) {
-        text = std::move(*converted);
-    }
+    toLocalCodePage(chars, text);
 }
 
 void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
@@ -58,7 +48,7 @@ void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname
         // The extra line is what tells a reader of the trace that the tree was already complete.
         traceExiting("CFiFiidHandler::startElement");
     }
-    if (toLocalCodePage(qname) == "Node") {
+    if (isNamed(qname, u"Node")) {
         openNode();
     }
     traceExiting("CFiFiidHandler::startElement");
@@ -67,17 +57,16 @@ void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname
 void CFiFiidHandler::endElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
                                 const XMLCh* qname) {
     traceEntering("CFiFiidHandler::endElement");
-    const std::string element = toLocalCodePage(qname).value_or("");
-    if (element == "timeStamp" && root != nullptr) {
+    if (root != nullptr && isNamed(qname, u"timeStamp")) {
         root->timeStamp = text;
     }
     if (done) {
         traceExiting("CFiFiidHandler::endElement");
     }
-    if (element == "Node") {
+    if (isNamed(qname, u"Node")) {
         closeNode();
     } else if (current != nullptr) {
-        storeInCurrent(element);
+        storeInCurrent(qname);
     }
     traceExiting("CFiFiidHandler::endElement");
 }
@@ -105,14 +94,14 @@ void CFiFiidHandler::closeNode() {
     }
 }
 
-void CFiFiidHandler::storeInCurrent(const std::string& element) {
-    if (element == "objid") {
+void CFiFiidHandler::storeInCurrent(const XMLCh* qname) {
+    if (isNamed(qname, u"objid")) {
         current->objid = text;
-    } else if (element == "type") {
+    } else if (isNamed(qname, u"type")) {
         current->type = static_cast<std::int32_t>(std::strtol(text.c_str(), nullptr, 10));
-    } else if (element == "altobjid") {
+    } else if (isNamed(qname, u"altobjid")) {
         current->altobjid = text;
-    } else if (element == "splitType") {
+    } else if (isNamed(qname, u"splitType")) {
         current->splitType = text;
     }
 }

@@ -50,6 +50,6 @@ public:
 private:
     void openNode();
     void closeNode();
-    void storeInCurrent(const std::string& element);
+    void storeInCurrent(const XMLCh* qname);
     void record(const xercesc::SAXParseException& report);
 };

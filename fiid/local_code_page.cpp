@@ -1,0 +1,45 @@
+#include "fiid/local_code_page.h"
+
+#include <cstddef>
+#include <memory>
+
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+using xercesc::XMLPlatformUtils;
+using xercesc::XMLString;
+
+namespace {
+
+struct STranscodedRelease {
+    void operator()(char* buffer) const {
+        XMLString::release(&buffer, XMLPlatformUtils::fgMemoryManager);
+    }
+};
+
+bool transcode(const XMLCh* text, std::string& result) {
+    const std::unique_ptr<char, STranscodedRelease> buffer(
+        XMLString::transcode(text, XMLPlatformUtils::fgMemoryManager));
+    if (buffer == nullptr) {
+        return false;
+    }
+    result = buffer.get();
+    return true;
+}
+
+}  // namespace
+
+bool toLocalCodePage(const XMLCh* text, std::string& result) {
+    // Long enough for identifiers and time stamps; what is longer is rare, and the transcoder's cost is
+    // then small beside the text's.
+    char ascii[256];
+    std::size_t length = 0;
+    for (; text[length] != 0; ++length) {
+        if (text[length] >= 0x80 || length == sizeof ascii) {
+            return transcode(text, result);
+        }
+        ascii[length] = static_cast<char>(text[length]);
+    }
+    result.assign(ascii, length);
+    return true;
+}
