@@ -7,37 +7,53 @@
 
 namespace {
 
-// Calls visit(node, depth) for `root` (depth 0) and all its descendants, in pre-order.
+// Calls visit(node, depth) for `root` (depth 0) and all its descendants, in pre-order. Only nodes with
+// children still to come wait on the stack, so that a tree without branches needs none, however deep.
 template <typename Visit>
 void walkPreOrder(const CFiFiidNode& root, Visit visit) {
     struct SFrame {
         const CFiFiidNode* node;
         std::size_t nextChild;
+        std::size_t childDepth;
     };
 
-    visit(root, std::size_t{0});
-    std::vector<SFrame> path{{&root, 0}};
-    while (!path.empty()) {
-        SFrame& innermost = path.back();
-        if (innermost.nextChild == innermost.node->children.size()) {
-            path.pop_back();
-            continue;
+    std::vector<SFrame> waiting;
+    const auto enter = [&](const CFiFiidNode& node, std::size_t depth) {
+        visit(node, depth);
+        if (!node.children.empty()) {
+            waiting.push_back({&node, 0, depth + 1});
         }
-        const CFiFiidNode* child = innermost.node->children[innermost.nextChild++];
-        visit(*child, path.size());
-        path.push_back({child, 0});
+    };
+
+    enter(root, 0);
+    while (!waiting.empty()) {
+        SFrame& innermost = waiting.back();
+        const CFiFiidNode& child = *innermost.node->children[innermost.nextChild++];
+        const std::size_t depth = innermost.childDepth;
+        if (innermost.nextChild == innermost.node->children.size()) {
+            waiting.pop_back();
+        }
+        enter(child, depth);
     }
 }
 
 }  // namespace
 
-std::int32_t CFiFiidNode::getNodes(std::string pattern,
-                                   std::map<std::string, std::string>& result) const {
+std::vector<const CFiFiidNode*> CFiFiidNode::findNodes(const std::string& pattern) const {
+    std::vector<const CFiFiidNode*> found;
     walkPreOrder(*this, [&](const CFiFiidNode& node, std::size_t) {
         if (node.objid.find(pattern) != std::string::npos) {
-            result[node.objid] = node.altobjid;
+            found.push_back(&node);
         }
     });
+    return found;
+}
+
+std::int32_t CFiFiidNode::getNodes(std::string pattern,
+                                   std::map<std::string, std::string>& result) const {
+    for (const CFiFiidNode* node : findNodes(pattern)) {
+        result[node->objid] = node->altobjid;
+    }
     return 0;
 }
 

@@ -18,6 +18,9 @@ public:
     // altobjid stays. Other entries of `result` are left as they are. Always returns 0.
     std::int32_t getNodes(std::string pattern, std::map<std::string, std::string>& result) const;
 
+    // The nodes that getNodes takes its entries from, in pre-order.
+    [[nodiscard]] std::vector<const CFiFiidNode*> findNodes(const std::string& pattern) const;
+
     // Writes this tree to the trace in pre-order, three lines for each node, indented by one tab
     // for each level above 0; this node is printed at `level`, every child one level below its
     // parent.

@@ -1,8 +1,9 @@
 #include "resource/CFiResourceManager.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <map>
-#include <string>
+#include <string_view>
+#include <utility>
 
 #include "common/mofi_tracelog.h"
 #include "fiid/CFiFiidNode.h"
@@ -13,69 +14,80 @@ namespace {
 
 constexpr const char* kDeviceIdentifierMark = "UDID##";
 
-// Where a pair was found; both members are null when it was not.
-struct SMatch {
-    SFiResourceList* list = nullptr;
-    SFiResource* resource = nullptr;
-};
+// The objid of a device Node, and the Node.
+using Pair = std::pair<std::string_view, const CFiFiidNode*>;
 
-template <typename Record>
-bool isNamedBy(const Record& record, const CFiUdid& identifier) {
-    return record.device == identifier.device && record.enclosure == identifier.enclosure;
-}
-
-// The first further target named by `value` in a configuration whose first target is named by
-// `key`. Several configurations may share a first target, so one without the further target ends
-// nothing.
-SMatch findResource(std::vector<SFiResourceList>& resourceSet, const CFiUdid& key,
-                    const CFiUdid& value) {
-    for (SFiResourceList& list : resourceSet) {
-        if (!isNamedBy(list, key)) {
-            continue;
-        }
-        for (SFiResource& resource : list.resources) {
-            if (isNamedBy(resource, value)) {
-                return {&list, &resource};
-            }
-        }
+// The identifier pairs of the tree under `root` in ascending order of objid, each objid once: of Nodes
+// with the same one the last in document order. This is what CFiFiidNode::getNodes collects into a map,
+// without the copies and the nodes of a map.
+std::vector<Pair> identifierPairs(const CFiFiidNode& root) {
+    std::vector<Pair> pairs;
+    for (const CFiFiidNode* node : root.findNodes(kDeviceIdentifierMark)) {
+        pairs.emplace_back(node->objid, node);
     }
-    return {};
+    const auto isBefore = [](const Pair& left, const Pair& right) {
+        return left.first < right.first;
+    };
+    const auto isSame = [](const Pair& left, const Pair& right) {
+        return left.first == right.first;
+    };
+    std::reverse(pairs.begin(), pairs.end());
+    std::stable_sort(pairs.begin(), pairs.end(), isBefore);
+    pairs.erase(std::unique(pairs.begin(), pairs.end(), isSame), pairs.end());
+    return pairs;
 }
 
 // Returns false when the target cannot be claimed.
-bool applyMode(const SMatch& match, int mode) {
+bool applyMode(const STargetPlace& place, int mode) {
     if (mode == CFiResourceManager::kRelease) {
         // The list stays Used: its state says that it was claimed in this call, not that it is
         // full.
-        match.resource->state = kResourceAvailable;
+        place.resource->state = kResourceAvailable;
     } else if (mode == CFiResourceManager::kClaim) {
-        if (match.resource->state == kResourceUsed) {
+        if (place.resource->state == kResourceUsed) {
             return false;
         }
-        match.resource->state = kResourceUsed;
-        match.list->state = kResourceUsed;
+        place.resource->state = kResourceUsed;
+        place.list->state = kResourceUsed;
     }
     return true;
+}
+
+bool applyMode(const std::vector<STargetPlace>& places, int mode) {
+    bool result = true;
+    for (const STargetPlace& place : places) {
+        result = applyMode(place, mode) && result;
+    }
+    return result;
 }
 
 }  // namespace
 
 bool CFiResourceManager::validateResources(CFiFiidNode* node, int mode) {
-    std::map<std::string, std::string> pairs;
-    node->getNodes(kDeviceIdentifierMark, pairs);
+    const auto known = matched.find(node);
+    if (known != matched.end()) {
+        return applyMode(known->second, mode);
+    }
+    if (!index.has_value()) {
+        index.emplace(resourceSet);
+    }
 
     bool result = true;
+    bool isMatched = true;
+    std::vector<STargetPlace> places;
     CFiUdid key;
     CFiUdid value;
     try {
-        for (const auto& [objid, altobjid] : pairs) {
-            key.parse(objid);
-            value.parse(altobjid);
-            const SMatch match = findResource(resourceSet, key, value);
-            if (match.resource != nullptr) {
-                result = applyMode(match, mode) && result;
+        for (const auto& [objid, device] : identifierPairs(*node)) {
+            key.parse(device->objid);
+            value.parse(device->altobjid);
+            const STargetPlace place = index->find(key, value);
+            if (place.resource != nullptr) {
+                places.push_back(place);
+                result = applyMode(place, mode) && result;
                 continue;
             }
+            isMatched = false;
             result = false;
             if (mode == kCheck) {
                 return false;
@@ -84,6 +96,9 @@ bool CFiResourceManager::validateResources(CFiFiidNode* node, int mode) {
     } catch (const CFiUdidException& malformed) {
         mofi_tracelog(kTraceFailure, "ERROR: %s", malformed.identifier.c_str());
         throw CFiUdidException{malformed.identifier, malformed.code};
+    }
+    if (isMatched) {
+        matched.emplace(node, std::move(places));
     }
     return result;
 }

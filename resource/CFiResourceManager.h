@@ -1,13 +1,19 @@
 #pragma once
 
+#include <optional>
+#include <unordered_map>
 #include <vector>
 
+#include "resource/CFiTargetIndex.h"
 #include "resource/SFiResourceList.h"
 
 class CFiFiidNode;
 
 // Holds the targets of one call and says of each earlier backup whether its devices agree with
 // them.
+//
+// From the first validateResources on, the records of `resourceSet` and the trees given to it must
+// stay as they are, but for the records' states: what was found once is not looked for again.
 class CFiResourceManager {
 public:
     enum EMode : int {
@@ -35,4 +41,11 @@ public:
 
     // In configuration order. validateResources changes states only, never the records' order.
     std::vector<SFiResourceList> resourceSet;
+
+private:
+    // Made by the first validateResources.
+    std::optional<CFiTargetIndex> index;
+    // The targets of each backup that matched whole. It would match the same again, since matching
+    // depends on names only.
+    std::unordered_map<const CFiFiidNode*, std::vector<STargetPlace>> matched;
 };
