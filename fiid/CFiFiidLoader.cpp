@@ -1,5 +1,7 @@
 #include "fiid/CFiFiidLoader.h"
 
+#include <stdio_ext.h>
+
 #include <cstdio>
 #include <memory>
 
@@ -41,6 +43,8 @@ std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
         return kCannotOpen;
     }
 
+    // Nobody else knows the stream, so its lock, once a line, is saved.
+    __fsetlocking(stream.get(), FSETLOCKING_BYCALLER);
     char piece[2048];
     while (std::fgets(piece, sizeof piece, stream.get()) != nullptr) {
         content += piece;
