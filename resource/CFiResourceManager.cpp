@@ -1,7 +1,7 @@
 #include "resource/CFiResourceManager.h"
 
-#include <algorithm>
-#include <cstdint>
+#include <map>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -14,27 +14,36 @@ namespace {
 
 constexpr const char* kDeviceIdentifierMark = "UDID##";
 
-// The objid of a device Node, and the Node.
-using Pair = std::pair<std::string_view, const CFiFiidNode*>;
-
-// The identifier pairs of the tree under `root` in ascending order of objid, each objid once: of Nodes
-// with the same one the last in document order. This is what CFiFiidNode::getNodes collects into a map,
-// without the copies and the nodes of a map.
-std::vector<Pair> identifierPairs(const CFiFiidNode& root) {
-    std::vector<Pair> pairs;
-    for (const CFiFiidNode* node : root.findNodes(kDeviceIdentifierMark)) {
-        pairs.emplace_back(node->objid, node);
+// The targets of all identifier pairs of the tree under `root`, in no particular order; nothing when a
+// pair is malformed or matches no target. Of Nodes with the same objid the last one counts, as it does
+// in the map that CFiFiidNode::getNodes fills.
+std::optional<std::vector<STargetPlace>> matchAll(const CFiFiidNode& root,
+                                                  const CFiTargetIndex& index) {
+    const std::vector<const CFiFiidNode*> nodes = root.findNodes(kDeviceIdentifierMark);
+    std::unordered_map<std::string_view, const CFiFiidNode*> lastNodes;
+    lastNodes.reserve(nodes.size());
+    for (const CFiFiidNode* node : nodes) {
+        lastNodes[node->objid] = node;
     }
-    const auto isBefore = [](const Pair& left, const Pair& right) {
-        return left.first < right.first;
-    };
-    const auto isSame = [](const Pair& left, const Pair& right) {
-        return left.first == right.first;
-    };
-    std::reverse(pairs.begin(), pairs.end());
-    std::stable_sort(pairs.begin(), pairs.end(), isBefore);
-    pairs.erase(std::unique(pairs.begin(), pairs.end(), isSame), pairs.end());
-    return pairs;
+
+    std::vector<STargetPlace> places;
+    places.reserve(lastNodes.size());
+    CFiUdid key;
+    CFiUdid value;
+    try {
+        for (const auto& [objid, node] : lastNodes) {
+            key.parse(node->objid);
+            value.parse(node->altobjid);
+            const STargetPlace place = index.find(key, value);
+            if (place.resource == nullptr) {
+                return std::nullopt;
+            }
+            places.push_back(place);
+        }
+    } catch (const CFiUdidException&) {
+        return std::nullopt;
+    }
+    return places;
 }
 
 // Returns false when the target cannot be claimed.
@@ -64,30 +73,37 @@ bool applyMode(const std::vector<STargetPlace>& places, int mode) {
 }  // namespace
 
 bool CFiResourceManager::validateResources(CFiFiidNode* node, int mode) {
-    const auto known = matched.find(node);
-    if (known != matched.end()) {
-        return applyMode(known->second, mode);
-    }
     if (!index.has_value()) {
         index.emplace(resourceSet);
     }
+    auto known = matched.find(node);
+    if (known == matched.end()) {
+        std::optional<std::vector<STargetPlace>> places = matchAll(*node, *index);
+        if (!places.has_value()) {
+            return validateInOrder(*node, mode);
+        }
+        known = matched.emplace(node, *std::move(places)).first;
+    }
+    // All pairs match, so none ends the visit, and the outcome does not depend on its order.
+    return applyMode(known->second, mode);
+}
+
+bool CFiResourceManager::validateInOrder(const CFiFiidNode& node, int mode) {
+    std::map<std::string, std::string> pairs;
+    node.getNodes(kDeviceIdentifierMark, pairs);
 
     bool result = true;
-    bool isMatched = true;
-    std::vector<STargetPlace> places;
     CFiUdid key;
     CFiUdid value;
     try {
-        for (const auto& [objid, device] : identifierPairs(*node)) {
-            key.parse(device->objid);
-            value.parse(device->altobjid);
+        for (const auto& [objid, altobjid] : pairs) {
+            key.parse(objid);
+            value.parse(altobjid);
             const STargetPlace place = index->find(key, value);
             if (place.resource != nullptr) {
-                places.push_back(place);
                 result = applyMode(place, mode) && result;
                 continue;
             }
-            isMatched = false;
             result = false;
             if (mode == kCheck) {
                 return false;
@@ -96,9 +112,6 @@ bool CFiResourceManager::validateResources(CFiFiidNode* node, int mode) {
     } catch (const CFiUdidException& malformed) {
         mofi_tracelog(kTraceFailure, "ERROR: %s", malformed.identifier.c_str());
         throw CFiUdidException{malformed.identifier, malformed.code};
-    }
-    if (isMatched) {
-        matched.emplace(node, std::move(places));
     }
     return result;
 }

@@ -43,6 +43,10 @@ public:
     std::vector<SFiResourceList> resourceSet;
 
 private:
+    // For a backup with a pair that is malformed or matches nothing: which pair is met first decides
+    // what comes of it.
+    bool validateInOrder(const CFiFiidNode& node, int mode);
+
     // Made by the first validateResources.
     std::optional<CFiTargetIndex> index;
     // The targets of each backup that matched whole. It would match the same again, since matching
