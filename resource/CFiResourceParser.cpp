@@ -75,6 +75,7 @@ std::int32_t CFiResourceParser::parseConfiguration(char* configuration) {
     }
 
     SFiResourceList list;
+    list.resources.reserve(targets.size() - 1);
     std::string carriedEnclosure;
     for (const char* text : targets) {
         SFiResource target = parseTarget(text, carriedEnclosure);

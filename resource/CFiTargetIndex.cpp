@@ -41,8 +41,10 @@ std::size_t slotsFor(std::size_t count) {
 
 }  // namespace
 
-CFiTargetIndex::CFiTargetIndex(std::vector<SFiResourceList>& resourceSet)
-    : slots(slotsFor(countTargets(resourceSet))) {
+CFiTargetIndex::CFiTargetIndex(std::vector<SFiResourceList>& resourceSet) {
+    const std::size_t count = countTargets(resourceSet);
+    places.reserve(count);
+    slots.resize(slotsFor(count));
     for (SFiResourceList& list : resourceSet) {
         const std::size_t listHash = hashOfName(list);
         for (SFiResource& resource : list.resources) {
@@ -52,32 +54,31 @@ CFiTargetIndex::CFiTargetIndex(std::vector<SFiResourceList>& resourceSet)
 }
 
 void CFiTargetIndex::insert(std::size_t hash, const STargetPlace& place) {
-    const std::size_t mask = slots.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-        SSlot& slot = slots[i];
-        if (slot.place.resource == nullptr) {
-            slot = {hash, place};
-            return;
-        }
-        if (slot.hash == hash && haveSameName(*slot.place.list, *place.list) &&
-            haveSameName(*slot.place.resource, *place.resource)) {
-            // The set names this target twice; the first one counts.
-            return;
-        }
+    SSlot& slot = slots[slotOf(hash, *place.list, *place.resource)];
+    // A name that the set has twice keeps its first place.
+    if (slot.number == 0) {
+        places.push_back(place);
+        slot = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(places.size())};
     }
 }
 
 STargetPlace CFiTargetIndex::find(const CFiUdid& key, const CFiUdid& value) const {
-    const std::size_t hash = combined(hashOfName(key), hashOfName(value));
+    const SSlot& slot = slots[slotOf(combined(hashOfName(key), hashOfName(value)), key, value)];
+    return slot.number == 0 ? STargetPlace() : places[slot.number - 1];
+}
+
+template <typename ListName, typename TargetName>
+std::size_t CFiTargetIndex::slotOf(std::size_t hash, const ListName& listName,
+                                   const TargetName& targetName) const {
     const std::size_t mask = slots.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-        const SSlot& slot = slots[i];
-        if (slot.place.resource == nullptr) {
-            return {};
+    std::size_t i = hash & mask;
+    while (slots[i].number != 0) {
+        const STargetPlace& place = places[slots[i].number - 1];
+        if (slots[i].hash == static_cast<std::uint32_t>(hash) &&
+            haveSameName(*place.list, listName) && haveSameName(*place.resource, targetName)) {
+            break;
         }
-        if (slot.hash == hash && haveSameName(*slot.place.list, key) &&
-            haveSameName(*slot.place.resource, value)) {
-            return slot.place;
-        }
+        i = (i + 1) & mask;
     }
+    return i;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
+#include <cstdint>
 #include <vector>
 
 #include "resource/SFiResourceList.h"
@@ -26,13 +26,21 @@ public:
     [[nodiscard]] STargetPlace find(const CFiUdid& key, const CFiUdid& value) const;
 
 private:
+    // The number of a place in `places`, counted from 1; 0 for an empty slot. The hash saves most looks
+    // at places that are not the one.
     struct SSlot {
-        std::size_t hash = 0;
-        STargetPlace place;
+        std::uint32_t hash = 0;
+        std::uint32_t number = 0;
     };
 
     void insert(std::size_t hash, const STargetPlace& place);
 
+    // The slot of the target with these names, or the empty one where it belongs.
+    template <typename ListName, typename TargetName>
+    std::size_t slotOf(std::size_t hash, const ListName& listName,
+                       const TargetName& targetName) const;
+
+    std::vector<STargetPlace> places;
     // A power of two in number, never more than half of them taken; linear probing.
     std::vector<SSlot> slots;
 };
