@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+// Other ways to read the documents of a corpus.
+namespace fi_bench {
+
+std::string readFile(const std::string& file);
+
+// The floor: reads and parses every file with the bare SAX2 reader, set up as the library's, and throws
+// the events away. The XML library must be initialised.
+void parseWithBareReader(const std::vector<std::string>& files);
+
+// Reads every file, gathers the identifier pairs of each document in a map, and returns their number.
+std::size_t gatherWithPugixml(const std::vector<std::string>& files);
+std::size_t gatherWithExpat(const std::vector<std::string>& files);
+
+}  // namespace fi_bench
