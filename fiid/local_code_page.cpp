@@ -1,6 +1,7 @@
 #include "fiid/local_code_page.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include <xercesc/util/PlatformUtils.hpp>
@@ -27,18 +28,24 @@ bool transcode(const XMLCh* text, std::string& result) {
     return true;
 }
 
+// One comparison for both ends of the range: the loop that asks runs over all text of a document.
+bool isAsciiButNul(XMLCh unit) {
+    return static_cast<std::uint16_t>(unit - 1) < 0x7F;
+}
+
 }  // namespace
 
 bool toLocalCodePage(const XMLCh* text, std::string& result) {
-    // Long enough for identifiers and time stamps; what is longer is rare, and the transcoder's cost is
-    // then small beside the text's.
+    // Long enough for identifiers and time stamps; what is longer is rare, and the transcoder's cost
+    // is then small beside the text's.
     char ascii[256];
     std::size_t length = 0;
-    for (; text[length] != 0; ++length) {
-        if (text[length] >= 0x80 || length == sizeof ascii) {
-            return transcode(text, result);
-        }
+    while (length < sizeof ascii && isAsciiButNul(text[length])) {
         ascii[length] = static_cast<char>(text[length]);
+        ++length;
+    }
+    if (text[length] != 0) {
+        return transcode(text, result);
     }
     result.assign(ascii, length);
     return true;
