@@ -1,84 +1,75 @@
 #include "resource/CFiTargetIndex.h"
 
 #include <functional>
-#include <string>
 
 #include "resource/CFiUdid.h"
 
-namespace {
-
-template <typename Record, typename Other>
-bool haveSameName(const Record& left, const Other& right) {
-    return left.device == right.device && left.enclosure == right.enclosure;
+std::size_t CFiTargetIndex::SNameHash::operator()(const SName& name) const {
+    const std::hash<std::string_view> hash;
+    return hash(name.device) + 3 * hash(name.enclosure);
 }
-
-// The name of a list, a target or an identifier: device and enclosure.
-template <typename Record>
-std::size_t hashOfName(const Record& record) {
-    const std::hash<std::string> hash;
-    return hash(record.device) + 3 * hash(record.enclosure);
-}
-
-std::size_t combined(std::size_t listHash, std::size_t targetHash) {
-    return 31 * listHash + targetHash;
-}
-
-std::size_t countTargets(const std::vector<SFiResourceList>& resourceSet) {
-    std::size_t count = 0;
-    for (const SFiResourceList& list : resourceSet) {
-        count += list.resources.size();
-    }
-    return count;
-}
-
-std::size_t slotsFor(std::size_t count) {
-    std::size_t slots = 2;
-    while (slots < 2 * count) {
-        slots *= 2;
-    }
-    return slots;
-}
-
-}  // namespace
 
 CFiTargetIndex::CFiTargetIndex(std::vector<SFiResourceList>& resourceSet) {
-    const std::size_t count = countTargets(resourceSet);
-    places.reserve(count);
-    slots.resize(slotsFor(count));
+    layOutTables(resourceSet);
     for (SFiResourceList& list : resourceSet) {
-        const std::size_t listHash = hashOfName(list);
+        const STable& table = tables.at(nameOf(list));
         for (SFiResource& resource : list.resources) {
-            insert(combined(listHash, hashOfName(resource)), {&list, &resource});
+            insert(table, {&list, &resource});
         }
     }
 }
 
-void CFiTargetIndex::insert(std::size_t hash, const STargetPlace& place) {
-    SSlot& slot = slots[slotOf(hash, *place.list, *place.resource)];
-    // A name that the set has twice keeps its first place.
+void CFiTargetIndex::layOutTables(const std::vector<SFiResourceList>& resourceSet) {
+    std::size_t targets = 0;
+    tables.reserve(resourceSet.size());
+    for (const SFiResourceList& list : resourceSet) {
+        tables[nameOf(list)].targets += list.resources.size();
+        targets += list.resources.size();
+    }
+
+    std::size_t start = 0;
+    for (auto& [name, table] : tables) {
+        table.start = start;
+        table.size = 2;
+        while (table.size < 2 * table.targets) {
+            table.size *= 2;
+        }
+        start += table.size;
+    }
+    slots.resize(start);
+    places.reserve(targets);
+}
+
+void CFiTargetIndex::insert(const STable& table, const STargetPlace& place) {
+    const SName name = nameOf(*place.resource);
+    const auto hash = static_cast<std::uint32_t>(SNameHash()(name));
+    SSlot& slot = slots[slotOf(table, name, hash)];
+    // A name that comes again keeps its first place.
     if (slot.number == 0) {
         places.push_back(place);
-        slot = {static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(places.size())};
+        slot = {hash, static_cast<std::uint32_t>(places.size())};
     }
 }
 
 STargetPlace CFiTargetIndex::find(const CFiUdid& key, const CFiUdid& value) const {
-    const SSlot& slot = slots[slotOf(combined(hashOfName(key), hashOfName(value)), key, value)];
+    const auto table = tables.find(nameOf(key));
+    if (table == tables.end()) {
+        return {};
+    }
+    const SName name = nameOf(value);
+    const auto hash = static_cast<std::uint32_t>(SNameHash()(name));
+    const SSlot& slot = slots[slotOf(table->second, name, hash)];
     return slot.number == 0 ? STargetPlace() : places[slot.number - 1];
 }
 
-template <typename ListName, typename TargetName>
-std::size_t CFiTargetIndex::slotOf(std::size_t hash, const ListName& listName,
-                                   const TargetName& targetName) const {
-    const std::size_t mask = slots.size() - 1;
-    std::size_t i = hash & mask;
-    while (slots[i].number != 0) {
-        const STargetPlace& place = places[slots[i].number - 1];
-        if (slots[i].hash == static_cast<std::uint32_t>(hash) &&
-            haveSameName(*place.list, listName) && haveSameName(*place.resource, targetName)) {
-            break;
+std::size_t CFiTargetIndex::slotOf(const STable& table, const SName& name,
+                                   std::uint32_t hash) const {
+    for (std::size_t i = hash;; ++i) {
+        const std::size_t position = table.start + (i & (table.size - 1));
+        const SSlot& slot = slots[position];
+        if (slot.number == 0 ||
+            (slot.hash == hash && nameOf(*places[slot.number - 1].resource) == name)) {
+            return position;
         }
-        i = (i + 1) & mask;
     }
-    return i;
 }
