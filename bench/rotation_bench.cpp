@@ -102,7 +102,7 @@ const SGrowth kGrowths[] = {
     {"backups", {"backups", 250, 10, 100, 410}, &SShape::backups},
     {"nodes", {"nodes", 2, 10000, 100, 3300}, &SShape::nodes},
     {"configurations", {"configurations", 10, 100, 5000, 12}, &SShape::configurations},
-    {"targets", {"targets", 10, 100, 10, 10000}, &SShape::targets},
+    {"targets", {"targets", 10, 100, 10, 5000}, &SShape::targets},
     {"depth", {"depth", 1, 50000, 1, 1, true}, &SShape::nodes},
 };
 constexpr int kDoublings = 4;
