@@ -7,9 +7,11 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "common/mofi_tracelog.h"
+#include "driver/CFiHandOver.h"
 #include "driver/CFiTreeReleaser.h"
 #include "driver/fi_process_backups.h"
 #include "driver/selection.h"
@@ -180,16 +182,14 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
     if (result == nullptr) {
         return FI_STATUS_FAILURE;
     }
+    CFiHandOver handOver(resultString, fiidFlags, fiidNames.size());
+    handOver.give(std::move(result));
     mofi_tracelog(kTraceProgress, "fi_process_backups : resource_config_string [%s] ",
                   selection->c_str());
-    const std::vector<std::int32_t> flags = finalFlags(fiidNames, fiidFlags, backups);
+    handOver.give(finalFlags(fiidNames, fiidFlags, backups));
 
     manager.print();
     printOutcome(backups);
-
-    // Only now, when nothing can throw any more, does the caller see the outcome, all of it at
-    // once.
-    *resultString = result.release();
-    std::copy(flags.begin(), flags.end(), fiidFlags);
+    handOver.keep();
     return FI_STATUS_SUCCESS;
 }
