@@ -3,16 +3,6 @@
 namespace fi_test {
 namespace {
 
-std::string valueOf(const SNode& node, const std::string& name) {
-    std::string value;
-    for (const auto& element : node.elements) {
-        if (element.first == name) {
-            value = element.second;
-        }
-    }
-    return value;
-}
-
 Trace entryAndExit(const std::string& name) {
     return progress({"Entering " + name + "\n", "Exiting " + name + "\n"});
 }
@@ -69,6 +59,16 @@ std::string toXml(const SNode& root) {
         xml += toXml(child);
     }
     return xml + "</Node>";
+}
+
+std::string valueOf(const SNode& node, const std::string& name) {
+    std::string value;
+    for (const auto& element : node.elements) {
+        if (element.first == name) {
+            value = element.second;
+        }
+    }
+    return value;
 }
 
 std::string udid(const std::string& target) {

@@ -19,6 +19,9 @@ struct SNode {
 // The text of a document with `root` as its outermost element.
 std::string toXml(const SNode& root);
 
+// The text of the last element `name` of `node`; empty without one.
+std::string valueOf(const SNode& node, const std::string& name);
+
 // A backup taken at `timeStamp` that holds the further targets of some configurations, each pair a first
 // target and a further target as ENCLOSURE##DEVICE.
 SNode backup(const std::string& timeStamp,

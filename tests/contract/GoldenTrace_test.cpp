@@ -1,17 +1,15 @@
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/contract/Golden.h"
 #include "tests/contract/Host.h"
 
-// Complete traces spelled out in golden/, one line a call: level and text, a line end at the end of a text
-// as \n, the folder of the documents as {dir}.
+// Calls whose complete trace is spelled out.
 namespace {
 
 constexpr const char* kHolder =
@@ -23,6 +21,17 @@ constexpr const char* kNewerHolder =
 constexpr const char* kMalformed =
     "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>snap1</altobjid>"
     "<type>2</type><splitType>mirror</splitType><timeStamp>20260102</timeStamp></Node>";
+// The reader gives up at the end tag that closes nothing.
+constexpr const char* kIllFormed =
+    "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid>"
+    "<unclosed></Node><Node/>";
+constexpr const char* kVocabulary =
+    "<?xml version=\"1.0\"?>\n"
+    "<Node objid=\"ignored\"><!-- no -->\n"
+    "<type> -3</type><objid/><node>lower</node>"
+    "<Node><splitType>a&lt;b</splitType><type>12abc</type><timeStamp>5</timeStamp></Node>"
+    "<x:Node><Node><type>4294967298</type><altobjid>one<i/>\ntwo\\</altobjid></Node></x:Node>"
+    "</Node>";
 constexpr const char* kNested =
     "<backup><Node><timeStamp>7</timeStamp><Node><objid>UDID##v##m##encA##lun1</objid>"
     "<altobjid>UDID##v##m##encA##snap1</altobjid></Node><Node><objid>disk</objid></Node></Node>"
@@ -46,35 +55,7 @@ void PrintTo(const SGolden& golden, std::ostream* out) {
     *out << golden.name;
 }
 
-class GoldenTrace : public fi_test::CContractTest, public testing::WithParamInterface<SGolden> {
-protected:
-    std::string expected() const {
-        std::ifstream file(FI_CONTRACT_GOLDEN "/" + std::string(GetParam().name) + ".trace");
-        EXPECT_TRUE(file.is_open());
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    std::string asText(const fi_test::Trace& trace) const {
-        std::string text;
-        for (const fi_test::TraceLine& line : trace) {
-            text += std::to_string(line.level) + ' ' + withoutFolder(line.text);
-            if (text.back() == '\n') {
-                text.replace(text.size() - 1, 1, "\\n");
-            }
-            text += '\n';
-        }
-        return text;
-    }
-
-private:
-    std::string withoutFolder(std::string text) const {
-        const std::string own = path("");
-        for (std::size_t i = 0; (i = text.find(own, i)) != std::string::npos;) {
-            text.replace(i, own.size(), "{dir}/");
-        }
-        return text;
-    }
-};
+class GoldenTrace : public fi_test::CContractTest, public testing::WithParamInterface<SGolden> {};
 
 TEST_P(GoldenTrace, IsWhatTheCallTraces) {
     std::vector<fi_test::SListed> backups;
@@ -84,7 +65,9 @@ TEST_P(GoldenTrace, IsWhatTheCallTraces) {
                                      : write(document.name, document.content);
         backups.push_back({file, document.flagWord});
     }
-    EXPECT_EQ(asText(fi_test::call(GetParam().configuration, backups).trace), expected());
+    const fi_test::SObserved observed = fi_test::call(GetParam().configuration, backups);
+    EXPECT_EQ(fi_test::asGoldenText(observed.trace, path("")),
+              fi_test::goldenText(GetParam().name));
 }
 
 const SGolden kGolden[] = {
@@ -99,6 +82,11 @@ const SGolden kGolden[] = {
     {"malformed-identifier",
      "encA##lun1;snap1",
      {{"a.xml", kHolder, 0}, {"bad.xml", kMalformed, 0}}},
+    {"ill-formed-document", "encA##lun1;snap1", {{"ill.xml", kIllFormed, 0}}},
+    {"documents-without-a-node",
+     "encA##lun1;snap1",
+     {{"empty.xml", "", 9}, {"other.xml", "<other><x:Node/></other>", 9}, {"a.xml", kHolder, 0}}},
+    {"document-vocabulary", "encA##lun1;snap1", {{"words.xml", kVocabulary, 0}}},
     {"nested-document-kept", "encA##lun1;snap1;snap2", {{"n.xml", kNested, 4}}},
 };
 

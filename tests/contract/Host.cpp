@@ -1,10 +1,7 @@
 #include "tests/contract/Host.h"
 
-#include <dlfcn.h>
-
 #include <cstdlib>
 #include <memory>
-#include <stdexcept>
 
 namespace fi_test {
 namespace {
@@ -16,17 +13,6 @@ struct SFree {
 };
 
 }  // namespace
-
-EntryPoint entryPoint() {
-    static const EntryPoint function = [] {
-        void* const library = dlopen(FI_ROTATION_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) {
-            throw std::runtime_error(dlerror());
-        }
-        return reinterpret_cast<EntryPoint>(dlsym(library, "fi_process_backups"));
-    }();
-    return function;
-}
 
 SObserved call(const std::string& configuration, const std::vector<SListed>& backups) {
     return callWithSize(configuration, backups, static_cast<std::int32_t>(backups.size()));

@@ -8,16 +8,11 @@
 #include <fi_rotation/CFiUdidException.h>
 #include <gtest/gtest.h>
 
+#include "tests/contract/Library.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceRecorder.h"
 
 namespace fi_test {
-
-using EntryPoint = std::int32_t (*)(const char* const*, const char*, std::int32_t*, std::int32_t,
-                                    char**);
-
-// fi_process_backups of the built library, loaded once.
-EntryPoint entryPoint();
 
 struct SListed {
     std::string file;

@@ -5,8 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/contract/Document.h"
-#include "tests/contract/Host.h"
+#include "tests/contract/RotationLines.h"
 
 // What one call does with a few earlier backups, each time with its complete trace.
 namespace {
@@ -15,290 +14,306 @@ using fi_test::backup;
 using fi_test::brokenImportLines;
 using fi_test::call;
 using fi_test::callWithSize;
+using fi_test::closingLines;
+using fi_test::configurationLines;
 using fi_test::failure;
 using fi_test::flagLine;
 using fi_test::importLines;
+using fi_test::invalidLine;
+using fi_test::listed;
+using fi_test::matchLine;
+using fi_test::notAvailableLine;
+using fi_test::notReservedLine;
+using fi_test::openingLines;
 using fi_test::outcomeLines;
 using fi_test::parsedLines;
 using fi_test::progress;
+using fi_test::reservedLine;
+using fi_test::SBackup;
+using fi_test::setLines;
+using fi_test::skippedLine;
 using fi_test::SNode;
 using fi_test::SObserved;
-using fi_test::toXml;
 using fi_test::Trace;
 using fi_test::udid;
 using Flags = std::vector<std::int32_t>;
 
-const Trace kOneTarget = progress(
-    {"CFiResourceParser::parse : Resource specification [encA##lun1;snap1]",
-     "CFiResourceParser::parse : [encA][lun1]", "CFiResourceParser::parse : [encA][snap1]"});
-const Trace kTwoTargets =
-    progress({"CFiResourceParser::parse : Resource specification [encA##lun1;snap1;snap2]",
-              "CFiResourceParser::parse : [encA][lun1]", "CFiResourceParser::parse : [encA][snap1]",
-              "CFiResourceParser::parse : [encA][snap2]"});
-const Trace kNotAvailable = failure(
-    "fi_process_backups : Resources not availabe, some/all are part of Skip rotation fiids");
-
-Trace setLines(const std::vector<std::string>& lines) {
-    return progress({"CFiResourceManager::print : printing resource set"}) + progress(lines);
-}
-
-Trace matchLine(const std::string& file) {
-    return progress({"fi_process_backups : [RESOURCES MATCH] [" + file + "]"});
-}
-
-Trace invalidLine(const std::string& file) {
-    return progress({"fi_process_backups : [INVALID RESOURCES] [" + file + "]"});
-}
-
-Trace reservedLine(const std::string& file, const std::string& timeStamp) {
-    return progress({"fi_process_backups : [RESERVE GOOD] " + file + " - T: " + timeStamp});
-}
-
-Trace notReservedLine(const std::string& file, const std::string& timeStamp) {
-    return progress({"fi_process_backups : " + file + " - T: " + timeStamp});
-}
-
-Trace skippedLine(const std::string& file) {
-    return progress({"fi_process_backups : Skipped Rotation for fiid [" + file + "]"});
-}
-
-Trace selectionLine(const std::string& selection) {
-    return progress({"fi_process_backups : resource_config_string [" + selection + "] "});
-}
-
-class Rotation : public fi_test::CContractTest {
-protected:
-    std::string write(const std::string& name, const SNode& document) const {
-        return CContractTest::write(name, toXml(document));
-    }
-};
+class Rotation : public fi_test::CRotationTest {};
 
 const SNode kHolder = backup("20260101", {{"encA##lun1", "encA##snap1"}});
+const SNode kNewerHolder = backup("20260102", {{"encA##lun1", "encA##snap1"}});
+
+const Trace kOneTarget =
+    configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}});
+const Trace kTwoTargets = configurationLines(
+    "encA##lun1;snap1;snap2", {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}});
+const std::vector<std::string> kOneTargetFree{"[encA:lun1](Available)", "{snap1,Available}"};
+const std::vector<std::string> kTwoTargetsFree{"[encA:lun1](Available)", "{snap1,Available}",
+                                               "{snap2,Available}"};
+const std::vector<std::string> kOneTargetReleased{"[encA:lun1](Used)", "{snap1,Available}"};
+
+// A call in which the only target is held by `only`, which may be rotated.
+Trace linesOfARelease(const SBackup& only) {
+    return kOneTarget + openingLines({only}, kOneTargetFree) + matchLine(only) +
+           reservedLine(only) +
+           closingLines("[encA##lun1;encA##snap1]", kOneTargetReleased, {{only, 2}});
+}
+
+// The same when `only` is excluded from rotation.
+Trace linesOfAnExclusion(const SBackup& only) {
+    return kOneTarget + openingLines({only}, kOneTargetFree) + matchLine(only) +
+           reservedLine(only) + skippedLine(only) + notAvailableLine();
+}
 
 TEST_F(Rotation, OnlyTargetIsReleasedByTheOneBackupThatHoldsIt) {
-    const std::string a = write("a.xml", kHolder);
-    const SObserved observed = call("encA##lun1;snap1", {{a, 0}});
+    const SBackup a = given("a.xml", kHolder);
+    const SObserved observed = call("encA##lun1;snap1", listed({a}));
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
     EXPECT_EQ(observed.flags, Flags{2});
     EXPECT_EQ(observed.standardOutput, "");
-    EXPECT_EQ(observed.trace,
-              kOneTarget + flagLine(a, 0) + importLines({kHolder}) + parsedLines(a, kHolder) +
-                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) + matchLine(a) +
-                  reservedLine(a, "20260101") + selectionLine("[encA##lun1;encA##snap1]") +
-                  setLines({"[encA:lun1](Used)", "{snap1,Available}"}) +
-                  outcomeLines(a, kHolder, 2));
+    EXPECT_EQ(observed.trace, linesOfARelease(a));
 }
 
 TEST_F(Rotation, ExcludedBackupKeepsTheOnlyTargetAndTheCallFails) {
-    const std::string a = write("a.xml", kHolder);
-    const SObserved observed = call("encA##lun1;snap1", {{a, 4}});
+    const SBackup a = given("a.xml", kHolder, 4);
+    const SObserved observed = call("encA##lun1;snap1", listed({a}));
     EXPECT_EQ(observed.status, 3);
     EXPECT_EQ(observed.selection, std::nullopt);
     EXPECT_EQ(observed.flags, Flags{4});
-    EXPECT_EQ(observed.trace,
-              kOneTarget + flagLine(a, 4) + importLines({kHolder}) + parsedLines(a, kHolder) +
-                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) + matchLine(a) +
-                  reservedLine(a, "20260101") + skippedLine(a) + kNotAvailable);
+    EXPECT_EQ(observed.standardOutput, "");
+    EXPECT_EQ(observed.trace, linesOfAnExclusion(a));
 }
 
-TEST_F(Rotation, OnlyTheBitOfValue4Excludes) {
-    const std::string a = write("a.xml", kHolder);
-    for (const std::int32_t flagWord : {0, 1, 2, 3, 8, 3 + 8 + 16, INT32_MIN, -8, INT32_MAX - 4}) {
-        const SObserved observed = call("encA##lun1;snap1", {{a, flagWord}});
-        EXPECT_EQ(observed.status, 0) << flagWord;
-        EXPECT_EQ(observed.flags, Flags{2}) << flagWord;
-        EXPECT_EQ(observed.trace.at(3), flagLine(a, flagWord).front());
+TEST_F(Rotation, FlagWordWithoutTheBitOfValue4DoesNotExclude) {
+    for (const std::int32_t flagWord :
+         {0, 1, 2, 3, 8, 3 + 8 + 16, -5, -8, INT32_MIN, INT32_MAX - 4}) {
+        SCOPED_TRACE(flagWord);
+        const SBackup a = given("a.xml", kHolder, flagWord);
+        const SObserved observed = call("encA##lun1;snap1", listed({a}));
+        EXPECT_EQ(observed.status, 0);
+        EXPECT_EQ(observed.flags, Flags{2});
+        EXPECT_EQ(observed.trace, linesOfARelease(a));
     }
-    for (const std::int32_t flagWord : {4, 5, 12, 7, -1, INT32_MAX, INT32_MIN + 4}) {
-        const SObserved observed = call("encA##lun1;snap1", {{a, flagWord}});
-        EXPECT_EQ(observed.status, 3) << flagWord;
+}
+
+TEST_F(Rotation, FlagWordWithTheBitOfValue4Excludes) {
+    for (const std::int32_t flagWord : {4, 5, 12, 7, -1, -4, INT32_MAX, INT32_MIN + 4}) {
+        SCOPED_TRACE(flagWord);
+        const SBackup a = given("a.xml", kHolder, flagWord);
+        const SObserved observed = call("encA##lun1;snap1", listed({a}));
+        EXPECT_EQ(observed.status, 3);
+        EXPECT_EQ(observed.selection, std::nullopt);
         EXPECT_EQ(observed.flags, Flags{flagWord});
-        EXPECT_EQ(observed.trace.at(3), flagLine(a, flagWord).front());
+        EXPECT_EQ(observed.trace, linesOfAnExclusion(a));
     }
 }
 
-TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerKeepsItUntilItIsNeeded) {
-    const SNode newerDocument = backup("20260102", {{"encA##lun1", "encA##snap1"}});
-    const std::string older = write("older.xml", kHolder);
-    const std::string newer = write("newer.xml", newerDocument);
-    const SObserved needed = call("encA##lun1;snap1", {{older, 0}, {newer, 0}});
-    EXPECT_EQ(needed.status, 0);
-    EXPECT_EQ(needed.flags, (Flags{1, 2}));
-    EXPECT_EQ(needed.trace,
-              kOneTarget + flagLine(older, 0) + flagLine(newer, 0) +
-                  importLines({kHolder, newerDocument}) + parsedLines(older, kHolder) +
-                  parsedLines(newer, newerDocument) +
-                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) + matchLine(older) +
-                  matchLine(newer) + reservedLine(newer, "20260102") +
-                  notReservedLine(older, "20260101") + selectionLine("[encA##lun1;encA##snap1]") +
-                  setLines({"[encA:lun1](Used)", "{snap1,Available}"}) +
-                  outcomeLines(older, kHolder, 1) + outcomeLines(newer, newerDocument, 2));
-
-    const SObserved notNeeded = call("encA##lun1;snap1;snap2", {{older, 0}, {newer, 0}});
-    EXPECT_EQ(notNeeded.selection, "[encA##lun1;encA##snap2]");
-    EXPECT_EQ(notNeeded.flags, (Flags{1, 0}));
-}
-
-TEST_F(Rotation, ClaimThatFailsPartWayHoldsItsTargetsForTheWholeCall) {
-    const std::string configuration = "encA##lun1;snap1;snap3&encB##lun2;snap2";
-    const SNode newerDocument = backup("20260102", {{"encA##lun1", "encA##snap1"}});
-    const SNode olderDocument =
-        backup("20260101", {{"encA##lun1", "encA##snap1"}, {"encB##lun2", "encB##snap2"}});
-    const std::string newer = write("newer.xml", newerDocument);
-    const std::string older = write("older.xml", olderDocument);
-    const SObserved observed = call(configuration, {{newer, 0}, {older, 0}});
-    EXPECT_EQ(observed.status, 3);
-    EXPECT_EQ(observed.selection, std::nullopt);
-    EXPECT_EQ(observed.flags, (Flags{0, 0}));
+TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerGivesItUpWhenItIsNeeded) {
+    const SBackup older = given("older.xml", kHolder);
+    const SBackup newer = given("newer.xml", kNewerHolder);
+    const SObserved observed = call("encA##lun1;snap1", listed({older, newer}));
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
+    EXPECT_EQ(observed.flags, (Flags{1, 2}));
     EXPECT_EQ(
         observed.trace,
-        progress(
-            {"CFiResourceParser::parse : Resource specification [encA##lun1;snap1;snap3]",
-             "CFiResourceParser::parse : [encA][lun1]", "CFiResourceParser::parse : [encA][snap1]",
-             "CFiResourceParser::parse : [encA][snap3]", "CFiResourceParser::parse : [encB][lun2]",
-             "CFiResourceParser::parse : [encB][snap2]"}) +
-            flagLine(newer, 0) + flagLine(older, 0) + importLines({newerDocument, olderDocument}) +
-            parsedLines(newer, newerDocument) + parsedLines(older, olderDocument) +
-            setLines({"[encA:lun1](Available)", "{snap1,Available}", "{snap3,Available}",
-                      "[encB:lun2](Available)", "{snap2,Available}"}) +
-            matchLine(newer) + matchLine(older) + reservedLine(newer, "20260102") +
-            notReservedLine(older, "20260101") + kNotAvailable);
+        kOneTarget + openingLines({older, newer}, kOneTargetFree) + matchLine(older) +
+            matchLine(newer) + reservedLine(newer) + notReservedLine(older) +
+            closingLines("[encA##lun1;encA##snap1]", kOneTargetReleased, {{older, 1}, {newer, 2}}));
+}
+
+TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerKeepsItWhenItIsNotNeeded) {
+    const SBackup older = given("older.xml", kHolder);
+    const SBackup newer = given("newer.xml", kNewerHolder);
+    const SObserved observed = call("encA##lun1;snap1;snap2", listed({older, newer}));
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap2]");
+    EXPECT_EQ(observed.flags, (Flags{1, 0}));
+    EXPECT_EQ(observed.trace,
+              kTwoTargets + openingLines({older, newer}, kTwoTargetsFree) + matchLine(older) +
+                  matchLine(newer) + reservedLine(newer) + notReservedLine(older) +
+                  closingLines("[encA##lun1;encA##snap2]",
+                               {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"},
+                               {{older, 1}, {newer, 0}}));
+}
+
+TEST_F(Rotation, ClaimThatFailsPartWayHoldsItsOtherTargetsForTheWholeCall) {
+    const SBackup newer = given("newer.xml", kNewerHolder, 1);
+    const SBackup older = given(
+        "older.xml",
+        backup("20260101", {{"encA##lun1", "encA##snap1"}, {"encB##lun2", "encB##snap2"}}), 2);
+    const SObserved observed =
+        call("encA##lun1;snap1;snap3&encB##lun2;snap2", listed({newer, older}));
+    EXPECT_EQ(observed.status, 3);
+    EXPECT_EQ(observed.selection, std::nullopt);
+    EXPECT_EQ(observed.flags, (Flags{1, 2}));
+    EXPECT_EQ(observed.trace,
+              configurationLines("encA##lun1;snap1;snap3", {{"encA", "lun1"},
+                                                            {"encA", "snap1"},
+                                                            {"encA", "snap3"},
+                                                            {"encB", "lun2"},
+                                                            {"encB", "snap2"}}) +
+                  openingLines({newer, older},
+                               {"[encA:lun1](Available)", "{snap1,Available}", "{snap3,Available}",
+                                "[encB:lun2](Available)", "{snap2,Available}"}) +
+                  matchLine(newer) + matchLine(older) + reservedLine(newer) +
+                  notReservedLine(older) + notAvailableLine());
+}
+
+TEST_F(Rotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
+    const SBackup newer = given("newer.xml", kNewerHolder, 1);
+    const SBackup older = given(
+        "older.xml",
+        backup("20260101", {{"encA##lun1", "encA##snap1"}, {"encB##lun2", "encB##snap2"}}), 2);
+    const SObserved observed =
+        call("encA##lun1;snap1;snap3&encB##lun2;snap2;snap4", listed({newer, older}));
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap3][encB##lun2;encB##snap4]");
+    EXPECT_EQ(observed.flags, (Flags{0, 1}));
+    EXPECT_EQ(
+        observed.trace,
+        configurationLines("encA##lun1;snap1;snap3", {{"encA", "lun1"},
+                                                      {"encA", "snap1"},
+                                                      {"encA", "snap3"},
+                                                      {"encB", "lun2"},
+                                                      {"encB", "snap2"},
+                                                      {"encB", "snap4"}}) +
+            openingLines({newer, older},
+                         {"[encA:lun1](Available)", "{snap1,Available}", "{snap3,Available}",
+                          "[encB:lun2](Available)", "{snap2,Available}", "{snap4,Available}"}) +
+            matchLine(newer) + matchLine(older) + reservedLine(newer) + notReservedLine(older) +
+            closingLines("[encA##lun1;encA##snap3][encB##lun2;encB##snap4]",
+                         {"[encA:lun1](Used)", "{snap1,Used}", "{snap3,Available}",
+                          "[encB:lun2](Used)", "{snap2,Used}", "{snap4,Available}"},
+                         {{older, 1}, {newer, 0}}));
+}
+
+TEST_F(Rotation, BackupThatHoldsOneTargetTwiceFailsItsClaimAndIsNeverReleased) {
+    const SNode device{{{"objid", "UDID##v##m##encA##lun1"}, {"altobjid", udid("encA##snap1")}},
+                       {}};
+    const SNode same{{{"objid", "UDID##v##n##encA##lun1"}, {"altobjid", udid("encA##snap1")}}, {}};
+    const SBackup a = given("a.xml", SNode{{{"timeStamp", "1"}}, {device, same}});
+    const SObserved observed = call("encA##lun1;snap1", listed({a}));
+    EXPECT_EQ(observed.status, 3);
+    EXPECT_EQ(observed.flags, Flags{0});
+    EXPECT_EQ(observed.trace, kOneTarget + openingLines({a}, kOneTargetFree) + matchLine(a) +
+                                  notReservedLine(a) + notAvailableLine());
 }
 
 TEST_F(Rotation, EnoughFreeTargetsLeaveEveryBackupAsItIs) {
-    const std::string a = write("a.xml", kHolder);
-    const SObserved observed = call("encA##lun1;snap1;snap2", {{a, 4}});
+    const SBackup excluded = given("excluded.xml", kHolder, 4);
+    const SBackup other =
+        given("other.xml", backup("20260102", {{"encA##lun1", "encA##snap2"}}), 1);
+    const SObserved observed = call("encA##lun1;snap1;snap2;snap3", listed({excluded, other}));
     EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap2]");
-    EXPECT_EQ(observed.flags, Flags{0});
-    EXPECT_EQ(observed.trace,
-              kTwoTargets + flagLine(a, 4) + importLines({kHolder}) + parsedLines(a, kHolder) +
-                  setLines({"[encA:lun1](Available)", "{snap1,Available}", "{snap2,Available}"}) +
-                  matchLine(a) + reservedLine(a, "20260101") +
-                  selectionLine("[encA##lun1;encA##snap2]") +
-                  setLines({"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}) +
-                  outcomeLines(a, kHolder, 0));
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap3]");
+    EXPECT_EQ(observed.flags, (Flags{0, 0}));
+    EXPECT_EQ(
+        observed.trace,
+        configurationLines(
+            "encA##lun1;snap1;snap2;snap3",
+            {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}, {"encA", "snap3"}}) +
+            openingLines({excluded, other}, {"[encA:lun1](Available)", "{snap1,Available}",
+                                             "{snap2,Available}", "{snap3,Available}"}) +
+            matchLine(excluded) + matchLine(other) + reservedLine(other) + reservedLine(excluded) +
+            closingLines("[encA##lun1;encA##snap3]",
+                         {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Used}", "{snap3,Available}"},
+                         {{excluded, 0}, {other, 0}}));
 }
 
-TEST_F(Rotation, BackupThatDisagreesWithTheConfigurationClaimsAndReleasesNothing) {
-    const SNode document =
-        backup("20260101", {{"encA##lun1", "encA##snap1"}, {"encZ##gone", "encA##snap1"}});
-    const std::string a = write("a.xml", document);
-    const SObserved observed = call("encA##lun1;snap1", {{a, 0}});
+// Its other identifier matches a target that is then free for the new backup.
+TEST_F(Rotation, BackupWithAnIdentifierOfNoConfiguredTargetIsInvalidAndHoldsNothing) {
+    const SBackup a =
+        given("a.xml",
+              backup("20260101", {{"encA##lun1", "encA##snap1"}, {"encZ##gone", "encA##snap1"}}));
+    const SObserved observed = call("encA##lun1;snap1", listed({a}));
     EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
     EXPECT_EQ(observed.flags, Flags{1});
-    EXPECT_EQ(observed.trace, kOneTarget + flagLine(a, 0) + importLines({document}) +
-                                  parsedLines(a, document) +
-                                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) +
-                                  invalidLine(a) + selectionLine("[encA##lun1;encA##snap1]") +
-                                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) +
-                                  outcomeLines(a, document, 1));
+    EXPECT_EQ(observed.trace,
+              kOneTarget + openingLines({a}, kOneTargetFree) + invalidLine(a) +
+                  closingLines("[encA##lun1;encA##snap1]", kOneTargetFree, {{a, 1}}));
 }
 
 TEST_F(Rotation, FilesFromTheFirstThatCannotBeOpenedKeepTheirFlagWords) {
-    const std::string a = write("a.xml", kHolder);
-    const std::string c = write("c.xml", kHolder);
+    const SBackup a = given("a.xml", kHolder);
+    const SBackup c = given("c.xml", kHolder, 12);
     const std::string missing = path("missing.xml");
-    const SObserved observed = call("encA##lun1;snap1", {{a, 0}, {missing, 11}, {c, 12}});
+    const std::string alsoMissing = path("also-missing.xml");
+    const SObserved observed =
+        call("encA##lun1;snap1", {a.listed, {missing, 11}, c.listed, {alsoMissing, -1}});
     EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.flags, (Flags{2, 11, 12}));
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
+    EXPECT_EQ(observed.flags, (Flags{2, 11, 12, -1}));
     EXPECT_EQ(observed.standardOutput, "ERROR: failed to load FIID file [" + missing + "]\n");
     EXPECT_EQ(observed.trace,
-              kOneTarget + flagLine(a, 0) + flagLine(missing, 11) + flagLine(c, 12) +
-                  brokenImportLines({kHolder}) + parsedLines(a, kHolder) +
-                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) + matchLine(a) +
-                  reservedLine(a, "20260101") + selectionLine("[encA##lun1;encA##snap1]") +
-                  setLines({"[encA:lun1](Used)", "{snap1,Available}"}) +
-                  outcomeLines(a, kHolder, 2));
+              kOneTarget + flagLine(a.listed.file, 0) + flagLine(missing, 11) +
+                  flagLine(c.listed.file, 12) + flagLine(alsoMissing, -1) +
+                  brokenImportLines({kHolder}) + parsedLines(a.listed.file, kHolder) +
+                  setLines(kOneTargetFree) + matchLine(a) + reservedLine(a) +
+                  closingLines("[encA##lun1;encA##snap1]", kOneTargetReleased, {{a, 2}}));
 }
 
-TEST_F(Rotation, WithoutALoadedBackupTheConfigurationAloneDecides) {
-    const std::string missing = path("missing.xml");
-    const SObserved good = call("encA##lun1;snap1", {{missing, 9}});
-    EXPECT_EQ(good.status, 0);
-    EXPECT_EQ(good.selection, "[encA##lun1;encA##snap1]");
-    EXPECT_EQ(good.flags, Flags{9});
-    EXPECT_EQ(good.trace, kOneTarget + flagLine(missing, 9) + brokenImportLines({}) +
-                              setLines({"[encA:lun1](Available)", "{snap1,Available}"}) +
-                              selectionLine("[encA##lun1;encA##snap1]") +
-                              setLines({"[encA:lun1](Available)", "{snap1,Available}"}));
-
-    const SObserved bad = call("encA##lun1", {{missing, 9}});
-    EXPECT_EQ(bad.status, 3);
-    EXPECT_EQ(bad.selection, std::nullopt);
-    EXPECT_EQ(bad.flags, Flags{9});
-    EXPECT_EQ(bad.trace, progress({"CFiResourceParser::parse : Resource specification [encA##lun1]",
-                                   "CFiResourceParser::parse : [encA][lun1]"}) +
-                             flagLine(missing, 9) + brokenImportLines({}) +
-                             setLines({"[encA:lun1](Available)"}) + kNotAvailable);
-}
-
-TEST_F(Rotation, NegativeSizeStandsForNoBackups) {
-    const std::string a = write("a.xml", kHolder);
-    for (const std::int32_t size : {-1, INT32_MIN}) {
-        const SObserved good = callWithSize("encA##lun1;snap1", {{a, 5}}, size);
-        EXPECT_EQ(good.status, 0);
-        EXPECT_EQ(good.selection, "[encA##lun1;encA##snap1]");
-        EXPECT_EQ(good.flags, Flags{5});
-        EXPECT_EQ(good.trace, kOneTarget + importLines({}) +
-                                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}) +
-                                  selectionLine("[encA##lun1;encA##snap1]") +
-                                  setLines({"[encA:lun1](Available)", "{snap1,Available}"}));
-    }
-    const SObserved bad = callWithSize("encA##lun1", {{a, 5}}, -1);
-    EXPECT_EQ(bad.status, 3);
-    EXPECT_EQ(bad.flags, Flags{5});
-    EXPECT_EQ(bad.trace, progress({"CFiResourceParser::parse : Resource specification [encA##lun1]",
-                                   "CFiResourceParser::parse : [encA][lun1]"}) +
-                             importLines({}) + setLines({"[encA:lun1](Available)"}) +
-                             kNotAvailable);
-}
-
+// Its trace is spelled out in golden/documents-without-a-node.trace.
 TEST_F(Rotation, DocumentWithoutANodeKeepsItsFlagWordAndHidesNothing) {
-    const std::string empty = CContractTest::write("empty.xml", "<other/>");
-    const std::string a = write("a.xml", kHolder);
-    const SObserved observed = call("encA##lun1;snap1", {{empty, 9}, {a, 0}});
+    const std::string empty = write("empty.xml", "");
+    const std::string other = write("other.xml", "<other><x:Node/></other>");
+    const SBackup a = given("a.xml", kHolder);
+    const SObserved observed = call("encA##lun1;snap1", {{empty, 9}, {other, 4}, a.listed});
     EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.flags, (Flags{9, 2}));
+    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
+    EXPECT_EQ(observed.flags, (Flags{9, 4, 2}));
     EXPECT_EQ(observed.standardOutput, "");
 }
 
-TEST_F(Rotation, BackupThatNamesNoDeviceMatchesAndIsRotatedWithoutFreeingAnything) {
-    const SNode document = backup("20250101", {});
-    const std::string empty = write("empty.xml", document);
-    const std::string a = write("a.xml", kHolder);
-    const SObserved observed = call("encA##lun1;snap1", {{empty, 0}, {a, 0}});
-    EXPECT_EQ(observed.flags, (Flags{2, 2}));
+TEST_F(Rotation, WithoutALoadedBackupAFreeTargetIsEnough) {
+    const std::string missing = path("missing.xml");
+    const SBackup behind = given("behind.xml", kHolder, 4);
+    const SObserved observed = call("encA##lun1;snap1", {{missing, 9}, behind.listed});
+    EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
+    EXPECT_EQ(observed.flags, (Flags{9, 4}));
+    EXPECT_EQ(observed.standardOutput, "ERROR: failed to load FIID file [" + missing + "]\n");
+    EXPECT_EQ(observed.trace, kOneTarget + flagLine(missing, 9) + flagLine(behind.listed.file, 4) +
+                                  brokenImportLines({}) + setLines(kOneTargetFree) +
+                                  closingLines("[encA##lun1;encA##snap1]", kOneTargetFree, {}));
 }
 
-TEST_F(Rotation, PercentSignsInNamesAndTextsAreTracedAsTheyStand) {
-    SNode document = backup("100%s", {});
-    document.elements.push_back({"objid", "%n%d"});
-    const std::string a = write("a%s%n.xml", document);
-    const SObserved observed = call("encA%s##lun%n;snap%d", {{a, 0}});
-    EXPECT_EQ(observed.selection, "[encA%s##lun%n;encA%s##snap%d]");
-    EXPECT_EQ(observed.trace,
-              progress({"CFiResourceParser::parse : Resource specification [encA%s##lun%n;snap%d]",
-                        "CFiResourceParser::parse : [encA%s][lun%n]",
-                        "CFiResourceParser::parse : [encA%s][snap%d]"}) +
-                  flagLine(a, 0) + importLines({document}) + parsedLines(a, document) +
-                  setLines({"[encA%s:lun%n](Available)", "{snap%d,Available}"}) + matchLine(a) +
-                  reservedLine(a, "100%s") + selectionLine("[encA%s##lun%n;encA%s##snap%d]") +
-                  setLines({"[encA%s:lun%n](Available)", "{snap%d,Available}"}) +
-                  outcomeLines(a, document, 0));
+TEST_F(Rotation, WithoutALoadedBackupAConfigurationWithoutTargetsFailsTheCall) {
+    const std::string missing = path("missing.xml");
+    const SObserved observed = call("encA##lun1", {{missing, 9}});
+    EXPECT_EQ(observed.status, 3);
+    EXPECT_EQ(observed.selection, std::nullopt);
+    EXPECT_EQ(observed.flags, Flags{9});
+    EXPECT_EQ(observed.trace, configurationLines("encA##lun1", {{"encA", "lun1"}}) +
+                                  flagLine(missing, 9) + brokenImportLines({}) +
+                                  setLines({"[encA:lun1](Available)"}) + notAvailableLine());
 }
 
-TEST_F(Rotation, TwoCallsAlikeHaveOneOutcome) {
-    const std::string a = write("a.xml", kHolder);
-    const std::string b = write("b.xml", backup("20260102", {{"encA##lun1", "encA##snap2"}}));
-    const SObserved first = call("encA##lun1;snap1;snap2", {{a, 0}, {b, 4}});
-    const SObserved second = call("encA##lun1;snap1;snap2", {{a, 0}, {b, 4}});
-    EXPECT_EQ(first.flags, (Flags{2, 0}));
-    EXPECT_EQ(second.flags, first.flags);
-    EXPECT_EQ(second.selection, first.selection);
-    EXPECT_EQ(second.trace, first.trace);
+TEST_F(Rotation, NegativeSizeStandsForNoBackups) {
+    const SBackup a = given("a.xml", kHolder, 5);
+    for (const std::int32_t size : {-1, INT32_MIN}) {
+        SCOPED_TRACE(size);
+        const SObserved observed = callWithSize("encA##lun1;snap1", listed({a}), size);
+        EXPECT_EQ(observed.status, 0);
+        EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
+        EXPECT_EQ(observed.flags, Flags{5});
+        EXPECT_EQ(observed.standardOutput, "");
+        EXPECT_EQ(observed.trace, kOneTarget + importLines({}) + setLines(kOneTargetFree) +
+                                      closingLines("[encA##lun1;encA##snap1]", kOneTargetFree, {}));
+    }
+}
+
+TEST_F(Rotation, NegativeSizeFailsWithoutATarget) {
+    const SBackup a = given("a.xml", kHolder, 5);
+    const SObserved observed = callWithSize("encA##lun1", listed({a}), -1);
+    EXPECT_EQ(observed.status, 3);
+    EXPECT_EQ(observed.selection, std::nullopt);
+    EXPECT_EQ(observed.flags, Flags{5});
+    EXPECT_EQ(observed.trace, configurationLines("encA##lun1", {{"encA", "lun1"}}) +
+                                  importLines({}) + setLines({"[encA:lun1](Available)"}) +
+                                  notAvailableLine());
 }
 
 }  // namespace

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "tests/support/TraceRecorder.h"
+
+// Complete traces spelled out in golden/, one line a trace call: level and text. In a text a line end stands
+// as \n, a backslash as \\ and the folder of the documents as {dir}.
+namespace fi_test {
+
+// The file golden/NAME.trace.
+std::string goldenText(const std::string& name);
+
+// A trace in the same form; `folder` is the folder of the documents with a slash at its end.
+std::string asGoldenText(const Trace& trace, const std::string& folder);
+
+}  // namespace fi_test

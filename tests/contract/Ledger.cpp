@@ -1,0 +1,109 @@
+#include "tests/contract/Ledger.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Before each block, so that a block can be taken off the list when it is freed. Keeps the block aligned.
+struct alignas(std::max_align_t) SHeader {
+    SHeader* next = nullptr;
+    SHeader* previous = nullptr;
+    bool isRecorded = false;
+};
+
+SHeader recorded;
+bool isRecording = false;
+std::size_t allocations = 0;
+
+void* allocate(std::size_t size) {
+    void* const memory = std::malloc(sizeof(SHeader) + size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    auto* const header = new (memory) SHeader;
+    if (isRecording) {
+        ++allocations;
+        header->isRecorded = true;
+        header->previous = &recorded;
+        header->next = recorded.next;
+        if (recorded.next != nullptr) {
+            recorded.next->previous = header;
+        }
+        recorded.next = header;
+    }
+    return header + 1;
+}
+
+void release(void* block) noexcept {
+    if (block == nullptr) {
+        return;
+    }
+    SHeader* const header = static_cast<SHeader*>(block) - 1;
+    if (header->isRecorded) {
+        header->previous->next = header->next;
+        if (header->next != nullptr) {
+            header->next->previous = header->previous;
+        }
+    }
+    std::free(header);
+}
+
+}  // namespace
+
+#define EXPORTED __attribute__((visibility("default")))
+EXPORTED void* operator new(std::size_t size) {
+    return allocate(size);
+}
+EXPORTED void* operator new[](std::size_t size) {
+    return allocate(size);
+}
+EXPORTED void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+EXPORTED void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+EXPORTED void operator delete(void* block) noexcept {
+    release(block);
+}
+EXPORTED void operator delete[](void* block) noexcept {
+    release(block);
+}
+EXPORTED void operator delete(void* block, std::size_t) noexcept {
+    release(block);
+}
+EXPORTED void operator delete[](void* block, std::size_t) noexcept {
+    release(block);
+}
+
+namespace fi_test {
+
+void startRecording() {
+    allocations = 0;
+    isRecording = true;
+}
+
+void stopRecording() {
+    isRecording = false;
+}
+
+std::size_t recordedAllocations() {
+    return allocations;
+}
+
+std::size_t blocksLeft() {
+    std::size_t count = 0;
+    for (const SHeader* block = recorded.next; block != nullptr; block = block->next) {
+        ++count;
+    }
+    return count;
+}
+
+void releaseBlocksLeft() {
+    while (recorded.next != nullptr) {
+        release(recorded.next + 1);
+    }
+}
+
+}  // namespace fi_test
