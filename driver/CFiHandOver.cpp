@@ -12,7 +12,7 @@ CFiHandOver::~CFiHandOver() {
     if (isKept) {
         return;
     }
-    if (*target != formerTarget) {
+    if (isSelectionGiven) {
         const CMallocedText given(*target);
         *target = formerTarget;
     }
@@ -21,6 +21,7 @@ CFiHandOver::~CFiHandOver() {
 
 void CFiHandOver::give(CMallocedText selection) {
     *target = selection.release();
+    isSelectionGiven = true;
 }
 
 void CFiHandOver::give(const std::vector<std::int32_t>& finalFlags) {

@@ -26,5 +26,6 @@ private:
     std::int32_t* flags;
     char* formerTarget;
     std::vector<std::int32_t> formerFlags;
+    bool isSelectionGiven = false;
     bool isKept = false;
 };
