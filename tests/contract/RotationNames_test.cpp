@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -28,6 +30,7 @@ using fi_test::reservedLine;
 using fi_test::SBackup;
 using fi_test::setLines;
 using fi_test::skippedLine;
+using fi_test::SListed;
 using fi_test::SNode;
 using fi_test::SObserved;
 using fi_test::Trace;
@@ -71,6 +74,24 @@ TEST_F(RotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd)
             closingLines("[encA##lun1;encA##s1]",
                          {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"},
                          {{twice, first}, {twice, second}, {newer, 0}}));
+}
+
+// The more entries, the more the order of equal time stamps changes between load and end.
+TEST_F(RotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst) {
+    const SBackup often = holder("often.xml", "1", "s1");
+    const std::string start = "fi_process_backups : parsed [" + often.listed.file + "] state=";
+    for (std::size_t count = 2; count < 60; ++count) {
+        SCOPED_TRACE(count);
+        const SObserved observed = call("encA##lun1;s1", std::vector<SListed>(count, often.listed));
+        EXPECT_EQ(observed.status, 0);
+        const auto first = std::find_if(
+            observed.trace.begin(), observed.trace.end(),
+            [&](const auto& line) { return line.text.compare(0, start.size(), start) == 0; });
+        ASSERT_NE(first, observed.trace.end());
+        for (const std::int32_t flag : observed.flags) {
+            EXPECT_EQ(start + "[" + std::to_string(flag) + "]", first->text);
+        }
+    }
 }
 
 TEST_F(RotationNames, LastFlagWordOfANameListedTwiceExcludesBoth) {

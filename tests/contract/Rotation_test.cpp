@@ -189,6 +189,46 @@ TEST_F(Rotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
                          {{older, 1}, {newer, 0}}));
 }
 
+TEST_F(Rotation, ClaimGoesOnBehindWhicheverTargetIsHeldByANewerBackup) {
+    for (const std::string held : {"1", "2", "3"}) {
+        SCOPED_TRACE(held);
+        const SBackup newer =
+            given("newer.xml", backup("2", {{"encA##lun" + held, "encA##snap" + held}}));
+        const SBackup older = given("older.xml", backup("1", {{"encA##lun1", "encA##snap1"},
+                                                              {"encA##lun2", "encA##snap2"},
+                                                              {"encA##lun3", "encA##snap3"}}));
+        const SObserved observed =
+            call("encA##lun1;snap1;free&encA##lun2;snap2;free&encA##lun3;snap3;free",
+                 listed({older, newer}));
+        EXPECT_EQ(observed.status, 0);
+        EXPECT_EQ(observed.flags, (Flags{1, 0}));
+        const std::string selection =
+            "[encA##lun1;encA##free][encA##lun2;encA##free][encA##lun3;encA##free]";
+        EXPECT_EQ(observed.selection, selection);
+        EXPECT_EQ(
+            observed.trace,
+            configurationLines("encA##lun1;snap1;free", {{"encA", "lun1"},
+                                                         {"encA", "snap1"},
+                                                         {"encA", "free"},
+                                                         {"encA", "lun2"},
+                                                         {"encA", "snap2"},
+                                                         {"encA", "free"},
+                                                         {"encA", "lun3"},
+                                                         {"encA", "snap3"},
+                                                         {"encA", "free"}}) +
+                openingLines({older, newer},
+                             {"[encA:lun1](Available)", "{snap1,Available}", "{free,Available}",
+                              "[encA:lun2](Available)", "{snap2,Available}", "{free,Available}",
+                              "[encA:lun3](Available)", "{snap3,Available}", "{free,Available}"}) +
+                matchLine(older) + matchLine(newer) + reservedLine(newer) + notReservedLine(older) +
+                closingLines(selection,
+                             {"[encA:lun1](Used)", "{snap1,Used}", "{free,Available}",
+                              "[encA:lun2](Used)", "{snap2,Used}", "{free,Available}",
+                              "[encA:lun3](Used)", "{snap3,Used}", "{free,Available}"},
+                             {{older, 1}, {newer, 0}}));
+    }
+}
+
 TEST_F(Rotation, BackupThatHoldsOneTargetTwiceFailsItsClaimAndIsNeverReleased) {
     const SNode device{{{"objid", "UDID##v##m##encA##lun1"}, {"altobjid", udid("encA##snap1")}},
                        {}};
