@@ -45,6 +45,9 @@ void CFiFiidParser::init() {
         reader->setFeature(XMLUni::fgXercesSchema, false);
         reader->setFeature(XMLUni::fgXercesSchemaFullChecking, false);
         reader->setFeature(XMLUni::fgSAX2CoreNameSpacePrefixes, false);
+        if constexpr (kHardenedXml) {
+            limits.applyTo(*reader);
+        }
     } catch (const XMLException&) {
         // A parser without a reader yields no tree, and the backup is then absent from the
         // selection.

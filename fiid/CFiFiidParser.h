@@ -6,6 +6,8 @@
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 
+#include "fiid/CFiXmlLimits.h"
+
 // One SAX2 reader of the XML library, without validation and namespace processing, for documents
 // that are already in memory. Each parser initialises the library and terminates it again; the
 // library counts these calls, but not safely across threads.
@@ -38,4 +40,6 @@ public:
 
 private:
     void release();
+
+    CFiXmlLimits limits;
 };

@@ -1,0 +1,168 @@
+// What a document can make the XML library do for it, and what of that is left when the library is built
+// to be wary of documents.
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "tests/contract/Host.h"
+
+namespace {
+
+using fi_test::SObserved;
+
+#ifdef FI_ROTATION_HARDENED_XML
+constexpr bool kHardened = true;
+#else
+constexpr bool kHardened = false;
+#endif
+
+bool hasLine(const SObserved& observed, const std::string& text) {
+    return std::any_of(observed.trace.begin(), observed.trace.end(),
+                       [&](const auto& line) { return line.text == text; });
+}
+
+bool hasFatalError(const SObserved& observed) {
+    return hasLine(observed, "Entering CFiFiidHandler::fatalError\n");
+}
+
+bool hasObjid(const SObserved& observed, const std::string& objid) {
+    return hasLine(observed, " [" + objid + "]");
+}
+
+// Accepts one connection, says nothing, and hangs up when the test says so.
+class CSilentServer {
+public:
+    CSilentServer() : listener(socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        EXPECT_EQ(bind(listener, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(listen(listener, 1), 0);
+        socklen_t size = sizeof address;
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+        port = ntohs(address.sin_port);
+    }
+    ~CSilentServer() { close(listener); }
+    CSilentServer(const CSilentServer&) = delete;
+    CSilentServer& operator=(const CSilentServer&) = delete;
+
+    std::string address() const { return "http://127.0.0.1:" + std::to_string(port) + "/x"; }
+
+    bool hasCaller() const {
+        pollfd waiting{listener, POLLIN, 0};
+        return poll(&waiting, 1, 0) == 1;
+    }
+
+    void acceptAndHangUpAfter(std::chrono::milliseconds silence) {
+        const int connection = accept(listener, nullptr, nullptr);
+        std::this_thread::sleep_for(silence);
+        hasHungUp = true;
+        close(connection);
+    }
+
+    std::atomic<bool> hasHungUp{false};
+
+private:
+    int listener;
+    int port = 0;
+};
+
+class Hazard : public fi_test::CContractTest {
+protected:
+    SObserved callWith(const std::string& document) {
+        return fi_test::call("encA##lun1;snap1", {{write("a.xml", document), 0}});
+    }
+};
+
+TEST_F(Hazard, ExternalEntityPutsAForeignFileIntoTheTree) {
+    const std::string file = write("foreign", "foreign content");
+    const SObserved observed = callWith("<!DOCTYPE Node [<!ENTITY e SYSTEM '" + file +
+                                        "'>]><Node><objid>&e;</objid></Node>");
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(hasObjid(observed, "foreign content"), !kHardened);
+    EXPECT_EQ(hasFatalError(observed), kHardened);
+}
+
+TEST_F(Hazard, ExternalDtdIsRead) {
+    const std::string file = write("foreign.dtd", "<!ENTITY e 'foreign content'>");
+    const SObserved observed =
+        callWith("<!DOCTYPE Node SYSTEM '" + file + "'><Node><objid>&e;</objid></Node>");
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(hasObjid(observed, "foreign content"), !kHardened);
+    EXPECT_EQ(hasFatalError(observed), kHardened);
+}
+
+TEST_F(Hazard, ExternalDtdThatIsMissingIsAFatalError) {
+    const SObserved observed =
+        callWith("<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>");
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_TRUE(hasFatalError(observed));
+}
+
+TEST_F(Hazard, SilentServerHoldsTheCallUntilItHangsUp) {
+    CSilentServer server;
+    const std::string document =
+        "<!DOCTYPE Node SYSTEM '" + server.address() + "'><Node><objid>a</objid></Node>";
+    if (kHardened) {
+        const SObserved observed = callWith(document);
+        EXPECT_TRUE(hasFatalError(observed));
+        EXPECT_FALSE(server.hasCaller());
+        return;
+    }
+    std::thread peer([&server] { server.acceptAndHangUpAfter(std::chrono::milliseconds(300)); });
+    const SObserved observed = callWith(document);
+    const bool hadHungUp = server.hasHungUp;
+    peer.join();
+    EXPECT_TRUE(hadHungUp);
+    EXPECT_TRUE(hasFatalError(observed));
+}
+
+// Four levels are ten thousand texts out of a document of some three hundred bytes; each further level is
+// ten times as many.
+TEST_F(Hazard, NestedEntitiesExpand) {
+    std::string declarations = "<!ENTITY e0 'x'>";
+    for (int level = 1; level <= 4; ++level) {
+        const std::string lower = "&e" + std::to_string(level - 1) + ';';
+        std::string value;
+        for (int i = 0; i < 10; ++i) {
+            value += lower;
+        }
+        declarations += "<!ENTITY e" + std::to_string(level) + " '" + value + "'>";
+    }
+    const SObserved observed =
+        callWith("<!DOCTYPE Node [" + declarations + "]><Node><objid>&e4;</objid></Node>");
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_EQ(hasObjid(observed, "x"), !kHardened);
+    EXPECT_EQ(hasFatalError(observed), kHardened);
+}
+
+TEST_F(Hazard, EntityOfTheDocumentItselfIsHarmless) {
+    const SObserved observed =
+        callWith("<!DOCTYPE Node [<!ENTITY e 'own'>]><Node><objid>&e;</objid></Node>");
+    EXPECT_TRUE(hasObjid(observed, "own"));
+    EXPECT_FALSE(hasFatalError(observed));
+}
+
+// The backups beside it are not touched by a document's fault.
+TEST_F(Hazard, OtherDocumentsAreReadAllTheSame) {
+    const SObserved observed = fi_test::call(
+        "encA##lun1;snap1",
+        {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},
+         {write("b.xml", "<Node><objid>b</objid></Node>"), 8}});
+    EXPECT_EQ(observed.status, 0);
+    EXPECT_TRUE(hasObjid(observed, "b"));
+    EXPECT_EQ(observed.flags, (std::vector<std::int32_t>{8, 0}));
+}
+
+}  // namespace
