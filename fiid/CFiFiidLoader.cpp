@@ -19,14 +19,32 @@ struct SFileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// The root of the document's tree; null when it holds no Node.
-CFiFiidNode* parseDocument(const std::string& content) {
+// Adds the root of a handler's tree to a list at the end of the scope, also when an exception ends it: a
+// tree that no list knows would never be freed. The list must have room.
+class CRootKeeper {
+public:
+    CRootKeeper(const CFiFiidHandler& reading, std::vector<CFiFiidNode*>& roots)
+        : handler(reading), nodes(roots) {}
+    ~CRootKeeper() {
+        if (handler.root != nullptr) {
+            nodes.push_back(handler.root);
+        }
+    }
+    CRootKeeper(const CRootKeeper&) = delete;
+    CRootKeeper& operator=(const CRootKeeper&) = delete;
+
+private:
+    const CFiFiidHandler& handler;
+    std::vector<CFiFiidNode*>& nodes;
+};
+
+void parseDocument(const std::string& content, std::vector<CFiFiidNode*>& nodes) {
     // The handler allocates through the XML library, which lives as long as the parser.
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
+    const CRootKeeper keeper(handler, nodes);
     parser.setHandler(&handler);
     parser.parse(content);
-    return handler.root;
 }
 
 }  // namespace
@@ -57,7 +75,6 @@ std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
 std::int32_t CFiFiidLoader::import(const std::vector<std::string>& names) {
     traceEntering(kNoName);
     files = names;
-    // A root must never be left without an owner's list because the list could not grow.
     nodes.reserve(nodes.size() + names.size());
 
     std::string content;
@@ -67,9 +84,10 @@ std::int32_t CFiFiidLoader::import(const std::vector<std::string>& names) {
             traceExiting(kNoName);
             return status;
         }
-        if (CFiFiidNode* root = parseDocument(content)) {
-            nodes.push_back(root);
-            root->fiidFile = name;
+        const std::size_t before = nodes.size();
+        parseDocument(content, nodes);
+        if (nodes.size() > before) {
+            nodes.back()->fiidFile = name;
         }
     }
     traceExiting(kNoName);

@@ -18,6 +18,7 @@
 #include "driver/CFiTreeReleaser.h"
 #include "fiid/CFiFiidHandler.h"
 #include "fiid/CFiFiidLoader.h"
+#include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceRecorder.h"
@@ -25,6 +26,19 @@
 namespace {
 
 std::function<void()> failure;
+bool isMemoryShortBehindADocument = false;
+
+class CReader : public xercesc::SAX2XMLReaderImpl {
+public:
+    using SAX2XMLReaderImpl::SAX2XMLReaderImpl;
+
+    void parse(const xercesc::InputSource& source) override {
+        SAX2XMLReaderImpl::parse(source);
+        if (isMemoryShortBehindADocument) {
+            throw xercesc::OutOfMemoryException();
+        }
+    }
+};
 
 }  // namespace
 
@@ -35,7 +49,7 @@ SAX2XMLReader* XMLReaderFactory::createXMLReader(MemoryManager* const manager,
     if (failure) {
         failure();
     }
-    return new (manager) SAX2XMLReaderImpl(manager, pool);
+    return new (manager) CReader(manager, pool);
 }
 
 }  // namespace xercesc_3_2
@@ -164,6 +178,20 @@ TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
     CFiTreeReleaser release(loader.nodes);
     EXPECT_EQ(loader.files.size(), 3U);
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
+}
+
+// Whoever holds the loader must find the tree to free it.
+TEST(CFiFiidLoaderThrowing, ImportKeepsTheTreeThatWasBuiltBeforeTheReaderFailed) {
+    const fi_test::TemporaryFolder folder;
+    const std::string file = folder.write("a.xml", "<Node><objid>x</objid><Node/></Node>");
+    CFiFiidLoader loader;
+    isMemoryShortBehindADocument = true;
+    EXPECT_THROW(loader.import({file, file}), xercesc::OutOfMemoryException);
+    isMemoryShortBehindADocument = false;
+    CFiTreeReleaser release(loader.nodes);
+    ASSERT_EQ(loader.nodes.size(), 1U);
+    EXPECT_EQ(loader.nodes.front()->objid, "x");
+    EXPECT_EQ(loader.nodes.front()->children.size(), 1U);
 }
 
 }  // namespace
