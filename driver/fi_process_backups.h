@@ -87,12 +87,15 @@ enum {
  * Exceptions: CFiUdidException (CFiUdidException.h) leaves the call when the document of an earlier
  * backup holds a malformed device identifier. A host in C++ catches it; a host in C must call
  * through a function in C++ that does. When memory runs out, std::bad_alloc or an exception of the
- * XML library leaves the call.
+ * XML library (which need not be a std::exception) leaves the call. When the XML library cannot be
+ * set up, std::runtime_error or std::bad_alloc does, and every later call in the process that has
+ * earlier backups throws too.
  *
  * Threads: calls in one process must not overlap. The library takes no lock, and the set-up of the
  * XML library, which every call with earlier backups runs, is not thread-safe. The host serialises
  * its calls, on whichever threads it makes them, and any use of its own that sets up or terminates
- * the same XML library with them.
+ * the same XML library with them. A host that holds the XML library set up all the time only hides
+ * the fault: the library's count of its users stays unprotected.
  */
 __attribute__((visibility("default"))) int32_t fi_process_backups(
     const char* const* fiidList, const char* resource_config_string, int32_t* fiidFlags,

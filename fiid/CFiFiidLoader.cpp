@@ -2,8 +2,10 @@
 
 #include <stdio_ext.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <memory>
+#include <new>
 
 #include "fiid/CFiFiidHandler.h"
 #include "fiid/CFiFiidNode.h"
@@ -54,6 +56,11 @@ std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
     traceEntering(kNoName);
 
     std::unique_ptr<std::FILE, SFileClose> stream(fopen64(file.c_str(), "r"));
+    if (stream == nullptr && errno == ENOMEM) {
+        // The file is there, as far as anybody knows. Without it, and all behind it, a target that it holds
+        // would be taken for free.
+        throw std::bad_alloc();
+    }
     if (stream == nullptr) {
         std::printf("ERROR: failed to load FIID file [%s]\n", file.c_str());
         mofi_tracelog(kTraceFailure, "CFiFiidLoader::load: ERROR: failed to load FIID file");

@@ -1,18 +1,72 @@
 #include "fiid/CFiXmlLibrary.h"
 
+#include <stdexcept>
+
+#include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include "fiid/CFiXmlMemory.h"
 
 using xercesc::XMLPlatformUtils;
 
-CFiXmlLibrary::CFiXmlLibrary() {
+namespace {
+
+// The library's own handler ends the process, which is the host's.
+class CThrowingPanicHandler : public xercesc::PanicHandler {
+public:
+    void panic(const PanicReasons reason) override {
+        throw std::runtime_error(getPanicReasonString(reason));
+    }
+};
+
+// The library can be terminated only when it was set up whole. Whatever fails on the way leaves it, in this
+// process, to nobody's use.
+bool isHalfSetUp = false;
+
+}  // namespace
+
+// What the library uses as long as anybody holds it.
+struct CFiXmlLibrary::SSurroundings {
+    CFiXmlMemory memory;
+    CThrowingPanicHandler panicHandler;
+};
+
+CFiXmlLibrary::CFiXmlLibrary() : surroundings(std::make_unique<SSurroundings>()) {
+    if (isHalfSetUp) {
+        throw std::runtime_error("The XML library could not be set up in this process.");
+    }
     try {
-        XMLPlatformUtils::Initialize();
+        initialize();
     } catch (const xercesc::XMLException&) {
-        // Counted all the same, so the destructor's call is due.
+        terminate();
+        surroundings.reset();
+    } catch (...) {
+        isHalfSetUp = true;
+        static_cast<void>(surroundings.release());
+        throw;
     }
 }
 
 CFiXmlLibrary::~CFiXmlLibrary() {
+    if (surroundings != nullptr) {
+        terminate();
+    }
+}
+
+void CFiXmlLibrary::initialize() {
+    surroundings->memory.mayDrawOnReserve(true);
+    XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
+                                 &surroundings->panicHandler, &surroundings->memory);
+    surroundings->memory.mayDrawOnReserve(false);
+}
+
+void CFiXmlLibrary::terminate() {
+    surroundings->memory.mayDrawOnReserve(true);
     XMLPlatformUtils::Terminate();
+    if (XMLPlatformUtils::fgMemoryManager == &surroundings->memory) {
+        // Somebody initialised the library meanwhile and holds it still.
+        static_cast<void>(surroundings.release());
+    }
 }

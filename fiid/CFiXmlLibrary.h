@@ -1,13 +1,28 @@
 #pragma once
 
+#include <memory>
+
 // Holds the XML library initialised for a scope. The library counts its initialisations, and the first
 // costs far more than parsing a small document; while one is held, those that each parser makes for
 // itself cost nothing.
+//
+// Unless the host holds the library itself, it gets its memory from here, so that a shortage of memory
+// neither ends the process nor leaves anything behind.
 class CFiXmlLibrary {
 public:
-    // A failure is dropped: the parsers meet it again and deal with it.
+    // An XMLException is dropped, and nothing is held then: the parsers meet it again and deal with it. What
+    // else goes wrong is thrown, a failure for which the library would end the process as a
+    // std::runtime_error; the library is then lost for the process, and this throws ever after.
     CFiXmlLibrary();
     ~CFiXmlLibrary();
     CFiXmlLibrary(const CFiXmlLibrary&) = delete;
     CFiXmlLibrary& operator=(const CFiXmlLibrary&) = delete;
+
+private:
+    struct SSurroundings;
+
+    void initialize();
+    void terminate();
+
+    std::unique_ptr<SSurroundings> surroundings;
 };

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/contract/ShortageCount.h"
+
 namespace {
 
 // Before each block, so that a block can be taken off the list when it is freed. Keeps the block aligned.
@@ -15,11 +17,13 @@ struct alignas(std::max_align_t) SHeader {
 SHeader recorded;
 bool isRecording = false;
 std::size_t allocations = 0;
+fi_test::CShortageCount shortage;
+std::size_t blocksBeforeShortage = 0;
 
-void* allocate(std::size_t size) {
-    void* const memory = std::malloc(sizeof(SHeader) + size);
+void* allocate(std::size_t size) noexcept {
+    void* const memory = shortage.fails() ? nullptr : std::malloc(sizeof(SHeader) + size);
     if (memory == nullptr) {
-        throw std::bad_alloc();
+        return nullptr;
     }
     auto* const header = new (memory) SHeader;
     if (isRecording) {
@@ -33,6 +37,14 @@ void* allocate(std::size_t size) {
         recorded.next = header;
     }
     return header + 1;
+}
+
+void* allocateOrThrow(std::size_t size) {
+    void* const block = allocate(size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
 }
 
 void release(void* block) noexcept {
@@ -53,10 +65,10 @@ void release(void* block) noexcept {
 
 #define EXPORTED __attribute__((visibility("default")))
 EXPORTED void* operator new(std::size_t size) {
-    return allocate(size);
+    return allocateOrThrow(size);
 }
 EXPORTED void* operator new[](std::size_t size) {
-    return allocate(size);
+    return allocateOrThrow(size);
 }
 EXPORTED void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return allocate(size);
@@ -104,6 +116,29 @@ void releaseBlocksLeft() {
     while (recorded.next != nullptr) {
         release(recorded.next + 1);
     }
+}
+
+void startShortage(EShortage kind, std::size_t number) {
+    blocksBeforeShortage = blocksLeft();
+    startRecording();
+    shortage.start(kind, number);
+}
+
+void endShortage() {
+    shortage.end();
+    stopRecording();
+}
+
+bool hasBeenShort() {
+    return shortage.hasFailed();
+}
+
+std::size_t blocksLeftByShortage() {
+    return blocksLeft() - blocksBeforeShortage;
+}
+
+std::size_t allocationsSinceStart() {
+    return shortage.allocations();
 }
 
 }  // namespace fi_test

@@ -6,19 +6,34 @@
 
 namespace fi_test {
 
-EntryPoint entryPoint() {
-    static const EntryPoint function = [] {
-        void* const library = dlopen(FI_ROTATION_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-        if (library == nullptr) {
+namespace {
+
+void* library() {
+    static void* const handle = [] {
+        void* const opened = dlopen(FI_ROTATION_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        if (opened == nullptr) {
             throw std::runtime_error(dlerror());
         }
-        void* const symbol = dlsym(library, "fi_process_backups");
+        return opened;
+    }();
+    return handle;
+}
+
+}  // namespace
+
+EntryPoint entryPoint() {
+    static const EntryPoint function = [] {
+        void* const symbol = librarySymbol("fi_process_backups");
         if (symbol == nullptr) {
             throw std::runtime_error(dlerror());
         }
         return reinterpret_cast<EntryPoint>(symbol);
     }();
     return function;
+}
+
+void* librarySymbol(const char* name) {
+    return dlsym(library(), name);
 }
 
 }  // namespace fi_test

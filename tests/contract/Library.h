@@ -10,4 +10,7 @@ using EntryPoint = std::int32_t (*)(const char* const*, const char*, std::int32_
 // fi_process_backups of the built library, loaded once.
 EntryPoint entryPoint();
 
+// Another symbol of the library or of those under it; null when there is none.
+void* librarySymbol(const char* name);
+
 }  // namespace fi_test

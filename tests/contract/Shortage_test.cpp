@@ -1,0 +1,301 @@
+// What a call does when memory runs out: each of its allocations fails in turn. Each time the outcome is
+// the one that the call has otherwise, or a failure, or an exception that leaves the outputs alone; nothing
+// is lost, and the next call works.
+//
+// One shortage cannot be undone. The XML library can be terminated only when it was set up whole, and a few
+// of its allocations while it is set up are not made through its memory manager. When one of those fails,
+// later calls throw too.
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/contract/Document.h"
+#include "tests/contract/Library.h"
+#include "tests/contract/Shortage.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+// Allocations of a call before its first parser: those that set up the XML library are among them.
+std::size_t allocationsBeforeParser = 0;
+
+}  // namespace
+
+// Formats nothing: a host's own shortage is not the subject.
+extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/,
+                                                                     const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    if (allocationsBeforeParser == 0 && std::strcmp(format, "Entering %s\n") == 0 &&
+        std::strcmp(va_arg(arguments, const char*), "CFiFiidParser::CFiFiidParser") == 0) {
+        allocationsBeforeParser = fi_test::allocationsSinceStart();
+    }
+    va_end(arguments);
+}
+
+namespace {
+
+using fi_test::EShortage;
+
+enum EEnd { kSelection, kNone, kException };
+
+struct SOutcome {
+    EEnd end = kException;
+    std::string selection;
+    std::vector<std::int32_t> flags;
+
+    bool operator==(const SOutcome& other) const {
+        return end == other.end && selection == other.selection && flags == other.flags;
+    }
+};
+
+struct SScenario {
+    std::string configuration;
+    std::vector<std::string> files;
+};
+
+// Shared with the processes in which the calls run.
+struct SProgress {
+    // The next allocation to fail.
+    std::size_t number = 1;
+    bool isFinished = false;
+    std::size_t survived = 0;
+    // Shortages behind which the XML library is lost.
+    std::size_t lost = 0;
+    char fault[64] = {};
+};
+
+class CSharedProgress {
+public:
+    CSharedProgress()
+        : memory(mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE,
+                      MAP_SHARED | MAP_ANONYMOUS, -1, 0)),
+          progress(new (memory) SProgress) {}
+    ~CSharedProgress() { munmap(memory, sizeof(SProgress)); }
+    CSharedProgress(const CSharedProgress&) = delete;
+    CSharedProgress& operator=(const CSharedProgress&) = delete;
+    SProgress* operator->() const { return progress; }
+    SProgress& operator*() const { return *progress; }
+
+private:
+    void* memory;
+    SProgress* progress;
+};
+
+constexpr std::int32_t kFlagWord = 8;
+
+class CCaller {
+public:
+    explicit CCaller(const SScenario& scenario) : configuration(scenario.configuration) {
+        for (const std::string& file : scenario.files) {
+            files.push_back(file.c_str());
+        }
+    }
+
+    // Allocates nothing before the shortage has ended.
+    SOutcome call(EShortage kind, std::size_t failing) {
+        std::vector<std::int32_t> flags(files.size(), kFlagWord);
+        char untouched = 'u';
+        char* result = &untouched;
+        SOutcome outcome;
+        fi_test::startShortage(kind, failing);
+        try {
+            const std::int32_t status =
+                fi_test::entryPoint()(files.data(), configuration.c_str(), flags.data(),
+                                      static_cast<std::int32_t>(files.size()), &result);
+            outcome.end = status == 0 ? kSelection : kNone;
+        } catch (...) {
+            outcome.end = kException;
+        }
+        fi_test::endShortage();
+        isResultLeft = result == &untouched;
+        if (!isResultLeft) {
+            outcome.selection = result;
+            std::free(result);
+        }
+        outcome.flags = flags;
+        return outcome;
+    }
+
+    bool areOutputsLeft(const SOutcome& outcome) const {
+        return isResultLeft && std::all_of(outcome.flags.begin(), outcome.flags.end(),
+                                           [](std::int32_t flag) { return flag == kFlagWord; });
+    }
+
+private:
+    std::string configuration;
+    std::vector<const char*> files;
+    bool isResultLeft = true;
+};
+
+bool isXmlLibraryTerminated() {
+    // The manager of its memory is there as long as somebody holds it.
+    static void* const* const manager = static_cast<void* const*>(
+        fi_test::librarySymbol("_ZN11xercesc_3_216XMLPlatformUtils15fgMemoryManagerE"));
+    return manager != nullptr && *manager == nullptr;
+}
+
+// Tries the shortages from where `progress` stands; ends the process early when the XML library is lost.
+void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress) {
+    // The line that names a missing file is of no interest here.
+    const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+    CCaller caller(scenario);
+    const SOutcome usual = caller.call(kind, 0);
+    const auto fail = [&](const char* fault) {
+        std::strncpy(progress.fault, fault, sizeof progress.fault - 1);
+        _exit(0);
+    };
+    for (;;) {
+        ++progress.number;
+        const SOutcome outcome = caller.call(kind, progress.number - 1);
+        if (!fi_test::hasBeenShort()) {
+            progress.isFinished = true;
+            _exit(0);
+        }
+        if (!(outcome == usual) && outcome.end == kSelection) {
+            fail("another selection than without the shortage");
+        }
+        if (outcome.end != kSelection && !caller.areOutputsLeft(outcome)) {
+            fail("a failure that changed the outputs");
+        }
+        const std::size_t blocksLeft = fi_test::blocksLeftByShortage();
+        const bool isTerminated = isXmlLibraryTerminated();
+        const SOutcome next = caller.call(kind, 0);
+        if (!isTerminated && outcome.end == kException && next.end == kException &&
+            caller.areOutputsLeft(next)) {
+            ++progress.lost;
+            _exit(0);
+        }
+        if (!isTerminated) {
+            fail("the XML library is not terminated");
+        }
+        if (blocksLeft != 0) {
+            fail("memory is lost");
+        }
+        if (!(next == usual)) {
+            fail("the next call does not work");
+        }
+        ++progress.survived;
+    }
+}
+
+void expectSurvival(EShortage kind, const SScenario& scenario, std::size_t first) {
+    const CSharedProgress progress;
+    progress->number = first;
+    while (!progress->isFinished) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            tryShortages(kind, scenario, *progress);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
+            << "the process ended at allocation " << progress->number - 1;
+        ASSERT_STREQ(progress->fault, "") << "at allocation " << progress->number - 1;
+    }
+    std::printf("%zu shortages survived, the XML library lost behind %zu\n", progress->survived,
+                progress->lost);
+    EXPECT_GT(progress->survived, 0U);
+    // The converter of the local code page, and what is made with the plain operator new.
+    EXPECT_LE(progress->lost, 3U);
+}
+
+// Each allocation of the call.
+void expectSurvival(const SScenario& scenario) {
+    CCaller(scenario).call(EShortage::kOfOneBlock, 0);
+    expectSurvival(EShortage::kOfOneBlock, scenario, 1);
+}
+
+// Only those behind the set-up of the XML library, which is the same for every call.
+void expectSurvivalBehindSetUp(EShortage kind, const SScenario& scenario) {
+    allocationsBeforeParser = 0;
+    // The libraries under ours fill caches of their own once, so it is the second call that counts.
+    CCaller(scenario).call(kind, 0);
+    allocationsBeforeParser = 0;
+    CCaller(scenario).call(kind, 0);
+    ASSERT_GT(allocationsBeforeParser, 0U);
+    expectSurvival(kind, scenario, allocationsBeforeParser + 1);
+}
+
+class Shortage : public testing::Test {
+protected:
+    std::string holder(const std::string& name, const std::string& timeStamp,
+                       const std::string& further) {
+        return folder.write(name, fi_test::toXml(fi_test::backup(
+                                      timeStamp, {{kFirst, "enclosure A##" + further}})));
+    }
+
+    SScenario rotation() {
+        const std::string foreign =
+            folder.write("foreign.xml",
+                         "<Node><timeStamp>3</timeStamp><Node><objid>L\xC3\xBCneburg &amp; "
+                         "elsewhere</objid></Node></Node>");
+        const std::string invalid = folder.write(
+            "invalid.xml", fi_test::toXml(fi_test::backup("4", {{"encZ##gone", "encZ##s"}})));
+        return {kFirst + ";snapshot 1 with a long name;snapshot 2&encB##lun2;a;b",
+                {holder("a.xml", "1", "snapshot 1 with a long name"),
+                 holder("b.xml", "2", "snapshot 2"), foreign, invalid}};
+    }
+
+    SScenario withoutSelection() { return {kFirst, {holder("a.xml", "1", "snapshot 1")}}; }
+
+    SScenario throwing() {
+        const std::string malformed = folder.write(
+            "bad.xml", "<Node><objid>UDID##v##m##" + kFirst +
+                           "</objid><altobjid>an identifier without a prefix</altobjid></Node>");
+        return {kFirst + ";snapshot 1", {holder("a.xml", "1", "snapshot 1"), malformed}};
+    }
+
+    SScenario withMissingFile() {
+        return {kFirst + ";snapshot 1",
+                {holder("a.xml", "1", "snapshot 1"), folder.path("missing.xml")}};
+    }
+
+    const std::string kFirst = "enclosure A##lun 1 with a long name";
+    fi_test::TemporaryFolder folder;
+};
+
+TEST_F(Shortage, OfOneBlockIsSurvivedByAFirstBackup) {
+    expectSurvival({kFirst + ";snapshot 1 with a long name;snapshot 2", {}});
+}
+
+TEST_F(Shortage, OfOneBlockIsSurvivedByARotation) {
+    expectSurvival(rotation());
+}
+
+TEST_F(Shortage, OfOneBlockIsSurvivedByACallWithoutASelection) {
+    expectSurvivalBehindSetUp(EShortage::kOfOneBlock, withoutSelection());
+}
+
+TEST_F(Shortage, OfOneBlockIsSurvivedByACallThatThrows) {
+    expectSurvivalBehindSetUp(EShortage::kOfOneBlock, throwing());
+}
+
+TEST_F(Shortage, OfOneBlockIsSurvivedByACallWithAMissingFile) {
+    expectSurvivalBehindSetUp(EShortage::kOfOneBlock, withMissingFile());
+}
+
+TEST_F(Shortage, ThatLastsIsSurvivedByARotation) {
+    expectSurvivalBehindSetUp(EShortage::kLasting, rotation());
+}
+
+TEST_F(Shortage, ThatLastsIsSurvivedByACallThatThrows) {
+    expectSurvivalBehindSetUp(EShortage::kLasting, throwing());
+}
+
+}  // namespace
