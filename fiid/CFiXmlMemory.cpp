@@ -1,5 +1,6 @@
 #include "fiid/CFiXmlMemory.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 
@@ -8,47 +9,88 @@
 CFiXmlMemory::CFiXmlMemory() : reserve(new std::byte[kReserve]) {}
 
 CFiXmlMemory::~CFiXmlMemory() {
-    for (SBlock* block = blocks.next; block != nullptr;) {
-        SBlock* const next = block->next;
-        operator delete(block);
-        block = next;
+    for (SPiece* piece = pieces.next; piece != nullptr;) {
+        SPiece* const next = piece->next;
+        operator delete(piece);
+        piece = next;
     }
 }
 
 void* CFiXmlMemory::allocate(XMLSize_t size) {
-    void* const memory =
-        size <= SIZE_MAX - sizeof(SBlock) ? operator new(sizeof(SBlock) + size, std::nothrow)
-                                          : nullptr;
-    if (memory == nullptr) {
-        return drawOnReserve(size);
+    if (size > SIZE_MAX / 2) {
+        throw xercesc::OutOfMemoryException();
     }
-    auto* const block = new (memory) SBlock{blocks.next, &blocks};
-    if (block->next != nullptr) {
-        block->next->previous = block;
+    if (size > kLargestSmall) {
+        return new (newPiece(sizeof(UHeader) + size)) UHeader{0} + 1;
     }
-    blocks.next = block;
-    return block + 1;
+    const std::size_t units = std::max<std::size_t>((size + kUnit - 1) / kUnit, 1);
+    UHeader* header = unused[units];
+    if (header != nullptr) {
+        unused[units] = header->next;
+    } else {
+        header = cutFromChunk(sizeof(UHeader) + units * kUnit);
+    }
+    header->units = units;
+    return header + 1;
 }
 
 void CFiXmlMemory::deallocate(void* memory) {
-    auto* const byte = static_cast<std::byte*>(memory);
-    if (byte == nullptr || (byte >= reserve.get() && byte < reserve.get() + kReserve)) {
+    if (memory == nullptr) {
         return;
     }
-    SBlock* const block = static_cast<SBlock*>(memory) - 1;
-    block->previous->next = block->next;
-    if (block->next != nullptr) {
-        block->next->previous = block->previous;
+    UHeader* const header = static_cast<UHeader*>(memory) - 1;
+    const std::size_t units = header->units;
+    if (units != 0) {
+        header->next = unused[units];
+        unused[units] = header;
+        return;
     }
-    operator delete(block);
+    if (isOfReserve(memory)) {
+        return;
+    }
+    SPiece* const piece = reinterpret_cast<SPiece*>(header) - 1;
+    piece->previous->next = piece->next;
+    if (piece->next != nullptr) {
+        piece->next->previous = piece->previous;
+    }
+    operator delete(piece);
 }
 
-void* CFiXmlMemory::drawOnReserve(std::size_t size) {
-    constexpr std::size_t alignment = alignof(std::max_align_t);
-    if (!isDrawing || size > kReserve - drawn) {
+CFiXmlMemory::UHeader* CFiXmlMemory::cutFromChunk(std::size_t size) {
+    if (chunkLeft < size) {
+        chunk = newPiece(kChunk);
+        chunkLeft = kChunk;
+    }
+    auto* const header = new (chunk) UHeader{0};
+    chunk += size;
+    chunkLeft -= size;
+    return header;
+}
+
+std::byte* CFiXmlMemory::newPiece(std::size_t size) {
+    void* const memory = operator new(sizeof(SPiece) + size, std::nothrow);
+    if (memory == nullptr) {
+        return drawOnReserve(size);
+    }
+    auto* const piece = new (memory) SPiece{pieces.next, &pieces};
+    if (piece->next != nullptr) {
+        piece->next->previous = piece;
+    }
+    pieces.next = piece;
+    return reinterpret_cast<std::byte*>(piece + 1);
+}
+
+std::byte* CFiXmlMemory::drawOnReserve(std::size_t size) {
+    const std::size_t aligned = (size + kUnit - 1) / kUnit * kUnit;
+    if (!isDrawing || aligned > kReserve - drawn) {
         throw xercesc::OutOfMemoryException();
     }
     std::byte* const memory = reserve.get() + drawn;
-    drawn += (size + alignment - 1) / alignment * alignment;
+    drawn += aligned;
     return memory;
+}
+
+bool CFiXmlMemory::isOfReserve(const void* memory) const {
+    const auto* const byte = static_cast<const std::byte*>(memory);
+    return byte >= reserve.get() && byte < reserve.get() + kReserve;
 }

@@ -7,8 +7,11 @@
 #include <xercesc/framework/MemoryManager.hpp>
 
 // The memory of the XML library. When memory runs out, that library loses some of its blocks, and it cannot
-// be set up or terminated by halves. So what it has lost is freed at the end of this object's life, and while
-// it is set up and terminated it may draw on a reserve that was there before.
+// be set up or terminated by halves. So all that it got is freed at the end of this object's life, lost or
+// not, and while it is set up and terminated it may draw on a reserve that was there before.
+//
+// Small blocks, which a reader makes and drops by the hundred for each document, are cut from larger ones and
+// used again.
 class CFiXmlMemory : public xercesc::MemoryManager {
 public:
     CFiXmlMemory();
@@ -21,22 +24,39 @@ public:
     void deallocate(void* memory) override;
     xercesc::MemoryManager* getExceptionMemoryManager() override { return this; }
 
-    // Whether a block that cannot be had otherwise is taken from the reserve.
+    // Whether what cannot be had otherwise is taken from the reserve.
     void mayDrawOnReserve(bool isAllowed) { isDrawing = isAllowed; }
 
 private:
-    // Stands before each block.
-    struct alignas(std::max_align_t) SBlock {
-        SBlock* next = nullptr;
-        SBlock* previous = nullptr;
-    };
-
+    static constexpr std::size_t kUnit = alignof(std::max_align_t);
+    static constexpr std::size_t kLargestSmall = 512;
+    static constexpr std::size_t kChunk = std::size_t{64} << 10;
     // Setting up takes about 300 kB.
     static constexpr std::size_t kReserve = std::size_t{1} << 20;
 
-    void* drawOnReserve(std::size_t size);
+    // Stands before each block that the XML library gets.
+    union alignas(std::max_align_t) UHeader {
+        // In use: the block's units, 0 for a large block.
+        std::size_t units;
+        // Not in use: the next block of its size.
+        UHeader* next;
+    };
+    // Stands before each piece of memory that this class gets: a chunk, or a large block with its header.
+    struct alignas(std::max_align_t) SPiece {
+        SPiece* next = nullptr;
+        SPiece* previous = nullptr;
+    };
 
-    SBlock blocks;
+    UHeader* cutFromChunk(std::size_t size);
+    std::byte* newPiece(std::size_t size);
+    std::byte* drawOnReserve(std::size_t size);
+    bool isOfReserve(const void* memory) const;
+
+    // By units.
+    std::array<UHeader*, kLargestSmall / kUnit + 1> unused{};
+    std::byte* chunk = nullptr;
+    std::size_t chunkLeft = 0;
+    SPiece pieces;
     std::unique_ptr<std::byte[]> reserve;
     std::size_t drawn = 0;
     bool isDrawing = false;

@@ -1,8 +1,9 @@
 #include "fiid/CFiXmlMemory.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <set>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -10,31 +11,74 @@
 
 namespace {
 
+// A block filled with a byte of its own.
+struct SBlock {
+    SBlock(CFiXmlMemory& memory, std::size_t size, unsigned char filling)
+        : content(size, filling), block(memory.allocate(size)) {
+        std::copy(content.begin(), content.end(), static_cast<unsigned char*>(block));
+    }
+    bool isIntact() const {
+        return std::equal(content.begin(), content.end(), static_cast<unsigned char*>(block));
+    }
+
+    std::vector<unsigned char> content;
+    void* block;
+};
+
+// Small and large ones, and more than one piece of memory is cut into.
+std::vector<SBlock> blocksOfManySizes(CFiXmlMemory& memory, unsigned char filling) {
+    std::vector<SBlock> blocks;
+    for (const std::size_t size : {0, 1, 15, 16, 17, 100, 511, 512, 513, 4000, 70000, 200000}) {
+        for (int i = 0; i < 100; ++i) {
+            blocks.emplace_back(memory, size, ++filling);
+        }
+    }
+    return blocks;
+}
+
 TEST(CFiXmlMemory, BlocksAreApartAndAligned) {
     CFiXmlMemory memory;
-    std::vector<void*> blocks;
-    for (std::size_t size = 1; size <= 100; ++size) {
-        blocks.push_back(memory.allocate(size));
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(blocks.back()) % alignof(std::max_align_t), 0U);
-        std::memset(blocks.back(), static_cast<int>(size), size);
+    std::set<void*> places;
+    for (const SBlock& block : blocksOfManySizes(memory, 0)) {
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block.block) % alignof(std::max_align_t), 0U);
+        EXPECT_TRUE(places.insert(block.block).second);
+        EXPECT_TRUE(block.isIntact());
     }
-    for (std::size_t size = 1; size <= 100; ++size) {
-        const std::vector<unsigned char> expected(size, static_cast<unsigned char>(size));
-        EXPECT_EQ(std::memcmp(blocks[size - 1], expected.data(), size), 0) << size;
+}
+
+TEST(CFiXmlMemory, BlocksStayIntactWhileOthersComeAndGo) {
+    CFiXmlMemory memory;
+    std::vector<SBlock> blocks = blocksOfManySizes(memory, 0);
+    std::vector<SBlock> staying;
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        if (i % 3 == 0) {
+            staying.push_back(blocks[i]);
+        } else {
+            memory.deallocate(blocks[i].block);
+        }
     }
-    // In an order that takes them from either end and from between.
-    for (std::size_t i = 0; i < 100; ++i) {
-        memory.deallocate(blocks[i * 37 % 100]);
+    const std::vector<SBlock> later = blocksOfManySizes(memory, 100);
+    for (const std::vector<SBlock>& all : {staying, later}) {
+        for (const SBlock& block : all) {
+            EXPECT_TRUE(block.isIntact()) << block.content.size();
+        }
     }
+    for (const SBlock& block : later) {
+        memory.deallocate(block.block);
+    }
+}
+
+TEST(CFiXmlMemory, BlockOfASizeIsUsedAgain) {
+    CFiXmlMemory memory;
+    void* const block = memory.allocate(100);
+    memory.deallocate(block);
+    EXPECT_EQ(memory.allocate(97), block);
 }
 
 // A leak checker sees those that are not.
 TEST(CFiXmlMemory, BlocksThatAreLeftAreFreedInTheEnd) {
     CFiXmlMemory memory;
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_NE(memory.allocate(1000), nullptr);
-    }
-    memory.deallocate(memory.allocate(1000));
+    EXPECT_EQ(blocksOfManySizes(memory, 0).size(), 1200U);
 }
 
 TEST(CFiXmlMemory, NothingIsFreedForNull) {
