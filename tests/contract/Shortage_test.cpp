@@ -157,14 +157,14 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
     const SOutcome usual = caller.call(kind, 0);
     const auto fail = [&](const char* fault) {
         std::strncpy(progress.fault, fault, sizeof progress.fault - 1);
-        _exit(0);
+        std::exit(0);
     };
     for (;;) {
         ++progress.number;
         const SOutcome outcome = caller.call(kind, progress.number - 1);
         if (!fi_test::hasBeenShort()) {
             progress.isFinished = true;
-            _exit(0);
+            std::exit(0);
         }
         if (!(outcome == usual) && outcome.end == kSelection) {
             fail("another selection than without the shortage");
@@ -178,7 +178,7 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
         if (!isTerminated && outcome.end == kException && next.end == kException &&
             caller.areOutputsLeft(next)) {
             ++progress.lost;
-            _exit(0);
+            std::exit(0);
         }
         if (!isTerminated) {
             fail("the XML library is not terminated");
@@ -197,6 +197,8 @@ void expectSurvival(EShortage kind, const SScenario& scenario, std::size_t first
     const CSharedProgress progress;
     progress->number = first;
     while (!progress->isFinished) {
+        // The child ends like any process, with what this one has not written yet.
+        std::fflush(stdout);
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
