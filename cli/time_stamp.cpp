@@ -8,6 +8,7 @@
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -74,15 +75,22 @@ private:
     bool hasRoot = false;
 };
 
+constexpr XMLSize_t kMostReferences = 100;
+
 std::string readTimeStamp(const std::string& file) {
     const std::string document = readFile(file).value_or("");
     const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()),
                                             document.size(), "fi-rotate");
     CTimeStampHandler handler;
+    xercesc::SecurityManager references;
+    references.setEntityExpansionLimit(kMostReferences);
     const std::unique_ptr<xercesc::SAX2XMLReader> reader(
         xercesc::XMLReaderFactory::createXMLReader());
     reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
     reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
+    // A document that is only looked at opens nothing and does not grow.
+    reader->setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
+    reader->setProperty(XMLUni::fgXercesSecurityManager, &references);
     reader->setContentHandler(&handler);
     reader->setErrorHandler(&handler);
     reader->parse(source);

@@ -61,6 +61,18 @@ TEST(FiRotateTimeStamp, AgreesWithWhatTheLibraryTraces) {
     }
 }
 
+// The library may open what a document names; a program for looking at documents must not.
+TEST(FiRotateTimeStamp, IsNotTakenFromAForeignFile) {
+    const fi_test::TemporaryFolder folder;
+    const std::string foreign = folder.write("foreign", "20260101");
+    std::vector<fi_rotate::SBackup> backups(1);
+    backups[0].file = folder.write("backup.xml", "<!DOCTYPE Node [<!ENTITY e SYSTEM '" + foreign +
+                                                     "'>]><Node><timeStamp>&e;</timeStamp></Node>");
+    backups[0].loaded = true;
+    fi_rotate::readTimeStamps(backups);
+    EXPECT_EQ(backups[0].timeStamp, "");
+}
+
 TEST(FiRotateTimeStamp, IsNotLookedForInADocumentThatWasNotLoaded) {
     const fi_test::TemporaryFolder folder;
     std::vector<fi_rotate::SBackup> backups(1);
