@@ -53,6 +53,8 @@ const char* const kConfiguration = "encA##lun1;snap1;snap2";
 
 class File : public fi_test::CContractTest {
 protected:
+    // Loads the library while that can be done.
+    File() : process(fi_test::entryPoint()) {}
     ~File() override { interruptedLine = 0; }
 
     void interruptBeforeLine(int line, std::function<bool()> what) {
@@ -73,6 +75,8 @@ protected:
     SObserved callWith(const std::string& file) {
         return call(kConfiguration, {{file, kFlagWord}});
     }
+
+    const fi_test::EntryPoint process;
 
     static void expectMissing(const SObserved& observed, const std::string& file) {
         EXPECT_EQ(observed.status, 0);
@@ -209,8 +213,6 @@ TEST_F(File, IsMissingWhenNoDescriptorIsLeft) {
     std::int32_t flag = kFlagWord;
     char* result = nullptr;
     std::int32_t status = -1;
-    // Loads the library while that can be done.
-    const fi_test::EntryPoint process = fi_test::entryPoint();
     testing::internal::CaptureStdout();
     {
         const CDescriptors descriptors(1000, 0);
