@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -33,8 +34,9 @@ struct SOutcome {
     // The selection string; nothing when there is none.
     std::optional<std::string> selection;
     std::optional<SException> exception;
-    // In the order given.
+    // In the order given, but for those that are not to be shown.
     std::vector<SBackup> backups;
+    std::size_t hiddenBackups = 0;
     // Failures that the library traced, in order.
     std::vector<std::string> messages;
 };

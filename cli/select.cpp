@@ -8,10 +8,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -26,6 +28,7 @@
 #include "cli/library_call.h"
 #include "cli/outcome.h"
 #include "cli/printable.h"
+#include "cli/request.h"
 #include "cli/table.h"
 
 namespace fi_rotate {
@@ -34,9 +37,14 @@ namespace {
 constexpr const char* kFooter = R"(Example:
   fi-rotate select --config 'encA##lun1;encA##snap1;snap2' --exclude monday.xml monday.xml tuesday.xml
 
+  fi-rotate select --request call.json --only rotated,invalid
+
 Without FIID this is a first backup. Documents are loaded in the order given, up to the first that
 cannot be opened; that one and those after it are "not loaded" and take no part, like a document without
 a Node. State "-" (null in JSON): the library handed no states back, because there is no selection.
+
+A request is a whole call as JSON: configuration, and backups (file, flag_word) in order. File names in it are
+taken as they stand, so relative ones are looked for from where fi-rotate runs.
 
 JSON keys: status (null when an exception left the library), selection, configurations (first, chosen;
 null without a selection, and when names hold "][" so that the selection cannot be taken apart), backups
@@ -47,9 +55,13 @@ Exit status: 0 a selection, 3 none, 4 an exception left the library, 2 wrong usa
 not be written.)";
 
 struct SOptions {
-    // Exactly one of the two is given.
+    // Exactly one of the three is given.
     std::optional<std::string> configuration;
     std::optional<std::string> configurationFile;
+    std::optional<std::string> request;
+    std::optional<std::string> savedRequest;
+    // States of the backups to show; all when there is none.
+    std::set<std::string> shownStates;
     std::vector<std::string> excluded;
     std::vector<std::string> flagWords;
     bool json = false;
@@ -127,6 +139,30 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
     return backups;
 }
 
+SCall readRequest(const std::string& file) {
+    const std::optional<std::string> text = readFile(file);
+    if (!text.has_value()) {
+        throw CLI::ValidationError("--request", "cannot read " + quoted(file) + ": " + errorText());
+    }
+    try {
+        return parseRequest(*text);
+    } catch (const std::invalid_argument& fault) {
+        throw CLI::ValidationError("--request", quoted(file) + " is no request: " + fault.what());
+    }
+}
+
+SCall callOf(const SOptions& options) {
+    if (options.request.has_value()) {
+        return readRequest(*options.request);
+    }
+    SCall call;
+    call.configuration = options.configuration.has_value()
+                             ? *options.configuration
+                             : readConfigurationFile(*options.configurationFile);
+    call.backups = backupsOf(options);
+    return call;
+}
+
 bool wantsColour() {
     return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
 }
@@ -181,34 +217,60 @@ bool isWritten(std::FILE* stream, const std::string& name) {
     return written;
 }
 
-CFile openTraceFile(const std::string& file) {
+CFile openForWriting(const std::string& option, const std::string& file) {
     CFile stream(std::fopen(file.c_str(), "w"));
     if (stream == nullptr) {
-        throw CLI::ValidationError("--trace-file",
-                                   "cannot write " + quoted(file) + ": " + errorText());
+        throw CLI::ValidationError(option, "cannot write " + quoted(file) + ": " + errorText());
     }
     return stream;
 }
 
-int runSelect(const SOptions& options) {
-    SCall call;
-    call.configuration = options.configuration.has_value()
-                             ? *options.configuration
-                             : readConfigurationFile(*options.configurationFile);
-    call.backups = backupsOf(options);
+// False, with a message, when it could not be written whole.
+bool saveRequest(const SCall& call, const std::string& file) {
+    std::string text;
+    try {
+        text = toRequest(call);
+    } catch (const std::invalid_argument& fault) {
+        throw CLI::ValidationError("--save-request", std::string("cannot save: ") + fault.what());
+    }
+    const CFile stream = openForWriting("--save-request", file);
+    std::fwrite(text.data(), 1, text.size(), stream.get());
+    return isWritten(stream.get(), file);
+}
 
+SOutcome onlyShown(SOutcome outcome, const std::set<std::string>& states) {
+    if (states.empty()) {
+        return outcome;
+    }
+    const auto isHidden = [&states](const SBackup& backup) {
+        const auto word = stateWord(backup);
+        return !word.has_value() || states.count(std::string(*word)) == 0;
+    };
+    auto& backups = outcome.backups;
+    const auto hidden = std::remove_if(backups.begin(), backups.end(), isHidden);
+    outcome.hiddenBackups = static_cast<std::size_t>(std::distance(hidden, backups.end()));
+    backups.erase(hidden, backups.end());
+    return outcome;
+}
+
+int runSelect(const SOptions& options) {
+    SCall call = callOf(options);
     std::vector<std::FILE*> traceOutputs;
     if (options.trace) {
         traceOutputs.push_back(stderr);
     }
     CFile traceFile;
     if (options.traceFile.has_value()) {
-        traceFile = openTraceFile(*options.traceFile);
+        traceFile = openForWriting("--trace-file", *options.traceFile);
         traceOutputs.push_back(traceFile.get());
+    }
+    if (options.savedRequest.has_value() && !saveRequest(call, *options.savedRequest)) {
+        return kExitNotShown;
     }
 
     const SOutcome outcome = runCall(std::move(call), traceOutputs);
-    const std::string shown = options.json ? toJson(outcome) : toTables(outcome, wantsColour());
+    const SOutcome selected = onlyShown(outcome, options.shownStates);
+    const std::string shown = options.json ? toJson(selected) : toTables(selected, wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
     sayWhatWentWrong(outcome, options.trace);
 
@@ -231,22 +293,41 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->type_name("TEXT");
     configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
         ->type_name("FILE");
+    CLI::Option* const request =
+        configuration
+            .add_option("--request", options->request, "The whole call, as one JSON document")
+            ->type_name("FILE");
     configuration.require_option(1);
+    select
+        .add_option("--save-request", options->savedRequest,
+                    "Write the whole call to a file, to be made again with --request")
+        ->type_name("FILE");
 
     select
         .add_option("--exclude", options->excluded,
                     "Never rotate this backup (adds 4 to its flag word)")
         ->type_name("FILE")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->excludes(request);
     select.add_option("--flags", options->flagWords, "The flag word of this backup")
         ->type_name("FILE=N")
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->excludes(request);
+    select
+        .add_option("--only", options->shownStates,
+                    "Show only the backups of these states, separated by commas")
+        ->type_name("STATE")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember({"kept", "invalid", "rotated", "not loaded"}));
     select.add_flag("--json", options->json, "Show the outcome as one JSON document");
     select.add_flag("--trace", options->trace,
                     "Write the library's trace to standard error: level and text, one line a call");
     select.add_option("--trace-file", options->traceFile, "Write the trace to a file")
         ->type_name("FILE");
-    select.add_option("FIID", options->files, "Documents of the earlier backups")->type_name("");
+    select.add_option("FIID", options->files, "Documents of the earlier backups")
+        ->type_name("")
+        ->excludes(request);
 
     select.callback([options, &exitStatus] { exitStatus = runSelect(*options); });
 }

@@ -97,12 +97,14 @@ std::string selectionTable(const SOutcome& outcome, bool colour) {
     return "Selection\n" + toTable(rows, colour);
 }
 
-std::string backupTable(const std::vector<SBackup>& backups, bool colour) {
-    if (backups.empty()) {
-        return "Backups: none, this is the first\n";
+std::string backupTable(const SOutcome& outcome, bool colour) {
+    const std::size_t hidden = outcome.hiddenBackups;
+    if (outcome.backups.empty()) {
+        return hidden == 0 ? "Backups: none, this is the first\n"
+                           : fmt::format("Backups: none in these states, {} in others\n", hidden);
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
-    for (const SBackup& backup : backups) {
+    for (const SBackup& backup : outcome.backups) {
         Row row = toRow({asPrintable(backup.file),
                          backup.timeStamp.empty() ? "-" : asPrintable(backup.timeStamp),
                          fmt::to_string(backup.flagWord)});
@@ -111,13 +113,14 @@ std::string backupTable(const std::vector<SBackup>& backups, bool colour) {
                                         : SCell{"-", {}});
         rows.push_back(std::move(row));
     }
-    return "Backups\n" + toTable(rows, colour);
+    return "Backups\n" + toTable(rows, colour) +
+           (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden));
 }
 
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, bool colour) {
-    return selectionTable(outcome, colour) + "\n" + backupTable(outcome.backups, colour);
+    return selectionTable(outcome, colour) + "\n" + backupTable(outcome, colour);
 }
 
 }  // namespace fi_rotate

@@ -81,6 +81,20 @@ TEST(FiRotateSelect, ShowsSelectionAndEveryBackupInTheOrderGiven) {
                   folder + "backup-2026-10-08.xml  20261008013000  0      kept\n");
 }
 
+TEST(FiRotateSelect, ShowsOnlyTheStatesAskedFor) {
+    std::vector<std::string> arguments = selectExamples();
+    arguments.insert(arguments.end(), {"--only", "rotated,not loaded", "--only", "invalid"});
+    const auto result = runFiRotate(arguments);
+    EXPECT_EQ(result.exitStatus, 0);
+    for (const char* shown : {"10-02.xml", "10-03.xml", "10-04.xml"}) {
+        EXPECT_THAT(result.output, HasSubstr(shown));
+    }
+    for (const char* hidden : {"10-01.xml", "10-05.xml", "10-08.xml"}) {
+        EXPECT_THAT(result.output, Not(HasSubstr(hidden)));
+    }
+    EXPECT_THAT(result.output, EndsWith("  (5 in other states)\n"));
+}
+
 TEST(FiRotateSelect, WithoutBackupsChoosesTheFirstTargets) {
     const auto result = runFiRotate({"select", "--config", kConfiguration});
     EXPECT_EQ(result.exitStatus, 0);

@@ -35,6 +35,15 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
         {{"select", "--config", "a##b", "--flags", "y=2147483648", "y"}, "\"y=2147483648\" is not"},
         {{"select", "--config", "a##b", "--flags", "y=1", "--flags", "y=2", "y"},
          "\"y\" has a flag"},
+        {{"select", "--request", "no/such/file"}, "cannot read \"no/such/file\": No such file"},
+        {{"select", "--request", "/dev/null"}, "\"/dev/null\" is no request: it is not JSON"},
+        {{"select", "--request", "a", "--config", "a##b"}, "2 were given"},
+        {{"select", "--request", "a", "b.xml"}, "FIID excludes --request"},
+        {{"select", "--request", "a", "--flags", "b=4"}, "--flags excludes --request"},
+        {{"select", "--request", "a", "--exclude", "b"}, "--exclude excludes --request"},
+        {{"select", "--config", "a##b", "--save-request", "/no/such/folder/r"},
+         "cannot write \"/no/such/folder/r\": No such file"},
+        {{"select", "--config", "a##b", "--only", "kept,lost"}, "lost not in {kept,"},
         {{"select", "--config", "a##b", "--trace-file", "/no/such/folder/t"},
          "cannot write \"/no/such/folder/t\": No such file"},
     };
@@ -60,9 +69,9 @@ TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
     const auto help = runFiRotate({"select", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* text :
-         {"--config ", "--config-file ", "--exclude ", "--flags ", "--json", "--trace ",
-          "--trace-file ", "FIID", "Exit status:", "Example:", "\\xNN"}) {
+    for (const char* text : {"--config ", "--config-file ", "--exclude ", "--flags ", "--json",
+                             "--trace ", "--trace-file ", "--request ", "--save-request ",
+                             "--only ", "FIID", "Exit status:", "Example:", "\\xNN"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
     const auto version = runFiRotate({"--version"});

@@ -72,6 +72,20 @@ TEST(FiRotateTable, SaysWhyThereAreNoRows) {
               "Backups: none, this is the first\n");
 }
 
+TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
+    SOutcome outcome;
+    outcome.hiddenBackups = 2;
+    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+              "Selection: none\n\nBackups: none in these states, 2 in others\n");
+    outcome.backups.resize(1);
+    outcome.backups[0].file = "a.xml";
+    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+              "Selection: none\n\nBackups\n"
+              "  file   time stamp  flags  state\n"
+              "  a.xml  -           0      not loaded\n"
+              "  (2 in other states)\n");
+}
+
 TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
     SOutcome outcome;
     outcome.selection = "[A##x][1;B##2]";
