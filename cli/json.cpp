@@ -33,6 +33,48 @@ Json configurationsOf(const std::optional<std::string>& selection) {
     return rows;
 }
 
+Json listOf(const std::vector<std::string>& texts) {
+    Json list = Json::array();
+    for (const std::string& text : texts) {
+        list.push_back(asUtf8(text));
+    }
+    return list;
+}
+
+Json orNullIfEmpty(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(asUtf8(text));
+}
+
+Json reasonJson(const SReason* reason) {
+    if (reason == nullptr) {
+        return nullptr;
+    }
+    return {
+        {"name", nameOf(reason->kind)},
+        {"words", asUtf8(inWords(*reason))},
+        {"configuration", orNullIfEmpty(reason->configuration)},
+        {"target", orNullIfEmpty(reason->target)},
+        {"backup", orNullIfEmpty(reason->backup)},
+        {"objid", orNullIfEmpty(reason->objid)},
+        {"altobjid", orNullIfEmpty(reason->altobjid)},
+        {"targets", listOf(reason->targets)},
+    };
+}
+
+Json shortagesOf(const std::vector<SShortage>& shortages) {
+    Json rows = Json::array();
+    for (const SShortage& shortage : shortages) {
+        Json targets = Json::array();
+        for (const SHeldTarget& held : shortage.targets) {
+            targets.push_back({{"target", asUtf8(held.target)},
+                               {"holder", asUtf8(held.holder)},
+                               {"excluded", held.isExcluded}});
+        }
+        rows.push_back({{"configuration", asUtf8(shortage.configuration)}, {"targets", targets}});
+    }
+    return rows;
+}
+
 Json backupsOf(const SOutcome& outcome) {
     Json rows = Json::array();
     for (const SBackup& backup : outcome.backups) {
@@ -44,6 +86,9 @@ Json backupsOf(const SOutcome& outcome) {
             {"excluded", (backup.flagWord & FI_EXCLUDE_ROTATION) != 0},
             {"state", orNull(stateWord(backup))},
         });
+        if (outcome.account.has_value()) {
+            rows.back()["reason"] = reasonJson(reasonOf(outcome, backup));
+        }
     }
     return rows;
 }
@@ -59,25 +104,20 @@ Json exceptionOf(const std::optional<SException>& exception) {
     };
 }
 
-Json messagesOf(const std::vector<std::string>& messages) {
-    Json rows = Json::array();
-    for (const std::string& message : messages) {
-        rows.push_back(asUtf8(message));
-    }
-    return rows;
-}
-
 }  // namespace
 
 std::string toJson(const SOutcome& outcome) {
-    const Json document = {
+    Json document = {
         {"status", orNull(outcome.status)},
         {"selection", orNull(outcome.selection)},
         {"configurations", configurationsOf(outcome.selection)},
         {"backups", backupsOf(outcome)},
         {"exception", exceptionOf(outcome.exception)},
-        {"messages", messagesOf(outcome.messages)},
+        {"messages", listOf(outcome.messages)},
     };
+    if (outcome.account.has_value()) {
+        document["shortages"] = shortagesOf(outcome.account->shortages);
+    }
     return document.dump(2) + "\n";
 }
 

@@ -15,6 +15,7 @@
 #include <fi_rotation/CFiUdidException.h>
 #include <fi_rotation/fi_process_backups.h>
 
+#include "cli/account_reader.h"
 #include "cli/time_stamp.h"
 #include "cli/trace.h"
 
@@ -81,7 +82,7 @@ void callLibrary(const SCall& call, std::vector<std::int32_t>& flags, SOutcome& 
 
 }  // namespace
 
-SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs) {
+SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs, bool wantsAccount) {
     std::vector<std::int32_t> flags;
     for (const SBackup& backup : call.backups) {
         flags.push_back(backup.flagWord);
@@ -90,10 +91,14 @@ SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs) {
     SOutcome outcome;
     std::set<std::string> loaded;
     {
-        CTraceReceiver trace(traceOutputs);
+        CAccountReader reader;
+        CTraceReceiver trace(traceOutputs, wantsAccount ? &reader : nullptr);
         callLibrary(call, flags, outcome);
         loaded.insert(trace.loaded.begin(), trace.loaded.end());
         outcome.messages = std::move(trace.failures);
+        if (wantsAccount) {
+            outcome.account = explain(std::move(reader));
+        }
     }
 
     outcome.backups = std::move(call.backups);

@@ -33,6 +33,20 @@ std::optional<std::vector<SChoice>> choices(std::string_view selection) {
     }
 }
 
+const SReason* reasonOf(const SOutcome& outcome, const SBackup& backup) {
+    if (!outcome.account.has_value()) {
+        return nullptr;
+    }
+    for (const SAccountBackup& known : outcome.account->backups) {
+        // A name that is listed twice stands for two backups, whose states may differ.
+        const bool isOfState = !backup.state.has_value() || known.state == *backup.state;
+        if (known.file == backup.file && isOfState && known.reason.has_value()) {
+            return &*known.reason;
+        }
+    }
+    return nullptr;
+}
+
 std::optional<std::string_view> stateWord(const SBackup& backup) {
     if (!backup.loaded) {
         return "not loaded";

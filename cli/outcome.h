@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/account.h"
+
 // What one call of the library came to, as facts that every renderer shows alike.
 namespace fi_rotate {
 
@@ -39,6 +41,8 @@ struct SOutcome {
     std::size_t hiddenBackups = 0;
     // Failures that the library traced, in order.
     std::vector<std::string> messages;
+    // Why it came to this; nothing unless asked for.
+    std::optional<SAccount> account;
 };
 
 // One configuration of a selection; targets as ENCLOSURE##DEVICE.
@@ -50,6 +54,9 @@ struct SChoice {
 // Takes a selection string apart. Nothing when a name in it holds "][", which makes it impossible to
 // say where one configuration ends.
 std::optional<std::vector<SChoice>> choices(std::string_view selection);
+
+// Why `backup` came to its state; null when no account says so.
+const SReason* reasonOf(const SOutcome& outcome, const SBackup& backup);
 
 // "kept", "invalid", "rotated", "not loaded"; nothing when the library handed no state back.
 std::optional<std::string_view> stateWord(const SBackup& backup);

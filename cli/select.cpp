@@ -48,7 +48,7 @@ taken as they stand, so relative ones are looked for from where fi-rotate runs.
 
 JSON keys: status (null when an exception left the library), selection, configurations (first, chosen;
 null without a selection, and when names hold "][" so that the selection cannot be taken apart), backups
-(file, time_stamp, flag_word, excluded, state), exception (identifier, code, reason; or null), messages.
+(file, time_stamp, flag_word, excluded, state; with --explain reason), exception (identifier, code, reason; or null), messages; with --explain shortages (configuration, targets).
 A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.
 
 Exit status: 0 a selection, 3 none, 4 an exception left the library, 2 wrong usage, 1 the outcome could
@@ -64,6 +64,7 @@ struct SOptions {
     std::set<std::string> shownStates;
     std::vector<std::string> excluded;
     std::vector<std::string> flagWords;
+    bool explain = false;
     bool json = false;
     bool trace = false;
     std::optional<std::string> traceFile;
@@ -268,7 +269,7 @@ int runSelect(const SOptions& options) {
         return kExitNotShown;
     }
 
-    const SOutcome outcome = runCall(std::move(call), traceOutputs);
+    const SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain);
     const SOutcome selected = onlyShown(outcome, options.shownStates);
     const std::string shown = options.json ? toJson(selected) : toTables(selected, wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
@@ -320,6 +321,9 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember({"kept", "invalid", "rotated", "not loaded"}));
+    select.add_flag(
+        "--explain", options->explain,
+        "Say why each backup came to its state and, without a selection, what is short");
     select.add_flag("--json", options->json, "Show the outcome as one JSON document");
     select.add_flag("--trace", options->trace,
                     "Write the library's trace to standard error: level and text, one line a call");

@@ -117,10 +117,46 @@ std::string backupTable(const SOutcome& outcome, bool colour) {
            (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden));
 }
 
+const char* withoutReason(const SBackup& backup) {
+    return backup.loaded ? "the call ended before one was known" : "took no part";
+}
+
+std::string reasonTable(const SOutcome& outcome) {
+    std::string text = "Reasons\n";
+    for (const SBackup& backup : outcome.backups) {
+        const SReason* const reason = reasonOf(outcome, backup);
+        text += fmt::format(
+            "  {}\n    {}: {}\n", asPrintable(backup.file), stateWord(backup).value_or("no state"),
+            reason == nullptr ? withoutReason(backup) : asPrintable(inWords(*reason)));
+    }
+    return text;
+}
+
+std::string shortageTable(const std::vector<SShortage>& shortages) {
+    std::string text;
+    for (const SShortage& shortage : shortages) {
+        text += fmt::format("\n{} has no free target\n", asPrintable(shortage.configuration));
+        if (shortage.targets.empty()) {
+            text += "  it has no further targets at all; one must be added\n";
+        }
+        for (const SHeldTarget& held : shortage.targets) {
+            text += fmt::format(
+                "  {} is held by {}, {}\n", asPrintable(held.target), asPrintable(held.holder),
+                held.isExcluded ? "which is excluded; without that it would be rotated"
+                                : "which is invalid; it is free when that backup is gone");
+        }
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, bool colour) {
-    return selectionTable(outcome, colour) + "\n" + backupTable(outcome, colour);
+    std::string text = selectionTable(outcome, colour) + "\n" + backupTable(outcome, colour);
+    if (outcome.account.has_value() && !outcome.backups.empty()) {
+        text += "\n" + reasonTable(outcome) + shortageTable(outcome.account->shortages);
+    }
+    return text;
 }
 
 }  // namespace fi_rotate

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "cli/account_reader.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -65,7 +67,8 @@ std::string withoutLineEnd(std::string text) {
 
 }  // namespace
 
-CTraceReceiver::CTraceReceiver(std::vector<std::FILE*> streams) : outputs(std::move(streams)) {
+CTraceReceiver::CTraceReceiver(std::vector<std::FILE*> streams, CAccountReader* reader)
+    : outputs(std::move(streams)), account(reader) {
     if (activeReceiver != nullptr) {
         throw std::logic_error("the trace has a receiver already");
     }
@@ -79,7 +82,7 @@ CTraceReceiver::~CTraceReceiver() {
 void CTraceReceiver::receive(int level, const char* format, std::va_list arguments) {
     const bool isFailure = level == kFailureLevel && !isLine(format, kFlagLine);
     const bool isLoaded = isLine(format, kLoadedLine);
-    if (outputs.empty() && !isFailure && !isLoaded) {
+    if (outputs.empty() && account == nullptr && !isFailure && !isLoaded) {
         return;
     }
     if (isLoaded) {
@@ -91,6 +94,9 @@ void CTraceReceiver::receive(int level, const char* format, std::va_list argumen
     const std::string text = withoutLineEnd(formatted(format, arguments));
     if (isFailure) {
         failures.push_back(text);
+    }
+    if (account != nullptr) {
+        account->read(text);
     }
     for (std::FILE* output : outputs) {
         std::fprintf(output, "%d %s\n", level, onOneLine(text).c_str());

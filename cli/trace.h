@@ -7,6 +7,8 @@
 
 namespace fi_rotate {
 
+class CAccountReader;
+
 // Receives the library's trace from its construction to its destruction; at most one exists at a time.
 // Lines are formatted only where somebody reads them: the trace of a large document is many times its
 // size.
@@ -14,7 +16,8 @@ class CTraceReceiver {
 public:
     // Each call is written to every stream of `streams`, which are borrowed, as one line: the level, a
     // space and the text without its line end; line breaks and backslashes within it become \n, \r, \\.
-    explicit CTraceReceiver(std::vector<std::FILE*> streams);
+    // `reader`, which is borrowed and may be null, gets each text without its line end.
+    CTraceReceiver(std::vector<std::FILE*> streams, CAccountReader* reader);
     ~CTraceReceiver();
     CTraceReceiver(const CTraceReceiver&) = delete;
     CTraceReceiver& operator=(const CTraceReceiver&) = delete;
@@ -28,6 +31,7 @@ public:
 
 private:
     std::vector<std::FILE*> outputs;
+    CAccountReader* account;
 };
 
 }  // namespace fi_rotate

@@ -71,7 +71,7 @@ TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
     EXPECT_EQ(help.error, "");
     for (const char* text : {"--config ", "--config-file ", "--exclude ", "--flags ", "--json",
                              "--trace ", "--trace-file ", "--request ", "--save-request ",
-                             "--only ", "FIID", "Exit status:", "Example:", "\\xNN"}) {
+                             "--only ", "--explain", "FIID", "Exit status:", "Example:", "\\xNN"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
     const auto version = runFiRotate({"--version"});
