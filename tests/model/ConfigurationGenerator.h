@@ -1,0 +1,35 @@
+#ifndef FI_MODEL_CONFIGURATION_GENERATOR_H
+#define FI_MODEL_CONFIGURATION_GENERATOR_H
+
+#include <string>
+#include <vector>
+
+#include "Random.h"
+
+namespace fi_model {
+
+struct PlannedTarget {
+    std::string enclosure;
+    std::string device;
+};
+
+// A configuration as meant, before it is written down with or without flaws.
+struct PlannedConfiguration {
+    PlannedTarget first;
+    std::vector<PlannedTarget> further;
+};
+
+using Plan = std::vector<PlannedConfiguration>;
+
+// A few configurations over few names, so that they often share targets.
+Plan makePlan(Random& random);
+
+// Many configurations with one target each and no name in common.
+Plan makeLadderPlan(std::size_t size);
+
+// The plan as a configuration text; most texts are well-formed.
+std::string writePlan(const Plan& plan, Random& random);
+
+}  // namespace fi_model
+
+#endif

@@ -1,0 +1,25 @@
+#ifndef FI_MODEL_DOCUMENT_GENERATOR_H
+#define FI_MODEL_DOCUMENT_GENERATOR_H
+
+#include <string>
+#include <vector>
+
+#include "Document.h"
+#include "Random.h"
+
+namespace fi_model {
+
+// objid and altobjid of one Node.
+struct PlannedPair {
+    std::string objid;
+    std::string altobjid;
+};
+
+// The document of an earlier backup that used these devices. Most documents say so in an ordinary
+// way; the others try what a document may or may not hold.
+Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp,
+                      Random& random);
+
+}  // namespace fi_model
+
+#endif

@@ -1,0 +1,16 @@
+#ifndef FI_MODEL_GENERATOR_H
+#define FI_MODEL_GENERATOR_H
+
+#include <cstdint>
+
+#include "Call.h"
+
+namespace fi_model {
+
+// The call that belongs to a seed: ordinary calls, and among them everything that a caller, a
+// configuration or a document can get wrong.
+Call makeCall(std::uint64_t seed);
+
+}  // namespace fi_model
+
+#endif

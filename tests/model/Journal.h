@@ -1,0 +1,32 @@
+#ifndef FI_MODEL_JOURNAL_H
+#define FI_MODEL_JOURNAL_H
+
+#include <string>
+#include <vector>
+
+#include "Answer.h"
+#include "Outcome.h"
+
+namespace fi_model {
+
+// What the model writes down on its way through a call.
+struct Journal {
+    std::vector<TraceLine> trace;
+    std::string standardOutput;
+    Tally tally;
+
+    void failure(const std::string& text) { trace.push_back({3, text}); }
+    void progress(const std::string& text) { trace.push_back({4, text}); }
+    void entering(const std::string& operation) { progress("Entering " + operation + "\n"); }
+    void exiting(const std::string& operation) { progress("Exiting " + operation + "\n"); }
+    void note(Outcome outcome) { tally.note(outcome); }
+    void noteIf(bool happened, Outcome outcome) {
+        if (happened) {
+            tally.note(outcome);
+        }
+    }
+};
+
+}  // namespace fi_model
+
+#endif

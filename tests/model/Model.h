@@ -1,0 +1,34 @@
+#ifndef FI_MODEL_MODEL_H
+#define FI_MODEL_MODEL_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "Answer.h"
+#include "Call.h"
+#include "Outcome.h"
+
+namespace fi_model {
+
+// The order of backups with equal time stamps, which the rotation leaves open: ranks of the loaded
+// backups, by their place in load order. Each of the two sorts may resolve ties in its own way.
+struct TieOrder {
+    std::vector<std::size_t> newestFirst;
+    std::vector<std::size_t> oldestFirst;
+};
+
+struct Prediction {
+    Answer answer;
+    Tally tally;
+    // Of the loaded backups, in load order.
+    std::vector<std::string> timeStamps;
+};
+
+// What a call must answer, worked out in the plainest way. Without a tie order, ties are resolved
+// by load order.
+Prediction predict(const Call& call, const TieOrder& ties = {});
+
+}  // namespace fi_model
+
+#endif

@@ -1,0 +1,191 @@
+#include "ModelConfiguration.h"
+
+#include <cstddef>
+
+namespace fi_model {
+
+namespace {
+
+std::string parser() {
+    return "CFiResourceParser::parse : ";
+}
+
+std::string replaceAll(const std::string& text, const std::string& from, const std::string& to) {
+    std::string result;
+    std::size_t position = 0;
+    while (position < text.size()) {
+        if (text.compare(position, from.size(), from) == 0) {
+            result += to;
+            position += from.size();
+        } else {
+            result += text[position];
+            ++position;
+        }
+    }
+    return result;
+}
+
+bool isOneOf(char character, const std::string& characters) {
+    return characters.find(character) != std::string::npos;
+}
+
+std::vector<std::string> nonEmptyFields(const std::string& text, const std::string& separators) {
+    std::vector<std::string> fields;
+    std::string field;
+    for (const char character : text) {
+        if (!isOneOf(character, separators)) {
+            field += character;
+        } else if (!field.empty()) {
+            fields.push_back(field);
+            field.clear();
+        }
+    }
+    if (!field.empty()) {
+        fields.push_back(field);
+    }
+    return fields;
+}
+
+// What the trace shows of the text: the separators at the start and the first configuration,
+// because the text is cut where that one ends.
+std::string upToEndOfFirstField(const std::string& text, const std::string& separators) {
+    std::string result;
+    bool inField = false;
+    for (const char character : text) {
+        const bool separates = isOneOf(character, separators);
+        if (separates && inField) {
+            break;
+        }
+        inField = inField || !separates;
+        result += character;
+    }
+    return result;
+}
+
+struct SplitTarget {
+    std::string enclosure;
+    std::string device;
+    bool inherits = false;
+};
+
+SplitTarget splitTarget(const std::string& text, const std::string& carriedEnclosure) {
+    const std::size_t separator = text.find("##");
+    if (separator == std::string::npos) {
+        return {carriedEnclosure, text, true};
+    }
+    return {text.substr(0, separator), text.substr(separator + 2), false};
+}
+
+std::string rejection(const std::string& text, const std::string& reason) {
+    return parser() + "resource configuration \"" + text + "\" has no " + reason + " specified.";
+}
+
+void noteTarget(const SplitTarget& target, bool isFirst, Journal& journal) {
+    journal.noteIf(target.inherits && !isFirst, Outcome::kEnclosureInherited);
+    journal.noteIf(target.enclosure.empty() && !isFirst, Outcome::kEnclosureEmptyOnLaterTarget);
+    journal.noteIf(target.enclosure.empty() && target.inherits && !isFirst,
+                   Outcome::kEnclosureEmptyInherited);
+    journal.noteIf(target.device.find("##") != std::string::npos, Outcome::kDeviceWithSeparator);
+}
+
+// Appends the configuration, or says why not and leaves the list alone.
+bool parseConfiguration(const std::string& text, Configurations& configurations, Journal& journal) {
+    const std::vector<std::string> fields = nonEmptyFields(text, ";");
+    if (fields.empty()) {
+        journal.failure(rejection(text, "targets"));
+        journal.note(Outcome::kConfigurationNoTargets);
+        return false;
+    }
+    Configuration configuration;
+    std::string carriedEnclosure;
+    for (std::size_t index = 0; index < fields.size(); ++index) {
+        const bool isFirst = index == 0;
+        const SplitTarget target = splitTarget(fields[index], carriedEnclosure);
+        journal.progress(parser() + "[" + target.enclosure + "][" + target.device + "]");
+        if (target.device.empty()) {
+            journal.failure(rejection(fields[index], "device data"));
+            journal.note(Outcome::kConfigurationNoDevice);
+            return false;
+        }
+        if (isFirst && target.enclosure.empty()) {
+            journal.failure(rejection(fields[index], "enclosure data"));
+            journal.note(Outcome::kConfigurationNoEnclosure);
+            return false;
+        }
+        noteTarget(target, isFirst, journal);
+        if (isFirst) {
+            configuration.enclosure = target.enclosure;
+            configuration.device = target.device;
+        } else {
+            configuration.targets.push_back({target.enclosure, target.device, kAvailable});
+        }
+        carriedEnclosure = target.enclosure;
+    }
+    configurations.push_back(configuration);
+    return true;
+}
+
+bool sameTarget(const Target& left, const Target& right) {
+    return left.enclosure == right.enclosure && left.device == right.device;
+}
+
+// How often the targets of `left` occur among those of `right`.
+std::size_t commonTargets(const Configuration& left, const Configuration& right) {
+    std::size_t common = 0;
+    for (const Target& one : left.targets) {
+        for (const Target& other : right.targets) {
+            common += sameTarget(one, other) ? 1U : 0U;
+        }
+    }
+    return common;
+}
+
+void noteShape(const Configurations& configurations, Journal& journal) {
+    for (std::size_t later = 0; later < configurations.size(); ++later) {
+        const Configuration& one = configurations[later];
+        journal.noteIf(one.targets.empty(), Outcome::kNoFurtherTargets);
+        journal.noteIf(commonTargets(one, one) > one.targets.size(), Outcome::kTargetListedTwice);
+        for (std::size_t earlier = 0; earlier < later; ++earlier) {
+            const Configuration& other = configurations[earlier];
+            journal.noteIf(one.enclosure == other.enclosure && one.device == other.device,
+                           Outcome::kFirstTargetShared);
+            journal.noteIf(commonTargets(one, other) > 0, Outcome::kTargetSharedByConfigurations);
+        }
+    }
+}
+
+}  // namespace
+
+std::string decodeReferences(const std::string& text) {
+    std::string result = replaceAll(text, "&#39;", "'");
+    result = replaceAll(result, "&quot;", "\"");
+    result = replaceAll(result, "&gt;", ">");
+    result = replaceAll(result, "&lt;", "<");
+    return replaceAll(result, "&amp;", "&");
+}
+
+Configurations parseConfigurations(const std::string& text, Journal& journal) {
+    const std::string separators = "&\n\r";
+    const std::string decoded = decodeReferences(text);
+    journal.noteIf(decoded != text, Outcome::kReferenceDecoded);
+
+    Configurations configurations;
+    const std::vector<std::string> fields = nonEmptyFields(decoded, separators);
+    if (fields.empty()) {
+        journal.failure(parser() + "Invalid resource specification [" + decoded + "]");
+        journal.note(Outcome::kConfigurationNone);
+        return configurations;
+    }
+    journal.progress(parser() + "Resource specification [" +
+                     upToEndOfFirstField(decoded, separators) + "]");
+    bool accepted = true;
+    for (std::size_t index = 0; index < fields.size() && accepted; ++index) {
+        accepted = parseConfiguration(fields[index], configurations, journal);
+    }
+    journal.noteIf(accepted, Outcome::kConfigurationAccepted);
+    journal.noteIf(!accepted && !configurations.empty(), Outcome::kConfigurationPartlyKept);
+    noteShape(configurations, journal);
+    return configurations;
+}
+
+}  // namespace fi_model

@@ -1,0 +1,39 @@
+#ifndef FI_MODEL_MODEL_CONFIGURATION_H
+#define FI_MODEL_MODEL_CONFIGURATION_H
+
+#include <string>
+#include <vector>
+
+#include "Journal.h"
+
+namespace fi_model {
+
+inline constexpr int kAvailable = 0;
+inline constexpr int kUsed = 1;
+
+// A further target of a configuration.
+struct Target {
+    std::string enclosure;
+    std::string device;
+    int state = kAvailable;
+};
+
+// A configuration: its first target, its own state, and its further targets.
+struct Configuration {
+    std::string enclosure;
+    std::string device;
+    int state = kAvailable;
+    std::vector<Target> targets;
+};
+
+using Configurations = std::vector<Configuration>;
+
+// The five references that the configuration text may hold, decoded once each.
+std::string decodeReferences(const std::string& text);
+
+// The configurations up to the first one that is rejected.
+Configurations parseConfigurations(const std::string& text, Journal& journal);
+
+}  // namespace fi_model
+
+#endif

@@ -1,0 +1,21 @@
+#ifndef FI_MODEL_MODEL_IDENTIFIER_H
+#define FI_MODEL_MODEL_IDENTIFIER_H
+
+#include <string>
+
+#include "Journal.h"
+
+namespace fi_model {
+
+// The two parts of an identifier that are compared with targets.
+struct Identifier {
+    std::string enclosure;
+    std::string device;
+};
+
+// Throws Malformed when the text is no identifier.
+Identifier parseIdentifier(const std::string& text, Journal& journal);
+
+}  // namespace fi_model
+
+#endif

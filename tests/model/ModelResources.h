@@ -1,0 +1,26 @@
+#ifndef FI_MODEL_MODEL_RESOURCES_H
+#define FI_MODEL_MODEL_RESOURCES_H
+
+#include <optional>
+#include <string>
+
+#include "Journal.h"
+#include "ModelConfiguration.h"
+#include "ModelTree.h"
+
+namespace fi_model {
+
+enum class Mode { kCheck, kClaim, kRelease };
+
+// Whether every device of the backup has its target, and in claim mode whether none of them was
+// held by another backup. Throws Malformed for a malformed identifier.
+bool validate(const Node& root, Mode mode, Configurations& configurations, Journal& journal);
+
+// The first free target of every configuration, or nothing when one of them has none.
+std::optional<std::string> selectionOf(const Configurations& configurations);
+
+void printResources(const Configurations& configurations, Journal& journal);
+
+}  // namespace fi_model
+
+#endif

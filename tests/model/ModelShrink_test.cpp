@@ -1,0 +1,182 @@
+#include "Shrink.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "Comparison.h"
+#include "Generator.h"
+#include "Model.h"
+
+namespace fi_model {
+namespace {
+
+using ::testing::AnyOf;
+using ::testing::ElementsAre;
+using ::testing::Field;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::Optional;
+
+using Alteration = std::function<void(Answer&)>;
+
+// Answers as the model does, but for one thing.
+Subject altered(const Alteration& alteration) {
+    return [alteration](const Call& call) {
+        Answer answer = predict(call).answer;
+        alteration(answer);
+        return answer;
+    };
+}
+
+bool differs(const Call& call, const Subject& subject) {
+    return !compare(call, subject).difference.empty();
+}
+
+Call firstDiffering(const Subject& subject) {
+    std::uint64_t seed = 1;
+    while (!differs(makeCall(seed), subject)) {
+        ++seed;
+    }
+    return makeCall(seed);
+}
+
+void reportRotatedAsKept(Answer& answer) {
+    std::replace(answer.flags.begin(), answer.flags.end(), 2, 0);
+}
+
+TEST(Comparison, AgreesWithAnUnalteredAnswer) {
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
+        EXPECT_FALSE(differs(makeCall(seed), altered([](Answer&) {}))) << seed;
+    }
+}
+
+struct AlterationCase {
+    const char* what;
+    Alteration alteration;
+};
+
+TEST(Comparison, NoticesEveryPartOfAnAnswer) {
+    const AlterationCase kCases[] = {
+        {"trace line", [](Answer& answer) { answer.trace.back().level = 0; }},
+        {"trace line", [](Answer& answer) { answer.trace.back().text += " "; }},
+        {"trace line", [](Answer& answer) { answer.trace.pop_back(); }},
+        {"trace line",
+         [](Answer& answer) {
+             answer.trace.push_back({4, "more"});
+         }},
+        {"exception",
+         [](Answer& answer) {
+             answer.malformed = Malformed{"x", 1};
+         }},
+        {"status", [](Answer& answer) { answer.status = 6; }},
+        {"selection", [](Answer& answer) { answer.selection = "[]"; }},
+        {"flags", [](Answer& answer) { answer.flags.push_back(0); }},
+        {"standard output", [](Answer& answer) { answer.standardOutput += "\n"; }},
+    };
+    Call call;
+    call.configuration = "encA##dev1;snap1";
+    for (const AlterationCase& one : kCases) {
+        EXPECT_THAT(compare(call, altered(one.alteration)).difference, HasSubstr(one.what));
+    }
+}
+
+TEST(Comparison, NoticesAnotherExceptionCode) {
+    const Alteration alteration = [](Answer& answer) {
+        if (answer.malformed) {
+            answer.malformed->code = 9;
+        }
+    };
+    const Call call = firstDiffering(altered(alteration));
+    EXPECT_THAT(compare(call, altered(alteration)).difference, HasSubstr("library: code 9"));
+}
+
+Call tiedBackups() {
+    Call call;
+    call.configuration = "encA##dev1;snap1;snap2";
+    call.entries = {{"b0.xml", 0}, {"b1.xml", 0}, {"b2.xml", 0}};
+    call.listSize = 3;
+    for (const Entry& entry : call.entries) {
+        call.files[entry.name] = {{{Token::Kind::kEmpty, "Node", ""}}, false};
+    }
+    return call;
+}
+
+TEST(Comparison, AcceptsEveryOrderOfTiedBackups) {
+    const Subject reversed = [](const Call& call) {
+        return predict(call, {{2, 1, 0}, {1, 2, 0}}).answer;
+    };
+    EXPECT_THAT(compare(tiedBackups(), reversed).difference, IsEmpty());
+}
+
+TEST(Comparison, AcceptsNoOtherOrderOfBackupsWithDifferentTimeStamps) {
+    Call call = tiedBackups();
+    for (const Entry& entry : call.entries) {
+        call.files[entry.name].tokens = {{Token::Kind::kOpen, "Node", ""},
+                                         {Token::Kind::kOpen, "timeStamp", ""},
+                                         {Token::Kind::kText, entry.name, ""},
+                                         {Token::Kind::kClose, "timeStamp", ""},
+                                         {Token::Kind::kClose, "Node", ""}};
+    }
+    const Subject swapped = [](const Call& asked) {
+        Answer answer = predict(asked).answer;
+        const auto reserves = [](const TraceLine& line) {
+            return line.text.find("[RESERVE GOOD]") != std::string::npos;
+        };
+        const auto first = std::find_if(answer.trace.begin(), answer.trace.end(), reserves);
+        std::iter_swap(first, first + 1);
+        return answer;
+    };
+    EXPECT_THAT(compare(call, swapped).difference, HasSubstr("[RESERVE GOOD]"));
+}
+
+TEST(TieRanks, AreAllOrdersOfEachGroup) {
+    EXPECT_EQ(tieRanks({"1", "2"}).size(), 1U);
+    EXPECT_EQ(tieRanks({"1", "2", "1"}).size(), 2U);
+    EXPECT_EQ(tieRanks({"1", "2", "1", "2", "1"}).size(), 12U);
+    EXPECT_EQ(countTieRanks({"1", "2", "1", "2", "1"}), 12U);
+    EXPECT_EQ(tieRanks({}).size(), 1U);
+}
+
+TEST(Shrink, LeavesOneBackupAndOneConfigurationOfARotation) {
+    const Subject subject = altered(reportRotatedAsKept);
+    const Call call = firstDiffering(subject);
+    const Call smallest =
+        shrink(call, [&](const Call& candidate) { return differs(candidate, subject); });
+
+    EXPECT_THAT(smallest.entries, ElementsAre(Field(&Entry::flag, 0)));
+    EXPECT_EQ(smallest.listSize, 1);
+    ASSERT_EQ(smallest.files.size(), 1U);
+    EXPECT_THAT(smallest.configuration, Optional(Not(AnyOf(HasSubstr("&"), HasSubstr("\n")))));
+    // One Node with one objid and one altobjid is what it takes to hold a target.
+    EXPECT_LE(smallest.files.begin()->second.tokens.size(), 8U);
+    EXPECT_TRUE(differs(smallest, subject));
+}
+
+TEST(Shrink, ExplainsADifferenceInFull) {
+    const Subject subject = altered(reportRotatedAsKept);
+    const Call call = firstDiffering(subject);
+    const std::string explanation = explainDifference(call, subject);
+
+    EXPECT_THAT(explanation, HasSubstr("seed " + std::to_string(call.seed)));
+    EXPECT_THAT(explanation, HasSubstr("configuration: \""));
+    EXPECT_THAT(explanation, HasSubstr("list size: 1"));
+    EXPECT_THAT(explanation, HasSubstr("document: \""));
+    EXPECT_THAT(explanation, HasSubstr("flags\n  model:   { 2 }\n  library: { 0 }"));
+}
+
+TEST(Shrink, LeavesNothingOfACallThatDoesNotMatter) {
+    const Call smallest = shrink(makeCall(1), [](const Call&) { return true; });
+    EXPECT_THAT(smallest.entries, IsEmpty());
+    EXPECT_THAT(smallest.files, IsEmpty());
+    EXPECT_EQ(smallest.configuration.value_or(""), "");
+    EXPECT_THAT(describe(smallest), Not(HasSubstr("document")));
+}
+
+}  // namespace
+}  // namespace fi_model

@@ -1,0 +1,53 @@
+#ifndef FI_MODEL_MODEL_TEST_SUPPORT_H
+#define FI_MODEL_MODEL_TEST_SUPPORT_H
+
+#include <string>
+#include <vector>
+
+#include "Answer.h"
+#include "Document.h"
+
+// Short ways to write documents and to look at traces in the model's tests.
+
+namespace fi_model {
+
+inline std::vector<std::string> textsOf(const std::vector<TraceLine>& trace) {
+    std::vector<std::string> texts;
+    texts.reserve(trace.size());
+    for (const TraceLine& line : trace) {
+        texts.push_back(line.text);
+    }
+    return texts;
+}
+
+inline Token open(const std::string& name) {
+    return {Token::Kind::kOpen, name, ""};
+}
+inline Token close(const std::string& name) {
+    return {Token::Kind::kClose, name, ""};
+}
+inline Token text(const std::string& characters) {
+    return {Token::Kind::kText, characters, ""};
+}
+
+using Tokens = std::vector<Token>;
+
+inline Tokens joined(const std::vector<Tokens>& parts) {
+    Tokens tokens;
+    for (const Tokens& part : parts) {
+        tokens.insert(tokens.end(), part.begin(), part.end());
+    }
+    return tokens;
+}
+
+inline Tokens element(const std::string& name, const Tokens& content) {
+    return joined({{open(name)}, content, {close(name)}});
+}
+
+inline Tokens data(const std::string& name, const std::string& value) {
+    return element(name, {text(value)});
+}
+
+}  // namespace fi_model
+
+#endif

@@ -1,0 +1,214 @@
+#include "Model.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ModelTestSupport.h"
+
+// What the model answers, worked out by hand. Were the model wrong in the same way as the library,
+// a comparison of the two would not show it.
+
+namespace fi_model {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::Not;
+
+// The document of a backup that holds one target of encA##dev1.
+Document holding(const std::string& target, const std::string& timeStamp) {
+    return {element("Node", joined({data("objid", "UDID##v##m##encA##dev1"),
+                                    data("altobjid", "UDID##v##m##encA##" + target),
+                                    data("timeStamp", timeStamp)})),
+            false};
+}
+
+Call callWith(const std::string& configuration, const std::vector<Document>& documents) {
+    Call call;
+    call.configuration = configuration;
+    for (std::size_t index = 0; index < documents.size(); ++index) {
+        const std::string name = "b" + std::to_string(index) + ".xml";
+        call.entries.push_back({name, 0});
+        call.files[name] = documents[index];
+    }
+    call.listSize = static_cast<std::int32_t>(documents.size());
+    return call;
+}
+
+TEST(Model, TheOnlyTargetIsReleased) {
+    const Answer answer = predict(callWith("encA##dev1;snap1", {holding("snap1", "1")})).answer;
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1]");
+    EXPECT_THAT(answer.flags, ElementsAre(2));
+}
+
+TEST(Model, AnExcludedBackupKeepsTheOnlyTarget) {
+    Call call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
+    call.entries[0].flag = 12;
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.status, 3);
+    EXPECT_EQ(answer.selection, std::nullopt);
+    EXPECT_THAT(answer.flags, ElementsAre(12));
+    const std::vector<std::string> texts = textsOf(answer.trace);
+    EXPECT_EQ(texts[texts.size() - 2], "fi_process_backups : Skipped Rotation for fiid [b0.xml]");
+    EXPECT_EQ(texts.back(),
+              "fi_process_backups : Resources not availabe, some/all are part of Skip rotation "
+              "fiids");
+}
+
+TEST(Model, TheNewerOfTwoBackupsWithOneTargetHoldsIt) {
+    const Answer answer =
+        predict(callWith("encA##dev1;snap1", {holding("snap1", "2"), holding("snap1", "1")}))
+            .answer;
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_THAT(answer.flags, ElementsAre(2, 1));
+}
+
+TEST(Model, OnlyTheOldestIsReleasedWhenOneTargetIsEnough) {
+    const Answer answer = predict(callWith("encA##dev1;snap1;snap2",
+                                           {holding("snap1", "999"), holding("snap2", "1000")}))
+                              .answer;
+    EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap2]");
+    EXPECT_THAT(answer.flags, ElementsAre(0, 2));
+}
+
+TEST(Model, ABackupThatClaimsInPartBlocksWhatItClaimed) {
+    Call call = callWith("encA##dev1;snap1&encB##dev2;snap2", {holding("snap1", "2")});
+    call.entries.push_back({"both.xml", 0});
+    call.listSize = 2;
+    // "UDID##a" comes before "UDID##v", so the target that is still free is claimed first.
+    const Tokens free = element("Node", joined({data("objid", "UDID##a##m##encB##dev2"),
+                                                data("altobjid", "UDID##a##m##encB##snap2")}));
+    const Tokens held = element("Node", joined({data("objid", "UDID##v##m##encA##dev1"),
+                                                data("altobjid", "UDID##v##m##encA##snap1")}));
+    call.files["both.xml"] = {element("Node", joined({data("timeStamp", "1"), free, held})), false};
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.status, 3);
+    EXPECT_THAT(textsOf(answer.trace), Contains("fi_process_backups : both.xml - T: 1"));
+    EXPECT_THAT(answer.flags, ElementsAre(0, 0));
+}
+
+TEST(Model, TheFirstUnmatchedPairEndsTheCheckBeforeAMalformedOne) {
+    Call call = callWith("encA##dev1;snap1", {{}});
+    const Tokens unmatched = element("Node", joined({data("objid", "UDID##a##m##encA##none"),
+                                                     data("altobjid", "UDID##a##m##encA##x")}));
+    const Tokens malformed = element("Node", data("objid", "UDID##b"));
+    call.files["b0.xml"] = {element("Node", joined({malformed, unmatched})), false};
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.malformed, std::nullopt);
+    EXPECT_THAT(answer.flags, ElementsAre(1));
+}
+
+TEST(Model, AMalformedIdentifierEndsTheCall) {
+    const Tokens tokens = element(
+        "Node", joined({data("objid", "UDID##v##m##encA##dev1"), data("altobjid", "UDID##v")}));
+    Call call = callWith("encA##dev1;snap1", {{tokens, false}});
+    call.entries[0].flag = 2;
+    const Answer answer = predict(call).answer;
+    ASSERT_TRUE(answer.malformed.has_value());
+    EXPECT_EQ(answer.malformed->code, 3);
+    EXPECT_EQ(answer.malformed->identifier, "UDID##v");
+    EXPECT_EQ(answer.trace.back().text, "ERROR: UDID##v");
+    EXPECT_EQ(answer.trace.back().level, 3);
+    EXPECT_EQ(answer.selection, std::nullopt);
+    EXPECT_THAT(answer.flags, ElementsAre(2));
+}
+
+TEST(Model, AMissingFileEndsTheLoadingOnly) {
+    Call call = callWith("encA##dev1;snap1",
+                         {holding("snap1", "1"), holding("snap1", "2"), holding("snap1", "3")});
+    call.files.erase("b1.xml");
+    call.entries[1].flag = 3;
+    call.entries[2].flag = 8;
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.standardOutput, "ERROR: failed to load FIID file [b1.xml]\n");
+    EXPECT_THAT(answer.flags, ElementsAre(2, 3, 8));
+    EXPECT_THAT(textsOf(answer.trace), Not(Contains("fi_process_backups : parsed [b2.xml]")));
+}
+
+TEST(Model, ANameListedTwiceHasTheFlagOfItsLastEntry) {
+    Call call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
+    call.entries = {{"b0.xml", 4}, {"b0.xml", 0}};
+    call.listSize = 2;
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.status, 0);
+    // Both entries have the state of the first of the two in the final order.
+    EXPECT_THAT(answer.flags, ElementsAre(2, 2));
+}
+
+TEST(Model, TheFirstBackupTakesTheFirstTargets) {
+    Call call = callWith("encA##dev1;snap1;snap2\nencB##dev2;encC##x", {});
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1][encB##dev2;encC##x]");
+    EXPECT_EQ(answer.trace.back().text,
+              "fi_process_backups : fiidListSize empty, no previous backups to process");
+    call.configuration = "encA##dev1";
+    EXPECT_EQ(predict(call).answer.status, 3);
+    EXPECT_EQ(predict(call).answer.trace.back().text,
+              "fi_process_backups : no resource is available");
+    call.configuration = "";
+    EXPECT_EQ(predict(call).answer.selection, "");
+}
+
+TEST(Model, ANegativeSizeIsAListWithoutEntries) {
+    Call call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
+    call.listSize = -1;
+    const Answer answer = predict(call).answer;
+    EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1]");
+    EXPECT_THAT(answer.flags, ElementsAre(0));
+    EXPECT_THAT(textsOf(answer.trace),
+                ElementsAre("CFiResourceParser::parse : Resource specification [encA##dev1;snap1]",
+                            "CFiResourceParser::parse : [encA][dev1]",
+                            "CFiResourceParser::parse : [encA][snap1]", "Entering \n", "Exiting \n",
+                            "CFiResourceManager::print : printing resource set",
+                            "[encA:dev1](Available)", "{snap1,Available}",
+                            "fi_process_backups : resource_config_string "
+                            "[[encA##dev1;encA##snap1]] ",
+                            "CFiResourceManager::print : printing resource set",
+                            "[encA:dev1](Available)", "{snap1,Available}"));
+}
+
+TEST(Model, BadArgumentsAreRejectedBeforeAnythingElse) {
+    std::vector<Call> calls(3, callWith("encA##dev1;snap1", {holding("snap1", "1")}));
+    calls[0].hasFlags = false;
+    calls[1].hasResult = false;
+    calls[2].configuration.reset();
+    for (const Call& call : calls) {
+        const Answer answer = predict(call).answer;
+        EXPECT_EQ(answer.status, 3);
+        EXPECT_THAT(textsOf(answer.trace),
+                    ElementsAre("fi_process_backups : Invalid/empty parameter"));
+    }
+}
+
+TEST(Model, TheWholeTraceOfARotationAfterLoading) {
+    const Answer answer = predict(callWith("encA##dev1;snap1", {holding("snap1", "1")})).answer;
+    const std::vector<std::string> texts = textsOf(answer.trace);
+    ASSERT_GT(texts.size(), 20U);
+    EXPECT_EQ(answer.trace[3].level, 3);
+    EXPECT_EQ(texts[3], "fi_process_backups :  Fiid [b0.xml] exclude rotation flag [0] ");
+    EXPECT_THAT(
+        std::vector<std::string>(texts.end() - 17, texts.end()),
+        ElementsAre("fi_process_backups : parsed [b0.xml]", " [UDID##v##m##encA##dev1]",
+                    " {UDID##v##m##encA##snap1}", " <0 >",
+                    "CFiResourceManager::print : printing resource set", "[encA:dev1](Available)",
+                    "{snap1,Available}", "fi_process_backups : [RESOURCES MATCH] [b0.xml]",
+                    "fi_process_backups : [RESERVE GOOD] b0.xml - T: 1",
+                    "fi_process_backups : resource_config_string "
+                    "[[encA##dev1;encA##snap1]] ",
+                    "CFiResourceManager::print : printing resource set",
+                    // A released target leaves its configuration in use.
+                    "[encA:dev1](Used)", "{snap1,Available}",
+                    "fi_process_backups : parsed [b0.xml] state=[2]", " [UDID##v##m##encA##dev1]",
+                    " {UDID##v##m##encA##snap1}", " <0 >"));
+}
+
+}  // namespace
+}  // namespace fi_model

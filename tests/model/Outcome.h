@@ -1,0 +1,125 @@
+#ifndef FI_MODEL_OUTCOME_H
+#define FI_MODEL_OUTCOME_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace fi_model {
+
+// Every branch of the decision that a run of calls must have taken.
+enum class Outcome : std::size_t {
+    kNullFlags,
+    kNullResult,
+    kNullConfiguration,
+    kStatusSuccess,
+    kStatusFailure,
+    kException,
+    kReferenceDecoded,
+    kConfigurationAccepted,
+    kConfigurationNone,
+    kConfigurationNoTargets,
+    kConfigurationNoDevice,
+    kConfigurationNoEnclosure,
+    kConfigurationPartlyKept,
+    kEnclosureInherited,
+    kEnclosureEmptyOnLaterTarget,
+    kEnclosureEmptyInherited,
+    kDeviceWithSeparator,
+    kNoFurtherTargets,
+    kFirstTargetShared,
+    kTargetListedTwice,
+    kTargetSharedByConfigurations,
+    kFirstBackupSelected,
+    kFirstBackupNoResource,
+    kNegativeSize,
+    kArraysLongerThanList,
+    kFlagExcluded,
+    kFlagOtherBitsOnly,
+    kNameListedTwice,
+    kNameListedTwiceFlagOverwritten,
+    kMissingFirst,
+    kMissingLater,
+    kFolderAsDocument,
+    kDocumentLoaded,
+    kDocumentWithoutRoot,
+    kDocumentMalformedWithRoot,
+    kDocumentMalformedWithoutRoot,
+    kDocumentWarned,
+    kSeveralTopLevelNodes,
+    kNestedNode,
+    kDataOutsideNode,
+    kTimeStampWithoutRoot,
+    kTimeStampReplaced,
+    kTimeStampFromInnerNode,
+    kTimeStampAfterRoot,
+    kTextFromBefore,
+    kTextLastPieceOnly,
+    kTypeNegative,
+    kTypeTruncated,
+    kPairOverwritten,
+    kBackupWithoutPairs,
+    kIdentifierDeviceFourParts,
+    kIdentifierDeviceThreeParts,
+    kIdentifierEnclosureFourParts,
+    kIdentifierEnclosureThreeParts,
+    kIdentifierPrefixNotAtStart,
+    kMalformedKey,
+    kMalformedValue,
+    kMalformedCode1,
+    kMalformedCode2,
+    kMalformedCode3,
+    kMalformedCode4,
+    kPairMatched,
+    kPairKeyUnknown,
+    kPairValueUnknown,
+    kPairMatchedInLaterConfiguration,
+    kCheckGood,
+    kCheckInvalid,
+    kClaimGood,
+    kClaimLost,
+    kClaimLostInPart,
+    kTimeStampsTied,
+    kRotationNotNeeded,
+    kRotationStopped,
+    kRotationRanOut,
+    kRotationPassedOverInvalid,
+    kRotationSkippedExcluded,
+    kRotationReleasedMany,
+    kReleased,
+    kFinalNoResource,
+    kSelectionEmpty,
+    kSelectionSkippedUsedTarget,
+    kFinalKept,
+    kFinalKeptExcluded,
+    kFinalInvalidByCheck,
+    kFinalInvalidByClaim,
+    kFinalRotated,
+    kFlagNotRewritten,
+    kCount,
+};
+
+inline constexpr std::size_t kOutcomeCount = static_cast<std::size_t>(Outcome::kCount);
+
+std::string_view outcomeName(Outcome outcome);
+
+class Tally {
+public:
+    void note(Outcome outcome) { ++counts_[static_cast<std::size_t>(outcome)]; }
+    std::uint64_t operator[](Outcome outcome) const {
+        return counts_[static_cast<std::size_t>(outcome)];
+    }
+    void add(const Tally& other) {
+        for (std::size_t index = 0; index < kOutcomeCount; ++index) {
+            counts_[index] += other.counts_[index];
+        }
+    }
+
+private:
+    std::array<std::uint64_t, kOutcomeCount> counts_{};
+};
+
+}  // namespace fi_model
+
+#endif

@@ -1,0 +1,26 @@
+#ifndef FI_MODEL_SHRINK_H
+#define FI_MODEL_SHRINK_H
+
+#include <functional>
+#include <string>
+
+#include "Call.h"
+#include "Comparison.h"
+
+namespace fi_model {
+
+using Keeps = std::function<bool(const Call&)>;
+
+// The smallest call to be found by leaving out backups, elements, configurations and characters
+// for which `keeps` still holds. It holds for the call itself.
+Call shrink(Call call, const Keeps& keeps);
+
+// The call with everything that is needed to make it again in a test.
+std::string describe(const Call& call);
+
+// A call on which model and subject differ: shrunk, described, and with the difference that is left.
+std::string explainDifference(const Call& call, const Subject& subject);
+
+}  // namespace fi_model
+
+#endif

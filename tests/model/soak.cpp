@@ -1,0 +1,81 @@
+// Compares the library with the model on random calls, and ends at the first difference, made as small as it
+// can be.
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+
+#include "Comparison.h"
+#include "Generator.h"
+#include "LibraryHost.h"
+#include "Outcome.h"
+#include "Shrink.h"
+
+namespace {
+
+struct Options {
+    std::uint64_t calls = 20000;
+    std::uint64_t seed = 1;
+    std::uint64_t least = 0;
+};
+
+// A library that crashes leaves no report; the last of these lines says between which seeds.
+void reportProgress(std::uint64_t done, const Options& options) {
+    if (done % 10000 == 0) {
+        std::fprintf(stderr, "seeds from %ju: %ju of %ju calls\n", std::uintmax_t{options.seed},
+                     std::uintmax_t{done}, std::uintmax_t{options.calls});
+    }
+}
+
+bool enoughOfEach(const fi_model::Tally& tally, const Options& options) {
+    bool enough = true;
+    for (std::size_t index = 0; index < fi_model::kOutcomeCount; ++index) {
+        const auto outcome = static_cast<fi_model::Outcome>(index);
+        const bool tooFew = tally[outcome] < options.least;
+        std::printf("%12ju  %s%s\n", std::uintmax_t{tally[outcome]},
+                    std::string(fi_model::outcomeName(outcome)).c_str(), tooFew ? "  TOO FEW" : "");
+        enough = enough && !tooFew;
+    }
+    return enough;
+}
+
+bool soak(const Options& options) {
+    fi_model::LibraryHost host;
+    const fi_model::Subject library = [&](const fi_model::Call& call) { return host.run(call); };
+    fi_model::Tally tally;
+    for (std::uint64_t done = 0; done < options.calls; ++done) {
+        const fi_model::Call call = fi_model::makeCall(options.seed + done);
+        const fi_model::Comparison comparison = fi_model::compare(call, library);
+        if (!comparison.difference.empty()) {
+            std::printf("DIFFERENCE\n%s\n", fi_model::explainDifference(call, library).c_str());
+            return false;
+        }
+        tally.add(comparison.tally);
+        reportProgress(done + 1, options);
+    }
+    std::printf("%ju calls from seed %ju, no difference; how many had\n",
+                std::uintmax_t{options.calls}, std::uintmax_t{options.seed});
+    return enoughOfEach(tally, options);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    Options options;
+    CLI::App app("Compares the library with the model on random calls.");
+    app.add_option("--calls", options.calls, "How many calls")->capture_default_str();
+    app.add_option("--seed", options.seed, "Seed of the first call; each has the next one")
+        ->capture_default_str();
+    app.add_option("--least", options.least, "Fail when fewer calls had some outcome")
+        ->capture_default_str();
+    CLI11_PARSE(app, count, arguments);
+    try {
+        return soak(options) ? EXIT_SUCCESS : EXIT_FAILURE;
+    } catch (const std::exception& problem) {
+        std::fprintf(stderr, "fi_model_soak: %s\n", problem.what());
+        return EXIT_FAILURE;
+    }
+}
