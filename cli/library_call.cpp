@@ -16,7 +16,6 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/account_reader.h"
-#include "cli/time_stamp.h"
 #include "cli/trace.h"
 
 namespace fi_rotate {
@@ -109,7 +108,6 @@ SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs, bool w
             backup.state = flags[i];
         }
     }
-    readTimeStamps(outcome.backups);
     return outcome;
 }
 

@@ -1,7 +1,5 @@
 #include "cli/select.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -23,6 +21,7 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "cli/command.h"
 #include "cli/file.h"
 #include "cli/json.h"
 #include "cli/library_call.h"
@@ -30,6 +29,7 @@
 #include "cli/printable.h"
 #include "cli/request.h"
 #include "cli/table.h"
+#include "cli/time_stamp.h"
 
 namespace fi_rotate {
 namespace {
@@ -70,27 +70,6 @@ struct SOptions {
     std::optional<std::string> traceFile;
     std::vector<std::string> files;
 };
-
-std::string errorText() {
-    return std::generic_category().message(errno);
-}
-
-std::string quoted(const std::string& text) {
-    return '"' + asPrintable(text) + '"';
-}
-
-std::string readConfigurationFile(const std::string& file) {
-    std::optional<std::string> text = readFile(file);
-    if (!text.has_value()) {
-        throw CLI::ValidationError("--config-file",
-                                   "cannot read " + quoted(file) + ": " + errorText());
-    }
-    // The library would take the text before it for the whole.
-    if (text->find('\0') != std::string::npos) {
-        throw CLI::ValidationError("--config-file", quoted(file) + " holds a NUL byte");
-    }
-    return *std::move(text);
-}
 
 void requireListed(const std::string& option, const std::string& file,
                    const std::set<std::string>& listed) {
@@ -164,14 +143,6 @@ SCall callOf(const SOptions& options) {
     return call;
 }
 
-bool wantsColour() {
-    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
-}
-
-void say(const std::string& message) {
-    fmt::print(stderr, "fi-rotate: {}\n", asPrintable(message));
-}
-
 void sayNotLoaded(const std::vector<SBackup>& backups) {
     const auto isNotLoaded = [](const SBackup& backup) { return !backup.loaded; };
     const auto first = std::find_if(backups.begin(), backups.end(), isNotLoaded);
@@ -207,15 +178,6 @@ int exitStatusOf(const SOutcome& outcome) {
         return kExitException;
     }
     return outcome.selection.has_value() ? kExitSelection : kExitNoSelection;
-}
-
-// Flushes what was written to `stream`, called `name`; false, with a message, when a write failed.
-bool isWritten(std::FILE* stream, const std::string& name) {
-    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
-    if (!written) {
-        say("cannot write " + name + ": " + errorText());
-    }
-    return written;
 }
 
 CFile openForWriting(const std::string& option, const std::string& file) {
@@ -269,7 +231,8 @@ int runSelect(const SOptions& options) {
         return kExitNotShown;
     }
 
-    const SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain);
+    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain);
+    readTimeStamps(outcome.backups);
     const SOutcome selected = onlyShown(outcome, options.shownStates);
     const std::string shown = options.json ? toJson(selected) : toTables(selected, wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);

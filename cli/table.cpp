@@ -1,73 +1,17 @@
 #include "cli/table.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <utility>
 #include <vector>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
 
+#include "cli/columns.h"
 #include "cli/printable.h"
 
 namespace fi_rotate {
 namespace {
-
-struct SCell {
-    std::string text;
-    fmt::text_style style;
-};
-using Row = std::vector<SCell>;
-
-constexpr std::string_view kGap = "  ";
-
-// Columns on a terminal. The formatting library pads to a width by its own measure of a text, so the
-// padding it adds tells that measure.
-std::size_t displayWidth(const std::string& text) {
-    const std::size_t padded = fmt::formatted_size("{:<{}}", text, text.size());
-    return 2 * text.size() - padded;
-}
-
-std::vector<std::size_t> columnWidths(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], displayWidth(row[i].text));
-        }
-    }
-    return widths;
-}
-
-std::string toLine(const Row& row, const std::vector<std::size_t>& widths, bool colour) {
-    std::string line;
-    std::size_t padding = 0;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        // Padding is written before the next cell, so that no line ends in spaces.
-        line.append(padding, ' ').append(kGap);
-        line += colour ? fmt::format(row[i].style, "{}", row[i].text) : row[i].text;
-        padding = widths[i] - displayWidth(row[i].text);
-    }
-    return line + "\n";
-}
-
-std::string toTable(const std::vector<Row>& rows, bool colour) {
-    const std::vector<std::size_t> widths = columnWidths(rows);
-    std::string table;
-    for (const Row& row : rows) {
-        table += toLine(row, widths, colour);
-    }
-    return table;
-}
-
-Row toRow(std::initializer_list<std::string> texts, fmt::text_style style = {}) {
-    Row row;
-    std::transform(texts.begin(), texts.end(), std::back_inserter(row),
-                   [style](const std::string& text) {
-                       return SCell{text, style};
-                   });
-    return row;
-}
 
 fmt::text_style styleOf(std::string_view state) {
     if (state == "kept") {

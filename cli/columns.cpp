@@ -1,0 +1,80 @@
+#include "cli/columns.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include <fmt/format.h>
+
+namespace fi_rotate {
+namespace {
+
+constexpr std::string_view kGap = "  ";
+
+std::vector<std::size_t> columnWidths(const std::vector<Row>& rows) {
+    std::vector<std::size_t> widths(rows.front().size());
+    for (const Row& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], displayWidth(row[i].text));
+        }
+    }
+    return widths;
+}
+
+std::string toLine(const Row& row, const std::vector<std::size_t>& widths, bool colour) {
+    std::string line;
+    std::size_t padding = 0;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        // Padding is written before the next cell, so that no line ends in spaces.
+        line.append(padding, ' ').append(kGap);
+        line += colour ? fmt::format(row[i].style, "{}", row[i].text) : row[i].text;
+        padding = widths[i] - displayWidth(row[i].text);
+    }
+    return line + "\n";
+}
+
+bool continuesCharacter(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+}  // namespace
+
+Row toRow(std::initializer_list<std::string> texts, fmt::text_style style) {
+    Row row;
+    std::transform(texts.begin(), texts.end(), std::back_inserter(row),
+                   [style](const std::string& text) {
+                       return SCell{text, style};
+                   });
+    return row;
+}
+
+std::string toTable(const std::vector<Row>& rows, bool colour) {
+    const std::vector<std::size_t> widths = columnWidths(rows);
+    std::string table;
+    for (const Row& row : rows) {
+        table += toLine(row, widths, colour);
+    }
+    return table;
+}
+
+// The formatting library pads to a width by its own measure of a text, so the padding it adds tells that measure.
+std::size_t displayWidth(const std::string& text) {
+    const std::size_t padded = fmt::formatted_size("{:<{}}", text, text.size());
+    return 2 * text.size() - padded;
+}
+
+std::string cutTo(const std::string& text, std::size_t width) {
+    if (displayWidth(text) <= width) {
+        return text;
+    }
+    std::string start = text;
+    while (!start.empty() && displayWidth(start) >= width) {
+        while (continuesCharacter(start.back())) {
+            start.pop_back();
+        }
+        start.pop_back();
+    }
+    return start + "…";
+}
+
+}  // namespace fi_rotate

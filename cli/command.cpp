@@ -1,0 +1,56 @@
+#include "cli/command.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include "cli/file.h"
+#include "cli/printable.h"
+
+namespace fi_rotate {
+
+std::string errorText() {
+    return std::generic_category().message(errno);
+}
+
+std::string quoted(const std::string& text) {
+    return '"' + asPrintable(text) + '"';
+}
+
+std::string readConfigurationFile(const std::string& file) {
+    std::optional<std::string> text = readFile(file);
+    if (!text.has_value()) {
+        throw CLI::ValidationError("--config-file",
+                                   "cannot read " + quoted(file) + ": " + errorText());
+    }
+    // The library would take the text before it for the whole.
+    if (text->find('\0') != std::string::npos) {
+        throw CLI::ValidationError("--config-file", quoted(file) + " holds a NUL byte");
+    }
+    return *std::move(text);
+}
+
+bool wantsColour() {
+    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
+}
+
+void say(const std::string& message) {
+    fmt::print(stderr, "fi-rotate: {}\n", asPrintable(message));
+}
+
+bool isWritten(std::FILE* stream, const std::string& name) {
+    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    if (!written) {
+        say("cannot write " + name + ": " + errorText());
+    }
+    return written;
+}
+
+}  // namespace fi_rotate

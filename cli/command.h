@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+// What the subcommands have in common.
+namespace fi_rotate {
+
+// What errno says.
+std::string errorText();
+
+// In quotation marks, on one line.
+std::string quoted(const std::string& text);
+
+// Throws CLI::ValidationError when it cannot be read, or when the library would not read it whole.
+std::string readConfigurationFile(const std::string& file);
+
+// Standard output is a terminal, and nobody asked for no colour.
+bool wantsColour();
+
+// Writes a line to standard error.
+void say(const std::string& message);
+
+// Flushes what was written to `stream`, called `name`; false, with a message, when a write failed.
+bool isWritten(std::FILE* stream, const std::string& name);
+
+}  // namespace fi_rotate
