@@ -106,6 +106,9 @@ public:
     explicit CExplanation(CAccountReader reader) : passes(std::move(reader)) {}
 
     SAccount explain() {
+        if (!passes.gaps().empty()) {
+            return std::move(passes.account);
+        }
         explainChecks();
         explainClaims();
         if (passes.account.selection.has_value() || passes.isWithoutSelection) {
@@ -170,8 +173,7 @@ private:
             if (backup(place).reason.has_value()) {
                 continue;
             }
-            const bool isSkipped = std::find(passes.skipped.begin(), passes.skipped.end(), place) !=
-                                   passes.skipped.end();
+            const bool isSkipped = passes.skipped.count(place) != 0;
             const auto shortOne = holders.firstShort();
             SReason reason;
             reason.targets = targetsOf(place);
@@ -200,8 +202,7 @@ private:
         for (auto claim = passes.claims.rbegin(); claim != passes.claims.rend(); ++claim) {
             const auto [place, isGood] = *claim;
             order.push_back(place);
-            const bool isSkipped = std::find(passes.skipped.begin(), passes.skipped.end(), place) !=
-                                   passes.skipped.end();
+            const bool isSkipped = passes.skipped.count(place) != 0;
             if (isGood && !isSkipped) {
                 backup(place).state = FI_BACKUP_ROTATED;
             }

@@ -53,6 +53,8 @@ struct SAccountBackup {
     std::string file;
     // objid to altobjid.
     std::map<std::string, std::string> pairs;
+    // Told only of a backup that passed the check.
+    std::string timeStamp;
     // FI_BACKUP_...; in a call without a selection the one that it had come to.
     std::int32_t state = 0;
     // Nothing when the call ended before one was known.
@@ -81,7 +83,8 @@ struct SAccount {
     std::vector<SShortage> shortages;
 };
 
-// The account of a call with earlier backups, all of whose lines `passes` has read.
+// The account of a call with earlier backups, whose lines `passes` has read. Without reasons when some are missing
+// in between, and with those that were known already when the end is missing.
 SAccount explain(CAccountReader passes);
 
 // "newest_holder" and so on: a stable name for programs.

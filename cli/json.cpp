@@ -45,8 +45,8 @@ Json orNullIfEmpty(const std::string& text) {
     return text.empty() ? Json(nullptr) : Json(asUtf8(text));
 }
 
-Json reasonJson(const SReason* reason) {
-    if (reason == nullptr) {
+Json reasonJson(const std::optional<SReason>& reason) {
+    if (!reason.has_value()) {
         return nullptr;
     }
     return {
@@ -87,7 +87,7 @@ Json backupsOf(const SOutcome& outcome) {
             {"state", orNull(stateWord(backup))},
         });
         if (outcome.account.has_value()) {
-            rows.back()["reason"] = reasonJson(reasonOf(outcome, backup));
+            rows.back()["reason"] = reasonJson(backup.reason);
         }
     }
     return rows;
@@ -104,9 +104,7 @@ Json exceptionOf(const std::optional<SException>& exception) {
     };
 }
 
-}  // namespace
-
-std::string toJson(const SOutcome& outcome) {
+Json documentOf(const SOutcome& outcome) {
     Json document = {
         {"status", orNull(outcome.status)},
         {"selection", orNull(outcome.selection)},
@@ -118,7 +116,25 @@ std::string toJson(const SOutcome& outcome) {
     if (outcome.account.has_value()) {
         document["shortages"] = shortagesOf(outcome.account->shortages);
     }
-    return document.dump(2) + "\n";
+    return document;
+}
+
+}  // namespace
+
+std::string toJson(const SOutcome& outcome) {
+    return documentOf(outcome).dump(2) + "\n";
+}
+
+std::string toJson(const std::vector<SLoggedCall>& calls) {
+    Json rows = Json::array();
+    for (const SLoggedCall& call : calls) {
+        rows.push_back({{"number", call.number},
+                        {"first_line", call.firstLine},
+                        {"last_line", call.lastLine},
+                        {"missing", listOf(call.missing)},
+                        {"outcome", documentOf(call.outcome)}});
+    }
+    return Json{{"calls", rows}}.dump(2) + "\n";
 }
 
 }  // namespace fi_rotate

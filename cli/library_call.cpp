@@ -108,6 +108,9 @@ SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs, bool w
             backup.state = flags[i];
         }
     }
+    if (wantsAccount) {
+        giveReasons(outcome);
+    }
     return outcome;
 }
 

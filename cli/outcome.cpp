@@ -1,6 +1,9 @@
 #include "cli/outcome.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <unordered_map>
 
 #include <fi_rotation/CFiUdidException.h>
 #include <fi_rotation/fi_process_backups.h>
@@ -33,18 +36,20 @@ std::optional<std::vector<SChoice>> choices(std::string_view selection) {
     }
 }
 
-const SReason* reasonOf(const SOutcome& outcome, const SBackup& backup) {
-    if (!outcome.account.has_value()) {
-        return nullptr;
+void giveReasons(SOutcome& outcome) {
+    // A name that is listed twice stands for two backups, whose states may differ.
+    std::unordered_map<std::string_view, std::vector<const SAccountBackup*>> known;
+    for (const SAccountBackup& backup : outcome.account->backups) {
+        known[backup.file].push_back(&backup);
     }
-    for (const SAccountBackup& known : outcome.account->backups) {
-        // A name that is listed twice stands for two backups, whose states may differ.
-        const bool isOfState = !backup.state.has_value() || known.state == *backup.state;
-        if (known.file == backup.file && isOfState && known.reason.has_value()) {
-            return &*known.reason;
+    for (SBackup& backup : outcome.backups) {
+        for (const SAccountBackup* const candidate : known[backup.file]) {
+            const bool isOfState = !backup.state.has_value() || candidate->state == *backup.state;
+            if (isOfState && !backup.reason.has_value()) {
+                backup.reason = candidate->reason;
+            }
         }
     }
-    return nullptr;
 }
 
 std::optional<std::string_view> stateWord(const SBackup& backup) {
@@ -64,6 +69,21 @@ std::optional<std::string_view> stateWord(const SBackup& backup) {
         default:
             return "unknown";
     }
+}
+
+SOutcome onlyShown(SOutcome outcome, const std::set<std::string>& states) {
+    if (states.empty()) {
+        return outcome;
+    }
+    const auto isHidden = [&states](const SBackup& backup) {
+        const auto word = stateWord(backup);
+        return !word.has_value() || states.count(std::string(*word)) == 0;
+    };
+    auto& backups = outcome.backups;
+    const auto hidden = std::remove_if(backups.begin(), backups.end(), isHidden);
+    outcome.hiddenBackups = static_cast<std::size_t>(std::distance(hidden, backups.end()));
+    backups.erase(hidden, backups.end());
+    return outcome;
 }
 
 std::string_view identifierFault(std::int32_t code) {

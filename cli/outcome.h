@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +22,8 @@ struct SBackup {
     bool loaded = false;
     // FI_BACKUP_...; nothing when the library handed no state back.
     std::optional<std::int32_t> state;
+    // Why it came to its state; nothing unless asked for and known.
+    std::optional<SReason> reason;
 };
 
 // What left the library in place of a status.
@@ -41,7 +45,7 @@ struct SOutcome {
     std::size_t hiddenBackups = 0;
     // Failures that the library traced, in order.
     std::vector<std::string> messages;
-    // Why it came to this; nothing unless asked for.
+    // What its trace says; nothing unless asked for.
     std::optional<SAccount> account;
 };
 
@@ -55,11 +59,17 @@ struct SChoice {
 // say where one configuration ends.
 std::optional<std::vector<SChoice>> choices(std::string_view selection);
 
-// Why `backup` came to its state; null when no account says so.
-const SReason* reasonOf(const SOutcome& outcome, const SBackup& backup);
+// Gives each backup the reason that the account has for it.
+void giveReasons(SOutcome& outcome);
 
 // "kept", "invalid", "rotated", "not loaded"; nothing when the library handed no state back.
 std::optional<std::string_view> stateWord(const SBackup& backup);
+
+// All state words of the library's.
+constexpr std::array<const char*, 4> kStateWords{"kept", "invalid", "rotated", "not loaded"};
+
+// `outcome` with only the backups whose state word is among `states`; whole when that is empty.
+SOutcome onlyShown(SOutcome outcome, const std::set<std::string>& states);
 
 // What is wrong with an identifier, by the code of the exception that names it.
 std::string_view identifierFault(std::int32_t code);

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -201,21 +200,6 @@ bool saveRequest(const SCall& call, const std::string& file) {
     return isWritten(stream.get(), file);
 }
 
-SOutcome onlyShown(SOutcome outcome, const std::set<std::string>& states) {
-    if (states.empty()) {
-        return outcome;
-    }
-    const auto isHidden = [&states](const SBackup& backup) {
-        const auto word = stateWord(backup);
-        return !word.has_value() || states.count(std::string(*word)) == 0;
-    };
-    auto& backups = outcome.backups;
-    const auto hidden = std::remove_if(backups.begin(), backups.end(), isHidden);
-    outcome.hiddenBackups = static_cast<std::size_t>(std::distance(hidden, backups.end()));
-    backups.erase(hidden, backups.end());
-    return outcome;
-}
-
 int runSelect(const SOptions& options) {
     SCall call = callOf(options);
     std::vector<std::FILE*> traceOutputs;
@@ -283,7 +267,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->type_name("STATE")
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->check(CLI::IsMember({"kept", "invalid", "rotated", "not loaded"}));
+        ->check(CLI::IsMember(kStateWords));
     select.add_flag(
         "--explain", options->explain,
         "Say why each backup came to its state and, without a selection, what is short");

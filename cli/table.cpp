@@ -7,6 +7,8 @@
 #include <fmt/color.h>
 #include <fmt/format.h>
 
+#include <fi_rotation/fi_process_backups.h>
+
 #include "cli/columns.h"
 #include "cli/printable.h"
 
@@ -23,9 +25,21 @@ fmt::text_style styleOf(std::string_view state) {
     return fmt::fg(fmt::terminal_color::red);
 }
 
+// Only of a call in a log it may be unknown what it came to.
+bool isOver(const SOutcome& outcome) {
+    return outcome.status.has_value() || outcome.exception.has_value();
+}
+
+std::string withoutSelection(const SOutcome& outcome) {
+    if (outcome.status == FI_STATUS_SUCCESS) {
+        return "Selection: made, but the trace of a first backup does not tell which\n";
+    }
+    return isOver(outcome) ? "Selection: none\n" : "Selection: not known\n";
+}
+
 std::string selectionTable(const SOutcome& outcome, bool colour) {
     if (!outcome.selection.has_value()) {
-        return "Selection: none\n";
+        return withoutSelection(outcome);
     }
     const auto chosen = choices(*outcome.selection);
     if (!chosen.has_value()) {
@@ -43,9 +57,11 @@ std::string selectionTable(const SOutcome& outcome, bool colour) {
 
 std::string backupTable(const SOutcome& outcome, bool colour) {
     const std::size_t hidden = outcome.hiddenBackups;
+    if (outcome.backups.empty() && hidden != 0) {
+        return fmt::format("Backups: none in these states, {} in others\n", hidden);
+    }
     if (outcome.backups.empty()) {
-        return hidden == 0 ? "Backups: none, this is the first\n"
-                           : fmt::format("Backups: none in these states, {} in others\n", hidden);
+        return isOver(outcome) ? "Backups: none, this is the first\n" : "Backups: none known\n";
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
     for (const SBackup& backup : outcome.backups) {
@@ -68,10 +84,10 @@ const char* withoutReason(const SBackup& backup) {
 std::string reasonTable(const SOutcome& outcome) {
     std::string text = "Reasons\n";
     for (const SBackup& backup : outcome.backups) {
-        const SReason* const reason = reasonOf(outcome, backup);
+        const std::optional<SReason>& reason = backup.reason;
         text += fmt::format(
             "  {}\n    {}: {}\n", asPrintable(backup.file), stateWord(backup).value_or("no state"),
-            reason == nullptr ? withoutReason(backup) : asPrintable(inWords(*reason)));
+            !reason.has_value() ? withoutReason(backup) : asPrintable(inWords(*reason)));
     }
     return text;
 }
@@ -93,6 +109,14 @@ std::string shortageTable(const std::vector<SShortage>& shortages) {
     return text;
 }
 
+std::string toList(const char* heading, const std::vector<std::string>& texts) {
+    std::string list;
+    for (const std::string& text : texts) {
+        list += fmt::format("  {}\n", asPrintable(text));
+    }
+    return list.empty() ? list : fmt::format("\n{}\n{}", heading, list);
+}
+
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, bool colour) {
@@ -101,6 +125,13 @@ std::string toTables(const SOutcome& outcome, bool colour) {
         text += "\n" + reasonTable(outcome) + shortageTable(outcome.account->shortages);
     }
     return text;
+}
+
+std::string toTables(const SLoggedCall& call, bool colour) {
+    const SOutcome& outcome = call.outcome;
+    return fmt::format("Call {}, lines {} to {}\n\n", call.number, call.firstLine, call.lastLine) +
+           (outcome.account.has_value() ? toTables(outcome, colour) : "Selection: none\n") +
+           toList("Messages", outcome.messages) + toList("Missing from the log", call.missing);
 }
 
 }  // namespace fi_rotate

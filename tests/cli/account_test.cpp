@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <random>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +14,7 @@
 
 #include "cli/library_call.h"
 #include "cli/outcome.h"
+#include "tests/cli/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -27,21 +26,10 @@ using fi_rotate::SBackup;
 using fi_rotate::SCall;
 using fi_rotate::SOutcome;
 using fi_rotate::SReason;
+using fi_test::document;
+using fi_test::RandomCall;
+using fi_test::SPair;
 using testing::ElementsAre;
-
-struct SPair {
-    std::string first;
-    std::string further;
-};
-
-std::string document(const std::string& timeStamp, const std::vector<SPair>& pairs) {
-    std::string xml = "<Node><timeStamp>" + timeStamp + "</timeStamp>\n";
-    for (const SPair& pair : pairs) {
-        xml += "<Node><objid>UDID##v##m##" + pair.first + "</objid><altobjid>UDID##v##m##" +
-               pair.further + "</altobjid></Node>\n";
-    }
-    return xml + "</Node>\n";
-}
 
 class FiRotateAccount : public testing::Test {
 protected:
@@ -60,11 +48,7 @@ protected:
     }
 
     static const SReason& reasonFor(const SOutcome& outcome, std::size_t place) {
-        const SReason* const reason = fi_rotate::reasonOf(outcome, outcome.backups.at(place));
-        if (reason == nullptr) {
-            throw std::runtime_error("no reason");
-        }
-        return *reason;
+        return outcome.backups.at(place).reason.value();
     }
 
     fi_test::TemporaryFolder folder;
@@ -147,7 +131,7 @@ TEST_F(FiRotateAccount, HasNoReasonForABackupThatWasNotLoaded) {
     missing.file = folder.path("missing");
     call.backups.push_back(missing);
     const SOutcome outcome = explained("A##x;1");
-    EXPECT_EQ(fi_rotate::reasonOf(outcome, outcome.backups[0]), nullptr);
+    EXPECT_FALSE(outcome.backups[0].reason.has_value());
 }
 
 TEST_F(FiRotateAccount, NamesWhatIsShortWithoutASelectionAndWhoHoldsIt) {
@@ -183,60 +167,6 @@ TEST_F(FiRotateAccount, CarriesEnclosuresOnThatThePrintedSetDoesNotShow) {
     EXPECT_THAT(configurations[1].targets, ElementsAre());
 }
 
-// Calls of few names, so that they meet often.
-class CRandomCall {
-public:
-    CRandomCall(unsigned seed, const fi_test::TemporaryFolder& place)
-        : random(seed), folder(place) {}
-
-    SCall make() {
-        SCall call;
-        for (int lists = below(4); lists > 0; --lists) {
-            call.configuration += first();
-            for (int targets = below(5); targets > 0; --targets) {
-                call.configuration += ';' + further();
-            }
-            call.configuration += '&';
-        }
-        if (below(8) == 0) {
-            call.configuration += "A##";
-        }
-        for (int backups = 1 + below(6); backups > 0; --backups) {
-            call.backups.push_back(backup(backups, call.backups));
-        }
-        return call;
-    }
-
-private:
-    int below(int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); }
-    std::string first() { return std::string("A##x") + std::to_string(below(3)); }
-    std::string further() { return std::string("A##") + std::to_string(below(5)); }
-
-    SBackup backup(int number, const std::vector<SBackup>& earlier) {
-        SBackup backup;
-        backup.flagWord = below(4) == 0 ? 4 : 0;
-        if (!earlier.empty() && below(16) == 0) {
-            backup.file = earlier.front().file;
-            return backup;
-        }
-        std::vector<SPair> pairs;
-        for (int count = below(4); count > 0; --count) {
-            pairs.push_back({first(), below(32) == 0 ? "B##9" : further()});
-        }
-        const std::string name = std::to_string(number);
-        backup.file = below(24) == 0
-                          ? folder.path("missing")
-                          : folder.write(name, document(std::to_string(below(8)), pairs));
-        if (below(48) == 0) {
-            folder.write(name, "<Node><objid>UDID##v##m##A##x0</objid></Node>");
-        }
-        return backup;
-    }
-
-    std::mt19937 random;
-    const fi_test::TemporaryFolder& folder;
-};
-
 std::int32_t stateOf(EReason kind) {
     switch (kind) {
         case EReason::kNeeded:
@@ -255,7 +185,7 @@ TEST_F(FiRotateAccount, AgreesWithTheLibraryOnRandomCalls) {
     int withoutSelection = 0;
     for (unsigned seed = 0; seed < 2000; ++seed) {
         SCOPED_TRACE(seed);
-        const SOutcome outcome = runCall(CRandomCall(seed, folder).make(), {}, true);
+        const SOutcome outcome = runCall(RandomCall(seed, folder).make(), {}, true);
         ASSERT_TRUE(outcome.account.has_value());
         EXPECT_EQ(outcome.account->selection, outcome.selection);
         if (outcome.exception.has_value()) {
@@ -269,10 +199,9 @@ TEST_F(FiRotateAccount, AgreesWithTheLibraryOnRandomCalls) {
             kinds.insert(backup.reason->kind);
         }
         for (const SBackup& backup : outcome.backups) {
-            const SReason* const reason = fi_rotate::reasonOf(outcome, backup);
-            ASSERT_EQ(reason != nullptr, backup.loaded) << backup.file;
-            if (reason != nullptr && backup.state.has_value()) {
-                EXPECT_EQ(*backup.state, stateOf(reason->kind)) << inWords(*reason);
+            ASSERT_EQ(backup.reason.has_value(), backup.loaded) << backup.file;
+            if (backup.reason.has_value() && backup.state.has_value()) {
+                EXPECT_EQ(*backup.state, stateOf(backup.reason->kind)) << inWords(*backup.reason);
             }
         }
     }

@@ -63,6 +63,7 @@ TEST(FiRotateTable, KeepsANameWithALineBreakOnItsLine) {
 
 TEST(FiRotateTable, SaysWhyThereAreNoRows) {
     SOutcome outcome;
+    outcome.status = FI_STATUS_FAILURE;
     EXPECT_EQ(fi_rotate::toTables(outcome, false),
               "Selection: none\n\nBackups: none, this is the first\n");
     outcome.status = FI_STATUS_SUCCESS;
@@ -74,6 +75,7 @@ TEST(FiRotateTable, SaysWhyThereAreNoRows) {
 
 TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
     SOutcome outcome;
+    outcome.status = FI_STATUS_FAILURE;
     outcome.hiddenBackups = 2;
     EXPECT_EQ(fi_rotate::toTables(outcome, false),
               "Selection: none\n\nBackups: none in these states, 2 in others\n");
@@ -88,6 +90,7 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
 
 TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
     SOutcome outcome;
+    outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "[A##x][1;B##2]";
     EXPECT_EQ(fi_rotate::toTables(outcome, false),
               "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");

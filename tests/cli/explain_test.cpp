@@ -1,0 +1,146 @@
+#include <fstream>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/Program.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_test::example;
+using fi_test::runFiRotate;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class FiRotateExplain : public testing::Test {
+protected:
+    // A call whose trace goes to `log`, behind what stands there.
+    void call(const std::string& configuration, const std::vector<std::string>& backups) {
+        const std::string trace = folder.path("trace");
+        std::vector<std::string> arguments{"select", "--trace-file", trace, "--config",
+                                           configuration};
+        arguments.insert(arguments.end(), backups.begin(), backups.end());
+        runFiRotate(arguments);
+        std::ofstream(log, std::ios::app)
+            << std::ifstream(trace).rdbuf() << "2 a line of the host's\n";
+    }
+
+    fi_test::TemporaryFolder folder;
+    std::string log = folder.path("log");
+    std::string backup =
+        folder.write("backup",
+                     "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##A##x</objid>"
+                     "<altobjid>UDID##v##m##A##1</altobjid></Node>");
+};
+
+TEST_F(FiRotateExplain, ShowsEveryCallOfALog) {
+    call("A##x;1", {backup});
+    call("A##x;1;2", {backup});
+    const auto result = runFiRotate({"explain", log});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.error, "");
+    EXPECT_THAT(result.output, StartsWith("Call 1, lines 1 to "));
+    EXPECT_THAT(result.output, HasSubstr("\n\nCall 2, lines "));
+    EXPECT_THAT(result.output, HasSubstr("Selection\n"
+                                         "  first target  chosen target\n"
+                                         "  A##x          A##2\n"));
+    EXPECT_THAT(result.output,
+                HasSubstr("rotated: A##x had no free target, and this was the oldest "
+                          "that could be released\n"));
+    EXPECT_THAT(result.output, EndsWith("kept: the newest that holds A##1\n"));
+}
+
+TEST_F(FiRotateExplain, PicksOneCall) {
+    call("A##x;1", {backup});
+    call("A##x;1;2", {backup});
+    const auto result = runFiRotate({"explain", "--call", "2", log});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output, StartsWith("Call 2, lines "));
+    EXPECT_THAT(result.output, Not(HasSubstr("rotated")));
+}
+
+TEST_F(FiRotateExplain, SaysWhichCallTheLogDoesNotHave) {
+    call("A##x;1", {backup});
+    const auto result = runFiRotate({"explain", "--call", "2", log});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.error, "fi-rotate: no call 2 in \"" + log + "\", which has 1\n");
+}
+
+TEST_F(FiRotateExplain, SaysThatALogHoldsNoCall) {
+    const auto result = runFiRotate({"explain", folder.write("empty", "nothing of ours\n")});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.error, StartsWith("fi-rotate: no call of the library in \""));
+}
+
+TEST_F(FiRotateExplain, RefusesALogThatCannotBeRead) {
+    const auto result = runFiRotate({"explain", folder.path("missing")});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_THAT(result.error, HasSubstr("missing\": No such file or directory"));
+    const auto ofFolder = runFiRotate({"explain", folder.path("")});
+    EXPECT_EQ(ofFolder.exitStatus, 2);
+    EXPECT_THAT(ofFolder.error, HasSubstr("Is a directory"));
+}
+
+TEST_F(FiRotateExplain, GivesTheSameAccountAsTheCallItself) {
+    std::vector<std::string> arguments{"select",
+                                       "--json",
+                                       "--explain",
+                                       "--trace-file",
+                                       log,
+                                       "--config-file",
+                                       example("resource.conf"),
+                                       "--exclude",
+                                       fi_test::exampleBackups()[0]};
+    const auto backups = fi_test::exampleBackups();
+    arguments.insert(arguments.end(), backups.begin(), backups.end());
+    auto selected = nlohmann::json::parse(runFiRotate(arguments).output);
+    auto explained = nlohmann::json::parse(runFiRotate({"explain", "--json", log}).output);
+    ASSERT_EQ(explained["calls"].size(), 1U);
+    EXPECT_THAT(explained["calls"][0]["missing"], IsEmpty());
+    auto& outcome = explained["calls"][0]["outcome"];
+    // The trace does not tell the time stamp of the one that failed the check.
+    EXPECT_EQ(outcome["backups"][1]["time_stamp"], nullptr);
+    outcome["backups"][1].erase("time_stamp");
+    selected["backups"][1].erase("time_stamp");
+    EXPECT_EQ(outcome, selected);
+}
+
+TEST_F(FiRotateExplain, ShowsOnlyTheStatesAskedFor) {
+    call("A##x;1;2", {backup});
+    const auto result = runFiRotate({"explain", "--only", "rotated", log});
+    EXPECT_THAT(result.output, HasSubstr("Backups: none in these states, 1 in others\n"));
+}
+
+TEST_F(FiRotateExplain, SaysWhatALogLacks) {
+    const std::string cut =
+        folder.write("cut",
+                     "app: CFiResourceParser::parse : Resource specification [A##x;1]\n"
+                     "app: CFiResourceParser::parse : [A][x]\n"
+                     "app: CFiResourceParser::parse : [A][1]\n"
+                     "app: fi_process_backups :  Fiid [a.xml] exclude rotation flag [4] \n");
+    const auto result = runFiRotate({"explain", cut});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.output,
+              "Call 1, lines 1 to 4\n"
+              "\n"
+              "Selection: not known\n"
+              "\n"
+              "Backups\n"
+              "  file   time stamp  flags  state\n"
+              "  a.xml  -           4      -\n"
+              "\n"
+              "Reasons\n"
+              "  a.xml\n"
+              "    no state: the call ended before one was known\n"
+              "\n"
+              "Missing from the log\n"
+              "  its end, after line 4\n");
+}
+
+}  // namespace
