@@ -1,5 +1,6 @@
 #include "cli/request.h"
 
+#include <cstddef>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -94,7 +95,7 @@ TEST(FiRotateRequest, ComesBackAsItWasWritten) {
     const SCall again = parseRequest(toRequest(call));
     EXPECT_EQ(again.configuration, call.configuration);
     ASSERT_EQ(again.backups.size(), 2U);
-    for (int i = 0; i < 2; ++i) {
+    for (std::size_t i = 0; i < 2; ++i) {
         EXPECT_EQ(again.backups[i].file, call.backups[i].file);
         EXPECT_EQ(again.backups[i].flagWord, call.backups[i].flagWord);
     }

@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,7 @@ TEST(FiRotateSelectJson, HoldsTheFactsOfTheTables) {
     })");
     const char* const states[] = {"kept", "invalid", "rotated", "invalid",
                                   "kept", "kept",    "kept",    "kept"};
-    for (int i = 0; i < 8; ++i) {
+    for (std::size_t i = 0; i < 8; ++i) {
         expected["backups"].push_back({{"file", exampleBackups()[i]},
                                        {"time_stamp", "2026100" + std::to_string(i + 1) + "013000"},
                                        {"flag_word", i == 0 ? 4 : 0},

@@ -111,7 +111,8 @@ TEST_F(CFiFiidLoaderTest, LoadReplacesTheContentAndTracesEntryAndExit) {
 }
 
 TEST_F(CFiFiidLoaderTest, LinesOfEveryLengthAreReadWholeAndUnchanged) {
-    for (const std::size_t length : {0, 1, 2045, 2046, 2047, 2048, 4094, 4095, 4096, 10000}) {
+    for (const std::size_t length :
+         {0U, 1U, 2045U, 2046U, 2047U, 2048U, 4094U, 4095U, 4096U, 10000U}) {
         const std::string bytes = std::string(length, 'x') + "\nlast line without an end";
         EXPECT_EQ(loaded(bytes), bytes) << length;
     }

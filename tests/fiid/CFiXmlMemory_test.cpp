@@ -28,7 +28,8 @@ struct SBlock {
 // Small and large ones, and more than one piece of memory is cut into.
 std::vector<SBlock> blocksOfManySizes(CFiXmlMemory& memory, unsigned char filling) {
     std::vector<SBlock> blocks;
-    for (const std::size_t size : {0, 1, 15, 16, 17, 100, 511, 512, 513, 4000, 70000, 200000}) {
+    for (const std::size_t size :
+         {0U, 1U, 15U, 16U, 17U, 100U, 511U, 512U, 513U, 4000U, 70000U, 200000U}) {
         for (int i = 0; i < 100; ++i) {
             blocks.emplace_back(memory, size, ++filling);
         }
