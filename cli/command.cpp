@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -13,6 +14,7 @@
 
 #include "cli/file.h"
 #include "cli/printable.h"
+#include "cli/request.h"
 
 namespace fi_rotate {
 
@@ -24,17 +26,30 @@ std::string quoted(const std::string& text) {
     return '"' + asPrintable(text) + '"';
 }
 
-std::string readConfigurationFile(const std::string& file) {
+std::string readFileOf(const std::string& option, const std::string& file) {
     std::optional<std::string> text = readFile(file);
     if (!text.has_value()) {
-        throw CLI::ValidationError("--config-file",
-                                   "cannot read " + quoted(file) + ": " + errorText());
-    }
-    // The library would take the text before it for the whole.
-    if (text->find('\0') != std::string::npos) {
-        throw CLI::ValidationError("--config-file", quoted(file) + " holds a NUL byte");
+        throw CLI::ValidationError(option, "cannot read " + quoted(file) + ": " + errorText());
     }
     return *std::move(text);
+}
+
+std::string readConfigurationFile(const std::string& file) {
+    std::string text = readFileOf("--config-file", file);
+    // The library would take the text before it for the whole.
+    if (text.find('\0') != std::string::npos) {
+        throw CLI::ValidationError("--config-file", quoted(file) + " holds a NUL byte");
+    }
+    return text;
+}
+
+SCall readRequestFile(const std::string& file) {
+    const std::string text = readFileOf("--request", file);
+    try {
+        return parseRequest(text);
+    } catch (const std::invalid_argument& fault) {
+        throw CLI::ValidationError("--request", quoted(file) + " is no request: " + fault.what());
+    }
 }
 
 bool wantsColour() {

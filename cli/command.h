@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "cli/library_call.h"
+
 // What the subcommands have in common.
 namespace fi_rotate {
 
@@ -12,8 +14,14 @@ std::string errorText();
 // In quotation marks, on one line.
 std::string quoted(const std::string& text);
 
+// The bytes of `file`, which was given with `option`. Throws CLI::ValidationError when it cannot be read.
+std::string readFileOf(const std::string& option, const std::string& file);
+
 // Throws CLI::ValidationError when it cannot be read, or when the library would not read it whole.
 std::string readConfigurationFile(const std::string& file);
+
+// Throws CLI::ValidationError when it cannot be read or is no request.
+SCall readRequestFile(const std::string& file);
 
 // Standard output is a terminal, and nobody asked for no colour.
 bool wantsColour();

@@ -4,20 +4,21 @@
 
 namespace fi_rotate {
 
-std::optional<std::string> readFile(const std::string& file) {
-    const CFile stream(std::fopen(file.c_str(), "rb"));
-    if (stream == nullptr) {
-        return std::nullopt;
-    }
+std::optional<std::string> readAll(std::FILE* stream) {
     std::string content;
     char piece[65536];
-    while (const std::size_t length = std::fread(piece, 1, sizeof piece, stream.get())) {
+    while (const std::size_t length = std::fread(piece, 1, sizeof piece, stream)) {
         content.append(piece, length);
     }
-    if (std::ferror(stream.get()) != 0) {
+    if (std::ferror(stream) != 0) {
         return std::nullopt;
     }
     return content;
+}
+
+std::optional<std::string> readFile(const std::string& file) {
+    const CFile stream(std::fopen(file.c_str(), "rb"));
+    return stream == nullptr ? std::nullopt : readAll(stream.get());
 }
 
 }  // namespace fi_rotate

@@ -12,6 +12,9 @@ struct SFileClose {
 };
 using CFile = std::unique_ptr<std::FILE, SFileClose>;
 
+// All bytes that are left of `stream`; nothing, with errno set, when they cannot be read.
+std::optional<std::string> readAll(std::FILE* stream);
+
 // All bytes of `file`; nothing, with errno set, when it cannot be opened or read.
 std::optional<std::string> readFile(const std::string& file);
 

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/check.h"
 #include "cli/explain.h"
 #include "cli/select.h"
 
@@ -25,6 +26,7 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     app.failure_message(failureMessage);
     fi_rotate::addSelect(app, exitStatus);
+    fi_rotate::addCheck(app, exitStatus);
     fi_rotate::addExplain(app, exitStatus);
     try {
         app.parse(argc, argv);

@@ -1,6 +1,6 @@
 #include "cli/printable.h"
 
-#include <cstddef>
+#include <algorithm>
 
 #include <fmt/format.h>
 
@@ -88,6 +88,40 @@ std::string asUtf8(std::string_view text) {
 
 std::string asPrintable(std::string_view text) {
     return converted(text, true);
+}
+
+std::size_t utf8Length(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size()) {
+        const std::size_t next = characterLength(text.substr(length));
+        if (next == 0) {
+            break;
+        }
+        length += next;
+    }
+    return length;
+}
+
+std::size_t firstCharacterLength(std::string_view text) {
+    return std::max<std::size_t>(characterLength(text), 1);
+}
+
+std::size_t characterCount(std::string_view text) {
+    std::size_t count = 0;
+    for (std::size_t offset = 0; offset < text.size(); ++count) {
+        offset += firstCharacterLength(text.substr(offset));
+    }
+    return count;
+}
+
+std::size_t characterStart(std::string_view text, std::size_t offset) {
+    constexpr std::size_t kLongestCharacter = 4;
+    for (std::size_t back = 1; back < kLongestCharacter && back <= offset; ++back) {
+        if (characterLength(text.substr(offset - back)) > back) {
+            return offset - back;
+        }
+    }
+    return offset;
 }
 
 }  // namespace fi_rotate

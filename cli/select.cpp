@@ -118,21 +118,9 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
     return backups;
 }
 
-SCall readRequest(const std::string& file) {
-    const std::optional<std::string> text = readFile(file);
-    if (!text.has_value()) {
-        throw CLI::ValidationError("--request", "cannot read " + quoted(file) + ": " + errorText());
-    }
-    try {
-        return parseRequest(*text);
-    } catch (const std::invalid_argument& fault) {
-        throw CLI::ValidationError("--request", quoted(file) + " is no request: " + fault.what());
-    }
-}
-
 SCall callOf(const SOptions& options) {
     if (options.request.has_value()) {
-        return readRequest(*options.request);
+        return readRequestFile(*options.request);
     }
     SCall call;
     call.configuration = options.configuration.has_value()

@@ -1,0 +1,227 @@
+#include "cli/check/device_check.h"
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "cli/check/identifier.h"
+#include "cli/check/nearest.h"
+#include "cli/outcome.h"
+
+namespace fi_rotate {
+namespace {
+
+// Keeps the configured name that is nearest to one that is not.
+class CNearest {
+public:
+    explicit CNearest(const std::string& given)
+        : name(given), least(std::min(kFarthest, name.size() / kCharactersForEach) + 1) {}
+
+    void consider(const std::string& candidate) {
+        const std::size_t found = distance(name, candidate, least);
+        if (found < least) {
+            least = found;
+            nearest = candidate;
+        }
+    }
+
+    const std::string& result() const { return nearest; }
+
+private:
+    static constexpr std::size_t kFarthest = 3;
+    static constexpr std::size_t kCharactersForEach = 4;
+
+    const std::string& name;
+    std::size_t least;
+    std::string nearest;
+};
+
+std::string suggestion(const std::string& nearest) {
+    return nearest.empty() ? "" : "; the nearest is " + inQuotes(nearest);
+}
+
+bool holdsIdentifier(const std::string& text) {
+    return text.find("UDID##") != std::string::npos || text.find("UEID##") != std::string::npos;
+}
+
+std::string altobjidOf(const SNode& node) {
+    return node.altobjid.has_value() ? node.altobjid->text : std::string();
+}
+
+}  // namespace
+
+// The check of one document.
+class CDeviceCheck::CPairCheck {
+public:
+    CPairCheck(CDeviceCheck& configured, const CDocumentText& source, CFindings& receiver)
+        : owner(configured), document(source), findings(receiver) {}
+
+    void run(const std::vector<SNode>& nodes) {
+        for (const SNode& node : nodes) {
+            gather(node);
+        }
+        for (const auto& [objid, node] : pairs) {
+            checkPair(*node);
+        }
+    }
+
+private:
+    // Later Nodes replace earlier ones with the same objid.
+    void gather(const SNode& node) {
+        if (!isDevice(node)) {
+            if (holdsIdentifier(altobjidOf(node))) {
+                report(EHazard::kUnusedAltobjid, *node.altobjid,
+                       "the altobjid " + inQuotes(node.altobjid->text) +
+                           " is not used: the objid of its Node holds no UDID##");
+            }
+            return;
+        }
+        const auto [entry, isNew] = pairs.emplace(node.objid->text, &node);
+        if (!isNew && altobjidOf(*entry->second) != altobjidOf(node)) {
+            report(EHazard::kSameObjid, *node.objid,
+                   fmt::format("an earlier Node has the objid {} too; its altobjid {} is lost",
+                               inQuotes(node.objid->text), inQuotes(altobjidOf(*entry->second))));
+        }
+        entry->second = &node;
+    }
+
+    void checkPair(const SNode& node) {
+        const SIdentifier key = parseIdentifier(node.objid->text);
+        const SIdentifier value = parseIdentifier(altobjidOf(node));
+        if (key.fault.has_value()) {
+            reportMalformed(*node.objid, *key.fault);
+        }
+        if (altobjidOf(node).empty()) {
+            report(EHazard::kNoAltobjid, *node.objid,
+                   fmt::format("the device {} has no altobjid; {}", inQuotes(node.objid->text),
+                               consequence()));
+        } else if (value.fault.has_value()) {
+            reportMalformed(*node.altobjid, *value.fault);
+        }
+        if (!key.fault.has_value() && !value.fault.has_value()) {
+            match(node, key.name(), value.name());
+        }
+    }
+
+    void match(const SNode& node, const std::string& first, const std::string& further) {
+        const auto configuration = owner.find(first, further);
+        if (!configuration.has_value()) {
+            isPassed = true;
+            reportUnmatched(node, first, further);
+        } else if (!held.emplace(*configuration, further).second) {
+            report(EHazard::kTargetHeldTwice, *node.altobjid,
+                   fmt::format("{} is held by another pair of this backup already, which makes the "
+                               "backup invalid",
+                               inQuotes(further)));
+        }
+    }
+
+    void reportMalformed(const SValue& value, std::int32_t fault) {
+        report(EHazard::kMalformedIdentifier, value,
+               fmt::format("malformed identifier {}: {} (code {}); {}", inQuotes(value.text),
+                           identifierFault(fault), fault, consequence()));
+    }
+
+    // The library looks at pairs up to the first that matches nothing.
+    std::string_view consequence() const {
+        return isPassed ? "it is not looked at, for a pair before it matches nothing"
+                        : "an exception ends the call";
+    }
+
+    void reportUnmatched(const SNode& node, const std::string& first, const std::string& further) {
+        const EHazard hazard = EHazard::kPairMatchesNothing;
+        if (findings.isFull(hazard)) {
+            findings.countAnother(hazard);
+        } else if (owner.isFirst(first)) {
+            report(hazard, *node.altobjid,
+                   fmt::format("{} is no further target of {}{}", inQuotes(further),
+                               inQuotes(first), suggestion(owner.nearestFurther(first, further))));
+        } else {
+            report(hazard, *node.objid,
+                   fmt::format("{} is the first target of no configuration{}", inQuotes(first),
+                               suggestion(owner.nearestFirst(first))));
+        }
+    }
+
+    void report(EHazard hazard, const SValue& value, std::string what) {
+        if (findings.isFull(hazard)) {
+            findings.countAnother(hazard);
+        } else {
+            findings.add(
+                {hazard, document.spotAt(document.offsetOf(value.place)), std::move(what)});
+        }
+    }
+
+    CDeviceCheck& owner;
+    const CDocumentText& document;
+    CFindings& findings;
+    // By objid, as the library visits them.
+    std::map<std::string_view, const SNode*> pairs;
+    // A pair that matches nothing was met.
+    bool isPassed = false;
+    // Configurations and further targets of them.
+    std::set<std::pair<std::size_t, std::string>> held;
+};
+
+CDeviceCheck::CDeviceCheck(const std::vector<SConfiguration>& configurations) {
+    for (const SConfiguration& configuration : configurations) {
+        SIndexed row;
+        row.first = configuration.first.name();
+        for (const SConfiguredTarget& target : configuration.further) {
+            row.further.insert(target.name());
+            row.inOrder.push_back(target.name());
+        }
+        byFirst[row.first].push_back(indexed.size());
+        indexed.push_back(std::move(row));
+    }
+}
+
+void CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document,
+                         CFindings& findings) {
+    CPairCheck(*this, document, findings).run(tree.nodes);
+}
+
+std::optional<std::size_t> CDeviceCheck::find(const std::string& first,
+                                              const std::string& further) const {
+    const auto candidates = byFirst.find(first);
+    if (candidates == byFirst.end()) {
+        return std::nullopt;
+    }
+    for (const std::size_t candidate : candidates->second) {
+        if (indexed[candidate].further.count(further) != 0) {
+            return candidate;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string CDeviceCheck::nearestFirst(const std::string& name) {
+    const auto [entry, isNew] = known.emplace(std::make_pair("", name), "");
+    if (isNew) {
+        CNearest nearest(name);
+        for (const SIndexed& row : indexed) {
+            nearest.consider(row.first);
+        }
+        entry->second = nearest.result();
+    }
+    return entry->second;
+}
+
+std::string CDeviceCheck::nearestFurther(const std::string& first, const std::string& name) {
+    const auto [entry, isNew] = known.emplace(std::make_pair(first, name), "");
+    if (isNew) {
+        CNearest nearest(name);
+        for (const std::size_t configuration : byFirst.at(first)) {
+            for (const std::string& further : indexed[configuration].inOrder) {
+                nearest.consider(further);
+            }
+        }
+        entry->second = nearest.result();
+    }
+    return entry->second;
+}
+
+}  // namespace fi_rotate

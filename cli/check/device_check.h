@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "cli/check/configuration.h"
+#include "cli/check/document_text.h"
+#include "cli/check/document_tree.h"
+#include "cli/check/findings.h"
+
+namespace fi_rotate {
+
+// Looks for the targets that backups hold, as the library does. One serves all documents of a call.
+class CDeviceCheck {
+public:
+    explicit CDeviceCheck(const std::vector<SConfiguration>& configurations);
+
+    // What is wrong with the devices of `tree`, which was read from `document`, is added to `findings`.
+    void check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings);
+
+private:
+    class CPairCheck;
+
+    struct SIndexed {
+        std::string first;
+        std::unordered_set<std::string> further;
+        std::vector<std::string> inOrder;
+    };
+
+    // The configuration in which the library finds the target.
+    std::optional<std::size_t> find(const std::string& first, const std::string& further) const;
+    bool isFirst(const std::string& name) const { return byFirst.count(name) != 0; }
+
+    // A configured name that may have been meant; empty when none is like it.
+    std::string nearestFirst(const std::string& name);
+    std::string nearestFurther(const std::string& first, const std::string& name);
+
+    std::vector<SIndexed> indexed;
+    std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
+    // What was looked for before; the first of a pair is empty for first targets.
+    std::map<std::pair<std::string, std::string>, std::string> known;
+};
+
+}  // namespace fi_rotate

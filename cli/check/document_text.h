@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cli/check/findings.h"
+#include "cli/check/place.h"
+
+namespace fi_rotate {
+
+// A document's bytes as the library reads them: in lines, or pieces of 2047 bytes of longer ones, each up to
+// its first NUL. Remembers where in the file everything stood.
+class CDocumentText {
+public:
+    explicit CDocumentText(std::string bytes);
+    CDocumentText(const CDocumentText&) = delete;
+    CDocumentText& operator=(const CDocumentText&) = delete;
+
+    const std::string& content() const { return pieces.empty() ? file : joined; }
+
+    // The byte of the content at a place that the XML library tells.
+    std::size_t offsetOf(SPlace place) const { return contentLines.offsetOf(place); }
+
+    // The place in the file of a byte of the content.
+    SSpot spotAt(std::size_t contentOffset) const;
+
+    // Adds NUL bytes, wide characters, and an encoding that does not agree with the bytes. False when what the
+    // library reads has next to nothing to do with what was written.
+    bool check(CFindings& findings) const;
+
+private:
+    // Where a piece begins.
+    struct SBegin {
+        std::size_t inContent = 0;
+        std::size_t inFile = 0;
+    };
+
+    void cut();
+    void checkNulBytes(CFindings& findings) const;
+
+    std::string file;
+    // These are empty when the file holds no NUL: then it is read as it is.
+    std::string joined;
+    std::vector<SBegin> pieces;
+    std::size_t cutPieces = 0;
+    CLines fileLines;
+    CLines contentLines;
+};
+
+}  // namespace fi_rotate

@@ -1,0 +1,358 @@
+#include "cli/check/document_tree.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax/Locator.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
+#include <xercesc/util/RuntimeException.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+#include "cli/check/element.h"
+#include "cli/xml_reader.h"
+
+namespace fi_rotate {
+namespace {
+
+using xercesc::XMLString;
+
+// Characters that an entity or the default of an attribute may have, and attributes that a DTD may declare,
+// for a document to be read on: each reference, or each element, gets them anew.
+constexpr XMLSize_t kLongestEntity = 256;
+constexpr std::size_t kMostAttributes = 256;
+
+// The XML library delivers longer runs of text in pieces.
+constexpr std::size_t kLongestRun = 1024 * 1024;
+
+std::string countOf(std::size_t count, const char* thing) {
+    return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
+std::size_t deviceCount(const std::vector<SNode>& nodes) {
+    return static_cast<std::size_t>(std::count_if(nodes.begin(), nodes.end(), isDevice));
+}
+
+// The XML library has no other sign for it.
+bool isExpansionLimit(const std::string& message) {
+    return message.find("entity expansions") != std::string::npos;
+}
+
+// A place of which the XML library told the end.
+struct SSite {
+    SPlace end;
+    // How what stands there begins; empty for the end itself.
+    std::string_view start;
+};
+
+// Builds the tree as the library does.
+class CTreeReader : public xercesc::DefaultHandler {
+public:
+    CTreeReader(const CDocumentText& source, CFindings& receiver)
+        : document(source), findings(receiver) {}
+
+    // To be called when the document has been read.
+    SDocumentTree finish();
+
+    void setDocumentLocator(const xercesc::Locator* given) override { locator = given; }
+    void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
+                      const xercesc::Attributes& attributes) override;
+    void endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname) override;
+    void characters(const XMLCh* chars, XMLSize_t length) override;
+    void fatalError(const xercesc::SAXParseException& report) override;
+
+    void startDTD(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
+    void endDTD() override { isInDtd = false; }
+    void startEntity(const XMLCh* /*name*/) override { ++openEntities; }
+    void endEntity(const XMLCh* /*name*/) override { --openEntities; }
+    void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type,
+                       const XMLCh* mode, const XMLCh* value) override;
+    void internalEntityDecl(const XMLCh* name, const XMLCh* value) override;
+    xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
+
+private:
+    // An element that has not ended and holds data.
+    struct SOpenData {
+        SSite startTag;
+        // What had been read before it.
+        std::size_t pieces = 0;
+        std::size_t length = 0;
+    };
+
+    SPlace here() const;
+    SSite startTag() const;
+    std::size_t offsetOf(const SSite& site) const;
+    void report(EHazard hazard, const SSite& site, std::string what);
+    [[noreturn]] void stop(EHazard hazard, const SSite& site, std::string what);
+
+    void openNode();
+    void checkText(const SOpenData& data, const std::string& name);
+    void store(EElement element, const SOpenData& data, const std::string& name);
+    void set(std::optional<SValue>& value, const SOpenData& data, const std::string& name);
+    void finishFault();
+    void finishRoots();
+
+    const CDocumentText& document;
+    CFindings& findings;
+    const xercesc::Locator* locator = nullptr;
+
+    SDocumentTree tree;
+    // Those of tree.nodes that are open, innermost last.
+    std::vector<std::size_t> openNodes;
+    std::vector<SOpenData> openData;
+    std::u16string text;
+    std::size_t pieces = 0;
+    std::size_t length = 0;
+    int openEntities = 0;
+    bool isInDtd = false;
+    std::size_t attributes = 0;
+
+    SSite root;
+    // Those that a later one replaced.
+    std::size_t lostRoots = 0;
+    std::size_t lostDevices = 0;
+    SSite secondRoot;
+
+    std::optional<SValue> fault;
+};
+
+SPlace CTreeReader::here() const {
+    return {static_cast<std::size_t>(locator->getLineNumber()),
+            static_cast<std::size_t>(locator->getColumnNumber())};
+}
+
+SSite CTreeReader::startTag() const {
+    // What an entity holds has the place of its reference.
+    return {here(), openEntities > 0 ? "&" : "<"};
+}
+
+std::size_t CTreeReader::offsetOf(const SSite& site) const {
+    const std::size_t end = document.offsetOf(site.end);
+    const std::size_t begin = end == 0 || site.start.empty()
+                                  ? std::string::npos
+                                  : document.content().rfind(site.start, end - 1);
+    return begin == std::string::npos ? end : begin;
+}
+
+void CTreeReader::report(EHazard hazard, const SSite& site, std::string what) {
+    if (findings.isFull(hazard)) {
+        findings.countAnother(hazard);
+    } else {
+        findings.add({hazard, document.spotAt(offsetOf(site)), std::move(what)});
+    }
+}
+
+void CTreeReader::stop(EHazard hazard, const SSite& site, std::string what) {
+    report(hazard, site, std::move(what));
+    tree.isCutShort = true;
+    // The reader makes a fatal error of it.
+    ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
+                       xercesc::XMLPlatformUtils::fgMemoryManager);
+}
+
+void CTreeReader::characters(const XMLCh* chars, XMLSize_t count) {
+    text.assign(chars, count);
+    ++pieces;
+    length += count;
+}
+
+void CTreeReader::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname,
+                               const xercesc::Attributes& /*attributes*/) {
+    const EElement element = elementOf(qname);
+    if (element == EElement::kNode) {
+        openNode();
+    } else if (isData(element)) {
+        openData.push_back({startTag(), pieces, length});
+    } else if (element == EElement::kMisnamed) {
+        report(EHazard::kWrongName, startTag(),
+               fmt::format("{} is ignored; was {} meant?", inQuotes(toLocalCodePage(qname)),
+                           nameMeant(qname)));
+    }
+}
+
+void CTreeReader::openNode() {
+    if (openNodes.empty()) {
+        const SSite site = startTag();
+        if (!tree.nodes.empty()) {
+            secondRoot = lostRoots == 0 ? site : secondRoot;
+            ++lostRoots;
+            lostDevices += deviceCount(tree.nodes);
+        }
+        root = site;
+        tree.nodes.clear();
+        tree.timeStamp.reset();
+    }
+    openNodes.push_back(tree.nodes.size());
+    tree.nodes.emplace_back();
+}
+
+void CTreeReader::endElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname) {
+    const EElement element = elementOf(qname);
+    if (element == EElement::kNode) {
+        openNodes.pop_back();
+    } else if (isData(element)) {
+        const SOpenData data = openData.back();
+        openData.pop_back();
+        const std::string name = nameMeant(qname);
+        checkText(data, name);
+        store(element, data, name);
+    }
+}
+
+void CTreeReader::checkText(const SOpenData& data, const std::string& name) {
+    const std::size_t ownPieces = pieces - data.pieces;
+    const std::size_t ownLength = length - data.length;
+    if (ownPieces == 0) {
+        report(EHazard::kEmptyElement, data.startTag,
+               fmt::format("{} is empty and takes the text before it, {}", name,
+                           inQuotes(toLocalCodePage(text.c_str()))));
+    } else if (ownLength != text.size()) {
+        const bool isLong = ownLength > kLongestRun;
+        report(isLong ? EHazard::kLongText : EHazard::kSplitValue, {data.startTag.end, ""},
+               fmt::format("the text of {} {} {} pieces, of which only the last counts, {}", name,
+                           isLong ? "is longer than 1 MiB and read in" : "consists of", ownPieces,
+                           inQuotes(toLocalCodePage(text.c_str()))));
+    }
+}
+
+void CTreeReader::store(EElement element, const SOpenData& data, const std::string& name) {
+    const bool isTimeStamp = element == EElement::kTimeStamp;
+    const bool isIgnored = isTimeStamp ? tree.nodes.empty() : openNodes.empty();
+    if (isIgnored) {
+        report(EHazard::kOutsideNode, data.startTag,
+               isTimeStamp ? name + " stands before the first Node and is ignored"
+                           : name + " stands in no Node and is ignored");
+    } else if (isTimeStamp) {
+        set(tree.timeStamp, data, name);
+    } else if (element == EElement::kObjid) {
+        set(tree.nodes[openNodes.back()].objid, data, name);
+    } else if (element == EElement::kAltobjid) {
+        set(tree.nodes[openNodes.back()].altobjid, data, name);
+    }
+}
+
+void CTreeReader::set(std::optional<SValue>& value, const SOpenData& data,
+                      const std::string& name) {
+    const std::string taken = toLocalCodePage(text.c_str());
+    if (value.has_value() && value->text != taken) {
+        report(EHazard::kRepeatedElement, data.startTag,
+               fmt::format("{} {} replaces {}", name, inQuotes(taken), inQuotes(value->text)));
+    }
+    value = SValue{taken, data.startTag.end};
+}
+
+void CTreeReader::fatalError(const xercesc::SAXParseException& report) {
+    if (!fault.has_value()) {
+        fault = SValue{toLocalCodePage(report.getMessage()),
+                       {static_cast<std::size_t>(report.getLineNumber()),
+                        static_cast<std::size_t>(report.getColumnNumber())}};
+    }
+}
+
+void CTreeReader::startDTD(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
+                           const XMLCh* /*systemId*/) {
+    isInDtd = true;
+    report(EHazard::kDoctype, {here(), "<!DOCTYPE"},
+           "the document has a DOCTYPE; the entities that it declares are expanded");
+}
+
+void CTreeReader::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/,
+                                const XMLCh* /*type*/, const XMLCh* /*mode*/, const XMLCh* value) {
+    ++attributes;
+    if (attributes > kMostAttributes || XMLString::stringLen(value) > kLongestEntity) {
+        stop(EHazard::kExpansionLimit, {here(), "<"},
+             attributes > kMostAttributes
+                 ? "too many attributes to be read on"
+                 : "the default of an attribute is too long to be read on");
+    }
+}
+
+void CTreeReader::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
+    const SSite site{here(), "<"};
+    if (name[0] == u'%') {
+        stop(EHazard::kExpansionLimit, site, "a parameter entity is not followed");
+    }
+    if (XMLString::indexOf(value, u'&') >= 0) {
+        stop(EHazard::kNestedEntities, site,
+             fmt::format("the entity {} refers to another one; the document is not read on",
+                         inQuotes(toLocalCodePage(name))));
+    }
+    if (XMLString::stringLen(value) > kLongestEntity) {
+        stop(EHazard::kExpansionLimit, site,
+             fmt::format("the entity {} is too long to be read on",
+                         inQuotes(toLocalCodePage(name))));
+    }
+}
+
+xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, const XMLCh* systemId) {
+    report(EHazard::kExternalEntity, {here(), isInDtd ? "<!DOCTYPE" : "&"},
+           fmt::format("the document refers to {}, which is not opened here",
+                       inQuotes(toLocalCodePage(systemId))));
+    static constexpr XMLByte kNothing[] = {0};
+    // The reader deletes it.
+    return new xercesc::MemBufInputSource(kNothing, 0, "nothing");
+}
+
+void CTreeReader::finishFault() {
+    if (!fault.has_value() || tree.isCutShort) {
+        return;
+    }
+    const SSite site{fault->place, ""};
+    if (isExpansionLimit(fault->text)) {
+        tree.isCutShort = true;
+        report(EHazard::kExpansionLimit, site,
+               fmt::format("more than {} references to entities; the document is not read on",
+                           kMostReferences));
+        return;
+    }
+    report(EHazard::kMalformedXml, site,
+           fmt::format("not well-formed: {}; what was read before is used, {} with {}", fault->text,
+                       countOf(tree.nodes.size(), "Node"),
+                       countOf(deviceCount(tree.nodes), "device")));
+}
+
+void CTreeReader::finishRoots() {
+    if (lostRoots > 0) {
+        report(EHazard::kSeveralNodes, secondRoot,
+               fmt::format("{} Nodes stand side by side, of which only the last counts; {} of the "
+                           "others {} lost",
+                           lostRoots + 1, countOf(lostDevices, "device"),
+                           lostDevices == 1 ? "is" : "are"));
+    }
+    if (tree.nodes.empty()) {
+        report(EHazard::kNoNode, {}, "no Node was read, so that the document adds no backup");
+        return;
+    }
+    if (!tree.timeStamp.has_value() || tree.timeStamp->text.empty()) {
+        report(EHazard::kNoTimeStamp, root,
+               "the backup has no time stamp and counts as older than all that have one");
+    }
+    if (deviceCount(tree.nodes) == 0) {
+        report(EHazard::kNoDevice, root, "the backup names no device: no objid holds UDID##");
+    }
+}
+
+SDocumentTree CTreeReader::finish() {
+    finishFault();
+    if (!tree.isCutShort) {
+        finishRoots();
+    }
+    return std::move(tree);
+}
+
+}  // namespace
+
+bool isDevice(const SNode& node) {
+    return node.objid.has_value() && node.objid->text.find("UDID##") != std::string::npos;
+}
+
+SDocumentTree readTree(const CDocumentText& document, CFindings& findings) {
+    CTreeReader reader(document, findings);
+    readDocument(document.content(), reader);
+    return reader.finish();
+}
+
+}  // namespace fi_rotate

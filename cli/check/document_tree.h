@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/check/document_text.h"
+#include "cli/check/findings.h"
+#include "cli/check/place.h"
+
+namespace fi_rotate {
+
+// The text of a data element as the library takes it, and the place in the content, as the XML library counts,
+// where the element's own text begins.
+struct SValue {
+    std::string text;
+    SPlace place;
+};
+
+struct SNode {
+    std::optional<SValue> objid;
+    std::optional<SValue> altobjid;
+};
+
+// What the library makes of a document.
+struct SDocumentTree {
+    // Of the Node that counts: the last one that stands in no other.
+    std::optional<SValue> timeStamp;
+    // That Node and those in it, in the order of their start tags. None when there is none.
+    std::vector<SNode> nodes;
+    // The document asked for more than is followed, so that the library may have read more.
+    bool isCutShort = false;
+};
+
+// The library takes such Nodes for devices.
+bool isDevice(const SNode& node);
+
+// Reads `document` while a CXmlLibrary lives. What is wrong with its form is added to `findings`.
+SDocumentTree readTree(const CDocumentText& document, CFindings& findings);
+
+}  // namespace fi_rotate

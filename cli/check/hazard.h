@@ -1,0 +1,78 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace fi_rotate {
+
+// What can be wrong with the inputs of a call. Each has a row in hazard.cpp, in this order.
+enum class EHazard {
+    kNoConfiguration,
+    kConfigurationRejected,
+    kNoFurtherTargets,
+    kTargetRepeated,
+    kTargetInTwoConfigurations,
+    kFirstTargetRepeated,
+    kDeviceConfiguredTwice,
+    kBlankInTarget,
+    kCannotOpen,
+    kNotAFile,
+    kReadError,
+    kListedTwice,
+    kNulByte,
+    kUtf16,
+    kEncodingMismatch,
+    kMalformedXml,
+    kDoctype,
+    kExternalEntity,
+    kNestedEntities,
+    kExpansionLimit,
+    kNoNode,
+    kSeveralNodes,
+    kOutsideNode,
+    kWrongName,
+    kEmptyElement,
+    kSplitValue,
+    kLongText,
+    kRepeatedElement,
+    kNoTimeStamp,
+    kEqualTimeStamps,
+    kMixedTimeStamps,
+    kNoDevice,
+    kNoAltobjid,
+    kUnusedAltobjid,
+    kMalformedIdentifier,
+    kSameObjid,
+    kPairMatchesNothing,
+    kTargetHeldTwice,
+};
+constexpr std::size_t kHazardCount = static_cast<std::size_t>(EHazard::kTargetHeldTwice) + 1;
+
+enum class ESeverity {
+    // It may be meant, but it is not what it looks like.
+    kWarning,
+    // The call cannot do what it is made for, or something that was given does not count.
+    kError,
+};
+
+struct SHazardKind {
+    EHazard hazard;
+    std::string_view name;
+    ESeverity severity;
+    // What happens, why it matters, what to do.
+    std::string_view paragraph;
+};
+
+// In the order of EHazard.
+const std::array<SHazardKind, kHazardCount>& hazardKinds();
+
+const SHazardKind& kindOf(EHazard hazard);
+
+// "error" or "warning".
+std::string_view nameOf(ESeverity severity);
+
+// Null when no hazard is called `name`.
+const SHazardKind* findKind(std::string_view name);
+
+}  // namespace fi_rotate

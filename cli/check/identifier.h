@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace fi_rotate {
+
+// What an identifier of a document names, or why it is none.
+struct SIdentifier {
+    std::string enclosure;
+    std::string device;
+    // The code of the exception that the library throws for it.
+    std::optional<std::int32_t> fault;
+
+    // ENCLOSURE##DEVICE, as targets are called.
+    std::string name() const { return enclosure + "##" + device; }
+};
+
+SIdentifier parseIdentifier(std::string_view text);
+
+}  // namespace fi_rotate

@@ -1,0 +1,89 @@
+#include "cli/check/report.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "cli/columns.h"
+#include "cli/printable.h"
+
+namespace fi_rotate {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string countOf(std::size_t count, const char* thing) {
+    return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing,
+                       count == 1 ? "" : "s");
+}
+
+std::string lineOf(const std::string& input, const SFinding& finding) {
+    const SHazardKind& kind = kindOf(finding.hazard);
+    const SPlace place = finding.spot.place;
+    std::string text =
+        fmt::format("{}:{}:{}: {}: {} [{}]\n", asPrintable(input), place.line, place.column,
+                    nameOf(kind.severity), asPrintable(finding.text), kind.name);
+    if (!finding.spot.excerpt.empty()) {
+        const std::string before = asPrintable(finding.spot.excerpt.substr(0, finding.spot.caret));
+        text += fmt::format("    {}\n    {:{}}^\n", asPrintable(finding.spot.excerpt), "",
+                            displayWidth(before));
+    }
+    return text;
+}
+
+Json jsonOf(const std::string& input, const SFinding& finding) {
+    const SHazardKind& kind = kindOf(finding.hazard);
+    return {
+        {"file", asUtf8(input)},
+        {"line", finding.spot.place.line},
+        {"column", finding.spot.place.column},
+        {"severity", nameOf(kind.severity)},
+        {"name", kind.name},
+        {"text", asUtf8(finding.text)},
+        {"count", finding.count},
+    };
+}
+
+}  // namespace
+
+SCounts countAll(const std::vector<CFindings>& inputs) {
+    SCounts counts;
+    for (const CFindings& findings : inputs) {
+        for (const SFinding& finding : findings.inOrder()) {
+            const bool isError = kindOf(finding.hazard).severity == ESeverity::kError;
+            (isError ? counts.errors : counts.warnings) += finding.count;
+        }
+    }
+    return counts;
+}
+
+std::string toText(const std::vector<CFindings>& inputs) {
+    std::string text;
+    for (const CFindings& findings : inputs) {
+        for (const SFinding& finding : findings.inOrder()) {
+            text += lineOf(findings.input(), finding);
+        }
+    }
+    const SCounts counts = countAll(inputs);
+    return text + fmt::format("{}, {}; checked the configuration and {}\n",
+                              countOf(counts.errors, "error"), countOf(counts.warnings, "warning"),
+                              countOf(inputs.size() - 1, "document"));
+}
+
+std::string toJson(const std::vector<CFindings>& inputs) {
+    Json rows = Json::array();
+    for (const CFindings& findings : inputs) {
+        for (const SFinding& finding : findings.inOrder()) {
+            rows.push_back(jsonOf(findings.input(), finding));
+        }
+    }
+    const SCounts counts = countAll(inputs);
+    const Json document = {
+        {"findings", rows},
+        {"errors", counts.errors},
+        {"warnings", counts.warnings},
+        {"documents", inputs.size() - 1},
+    };
+    return document.dump(2) + "\n";
+}
+
+}  // namespace fi_rotate

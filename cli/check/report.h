@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cli/check/findings.h"
+
+namespace fi_rotate {
+
+struct SCounts {
+    std::size_t errors = 0;
+    std::size_t warnings = 0;
+};
+
+SCounts countAll(const std::vector<CFindings>& inputs);
+
+// A line for each finding, with the line of the input under it where that can be shown, and one that counts
+// them. `inputs` are those of checkCall.
+std::string toText(const std::vector<CFindings>& inputs);
+
+// The same as one JSON document with a line end.
+std::string toJson(const std::vector<CFindings>& inputs);
+
+}  // namespace fi_rotate
