@@ -12,6 +12,7 @@
 #include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/XMLString.hpp>
 
+#include "cli/check/doctype.h"
 #include "cli/check/element.h"
 #include "cli/xml_reader.h"
 
@@ -255,8 +256,6 @@ void CTreeReader::fatalError(const xercesc::SAXParseException& report) {
 void CTreeReader::startDTD(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
                            const XMLCh* /*systemId*/) {
     isInDtd = true;
-    report(EHazard::kDoctype, {here(), "<!DOCTYPE"},
-           "the document has a DOCTYPE; the entities that it declares are expanded");
 }
 
 void CTreeReader::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/,
@@ -350,6 +349,11 @@ bool isDevice(const SNode& node) {
 }
 
 SDocumentTree readTree(const CDocumentText& document, CFindings& findings) {
+    // The XML library tells only of those that declare something.
+    if (const auto doctype = doctypeIn(document.content())) {
+        findings.add({EHazard::kDoctype, document.spotAt(*doctype),
+                      "the document has a DOCTYPE; the entities that it declares are expanded"});
+    }
     CTreeReader reader(document, findings);
     readDocument(document.content(), reader);
     return reader.finish();
