@@ -118,6 +118,16 @@ SProgramResult runFiRotate(const std::vector<std::string>& arguments,
     return result;
 }
 
+SProgramResult runFiRotateTo(const std::string& file, const std::vector<std::string>& arguments) {
+    const TemporaryFolder folder;
+    const CDescriptor output(open(file.c_str(), O_WRONLY | O_CLOEXEC));
+    const CDescriptor error = scratchFile(folder, "error");
+    SProgramResult result;
+    result.exitStatus = waitFor(start(arguments, {}, output.get(), error.get()));
+    result.error = readBack(error);
+    return result;
+}
+
 SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
                                      const std::vector<std::string>& environment) {
     const TemporaryFolder folder;

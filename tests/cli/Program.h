@@ -16,6 +16,9 @@ struct SProgramResult {
 SProgramResult runFiRotate(const std::vector<std::string>& arguments,
                            const std::vector<std::string>& environment = {});
 
+// The same with `file`, which exists, as standard output; what is written there is not read back.
+SProgramResult runFiRotateTo(const std::string& file, const std::vector<std::string>& arguments);
+
 // The same with a terminal as standard output.
 SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
                                      const std::vector<std::string>& environment = {});

@@ -1,11 +1,13 @@
 // fi-rotate check as a program: what it prints and how it ends.
 
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "cli/check/hazard.h"
 #include "tests/cli/Program.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -16,6 +18,7 @@ using fi_test::exampleBackups;
 using fi_test::runFiRotate;
 using fi_test::TemporaryFolder;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 std::vector<std::string> checkOfExamples() {
@@ -55,6 +58,159 @@ TEST(FiRotateCheck, EndsWithOneWhenThereAreWarningsOnly) {
               "    encA##lun1;snap1; snap2\n"
               "                     ^\n"
               "no errors, 1 warning; checked the configuration and no documents\n");
+}
+
+TEST(FiRotateCheck, ShowsTheSameInJson) {
+    auto arguments = checkOfExamples();
+    arguments.emplace_back("--json");
+    const auto result = runFiRotate(arguments);
+    EXPECT_EQ(result.exitStatus, 3);
+    const auto expected = nlohmann::json{
+        {"findings",
+         {{{"file", example("backup-2026-10-02.xml")},
+           {"line", 19},
+           {"column", 14},
+           {"severity", "error"},
+           {"name", "pair-matches-nothing"},
+           {"text",
+            "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
+            "\"ENC-A##VOL-0011\""},
+           {"count", 1}}}},
+        {"errors", 1},
+        {"warnings", 0},
+        {"documents", 8}};
+    EXPECT_EQ(nlohmann::json::parse(result.output), expected);
+}
+
+TEST(FiRotateCheck, EndsAlikeInJsonAndInWords) {
+    EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1;snap1"}).exitStatus, 0);
+    EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1; snap1"}).exitStatus, 1);
+    EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1"}).exitStatus, 3);
+}
+
+TEST(FiRotateCheck, TakesAWholeCallFromARequest) {
+    const TemporaryFolder folder;
+    const std::string request = folder.write(
+        "call.json",
+        R"({"configuration": "encA##lun1", "backups": [{"file": "/", "flag_word": 4}]})");
+    const auto result = runFiRotate({"check", "--request", request});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_EQ(result.output,
+              request +
+                  " (configuration):1:1: error: \"encA##lun1\" has no further targets, so that "
+                  "every call fails for want of one [no-further-targets]\n"
+                  "    encA##lun1\n"
+                  "    ^\n"
+                  "/:1:1: error: a folder, which the library reads as an empty document "
+                  "[not-a-file]\n"
+                  "2 errors, no warnings; checked the configuration and 1 document\n");
+}
+
+TEST(FiRotateCheck, ReportsANulInAConfigurationFileRatherThanRefusingIt) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("c", std::string("encA##lun1;snap1\0;snap2", 23));
+    const auto result = runFiRotate({"check", "--config-file", file});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output, StartsWith(file + ":1:17: error: a NUL byte ends the configuration "
+                                                 "here [nul-byte]\n"
+                                                 "    encA##lun1;snap1\\x00;snap2\n"
+                                                 "                    ^\n"));
+}
+
+TEST(FiRotateCheck, ShowsBytesThatAreNotPrintableAndPutsTheCaretUnderThePlace) {
+    const auto result = runFiRotate({"check", "--config", "e\xFF\x1B[##\xE6\xBC\xA2;s1; s2"});
+    EXPECT_EQ(result.output,
+              "--config:1:12: warning: \"e\\xFF\\x1B[## s2\" has a blank at the start or end of a "
+              "name [blank-in-target]\n"
+              "    e\\xFF\\x1B[##\xE6\xBC\xA2;s1; s2\n"
+              "                      ^\n"
+              "no errors, 1 warning; checked the configuration and no documents\n");
+}
+
+TEST(FiRotateCheck, ShowsTwentyOfAHazardAndCountsTheOthers) {
+    const TemporaryFolder folder;
+    std::string document =
+        "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##e##l</objid>"
+        "<altobjid>UDID##v##m##e##s</altobjid>\n";
+    for (int i = 0; i < 23; ++i) {
+        document += "<type/>\n";
+    }
+    const std::string file = folder.write("d.xml", document + "</Node>");
+    const auto result = runFiRotate({"check", "--config", "e##l;s", file});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: type is empty"));
+    EXPECT_THAT(result.output, Not(HasSubstr(file + ":22:1:")));
+    EXPECT_THAT(result.output,
+                HasSubstr(file + ":21:1: warning: and 3 more of these [empty-element]\n"));
+    EXPECT_THAT(result.output, HasSubstr("no errors, 23 warnings;"));
+}
+
+TEST(FiRotateCheck, ExplainsEveryHazardByItsName) {
+    for (const fi_rotate::SHazardKind& kind : fi_rotate::hazardKinds()) {
+        const std::string name(kind.name);
+        const auto result = runFiRotate({"check", "--explain", name});
+        EXPECT_EQ(result.exitStatus, 0) << name;
+        EXPECT_EQ(result.error, "") << name;
+        EXPECT_THAT(result.output, StartsWith(name + " ("));
+        EXPECT_THAT(result.output, HasSubstr(std::string(kind.paragraph)));
+    }
+}
+
+TEST(FiRotateCheck, ExplainsInAParagraph) {
+    EXPECT_EQ(runFiRotate({"check", "--explain", "no-further-targets"}).output,
+              "no-further-targets (error)\n\n"
+              "A configuration consists of its first target only. There is nothing to choose from, "
+              "so that no call can\nsucceed, whatever is released for the other configurations.\n");
+}
+
+TEST(FiRotateCheck, NamesTheHazardsWhenOneIsNotKnown) {
+    const auto result = runFiRotate({"check", "--explain", "nonsense"});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.error, StartsWith("fi-rotate: --explain: no hazard is called \"nonsense\"; "
+                                         "these are:\n  no-configuration\n"));
+    EXPECT_THAT(result.error, HasSubstr("\n  target-held-twice\n"));
+}
+
+TEST(FiRotateCheck, WrongUsageEndsWithTwo) {
+    const struct {
+        std::vector<std::string> arguments;
+        const char* message;
+    } rows[] = {
+        {{"check"}, "Exactly 1 option"},
+        {{"check", "a.xml"}, "Exactly 1 option"},
+        {{"check", "--config", "a##b", "--config-file", "c"}, "2 were given"},
+        {{"check", "--config", "a##b", "--explain", "doctype"}, "2 were given"},
+        {{"check", "--explain", "doctype", "a.xml"}, "FIID excludes --explain"},
+        {{"check", "--explain", "doctype", "--json"}, "--json excludes --explain"},
+        {{"check", "--request", "r", "a.xml"}, "FIID excludes --request"},
+        {{"check", "--request", "/dev/null"}, "\"/dev/null\" is no request: it is not JSON"},
+        {{"check", "--config-file", "no/such"}, "cannot read \"no/such\": No such file"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        const auto result = runFiRotate(row.arguments);
+        EXPECT_EQ(result.exitStatus, 2);
+        EXPECT_EQ(result.output, "");
+        EXPECT_THAT(result.error, HasSubstr(row.message));
+    }
+}
+
+TEST(FiRotateCheck, HelpShowsAnExampleAndTheExitStatuses) {
+    const auto help = runFiRotate({"check", "--help"});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_EQ(help.error, "");
+    for (const char* text : {"Example:", "fi-rotate check --config-file", "--explain NAME",
+                             "--json", "--request FILE", "Exit status:", "FIID"}) {
+        EXPECT_THAT(help.output, HasSubstr(text));
+    }
+}
+
+TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {
+    const auto result =
+        fi_test::runFiRotateTo("/dev/full", {"check", "--config", "encA##lun1;snap1"});
+    EXPECT_EQ(result.exitStatus, 4);
+    EXPECT_THAT(result.error, HasSubstr("cannot write standard output"));
 }
 
 }  // namespace
