@@ -2,11 +2,9 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <optional>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -17,10 +15,6 @@
 #include "cli/request.h"
 
 namespace fi_rotate {
-
-std::string errorText() {
-    return std::generic_category().message(errno);
-}
 
 std::string quoted(const std::string& text) {
     return '"' + asPrintable(text) + '"';

@@ -8,9 +8,6 @@
 // What the subcommands have in common.
 namespace fi_rotate {
 
-// What errno says.
-std::string errorText();
-
 // In quotation marks, on one line.
 std::string quoted(const std::string& text);
 

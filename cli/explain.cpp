@@ -14,6 +14,7 @@
 #include <fmt/format.h>
 
 #include "cli/command.h"
+#include "cli/file.h"
 #include "cli/json.h"
 #include "cli/log.h"
 #include "cli/select.h"

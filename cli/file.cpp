@@ -1,8 +1,14 @@
 #include "cli/file.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <system_error>
 
 namespace fi_rotate {
+
+std::string errorText() {
+    return std::generic_category().message(errno);
+}
 
 std::optional<std::string> readAll(std::FILE* stream) {
     std::string content;

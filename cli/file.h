@@ -12,6 +12,9 @@ struct SFileClose {
 };
 using CFile = std::unique_ptr<std::FILE, SFileClose>;
 
+// What errno says.
+std::string errorText();
+
 // All bytes that are left of `stream`; nothing, with errno set, when they cannot be read.
 std::optional<std::string> readAll(std::FILE* stream);
 

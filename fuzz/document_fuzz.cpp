@@ -8,30 +8,15 @@
 #include <vector>
 
 #include "driver/CFiTreeReleaser.h"
-#include "fiid/CFiFiidHandler.h"
 #include "fiid/CFiFiidLoader.h"
 #include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
 #include "fiid/CFiXmlLibrary.h"
 #include "fuzz/Document.h"
+#include "fuzz/RootCollector.h"
 #include "fuzz/require.h"
 
 namespace {
-
-// Remembers every root, because the loader's handler forgets those that a later one replaces.
-class CRootCollector : public CFiFiidHandler {
-public:
-    void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
-                      const xercesc::Attributes& attributes) override {
-        const CFiFiidNode* const before = root;
-        CFiFiidHandler::startElement(uri, localname, qname, attributes);
-        if (root != before) {
-            roots.push_back(root);
-        }
-    }
-
-    std::vector<CFiFiidNode*> roots;
-};
 
 // Comparing every pair with every node, and printing, are quadratic.
 constexpr std::size_t kNodesWorthPrinting = 200;

@@ -13,7 +13,6 @@
 #include "cli/check/document_text.h"
 #include "cli/check/document_tree.h"
 #include "cli/check/time_stamp_check.h"
-#include "cli/command.h"
 #include "cli/file.h"
 #include "cli/xml_reader.h"
 
