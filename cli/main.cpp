@@ -7,6 +7,7 @@
 #include "cli/check.h"
 #include "cli/explain.h"
 #include "cli/select.h"
+#include "cli/simulate.h"
 
 namespace {
 
@@ -28,6 +29,7 @@ int run(int argc, char** argv) {
     fi_rotate::addSelect(app, exitStatus);
     fi_rotate::addCheck(app, exitStatus);
     fi_rotate::addExplain(app, exitStatus);
+    fi_rotate::addSimulate(app, exitStatus);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

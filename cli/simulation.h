@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/account.h"
+
+// Many rounds of the library, each with the backups that the rounds before it left.
+namespace fi_rotate {
+
+struct SPlan {
+    std::string configuration;
+    std::size_t rounds = 0;
+    // Seconds between two rounds.
+    std::int64_t every = 0;
+    // The time of the first round.
+    std::int64_t start = 0;
+    // At most one of the two: every K-th round, and the rounds of a day of the week, are excluded from rotation.
+    std::optional<std::size_t> excludedEvery;
+    std::optional<int> excludedWeekday;
+};
+
+// Rounds are counted from 1.
+std::int64_t timeOf(const SPlan& plan, std::size_t round);
+bool isExcluded(const SPlan& plan, std::size_t round);
+
+enum class EEnd : std::uint8_t {
+    kHeld,
+    kRotated,
+    // A later round was given its target, or the library called the backup invalid.
+    kLost,
+};
+
+// What one round took of one configuration.
+struct SSnapshot {
+    // Places in SSimulation::configurations and in its targets.
+    std::uint32_t configuration = 0;
+    std::uint32_t target = 0;
+    std::uint32_t taken = 0;
+    // The round that ended it; 0 while it is held.
+    std::uint32_t ended = 0;
+    EEnd end = EEnd::kHeld;
+};
+
+// A call without a selection leaves every backup as it was, so the next round finds the same: from the first
+// round without a target on there is none in any round.
+struct SStandstill {
+    std::size_t first = 0;
+    // A holder in it is the number of its round.
+    std::vector<SShortage> shortages;
+};
+
+struct SSimulation {
+    SPlan plan;
+    std::vector<SAccountConfiguration> configurations;
+    // Fewer than planned when somebody stopped it.
+    std::size_t finishedRounds = 0;
+    // In the order of taking.
+    std::vector<SSnapshot> snapshots;
+    std::optional<SStandstill> standstill;
+    // Of those that were rotated.
+    std::optional<std::size_t> fewestRoundsHeld;
+    bool hasLost = false;
+};
+
+// Asked before each round with what came of those before; false ends the simulation there.
+using GoOn = std::function<bool(const SSimulation&)>;
+
+// The configurations and their targets as the library reads them. Throws std::invalid_argument with the
+// library's own words when it rejects one of them.
+std::vector<SAccountConfiguration> readConfigurations(const std::string& configuration);
+
+// Throws std::invalid_argument when the configuration is rejected or a name in it cannot be written into a
+// document, std::runtime_error when an exception left the library.
+SSimulation simulate(const SPlan& plan, const GoOn& goOn);
+
+}  // namespace fi_rotate
