@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <ctime>
 #include <limits>
@@ -118,6 +119,14 @@ std::string toTimeStamp(std::int64_t time) {
     return fmt::format("{:%Y%m%d%H%M%S}", calendarTime(time));
 }
 
+std::string toIsoTime(std::int64_t time) {
+    return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", calendarTime(time));
+}
+
+std::string_view weekdayName(int day) {
+    return kWeekdays.at(static_cast<std::size_t>(day));
+}
+
 std::string toShownTime(std::int64_t time) {
     const std::tm calendar = calendarTime(time);
     return calendar.tm_sec == 0 ? fmt::format("{:%Y-%m-%d %H:%M}", calendar)
@@ -127,10 +136,7 @@ std::string toShownTime(std::int64_t time) {
 std::string toShownDays(std::int64_t seconds) {
     constexpr double kHundredths = 100.0;
     const double days = static_cast<double>(seconds) / static_cast<double>(kSecondsPerDay);
-    // A negative zero cannot come of it: nothing is rotated before it is taken.
-    return fmt::format(
-        "{} d",
-        static_cast<double>(static_cast<std::int64_t>(days * kHundredths + 0.5)) / kHundredths);
+    return fmt::format("{} d", std::round(days * kHundredths) / kHundredths);
 }
 
 std::int64_t lastTime() {

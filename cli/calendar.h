@@ -8,7 +8,7 @@
 // Times of backups: seconds since 1970 in the calendar of UTC, in which every day has 24 hours.
 namespace fi_rotate {
 
-constexpr std::int64_t kSecondsPerDay = 24 * 60 * 60;
+constexpr std::int64_t kSecondsPerDay = 86400;
 
 // YYYY-MM-DD, or YYYY-MM-DDThh:mm with or without :ss; nothing when `text` is no such time.
 std::optional<std::int64_t> parseTime(std::string_view text);
@@ -26,6 +26,12 @@ int weekdayOf(std::int64_t time);
 
 // YYYYMMDDhhmmss: of the same width for all years up to 9999, so that the order of the texts is that of time.
 std::string toTimeStamp(std::int64_t time);
+
+// YYYY-MM-DDThh:mm:ssZ.
+std::string toIsoTime(std::int64_t time);
+
+// "sunday" and so on.
+std::string_view weekdayName(int day);
 
 // YYYY-MM-DD hh:mm, with :ss where there are seconds.
 std::string toShownTime(std::int64_t time);

@@ -1,6 +1,7 @@
 #include "cli/goal.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -22,9 +23,9 @@ std::string withTargets(const SAccountConfiguration& configuration, std::size_t 
 
 class CSearch {
 public:
-    CSearch(const SPlan& rounds, const SAccountConfiguration& one, std::int64_t goalInSeconds,
+    CSearch(SPlan rounds, const SAccountConfiguration& one, std::int64_t goalInSeconds,
             const GoOnSearch& observer)
-        : plan(rounds), configuration(one), goal(goalInSeconds), goOn(observer) {}
+        : plan(std::move(rounds)), configuration(one), goal(goalInSeconds), goOn(observer) {}
 
     SLeastTargets run() {
         std::size_t tooFew = 0;
@@ -57,7 +58,7 @@ private:
         return !isStopped && !isMissed(simulation);
     }
 
-    bool isMissed(const SSimulation& simulation) const {
+    [[nodiscard]] bool isMissed(const SSimulation& simulation) const {
         const auto& youngest = simulation.fewestRoundsHeld;
         const bool isTooYoung =
             youngest.has_value() && static_cast<std::int64_t>(*youngest) * plan.every < goal;

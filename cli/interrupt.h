@@ -16,7 +16,7 @@ public:
     CInterrupt& operator=(const CInterrupt&) = delete;
 
     // The signal that came.
-    std::optional<int> signal() const;
+    [[nodiscard]] std::optional<int> signal() const;
 
 private:
     std::map<int, struct sigaction> saved;

@@ -16,11 +16,15 @@
 #include "cli/calendar.h"
 #include "cli/command.h"
 #include "cli/interrupt.h"
-#include "cli/printable.h"
+#include "cli/output_file.h"
 #include "cli/progress.h"
 #include "cli/select.h"
+#include "cli/simulation_csv.h"
+#include "cli/simulation_json.h"
 #include "cli/simulation_report.h"
 #include "cli/simulation_table.h"
+#include "cli/terminal.h"
+#include "cli/timeline.h"
 
 namespace fi_rotate {
 namespace {
@@ -132,10 +136,52 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
     return report;
 }
 
+// Opened before the work, so that a file that cannot be written is refused at once.
+std::unique_ptr<COutputFile> openOutput(const std::string& option,
+                                        const std::optional<std::string>& file) {
+    if (!file.has_value()) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<COutputFile>(*file);
+    } catch (const std::system_error& error) {
+        throw CLI::ValidationError(option,
+                                   "cannot write " + quoted(*file) + ": " + error.code().message());
+    }
+}
+
+// False, with a message, when it could not be written whole.
+bool keep(COutputFile* file, const std::string& text, const std::optional<std::string>& name) {
+    if (file == nullptr) {
+        return true;
+    }
+    try {
+        file->write(text);
+        file->keep();
+        return true;
+    } catch (const std::system_error& error) {
+        say("cannot write " + *name + ": " + error.code().message());
+        return false;
+    }
+}
+
+std::string toText(const SSimulationReport& report) {
+    // In a file nothing needs to be cut but the timeline, whose columns have no end.
+    const std::size_t width = widthOfTerminal(STDOUT_FILENO);
+    const std::size_t room =
+        isatty(STDOUT_FILENO) == 1 ? width : std::numeric_limits<std::size_t>::max();
+    const std::string timeline = toTimeline(report.simulation, width);
+    return timeline + (timeline.empty() ? "" : "\n") + toSummary(report, room, wantsColour());
+}
+
 int runSimulate(const SOptions& options) {
     const CInterrupt interrupt;
+    const auto csv = openOutput("--csv", options.csvFile);
     const SSimulationReport report = makeReport(options, interrupt);
-    const std::string shown = toSummary(report, wantsColour());
+    if (csv != nullptr && !keep(csv.get(), toCsv(report.simulation), options.csvFile)) {
+        return kExitNotShown;
+    }
+    const std::string shown = options.json ? toJson(report) : toText(report);
     std::fwrite(shown.data(), 1, shown.size(), stdout);
     if (!isWritten(stdout, "standard output")) {
         return kExitNotShown;
@@ -184,8 +230,18 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         .add_option("--keep-days", options->goal,
                     "Search the least number of targets that keeps every snapshot so many days")
         ->type_name("GOAL");
+    simulate.add_flag("--json", options->json, "Show the summary as one JSON document");
+    simulate.add_option("--csv", options->csvFile, "Write a line for each round to a file")
+        ->type_name("FILE");
 
-    simulate.callback([options, &exitStatus] { exitStatus = runSimulate(*options); });
+    simulate.callback([options, &exitStatus] {
+        try {
+            exitStatus = runSimulate(*options);
+        } catch (const CLibraryFailure& failure) {
+            say(failure.what());
+            exitStatus = kExitException;
+        }
+    });
 }
 
 }  // namespace fi_rotate

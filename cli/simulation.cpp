@@ -26,7 +26,7 @@ constexpr const char* kDocumentWithoutNode = "<snapshotBackup/>\n";
 SOutcome call(SCall arguments, bool wantsAccount) {
     SOutcome outcome = runCall(std::move(arguments), {}, wantsAccount);
     if (outcome.exception.has_value()) {
-        throw std::runtime_error("an exception left the library: " + outcome.exception->reason);
+        throw CLibraryFailure("an exception left the library: " + outcome.exception->reason);
     }
     return outcome;
 }
@@ -69,7 +69,7 @@ public:
     }
 
 private:
-    SCall callOfLive() const {
+    [[nodiscard]] SCall callOfLive() const {
         SCall arguments;
         arguments.configuration = simulation.plan.configuration;
         for (const SLiveBackup& backup : live) {
@@ -99,7 +99,7 @@ private:
         take(*chosen, round);
     }
 
-    std::vector<SShortage> shortages() const {
+    [[nodiscard]] std::vector<SShortage> shortages() const {
         if (live.empty()) {
             return firstCall.shortages;
         }
@@ -119,7 +119,7 @@ private:
         std::vector<SLiveBackup> kept;
         for (std::size_t i = 0; i < live.size(); ++i) {
             if (!outcome.backups[i].state.has_value()) {
-                throw std::runtime_error("the library did not load \"" + live[i].file + "\"");
+                throw CLibraryFailure("the library did not load \"" + live[i].file + "\"");
             }
             switch (*outcome.backups[i].state) {
                 case FI_BACKUP_ROTATED:
@@ -205,10 +205,6 @@ bool isExcluded(const SPlan& plan, std::size_t round) {
     }
     return plan.excludedWeekday.has_value() &&
            weekdayOf(timeOf(plan, round)) == *plan.excludedWeekday;
-}
-
-std::vector<SAccountConfiguration> readConfigurations(const std::string& configuration) {
-    return accountOfFirstCall(configuration, CTemporaryFolder()).configurations;
 }
 
 SSimulation simulate(const SPlan& plan, const GoOn& goOn) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -70,12 +71,14 @@ struct SSimulation {
 // Asked before each round with what came of those before; false ends the simulation there.
 using GoOn = std::function<bool(const SSimulation&)>;
 
-// The configurations and their targets as the library reads them. Throws std::invalid_argument with the
-// library's own words when it rejects one of them.
-std::vector<SAccountConfiguration> readConfigurations(const std::string& configuration);
+// An exception left the library.
+class CLibraryFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 // Throws std::invalid_argument when the configuration is rejected or a name in it cannot be written into a
-// document, std::runtime_error when an exception left the library.
+// document, CLibraryFailure, and std::system_error when a document cannot be written.
 SSimulation simulate(const SPlan& plan, const GoOn& goOn);
 
 }  // namespace fi_rotate

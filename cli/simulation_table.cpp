@@ -1,5 +1,8 @@
 #include "cli/simulation_table.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "cli/calendar.h"
@@ -34,29 +37,78 @@ std::string headline(const SSimulation& simulation) {
                        toShownTime(timeOf(plan, simulation.finishedRounds)));
 }
 
-std::string configurationTable(const SSimulationReport& report, bool colour) {
-    Row heading = toRow({"configuration", "targets", "taken", "rotated", "held", "lost",
-                         "least age", "median", "most"},
-                        fmt::emphasis::bold);
-    if (report.goal.has_value()) {
-        heading.push_back({"needs", fmt::emphasis::bold});
+std::string daysOf(const std::optional<SAges>& ages, std::int64_t SAges::*which) {
+    return ages.has_value() ? toShownDays((*ages).*which) : "-";
+}
+
+Row headingOf(const SSimulationReport& report) {
+    Row row = toRow({"configuration", "targets", "taken", "rotated", "held"});
+    if (report.simulation.hasLost) {
+        row.push_back({"lost", {}});
     }
-    std::vector<Row> rows{heading};
-    for (std::size_t i = 0; i < report.summaries.size(); ++i) {
-        const SConfigurationSummary& summary = report.summaries[i];
-        const auto& ages = summary.ages;
-        Row row = toRow({asPrintable(summary.first), fmt::to_string(summary.targets),
-                         fmt::to_string(summary.taken), fmt::to_string(summary.rotated),
-                         fmt::to_string(summary.held), fmt::to_string(summary.lost),
-                         ages.has_value() ? toShownDays(ages->minimum) : "-",
-                         ages.has_value() ? toShownDays(ages->median) : "-",
-                         ages.has_value() ? toShownDays(ages->maximum) : "-"});
-        if (report.goal.has_value()) {
-            row.push_back({inWords(report.leastTargets[i]), {}});
+    for (const char* text : {"age min", "median", "max"}) {
+        row.push_back({text, {}});
+    }
+    if (report.goal.has_value()) {
+        row.push_back({"needs", {}});
+    }
+    for (SCell& cell : row) {
+        cell.style = fmt::emphasis::bold;
+    }
+    return row;
+}
+
+Row rowOf(const SSimulationReport& report, std::size_t i) {
+    const SConfigurationSummary& summary = report.summaries[i];
+    Row row = toRow({asPrintable(summary.first), fmt::to_string(summary.targets),
+                     fmt::to_string(summary.taken), fmt::to_string(summary.rotated),
+                     fmt::to_string(summary.held)});
+    if (report.simulation.hasLost) {
+        row.push_back({fmt::to_string(summary.lost), {}});
+    }
+    for (const auto which : {&SAges::minimum, &SAges::median, &SAges::maximum}) {
+        row.push_back({daysOf(summary.ages, which), {}});
+    }
+    if (report.goal.has_value()) {
+        row.push_back({inWords(report.leastTargets[i]), {}});
+    }
+    return row;
+}
+
+// Cuts the first column of a table that is too wide.
+std::string fitted(std::vector<Row> rows, std::size_t width, bool colour) {
+    constexpr std::size_t kShortestName = 8;
+    const auto widest = [](const std::string& table) {
+        std::size_t most = 0;
+        for (std::size_t start = 0; start < table.size();) {
+            const std::size_t end = table.find('\n', start);
+            most = std::max(most, displayWidth(table.substr(start, end - start)));
+            start = end + 1;
         }
-        rows.push_back(row);
+        return most;
+    };
+    const std::size_t now = widest(toTable(rows, false));
+    if (now > width) {
+        std::size_t longest = 0;
+        for (const Row& row : rows) {
+            longest = std::max(longest, displayWidth(row.front().text));
+        }
+        const std::size_t tooMuch = now - width;
+        const std::size_t room =
+            longest > tooMuch + kShortestName ? longest - tooMuch : kShortestName;
+        for (Row& row : rows) {
+            row.front().text = cutTo(row.front().text, room);
+        }
     }
     return toTable(rows, colour);
+}
+
+std::string configurationTable(const SSimulationReport& report, std::size_t width, bool colour) {
+    std::vector<Row> rows{headingOf(report)};
+    for (std::size_t i = 0; i < report.summaries.size(); ++i) {
+        rows.push_back(rowOf(report, i));
+    }
+    return fitted(std::move(rows), width, colour);
 }
 
 std::string standstillLines(const SSimulationReport& report) {
@@ -80,10 +132,10 @@ std::string standstillLines(const SSimulationReport& report) {
 
 }  // namespace
 
-std::string toSummary(const SSimulationReport& report, bool colour) {
+std::string toSummary(const SSimulationReport& report, std::size_t width, bool colour) {
     std::string text = headline(report.simulation);
     if (report.simulation.finishedRounds != 0) {
-        text += configurationTable(report, colour) + "\n" + standstillLines(report);
+        text += configurationTable(report, width, colour) + "\n" + standstillLines(report);
     }
     return text;
 }

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include <fmt/format.h>
+
 #include "cli/file.h"
 
 namespace fi_rotate {
@@ -24,7 +26,8 @@ std::string parentFolder() {
 
 }  // namespace
 
-CTemporaryFolder::CTemporaryFolder() : folder(parentFolder() + "/fi-rotate-XXXXXX") {
+CTemporaryFolder::CTemporaryFolder()
+    : folder(fmt::format("{}/fi-rotate-{}-XXXXXX", parentFolder(), getpid())) {
     if (mkdtemp(folder.data()) == nullptr) {
         fail(folder);
     }

@@ -34,4 +34,12 @@ std::string TemporaryFolder::write(const std::string& name, std::string_view con
     return path(name);
 }
 
+std::vector<std::string> TemporaryFolder::entries() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    return names;
+}
+
 }  // namespace fi_test

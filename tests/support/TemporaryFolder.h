@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace fi_test {
 
@@ -19,6 +20,9 @@ public:
 
     // Writes `content` byte for byte and returns the file's path.
     std::string write(const std::string& name, std::string_view content) const;
+
+    // Names of all that is in it.
+    std::vector<std::string> entries() const;
 
 private:
     std::filesystem::path folder;

@@ -1,0 +1,270 @@
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/cli/Program.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_test::runFiRotate;
+using fi_test::runFiRotateOnTerminal;
+using fi_test::TemporaryFolder;
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+std::string contentOf(const std::string& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// `configuration` daily from 2026-10-01 on.
+std::vector<std::string> daily(const std::string& configuration, const std::string& rounds,
+                               const std::vector<std::string>& more = {}) {
+    std::vector<std::string> arguments{"simulate", "--config", configuration, "--rounds",  rounds,
+                                       "--every",  "24h",      "--start",     "2026-10-01"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+}
+
+// Rounds 2, 4 and 6 are excluded and hold the three targets of the first volume after round 6. Round 4 rotates
+// round 1, round 5 round 3, round 6 round 5: after 3, 2 and 1 days.
+std::vector<std::string> untilNoneIsLeft(const std::vector<std::string>& more = {}) {
+    auto arguments =
+        daily("encA##lun1;s1;s2;s3&encA##lun2;t1;t2;t3;t4", "12", {"--exclude-every", "2"});
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return arguments;
+}
+
+TEST(FiRotateSimulate, ShowsEveryTargetsHoldersAndASummary) {
+    const auto result = runFiRotate(untilNoneIsLeft({"--keep-days", "2"}));
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.error, "");
+    // With n targets, the k-th of the rounds that are not excluded is number 2k - 1 and is rotated in round n + k,
+    // n - k + 1 days old; k goes up to 12 - n. With 7 targets the last is the fifth, 3 days old; with 6 it would
+    // be the sixth, 1 day old.
+    EXPECT_EQ(result.output,
+              "Rounds 1 to 9, a column each\n"
+              "  left out, since they found no target either: 10 to 12\n"
+              "                 1\n"
+              "  encA##lun1\n"
+              "    encA##s1     aaaDDDDDD\n"
+              "    encA##s2     .BBBBBBBB\n"
+              "    encA##s3     ..cceFFFF\n"
+              "  encA##lun2\n"
+              "    encA##t1     aaaDDDDDD\n"
+              "    encA##t2     .BBBBBBBB\n"
+              "    encA##t3     ..cceFFFF\n"
+              "    encA##t4     .........\n"
+              "    (no target)        !!!\n"
+              "  letter: a backup that holds the target; capital: an excluded one; .: free\n"
+              "\n"
+              "12 rounds: 2026-10-01 00:00 to 2026-10-12 00:00\n"
+              "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
+              "  encA##lun1     3        6      3        3     1 d      2 d     3 d  7\n"
+              "  encA##lun2     4        6      3        3     1 d      2 d     3 d  7\n"
+              "\n"
+              "No target was found from round 7 on (2026-10-07 00:00), in 6 of 12 rounds\n"
+              "  encA##lun1: all 3 targets are held by excluded backups\n");
+}
+
+TEST(FiRotateSimulate, SaysThatEveryRoundFoundATarget) {
+    const auto result = runFiRotate(daily("encA##lun1;s1;s2", "2"));
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output,
+                EndsWith("2 rounds: 2026-10-01 00:00 to 2026-10-02 00:00\n"
+                         "  configuration  targets  taken  rotated  held  age min  median  max\n"
+                         "  encA##lun1     2        2      0        2     -        -       -\n"
+                         "\n"
+                         "Every round found a target\n"));
+}
+
+TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
+    const auto result = runFiRotate(daily("encA##lun1;s1;s1", "3", {"--keep-days", "2"}));
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(
+        result.output,
+        HasSubstr(
+            "  configuration  targets  taken  rotated  held  lost  age min  median  max  needs\n"
+            "  encA##lun1     2        3      0        1     2     -        -       -    no "
+            "number\n"));
+}
+
+TEST(FiRotateSimulate, JsonHoldsTheSummary) {
+    const auto result = runFiRotate(untilNoneIsLeft({"--keep-days", "2", "--json"}));
+    EXPECT_EQ(result.exitStatus, 0);
+    const auto targets = [](const char* letter) {
+        return nlohmann::json{std::string("encA##") + letter + "1",
+                              std::string("encA##") + letter + "2",
+                              std::string("encA##") + letter + "3"};
+    };
+    auto second = targets("t");
+    second.push_back("encA##t4");
+    const nlohmann::json ages = {{"minimum", 86400}, {"median", 2 * 86400}, {"maximum", 3 * 86400}};
+    const nlohmann::json least = {{"search", "found"}, {"targets", 7}};
+    const nlohmann::json expected = {
+        {"rounds", 12},
+        {"finished_rounds", 12},
+        {"start", "2026-10-01T00:00:00Z"},
+        {"every_seconds", 86400},
+        {"exclude_every", 2},
+        {"exclude_weekday", nullptr},
+        {"keep_seconds", 2 * 86400},
+        {"first_round_without_target", 7},
+        {"configurations",
+         {{{"first", "encA##lun1"},
+           {"targets", targets("s")},
+           {"taken", 6},
+           {"rotated", 3},
+           {"held", 3},
+           {"lost", 0},
+           {"seconds_until_rotated", ages},
+           {"shortage",
+            {{"rounds", 6},
+             {"words", "all 3 targets are held by excluded backups"},
+             {"targets",
+              {{{"target", "encA##s1"}, {"holder_round", 4}, {"excluded", true}},
+               {{"target", "encA##s2"}, {"holder_round", 2}, {"excluded", true}},
+               {{"target", "encA##s3"}, {"holder_round", 6}, {"excluded", true}}}}}},
+           {"least_targets", least}},
+          {{"first", "encA##lun2"},
+           {"targets", second},
+           {"taken", 6},
+           {"rotated", 3},
+           {"held", 3},
+           {"lost", 0},
+           {"seconds_until_rotated", ages},
+           {"shortage", nullptr},
+           {"least_targets", least}}}},
+    };
+    EXPECT_EQ(nlohmann::json::parse(result.output), expected);
+}
+
+TEST(FiRotateSimulate, CsvHasALineForEachRound) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("rounds.csv", "of another time");
+    const auto result =
+        runFiRotate(daily("encA##lun,1;s\"1;s2", "4", {"--exclude-weekday", "fri", "--csv", file}));
+    EXPECT_EQ(result.exitStatus, 0);
+    // 2026-10-02 is a Friday.
+    EXPECT_EQ(contentOf(file),
+              "round,time,excluded,selection,rotated,lost,\"encA##lun,1\"\n"
+              "1,2026-10-01T00:00:00Z,no,yes,,,\"encA##s\"\"1\"\n"
+              "2,2026-10-02T00:00:00Z,yes,yes,,,encA##s2\n"
+              "3,2026-10-03T00:00:00Z,no,yes,1,,\"encA##s\"\"1\"\n"
+              "4,2026-10-04T00:00:00Z,no,yes,3,,\"encA##s\"\"1\"\n");
+}
+
+TEST(FiRotateSimulate, CsvTellsRoundsWithoutATargetAndWhatWasLost) {
+    const TemporaryFolder folder;
+    const std::string file = folder.path("rounds.csv");
+    runFiRotate(daily("encA##lun1;s1", "2", {"--exclude-every", "1", "--csv", file}));
+    EXPECT_EQ(contentOf(file),
+              "round,time,excluded,selection,rotated,lost,encA##lun1\n"
+              "1,2026-10-01T00:00:00Z,yes,yes,,,encA##s1\n"
+              "2,2026-10-02T00:00:00Z,yes,no,,,\n");
+    runFiRotate(daily("encA##lun1;s1;s1", "2", {"--csv", file}));
+    EXPECT_THAT(contentOf(file), EndsWith("2,2026-10-02T00:00:00Z,no,yes,,1,encA##s1\n"));
+}
+
+TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
+    const TemporaryFolder folder;
+    const std::string csv = folder.path("rounds.csv");
+    const auto with = [&csv](const std::string& option, const std::string& value) {
+        std::map<std::string, std::string> options = {{"--config", "a##b;c"},
+                                                      {"--rounds", "5"},
+                                                      {"--every", "24h"},
+                                                      {"--start", "2026-10-01"},
+                                                      {"--csv", csv}};
+        options[option] = value;
+        std::vector<std::string> arguments{"simulate"};
+        for (const auto& [name, text] : options) {
+            arguments.insert(arguments.end(), {name, text});
+        }
+        return arguments;
+    };
+    auto bothExclusions = with("--exclude-every", "2");
+    bothExclusions.insert(bothExclusions.end(), {"--exclude-weekday", "sun"});
+    const struct {
+        std::vector<std::string> arguments;
+        const char* message;
+    } rows[] = {
+        {{"simulate", "--rounds", "5", "--every", "24h", "--start", "2026-10-01"}, "--config"},
+        {{"simulate", "--config", "a##b;c"}, "--rounds is required"},
+        {with("--rounds", "0"), "Value 0 not in range 1 to"},
+        {with("--rounds", "many"), "many"},
+        {with("--every", "1"), "\"1\" is not a whole number with one of the units s, m, h, d, w"},
+        {with("--start", "1.10.2026"), "\"1.10.2026\" is not a date like 2026-10-01"},
+        {with("--exclude-every", "0"), "Value 0 not in range"},
+        {with("--exclude-weekday", "someday"), "\"someday\" is not a day of the week"},
+        {bothExclusions, "--exclude-every excludes --exclude-weekday"},
+        {with("--keep-days", "x"), "\"x\" is not a whole number of days"},
+        {with("--keep-days", "5"), "\"5\" is more than all rounds last; give more --rounds"},
+        {with("--every", "999999w"), "the last round would be after the year 9999"},
+        {with("--config-file", "no/such/file"), "2 were given"},
+        {with("--config", "a##b;c&d"),
+         "--config: CFiResourceParser::parse : resource configuration \"d\" has no"},
+        {with("--config", "a##b;\x01"),
+         "--config: \"UDID##EXAMPLE##ARRAY##a##\\x01\" cannot stand in an XML document"},
+        {with("--csv", "/no/such/folder/c"), "cannot write \"/no/such/folder/c\": No such file"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        const auto result = runFiRotate(row.arguments);
+        EXPECT_EQ(result.exitStatus, 2);
+        EXPECT_EQ(result.output, "");
+        EXPECT_THAT(result.error, StartsWith("fi-rotate: "));
+        EXPECT_THAT(result.error, HasSubstr(row.message));
+        EXPECT_EQ(folder.entries(), std::vector<std::string>());
+    }
+}
+
+TEST(FiRotateSimulate, HelpNamesEveryOptionAndGivesAnExample) {
+    const auto help = runFiRotate({"simulate", "--help"});
+    EXPECT_EQ(help.exitStatus, 0);
+    EXPECT_EQ(help.error, "");
+    for (const char* text :
+         {"--config ", "--config-file ", "--rounds ", "--every ", "--start ", "--exclude-every ",
+          "--exclude-weekday ", "--keep-days ", "--json", "--csv ", "Exit status:", "Example:"}) {
+        EXPECT_THAT(help.output, HasSubstr(text));
+    }
+}
+
+TEST(FiRotateSimulate, ExitsWith1WhenAFileCannotBeWrittenWhole) {
+    const auto result = runFiRotate(daily("encA##lun1;s1", "3", {"--csv", "/dev/full"}));
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.error, "fi-rotate: cannot write /dev/full: No space left on device\n");
+}
+
+TEST(FiRotateSimulate, KeepsTheLinkAndTheRightsOfTheFileItReplaces) {
+    const TemporaryFolder folder;
+    const std::string file = folder.write("rounds.csv", "");
+    const std::string link = folder.path("link.csv");
+    std::filesystem::permissions(
+        file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    std::filesystem::create_symlink("rounds.csv", link);
+    EXPECT_EQ(runFiRotate(daily("encA##lun1;s1", "1", {"--csv", link})).exitStatus, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_THAT(contentOf(file), StartsWith("round,"));
+    EXPECT_EQ(std::filesystem::status(file).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST(FiRotateSimulate, OnATerminalTheSummarysHeadingIsBoldUnlessColourIsUnwanted) {
+    EXPECT_THAT(runFiRotateOnTerminal(daily("encA##lun1;s1", "1")).output,
+                HasSubstr("\x1B[1mtargets\x1B[0m"));
+    EXPECT_THAT(runFiRotateOnTerminal(daily("encA##lun1;s1", "1"), {"NO_COLOR="}).output,
+                Not(HasSubstr("\x1B")));
+}
+
+}  // namespace
