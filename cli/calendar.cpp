@@ -18,6 +18,13 @@ namespace {
 constexpr std::array<std::string_view, 7> kWeekdays = {"sunday",   "monday", "tuesday", "wednesday",
                                                        "thursday", "friday", "saturday"};
 
+struct SUnit {
+    char letter;
+    std::int64_t seconds;
+};
+constexpr std::array<SUnit, 5> kUnits = {
+    {{'w', 7 * kSecondsPerDay}, {'d', kSecondsPerDay}, {'h', 3600}, {'m', 60}, {'s', 1}}};
+
 std::tm calendarTime(std::int64_t time) {
     const auto seconds = static_cast<std::time_t>(time);
     std::tm result{};
@@ -79,12 +86,6 @@ std::optional<std::int64_t> parseTimeStamp(std::string_view text) {
 }
 
 std::optional<std::int64_t> parseDuration(std::string_view text) {
-    struct SUnit {
-        char letter;
-        std::int64_t seconds;
-    };
-    constexpr std::array<SUnit, 5> kUnits = {
-        {{'s', 1}, {'m', 60}, {'h', 3600}, {'d', kSecondsPerDay}, {'w', 7 * kSecondsPerDay}}};
     std::int64_t number = 0;
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || number <= 0 || stop + 1 != text.data() + text.size()) {
@@ -97,6 +98,13 @@ std::optional<std::int64_t> parseDuration(std::string_view text) {
         }
     }
     return std::nullopt;
+}
+
+std::string toShownDuration(std::int64_t seconds) {
+    const auto* const unit =
+        std::find_if(kUnits.begin(), kUnits.end(),
+                     [seconds](const SUnit& each) { return seconds % each.seconds == 0; });
+    return fmt::format("{}{}", seconds / unit->seconds, unit->letter);
 }
 
 std::optional<int> parseWeekday(std::string_view text) {

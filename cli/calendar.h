@@ -19,6 +19,9 @@ std::optional<std::int64_t> parseTimeStamp(std::string_view text);
 // A whole number above 0 with a unit: s, m, h, d or w.
 std::optional<std::int64_t> parseDuration(std::string_view text);
 
+// The same in its largest unit that is whole: "24h" is shown as "1d".
+std::string toShownDuration(std::int64_t seconds);
+
 // Days since Sunday, from the English name of a day or its first three letters.
 std::optional<int> parseWeekday(std::string_view text);
 

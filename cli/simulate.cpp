@@ -21,8 +21,10 @@
 #include "cli/select.h"
 #include "cli/simulation_csv.h"
 #include "cli/simulation_json.h"
+#include "cli/simulation_picture.h"
 #include "cli/simulation_report.h"
 #include "cli/simulation_table.h"
+#include "cli/svg.h"
 #include "cli/terminal.h"
 #include "cli/timeline.h"
 
@@ -151,16 +153,13 @@ std::unique_ptr<COutputFile> openOutput(const std::string& option,
 }
 
 // False, with a message, when it could not be written whole.
-bool keep(COutputFile* file, const std::string& text, const std::optional<std::string>& name) {
-    if (file == nullptr) {
-        return true;
-    }
+bool keep(COutputFile& file, const std::string& text, const std::string& name) {
     try {
-        file->write(text);
-        file->keep();
+        file.write(text);
+        file.keep();
         return true;
     } catch (const std::system_error& error) {
-        say("cannot write " + *name + ": " + error.code().message());
+        say("cannot write " + name + ": " + error.code().message());
         return false;
     }
 }
@@ -177,8 +176,10 @@ std::string toText(const SSimulationReport& report) {
 int runSimulate(const SOptions& options) {
     const CInterrupt interrupt;
     const auto csv = openOutput("--csv", options.csvFile);
+    const auto svg = openOutput("--svg", options.svgFile);
     const SSimulationReport report = makeReport(options, interrupt);
-    if (csv != nullptr && !keep(csv.get(), toCsv(report.simulation), options.csvFile)) {
+    if ((csv != nullptr && !keep(*csv, toCsv(report.simulation), *options.csvFile)) ||
+        (svg != nullptr && !keep(*svg, toSvg(pictureOf(report.simulation)), *options.svgFile))) {
         return kExitNotShown;
     }
     const std::string shown = options.json ? toJson(report) : toText(report);
@@ -232,6 +233,9 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         ->type_name("GOAL");
     simulate.add_flag("--json", options->json, "Show the summary as one JSON document");
     simulate.add_option("--csv", options->csvFile, "Write a line for each round to a file")
+        ->type_name("FILE");
+    simulate
+        .add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")
         ->type_name("FILE");
 
     simulate.callback([options, &exitStatus] {

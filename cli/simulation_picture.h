@@ -1,0 +1,11 @@
+#pragma once
+
+#include "cli/picture.h"
+#include "cli/simulation.h"
+
+namespace fi_rotate {
+
+// A bar for each snapshot, from its taking to its end. Of rounds without a target only the first few are shown.
+SPicture pictureOf(const SSimulation& simulation);
+
+}  // namespace fi_rotate
