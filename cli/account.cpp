@@ -15,26 +15,6 @@
 namespace fi_rotate {
 namespace {
 
-// The target that an identifier names. The library has refused what is none.
-std::string targetOf(std::string_view identifier) {
-    constexpr std::string_view kSeparator = "##";
-    std::size_t prefix = identifier.find("UDID##");
-    const bool isDevice = prefix != std::string_view::npos;
-    if (!isDevice) {
-        prefix = identifier.find("UEID##");
-    }
-    std::string_view rest = identifier.substr(std::min(prefix, identifier.size()));
-    for (int part = 0; part < 3; ++part) {
-        const std::size_t separator = rest.find(kSeparator);
-        rest.remove_prefix(separator == std::string_view::npos ? rest.size()
-                                                               : separator + kSeparator.size());
-    }
-    if (rest.find(kSeparator) != std::string_view::npos) {
-        return std::string(rest);
-    }
-    return isDevice ? "##" + std::string(rest) : std::string(rest) + "##";
-}
-
 // Who holds which target, replayed from the library's verdicts.
 class CHolders {
 public:
@@ -254,6 +234,25 @@ std::string listed(const std::vector<std::string>& names) {
 }
 
 }  // namespace
+
+std::string targetOf(std::string_view identifier) {
+    constexpr std::string_view kSeparator = "##";
+    std::size_t prefix = identifier.find("UDID##");
+    const bool isDevice = prefix != std::string_view::npos;
+    if (!isDevice) {
+        prefix = identifier.find("UEID##");
+    }
+    std::string_view rest = identifier.substr(std::min(prefix, identifier.size()));
+    for (int part = 0; part < 3; ++part) {
+        const std::size_t separator = rest.find(kSeparator);
+        rest.remove_prefix(separator == std::string_view::npos ? rest.size()
+                                                               : separator + kSeparator.size());
+    }
+    if (rest.find(kSeparator) != std::string_view::npos) {
+        return std::string(rest);
+    }
+    return isDevice ? "##" + std::string(rest) : std::string(rest) + "##";
+}
 
 SAccount explain(CAccountReader passes) {
     return CExplanation(std::move(passes)).explain();

@@ -87,6 +87,9 @@ struct SAccount {
 // in between, and with those that were known already when the end is missing.
 SAccount explain(CAccountReader passes);
 
+// The target that an identifier names, which the library has accepted.
+std::string targetOf(std::string_view identifier);
+
 // "newest_holder" and so on: a stable name for programs.
 std::string_view nameOf(EReason kind);
 

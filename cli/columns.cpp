@@ -37,6 +37,17 @@ bool continuesCharacter(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
+std::vector<std::string> charactersOf(const std::string& text) {
+    std::vector<std::string> characters;
+    for (const char byte : text) {
+        if (characters.empty() || !continuesCharacter(byte)) {
+            characters.emplace_back();
+        }
+        characters.back() += byte;
+    }
+    return characters;
+}
+
 }  // namespace
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style) {
@@ -67,14 +78,27 @@ std::string cutTo(const std::string& text, std::size_t width) {
     if (displayWidth(text) <= width) {
         return text;
     }
-    std::string start = text;
-    while (!start.empty() && displayWidth(start) >= width) {
-        while (continuesCharacter(start.back())) {
-            start.pop_back();
+    const std::vector<std::string> characters = charactersOf(text);
+    std::string start;
+    std::string end;
+    std::size_t room = width - 1;
+    // From both ends inwards, the end first, until the next has no room.
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        const bool isEnd = i % 2 == 0;
+        const std::string& next =
+            isEnd ? characters[characters.size() - 1 - i / 2] : characters[i / 2];
+        const std::size_t wide = displayWidth(next);
+        if (wide > room) {
+            break;
         }
-        start.pop_back();
+        room -= wide;
+        if (isEnd) {
+            end.insert(0, next);
+        } else {
+            start += next;
+        }
     }
-    return start + "…";
+    return start + "…" + end;
 }
 
 }  // namespace fi_rotate

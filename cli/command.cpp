@@ -62,4 +62,28 @@ bool isWritten(std::FILE* stream, const std::string& name) {
     return written;
 }
 
+std::unique_ptr<COutputFile> openOutput(const std::string& option,
+                                        const std::optional<std::string>& file) {
+    if (!file.has_value()) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<COutputFile>(*file);
+    } catch (const std::system_error& error) {
+        throw CLI::ValidationError(option,
+                                   "cannot write " + quoted(*file) + ": " + error.code().message());
+    }
+}
+
+bool keep(COutputFile& file, const std::string& text, const std::string& name) {
+    try {
+        file.write(text);
+        file.keep();
+        return true;
+    } catch (const std::system_error& error) {
+        say("cannot write " + name + ": " + error.code().message());
+        return false;
+    }
+}
+
 }  // namespace fi_rotate

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "cli/library_call.h"
+#include "cli/output_file.h"
 
 // What the subcommands have in common.
 namespace fi_rotate {
@@ -28,5 +31,13 @@ void say(const std::string& message);
 
 // Flushes what was written to `stream`, called `name`; false, with a message, when a write failed.
 bool isWritten(std::FILE* stream, const std::string& name);
+
+// Before the work that fills it, so that a file that cannot be written is refused at once: throws
+// CLI::ValidationError. Null without a file.
+std::unique_ptr<COutputFile> openOutput(const std::string& option,
+                                        const std::optional<std::string>& file);
+
+// Writes the file, called `name`, and keeps it; false, with a message, when it could not be written whole.
+bool keep(COutputFile& file, const std::string& text, const std::string& name);
 
 }  // namespace fi_rotate

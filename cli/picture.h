@@ -10,6 +10,8 @@ namespace fi_rotate {
 
 enum class EBar {
     kPlain,
+    // It ends now, and that is what people look for.
+    kRotated,
     kExcluded,
     // Invalid, or lost since it was overwritten.
     kInvalid,
@@ -63,6 +65,7 @@ struct SPicture {
     std::vector<SBar> bars;
     // What the kinds of bars mean here; those without a meaning are not explained.
     std::string plainMeaning;
+    std::string rotatedMeaning;
     std::string excludedMeaning;
     std::string invalidMeaning;
     std::string openMeaning;

@@ -20,6 +20,7 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "cli/call_picture.h"
 #include "cli/command.h"
 #include "cli/file.h"
 #include "cli/json.h"
@@ -27,6 +28,7 @@
 #include "cli/outcome.h"
 #include "cli/printable.h"
 #include "cli/request.h"
+#include "cli/svg.h"
 #include "cli/table.h"
 #include "cli/time_stamp.h"
 
@@ -67,6 +69,7 @@ struct SOptions {
     bool json = false;
     bool trace = false;
     std::optional<std::string> traceFile;
+    std::optional<std::string> svgFile;
     std::vector<std::string> files;
 };
 
@@ -203,8 +206,15 @@ int runSelect(const SOptions& options) {
         return kExitNotShown;
     }
 
-    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain);
+    const auto svg = openOutput("--svg", options.svgFile);
+    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain || svg != nullptr);
     readTimeStamps(outcome.backups);
+    if (svg != nullptr && !keep(*svg, toSvg(pictureOf(outcome)), *options.svgFile)) {
+        return kExitNotShown;
+    }
+    if (!options.explain) {
+        outcome.account.reset();
+    }
     const SOutcome selected = onlyShown(outcome, options.shownStates);
     const std::string shown = options.json ? toJson(selected) : toTables(selected, wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
@@ -263,6 +273,10 @@ void addSelect(CLI::App& app, int& exitStatus) {
     select.add_flag("--trace", options->trace,
                     "Write the library's trace to standard error: level and text, one line a call");
     select.add_option("--trace-file", options->traceFile, "Write the trace to a file")
+        ->type_name("FILE");
+    select
+        .add_option("--svg", options->svgFile,
+                    "Draw who holds which target as an SVG picture to a file")
         ->type_name("FILE");
     select.add_option("FIID", options->files, "Documents of the earlier backups")
         ->type_name("")

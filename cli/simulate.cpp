@@ -9,14 +9,12 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 
 #include <fmt/format.h>
 
 #include "cli/calendar.h"
 #include "cli/command.h"
 #include "cli/interrupt.h"
-#include "cli/output_file.h"
 #include "cli/progress.h"
 #include "cli/select.h"
 #include "cli/simulation_csv.h"
@@ -136,32 +134,6 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
         }
     }
     return report;
-}
-
-// Opened before the work, so that a file that cannot be written is refused at once.
-std::unique_ptr<COutputFile> openOutput(const std::string& option,
-                                        const std::optional<std::string>& file) {
-    if (!file.has_value()) {
-        return nullptr;
-    }
-    try {
-        return std::make_unique<COutputFile>(*file);
-    } catch (const std::system_error& error) {
-        throw CLI::ValidationError(option,
-                                   "cannot write " + quoted(*file) + ": " + error.code().message());
-    }
-}
-
-// False, with a message, when it could not be written whole.
-bool keep(COutputFile& file, const std::string& text, const std::string& name) {
-    try {
-        file.write(text);
-        file.keep();
-        return true;
-    } catch (const std::system_error& error) {
-        say("cannot write " + name + ": " + error.code().message());
-        return false;
-    }
 }
 
 std::string toText(const SSimulationReport& report) {

@@ -106,7 +106,8 @@ SPicture pictureOf(const SSimulation& simulation) {
     for (const SSnapshot& snapshot : simulation.snapshots) {
         picture.bars.push_back(barOf(simulation, snapshot, picture.to));
     }
-    picture.plainMeaning = hasKind(picture, EBar::kPlain) ? "held until it was rotated" : "";
+    picture.plainMeaning =
+        hasKind(picture, EBar::kPlain) ? "a snapshot, from its taking to its rotation" : "";
     picture.excludedMeaning = hasKind(picture, EBar::kExcluded) ? "excluded from rotation" : "";
     picture.invalidMeaning =
         hasKind(picture, EBar::kInvalid) ? "lost: a later round was given its target" : "";

@@ -29,6 +29,7 @@ constexpr const char* kStyle = R"(
     .line { stroke: #1b1f24; stroke-width: 1.5; stroke-dasharray: 6 3; }
     .shape { stroke: #1b1f24; stroke-width: 1; }
     .plain .shape { fill: #a9c4e6; }
+    .rotated .shape { fill: #ffffff; stroke-width: 3; }
     .excluded .shape { fill: url(#stripes); }
     .invalid .shape { fill: url(#dots); stroke-dasharray: 3 2; }
     .chosen .shape { fill: none; stroke-width: 1.5; stroke-dasharray: 4 2; }
@@ -42,6 +43,7 @@ constexpr const char* kStyle = R"(
       .grid { stroke: #3a4149; }
       .line, .shape { stroke: #e6e9ec; }
       .plain .shape { fill: #2f5688; }
+      .rotated .shape { fill: #14171a; }
       .paper { fill: #14171a; }
       .ink { fill: #e6e9ec; }
     }
@@ -106,6 +108,8 @@ const char* classOf(EBar kind) {
     switch (kind) {
         case EBar::kPlain:
             return "plain";
+        case EBar::kRotated:
+            return "rotated";
         case EBar::kExcluded:
             return "excluded";
         case EBar::kInvalid:
@@ -140,7 +144,8 @@ public:
         top += kPictureLine;
         body += text(layout.left + layout.width / 2, top - 5,
                      " class=\"remark\" text-anchor=\"middle\"", escaped(picture.timeLabel));
-        body += legend() + notes();
+        body += legend();
+        body += notes();
         return fmt::format(
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
             "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0:.0f}\" height=\"{1:.0f}\" "
@@ -264,7 +269,7 @@ private:
         }
         const std::string cut = cutTo(name, std::max<std::size_t>(room, 1));
         std::string ground;
-        if (bar.kind != EBar::kPlain) {
+        if (bar.kind == EBar::kExcluded || bar.kind == EBar::kInvalid) {
             ground = fmt::format(
                 "<rect class=\"paper\" x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" height=\"{}\"/>",
                 x + 0.5, y + 0.5, static_cast<double>(displayWidth(cut)) * kPictureCharacter + 4,
@@ -281,6 +286,7 @@ private:
             bool isOpen;
         };
         const SEntry entries[] = {{picture.plainMeaning, EBar::kPlain, false},
+                                  {picture.rotatedMeaning, EBar::kRotated, false},
                                   {picture.excludedMeaning, EBar::kExcluded, false},
                                   {picture.invalidMeaning, EBar::kInvalid, false},
                                   {picture.openMeaning, EBar::kPlain, true}};
@@ -310,6 +316,7 @@ private:
 
     std::string notes() {
         std::string lines;
+        top += picture.notes.empty() ? 0 : kPictureLine / 2;
         for (const std::string& note : picture.notes) {
             lines += line(" class=\"remark\"", note);
         }

@@ -44,6 +44,8 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
         {{"select", "--config", "a##b", "--save-request", "/no/such/folder/r"},
          "cannot write \"/no/such/folder/r\": No such file"},
         {{"select", "--config", "a##b", "--only", "kept,lost"}, "lost not in {kept,"},
+        {{"select", "--config", "a##b", "--svg", "/no/such/folder/p"},
+         "cannot write \"/no/such/folder/p\": No such file"},
         {{"select", "--config", "a##b", "--trace-file", "/no/such/folder/t"},
          "cannot write \"/no/such/folder/t\": No such file"},
     };
@@ -69,9 +71,10 @@ TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
     const auto help = runFiRotate({"select", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* text : {"--config ", "--config-file ", "--exclude ", "--flags ", "--json",
-                             "--trace ", "--trace-file ", "--request ", "--save-request ",
-                             "--only ", "--explain", "FIID", "Exit status:", "Example:", "\\xNN"}) {
+    for (const char* text :
+         {"--config ", "--config-file ", "--exclude ", "--flags ", "--json", "--trace ",
+          "--trace-file ", "--request ", "--save-request ", "--only ", "--explain", "--svg ",
+          "FIID", "Exit status:", "Example:", "\\xNN"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
     const auto version = runFiRotate({"--version"});

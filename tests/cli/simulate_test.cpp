@@ -233,9 +233,9 @@ TEST(FiRotateSimulate, HelpNamesEveryOptionAndGivesAnExample) {
     const auto help = runFiRotate({"simulate", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* text :
-         {"--config ", "--config-file ", "--rounds ", "--every ", "--start ", "--exclude-every ",
-          "--exclude-weekday ", "--keep-days ", "--json", "--csv ", "Exit status:", "Example:"}) {
+    for (const char* text : {"--config ", "--config-file ", "--rounds ", "--every ", "--start ",
+                             "--exclude-every ", "--exclude-weekday ", "--keep-days ", "--json",
+                             "--csv ", "--svg ", "Exit status:", "Example:"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
 }

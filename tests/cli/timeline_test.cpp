@@ -67,8 +67,8 @@ TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
         for (const std::string& line : {lines.at(2), lines.at(3), lines.at(4)}) {
             EXPECT_LE(fi_rotate::displayWidth(line), width) << line;
         }
-        EXPECT_THAT(lines.at(3), HasSubstr("l…"));
-        EXPECT_THAT(lines.at(4), HasSubstr("s…  "));
+        EXPECT_THAT(lines.at(3), HasSubstr("l…l"));
+        EXPECT_THAT(lines.at(4), HasSubstr("s…s"));
     }
 }
 
