@@ -9,6 +9,7 @@ A comment directly above a literal block says what the block is. Manual pages (s
   run          lines that start with "$ " are commands, the lines below each its output, standard error too
   file NAME    the content of a file
   declaration  C that must agree with the public header
+  statements   C as it could stand in a function, compiled only
   form         a form to be filled in; not run
 
 A block without such a comment is a mistake, so that no example goes untested by being forgotten.
@@ -30,7 +31,7 @@ import sys
 import tempfile
 import termios
 
-KINDS = {"run": 0, "file": 1, "declaration": 0, "form": 0}
+KINDS = {"run": 0, "file": 1, "declaration": 0, "statements": 0, "form": 0}
 FENCES = {".scd": re.compile(r"```$"), ".md": re.compile(r"```\w*$")}
 COMMENTS = {".scd": re.compile(r"; (.*)$"), ".md": re.compile(r"<!-- (.*) -->$")}
 # Between the outputs of two commands.
@@ -140,14 +141,20 @@ def write_files(blocks, folder):
             file.write_text("\n".join(block.lines) + "\n")
 
 
-def disagreements(blocks, folder, environment):
-    """What the compiler says of declarations that the header contradicts."""
+def source_of(block):
+    head = "#include <stdlib.h>\n#include <fi_rotation/fi_process_backups.h>\n"
+    text = "\n".join(block.lines) + "\n"
+    # Its own includes are known by now, so they may stand in a function.
+    return head + (f"static void example(void) {{\n{text}}}\n" if block.kind == "statements" else text)
+
+
+def refusals(blocks, folder, environment):
+    """What the compiler says of C that the header contradicts."""
     for block in blocks:
-        if block.kind == "declaration":
-            source = "#include <fi_rotation/fi_process_backups.h>\n" + "\n".join(block.lines)
-            compiler = subprocess.run(["cc", "-std=c11", "-fsyntax-only", "-x", "c", "-"], input=source,
-                                      cwd=folder, env=environment, stderr=subprocess.PIPE, text=True, timeout=60,
-                                      check=False)
+        if block.kind in ("declaration", "statements"):
+            compiler = subprocess.run(["cc", "-std=c11", "-Wno-unused", "-fsyntax-only", "-x", "c", "-"],
+                                      input=source_of(block), cwd=folder, env=environment,
+                                      stderr=subprocess.PIPE, text=True, timeout=60, check=False)
             yield from compiler.stderr.splitlines()
 
 
@@ -177,7 +184,7 @@ def faults_of(page, arguments):
         shutil.copytree(arguments.examples, folder / "examples")
         environment = environment_for(tools, arguments)
         write_files(blocks, folder)
-        faults = list(disagreements(blocks, folder, environment))
+        faults = list(refusals(blocks, folder, environment))
         faults += differences(page, commands, outputs_of(commands, folder, environment))
     return faults, len(commands)
 

@@ -63,6 +63,10 @@ class Page(unittest.TestCase):
         self.assertEqual(self.faults("; declaration\n```\nint fi_process_backups(int n);\n```\n")[0], [])
         self.assertTrue(self.faults("; declaration\n```\nint fi_process_backups(long n);\n```\n")[0])
 
+    def test_statements_that_do_not_compile_are_noticed(self):
+        self.assertEqual(self.faults("; statements\n```\nint n = fi_process_backups(1);\n```\n")[0], [])
+        self.assertTrue(self.faults("; statements\n```\nint n = fi_process_backups();\n```\n")[0])
+
     def test_guides_say_it_in_comments_of_their_own(self):
         page = "<!-- run -->\n```console\n$ echo 'a\\\\b'\na\\\\b\n```\n"
         self.assertEqual(self.faults(page, ".md"), ([], 1))
