@@ -38,7 +38,8 @@ enum {
 enum {
     /* Its targets agree with the configuration and it keeps them. */
     FI_BACKUP_KEPT = 0,
-    /* Its targets do not agree with the configuration, or a newer backup holds one of them. */
+    /* Its targets do not agree with the configuration, or one of them was held already: by a newer
+     * backup, by one of the same time stamp, or by another pair of its own. */
     FI_BACKUP_INVALID = 1,
     /* Its targets were released for the new backup. */
     FI_BACKUP_ROTATED = 2
