@@ -1,0 +1,91 @@
+# What `cmake --install` puts where, in three components:
+#   runtime      the library under its soname: all that a linked or loading program needs to run
+#   development  what a host is built with: headers, CMake package, pkg-config file, manual of the call
+#   tools        fi-rotate, its manual and completions, and the manual of the files that it reads
+# Every path is found relative to the file that names it, so that an installed tree can be moved, unless the
+# builder chose absolute folders.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS fi_rotation EXPORT fi_rotationTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
+    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+install(FILES ${FI_ROTATION_PUBLIC_HEADERS}
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/fi_rotation" COMPONENT development)
+
+# find_package(fi_rotation) gives fi_rotation::fi_rotation. The target asks for nothing more: what the
+# library itself is built on is no part of its interface.
+set(cmake_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/fi_rotation")
+install(EXPORT fi_rotationTargets NAMESPACE fi_rotation:: FILE fi_rotationConfig.cmake
+    DESTINATION "${cmake_package_dir}" COMPONENT development)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/fi_rotationConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/fi_rotationConfigVersion.cmake"
+    DESTINATION "${cmake_package_dir}" COMPONENT development)
+
+# fi_relative_path(RESULT FROM TO): the way between two install folders that are both below the prefix.
+function(fi_relative_path result from to)
+    file(RELATIVE_PATH path "/prefix/${from}" "/prefix/${to}")
+    string(REGEX REPLACE "/$" "" path "${path}")
+    set(${result} "${path}" PARENT_SCOPE)
+endfunction()
+
+# pkg-config starts from the folder of the file itself when the library's folder is below the prefix.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(pc_prefix "${CMAKE_INSTALL_PREFIX}")
+    set(pc_libdir "${CMAKE_INSTALL_LIBDIR}")
+else()
+    fi_relative_path(up "${CMAKE_INSTALL_LIBDIR}/pkgconfig" "")
+    set(pc_prefix "\${pcfiledir}/${up}")
+    set(pc_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+endif()
+if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+    set(pc_includedir "${CMAKE_INSTALL_INCLUDEDIR}")
+else()
+    set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
+configure_file("${PROJECT_SOURCE_DIR}/cmake/fi_rotation.pc.in" "${PROJECT_BINARY_DIR}/fi_rotation.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/fi_rotation.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+if(FI_ROTATION_BUILD_CLI)
+    if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_BINDIR}")
+        set_target_properties(fi-rotate PROPERTIES INSTALL_RPATH "${CMAKE_INSTALL_FULL_LIBDIR}")
+    else()
+        fi_relative_path(to_library "${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_LIBDIR}")
+        set_target_properties(fi-rotate PROPERTIES INSTALL_RPATH "$ORIGIN/${to_library}")
+    endif()
+    install(TARGETS fi-rotate RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+
+    install(FILES "${PROJECT_SOURCE_DIR}/completions/fi-rotate.bash" RENAME fi-rotate OPTIONAL
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
+    install(FILES "${PROJECT_SOURCE_DIR}/completions/_fi-rotate" OPTIONAL
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT tools)
+endif()
+
+# The manual: docs/man/NAME.SECTION.scd, rendered when scdoc is there.
+file(GLOB manual_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.[1-8].scd")
+find_program(SCDOC scdoc)
+mark_as_advanced(SCDOC)
+if(manual_sources AND NOT SCDOC)
+    message(STATUS "scdoc is missing: no manual pages")
+elseif(manual_sources)
+    set(manual_pages "")
+    foreach(source IN LISTS manual_sources)
+        get_filename_component(page "${source}" NAME_WLE)
+        string(REGEX MATCH "[1-8]$" section "${page}")
+        set(output "${PROJECT_BINARY_DIR}/man/${page}")
+        add_custom_command(OUTPUT "${output}"
+            COMMAND "${CMAKE_COMMAND}" -E make_directory "${PROJECT_BINARY_DIR}/man"
+            COMMAND "${SCDOC}" < "${source}" > "${output}"
+            DEPENDS "${source}" VERBATIM)
+        list(APPEND manual_pages "${output}")
+        if(section STREQUAL "3")
+            set(component development)
+        else()
+            set(component tools)
+        endif()
+        install(FILES "${output}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${component})
+    endforeach()
+    add_custom_target(fi_rotation_manual ALL DEPENDS ${manual_pages})
+endif()
