@@ -57,35 +57,26 @@ if(FI_ROTATION_BUILD_CLI)
     endif()
     install(TARGETS fi-rotate RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
 
-    install(FILES "${PROJECT_SOURCE_DIR}/completions/fi-rotate.bash" RENAME fi-rotate OPTIONAL
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
-    install(FILES "${PROJECT_SOURCE_DIR}/completions/_fi-rotate" OPTIONAL
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT tools)
+    # bash looks for the completions of a command under its name.
+    set(completions "${PROJECT_SOURCE_DIR}/completions")
+    if(EXISTS "${completions}")
+        install(FILES "${completions}/fi-rotate.bash" RENAME fi-rotate
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
+        install(FILES "${completions}/_fi-rotate"
+            DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT tools)
+    endif()
 endif()
 
-# The manual: docs/man/NAME.SECTION.scd, rendered when scdoc is there.
+# The manual pages that docs/man rendered; none when scdoc is missing. Section 3 is for those who build hosts.
 file(GLOB manual_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/man/*.[1-8].scd")
-find_program(SCDOC scdoc)
-mark_as_advanced(SCDOC)
-if(manual_sources AND NOT SCDOC)
-    message(STATUS "scdoc is missing: no manual pages")
-elseif(manual_sources)
-    set(manual_pages "")
-    foreach(source IN LISTS manual_sources)
-        get_filename_component(page "${source}" NAME_WLE)
-        string(REGEX MATCH "[1-8]$" section "${page}")
-        set(output "${PROJECT_BINARY_DIR}/man/${page}")
-        add_custom_command(OUTPUT "${output}"
-            COMMAND "${CMAKE_COMMAND}" -E make_directory "${PROJECT_BINARY_DIR}/man"
-            COMMAND "${SCDOC}" < "${source}" > "${output}"
-            DEPENDS "${source}" VERBATIM)
-        list(APPEND manual_pages "${output}")
-        if(section STREQUAL "3")
-            set(component development)
-        else()
-            set(component tools)
-        endif()
-        install(FILES "${output}" DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${component})
-    endforeach()
-    add_custom_target(fi_rotation_manual ALL DEPENDS ${manual_pages})
-endif()
+foreach(source IN LISTS manual_sources)
+    get_filename_component(page "${source}" NAME_WLE)
+    string(REGEX MATCH "[1-8]$" section "${page}")
+    if(section STREQUAL "3")
+        set(component development)
+    else()
+        set(component tools)
+    endif()
+    install(FILES "${PROJECT_BINARY_DIR}/docs/man/${page}" OPTIONAL
+        DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" COMPONENT ${component})
+endforeach()
