@@ -57,13 +57,15 @@ if(FI_ROTATION_BUILD_CLI)
     endif()
     install(TARGETS fi-rotate RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
 
-    # bash looks for the completions of a command under its name.
+    # bash looks for the completions of a command under its name; where zsh looks differs between systems.
+    set(FI_ROTATION_ZSH_COMPLETIONS "${CMAKE_INSTALL_DATADIR}/zsh/site-functions"
+        CACHE STRING "Where completions for zsh are installed")
     set(completions "${PROJECT_SOURCE_DIR}/completions")
     if(EXISTS "${completions}")
         install(FILES "${completions}/fi-rotate.bash" RENAME fi-rotate
             DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
         install(FILES "${completions}/_fi-rotate"
-            DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT tools)
+            DESTINATION "${FI_ROTATION_ZSH_COMPLETIONS}" COMPONENT tools)
     endif()
 endif()
 
