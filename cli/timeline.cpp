@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -21,37 +24,40 @@ constexpr std::size_t kStandstillColumns = 3;
 constexpr char kFree = '.';
 constexpr char kNoTarget = '!';
 
-// Gives each backup a letter that no other has while it holds its targets or in the round that ends it. Where
-// there are more backups than letters, those at least differ that follow one another on a target.
+// Letters as numbers from 0 on, one for each backup.
 class CLetters {
 public:
-    char next(std::size_t taken, std::size_t ended, bool isExcluded) {
-        const std::size_t place = find(taken);
-        busyUntil[place] = ended;
-        last = place;
-        return static_cast<char>((isExcluded ? 'A' : 'a') + static_cast<char>(place));
+    // One that no backup before it had on a target that it takes; and, as long as there are enough, one that no
+    // other backup has while this one is there.
+    std::size_t next(std::size_t taken, std::size_t ended, const std::set<std::size_t>& before) {
+        last = find(taken, before);
+        busyUntil[last] = std::max(busyUntil[last], ended);
+        return last;
     }
 
 private:
-    [[nodiscard]] std::size_t find(std::size_t taken) const {
+    [[nodiscard]] std::size_t find(std::size_t taken, const std::set<std::size_t>& before) const {
+        std::optional<std::size_t> shared;
         for (std::size_t step = 1; step <= kLetters; ++step) {
-            const std::size_t place = (last + step) % kLetters;
-            if (busyUntil[place] < taken) {
-                return place;
+            const std::size_t letter = (last + step) % kLetters;
+            if (before.count(letter) != 0) {
+                continue;
             }
-        }
-        for (std::size_t step = 1; step <= kLetters; ++step) {
-            const std::size_t place = (last + step) % kLetters;
-            if (busyUntil[place] != taken) {
-                return place;
+            if (busyUntil[letter] < taken) {
+                return letter;
             }
+            shared = shared.value_or(letter);
         }
-        return (last + 1) % kLetters;
+        return shared.value_or(last);
     }
 
     std::vector<std::size_t> busyUntil = std::vector<std::size_t>(kLetters, 0);
     std::size_t last = kLetters - 1;
 };
+
+std::size_t endOf(const SSnapshot& snapshot) {
+    return snapshot.end == EEnd::kHeld ? std::numeric_limits<std::size_t>::max() : snapshot.ended;
+}
 
 struct SWindow {
     std::size_t first = 1;
@@ -69,6 +75,37 @@ SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
     return window;
 }
 
+// The letter of each backup, in the order of taking.
+std::vector<char> lettersOf(const SSimulation& simulation) {
+    const std::size_t count = simulation.configurations.size();
+    // By configuration and target.
+    std::map<std::pair<std::size_t, std::size_t>, std::size_t> lastOn;
+    CLetters letters;
+    std::vector<char> result;
+    // A backup has one snapshot for each configuration, one after another.
+    for (std::size_t i = 0; i < simulation.snapshots.size(); i += count) {
+        std::set<std::size_t> before;
+        std::size_t ended = 0;
+        for (std::size_t j = i; j < i + count; ++j) {
+            const SSnapshot& snapshot = simulation.snapshots[j];
+            const auto last = lastOn.find({snapshot.configuration, snapshot.target});
+            if (last != lastOn.end()) {
+                before.insert(last->second);
+            }
+            ended = std::max(ended, endOf(snapshot));
+        }
+        const std::size_t taken = simulation.snapshots[i].taken;
+        const std::size_t letter = letters.next(taken, ended, before);
+        for (std::size_t j = i; j < i + count; ++j) {
+            const SSnapshot& snapshot = simulation.snapshots[j];
+            lastOn[{snapshot.configuration, snapshot.target}] = letter;
+        }
+        result.push_back(static_cast<char>((isExcluded(simulation.plan, taken) ? 'A' : 'a') +
+                                           static_cast<char>(letter)));
+    }
+    return result;
+}
+
 // By configuration and target, a character for each round of the window.
 std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation,
                                               const SWindow& window) {
@@ -77,21 +114,14 @@ std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation,
     for (const SAccountConfiguration& configuration : simulation.configurations) {
         cells.emplace_back(configuration.targets.size(), std::string(columns, kFree));
     }
-    CLetters letters;
-    char letter = kFree;
-    for (const SSnapshot& snapshot : simulation.snapshots) {
-        const std::size_t ended =
-            snapshot.end == EEnd::kHeld ? std::numeric_limits<std::size_t>::max() : snapshot.ended;
-        // The first of the snapshots that a backup has, one for each configuration.
-        if (snapshot.configuration == 0) {
-            letter =
-                letters.next(snapshot.taken, ended, isExcluded(simulation.plan, snapshot.taken));
-        }
+    const std::vector<char> letters = lettersOf(simulation);
+    for (std::size_t i = 0; i < simulation.snapshots.size(); ++i) {
+        const SSnapshot& snapshot = simulation.snapshots[i];
         const std::size_t from = std::max<std::size_t>(snapshot.taken, window.first);
-        const std::size_t to = std::min(ended, window.last + 1);
+        const std::size_t to = std::min(endOf(snapshot), window.last + 1);
         if (from < to) {
-            cells[snapshot.configuration][snapshot.target].replace(from - window.first, to - from,
-                                                                   to - from, letter);
+            cells[snapshot.configuration][snapshot.target].replace(
+                from - window.first, to - from, to - from, letters[i / cells.size()]);
         }
     }
     return cells;

@@ -72,23 +72,27 @@ TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
     }
 }
 
-// Thirty targets are held at once by backups that follow one another: more than there are letters.
+// Twice as many targets as there are letters are held at once, each for as many rounds.
 TEST(FiRotateTimeline, BackupsThatFollowOneAnotherOnATargetHaveDifferentLetters) {
-    constexpr std::uint32_t kTargets = 26;
+    constexpr std::uint32_t kTargets = 52;
     SSimulation simulation = oneTarget(0);
-    simulation.configurations[0].targets.resize(kTargets, "encA##s");
+    simulation.configurations[0].targets.assign(kTargets, "encA##s");
     simulation.finishedRounds = 3 * kTargets;
     for (std::uint32_t round = 1; round <= simulation.finishedRounds; ++round) {
         simulation.snapshots.push_back(
             {0, (round - 1) % kTargets, round, round + kTargets, EEnd::kRotated});
     }
+    std::size_t row = 0;
+    constexpr std::size_t kFirstColumn = 17;
     for (const std::string& line : linesOf(toTimeline(simulation, 200))) {
         if (line.find("encA##s ") != std::string::npos) {
-            const std::string cells = line.substr(line.find_last_of(" .") + 1);
-            const std::size_t change = cells.find_first_not_of(cells.front());
-            EXPECT_LE(change, kTargets) << line;
+            const std::string cells = line.substr(kFirstColumn);
+            EXPECT_NE(cells.at(row + kTargets - 1), cells.at(row + kTargets)) << line;
+            EXPECT_NE(cells.at(row + 2 * kTargets - 1), cells.at(row + 2 * kTargets)) << line;
+            ++row;
         }
     }
+    EXPECT_EQ(row, kTargets);
 }
 
 TEST(FiRotateTimeline, IsEmptyWhenNoRoundWasFinished) {
