@@ -12,6 +12,9 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/calendar.h"
+#include "cli/columns.h"
+#include "cli/picture_layout.h"
+#include "cli/printable.h"
 #include "cli/time_axis.h"
 
 namespace fi_rotate {
@@ -20,16 +23,11 @@ namespace {
 // Where the time stamps lie on the axis.
 class CScale {
 public:
-    explicit CScale(const std::vector<SBackup>& backups) {
-        for (const SBackup& backup : backups) {
-            if (backup.loaded) {
-                stamps.insert(backup.timeStamp);
-            }
-        }
-        isTime = std::all_of(stamps.begin(), stamps.end(), [](const std::string& stamp) {
-            return parseTimeStamp(stamp).has_value();
-        });
-    }
+    explicit CScale(const std::vector<SBackup>& backups)
+        : stamps(stampsOf(backups)),
+          isTime(std::all_of(stamps.begin(), stamps.end(), [](const std::string& stamp) {
+              return parseTimeStamp(stamp).has_value();
+          })) {}
 
     [[nodiscard]] double at(const std::string& stamp) const {
         const auto time = isTime ? parseTimeStamp(stamp) : std::nullopt;
@@ -52,29 +50,41 @@ public:
         picture.timeLabel =
             isTime ? "time (as in the time stamps)" : "order of the time stamps as texts";
         if (isTime && !stamps.empty()) {
-            constexpr std::size_t kMostTicks = 5;
-            picture.ticks = timeTicks(static_cast<std::int64_t>(picture.from),
-                                      static_cast<std::int64_t>(picture.to), kMostTicks);
+            picture.ticks =
+                timeTicks(static_cast<std::int64_t>(picture.from),
+                          static_cast<std::int64_t>(picture.to), mostTicks(picture.columns));
         } else {
             addTexts(picture);
         }
     }
 
 private:
+    static std::set<std::string> stampsOf(const std::vector<SBackup>& backups) {
+        std::set<std::string> found;
+        for (const SBackup& backup : backups) {
+            if (backup.loaded) {
+                found.insert(backup.timeStamp);
+            }
+        }
+        return found;
+    }
+
     void addTexts(SPicture& picture) const {
         // As many as find room beside one another.
         constexpr std::size_t kMost = 5;
+        constexpr std::size_t kLongest = 20;
         const std::size_t step = stamps.size() / kMost + 1;
         std::size_t place = 0;
         for (const std::string& stamp : stamps) {
             if (place++ % step == 0) {
-                picture.ticks.push_back({at(stamp), stamp.empty() ? "(none)" : stamp});
+                picture.ticks.push_back(
+                    {at(stamp), stamp.empty() ? "(none)" : cutTo(asPrintable(stamp), kLongest)});
             }
         }
     }
 
     std::set<std::string> stamps;
-    bool isTime = false;
+    bool isTime;
 };
 
 using Place = std::pair<std::size_t, std::size_t>;

@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
-#include <utility>
 
 namespace fi_rotate {
 namespace {
@@ -36,7 +35,7 @@ std::string resolved(const std::string& file) {
 
 }  // namespace
 
-COutputFile::COutputFile(std::string file) : place(resolved(file)) {
+COutputFile::COutputFile(const std::string& file) : place(resolved(file)) {
     struct stat before {};
     const bool exists = stat(place.c_str(), &before) == 0;
     if (exists && !S_ISREG(before.st_mode)) {

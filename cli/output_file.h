@@ -10,7 +10,7 @@ namespace fi_rotate {
 class COutputFile {
 public:
     // Throws std::system_error when it cannot be written.
-    explicit COutputFile(std::string file);
+    explicit COutputFile(const std::string& file);
     // Without keep() the file is as it was before.
     ~COutputFile();
     COutputFile(const COutputFile&) = delete;

@@ -10,19 +10,9 @@
 namespace fi_rotate {
 namespace {
 
-double plotWidth(std::size_t columns) {
-    constexpr double kUsualColumn = 12;
-    constexpr double kSmallestColumn = 2;
-    constexpr double kLeast = 480;
-    constexpr double kUsual = 1200;
-    constexpr double kMost = 6000;
-    const auto count = static_cast<double>(columns);
-    return count * kSmallestColumn > kUsual ? std::min(count * kSmallestColumn, kMost)
-                                            : std::clamp(count * kUsualColumn, kLeast, kUsual);
-}
-
 double widthOfNames(const SPicture& picture) {
-    std::size_t widest = 0;
+    // Room for what stands above them.
+    std::size_t widest = 10;
     for (const SPictureGroup& group : picture.groups) {
         widest = std::max(widest, displayWidth(asPrintable(group.name)));
         for (const SPictureRow& row : group.rows) {
@@ -46,6 +36,22 @@ std::size_t laneFor(std::vector<double>& lanes, const SBar& bar) {
 }
 
 }  // namespace
+
+double plotWidth(std::size_t columns) {
+    constexpr double kUsualColumn = 12;
+    constexpr double kSmallestColumn = 2;
+    constexpr double kLeast = 480;
+    constexpr double kUsual = 1200;
+    constexpr double kMost = 6000;
+    const auto count = static_cast<double>(columns);
+    return count * kSmallestColumn > kUsual ? std::min(count * kSmallestColumn, kMost)
+                                            : std::clamp(count * kUsualColumn, kLeast, kUsual);
+}
+
+std::size_t mostTicks(std::size_t columns) {
+    constexpr double kWidest = 120;
+    return static_cast<std::size_t>(plotWidth(columns) / kWidest) + 1;
+}
 
 SLayout::SLayout(const SPicture& picture)
     : left(widthOfNames(picture) + 3 * kPictureMargin),

@@ -14,6 +14,12 @@ constexpr double kPictureLane = 16;
 constexpr double kPictureCharacter = 6.7;
 constexpr std::size_t kLongestPictureName = 32;
 
+// The room for time in a picture with so many columns.
+double plotWidth(std::size_t columns);
+
+// How many dates find room beside one another in it.
+std::size_t mostTicks(std::size_t columns);
+
 struct SPlacedRow {
     double top = 0;
     double height = 0;

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/calendar.h"
+#include "cli/picture_layout.h"
 #include "cli/time_axis.h"
 
 namespace fi_rotate {
@@ -94,8 +95,7 @@ SPicture pictureOf(const SSimulation& simulation) {
     picture.from = static_cast<double>(plan.start);
     picture.to = static_cast<double>(end);
     picture.columns = std::max<std::size_t>(last, 1);
-    constexpr std::size_t kMostTicks = 10;
-    picture.ticks = timeTicks(plan.start, end, kMostTicks);
+    picture.ticks = timeTicks(plan.start, end, mostTicks(picture.columns));
     for (const SAccountConfiguration& configuration : simulation.configurations) {
         SPictureGroup& group = picture.groups.emplace_back();
         group.name = configuration.first;

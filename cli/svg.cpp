@@ -122,10 +122,10 @@ const char* classOf(EBar kind) {
 std::string shape(double x, double y, double width, bool isOpen) {
     if (!isOpen) {
         return fmt::format(
-            "<rect class=\"shape\" x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" height=\"{}\"/>", x,
-            y, width, kBarHeight);
+            R"(<rect class="shape" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)", x, y,
+            width, kBarHeight);
     }
-    return fmt::format("<path class=\"shape\" d=\"M{:.1f} {:.1f}h{:.1f}l{} {}l-{} {}h-{:.1f}z\"/>",
+    return fmt::format(R"(<path class="shape" d="M{:.1f} {:.1f}h{:.1f}l{} {}l-{} {}h-{:.1f}z"/>)",
                        x, y, width, kTip, kBarHeight / 2, kTip, kBarHeight / 2, width);
 }
 
@@ -136,19 +136,19 @@ public:
     std::string draw() {
         std::string body = heading();
         body += axis();
-        body += text(kPictureMargin, top - 5, " class=\"remark\"", escaped(picture.rowLabel));
+        body += text(kPictureMargin, top - 5, R"( class="remark")", escaped(picture.rowLabel));
         const double first = top;
         body += rows(first) + grid(first) + lineAcross(first) + bars(first);
         top += layout.height;
         body += axis();
         top += kPictureLine;
         body += text(layout.left + layout.width / 2, top - 5,
-                     " class=\"remark\" text-anchor=\"middle\"", escaped(picture.timeLabel));
+                     R"( class="remark" text-anchor="middle")", escaped(picture.timeLabel));
         body += legend();
         body += notes();
         return fmt::format(
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-            "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0:.0f}\" height=\"{1:.0f}\" "
+            R"(<svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" )"
             "viewBox=\"0 0 {0:.0f} {1:.0f}\" role=\"img\">\n"
             "  <title>{2}</title>\n"
             "  <style>{3}</style>\n"
@@ -169,9 +169,9 @@ private:
 
     std::string heading() {
         top = kPictureMargin;
-        std::string lines = line(" class=\"heading\"", picture.title);
+        std::string lines = line(R"( class="heading")", picture.title);
         for (const std::string& remark : picture.remarks) {
-            lines += line(" class=\"remark\"", remark);
+            lines += line(R"( class="remark")", remark);
         }
         top += kPictureLine / 2;
         return lines;
@@ -182,7 +182,7 @@ private:
         std::string labels;
         for (const STick& tick : picture.ticks) {
             labels +=
-                text(layout.x(tick.at), top - 5, " text-anchor=\"middle\"", escaped(tick.label));
+                text(layout.x(tick.at), top - 5, R"( text-anchor="middle")", escaped(tick.label));
         }
         return labels;
     }
@@ -192,7 +192,7 @@ private:
         for (std::size_t i = 0; i < picture.groups.size(); ++i) {
             const SPictureGroup& group = picture.groups[i];
             drawn += cutText(kPictureMargin, first + layout.groupTops[i] + kPictureLine - 5,
-                             " class=\"group\"", group.name);
+                             R"( class="group")", group.name);
             for (std::size_t j = 0; j < group.rows.size(); ++j) {
                 drawn += row(group.rows[j], layout.rows[i][j], first, j % 2 == 0);
             }
@@ -205,10 +205,9 @@ private:
         const double y = first + place.top;
         std::string drawn;
         if (isBand) {
-            drawn += fmt::format(
-                "  <rect class=\"band\" x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" "
-                "height=\"{:.1f}\"/>\n",
-                layout.left, y, layout.width, place.height);
+            drawn += fmt::format(R"(  <rect class="band" x="{:.1f}" y="{:.1f}" width="{:.1f}" )"
+                                 "height=\"{:.1f}\"/>\n",
+                                 layout.left, y, layout.width, place.height);
         }
         drawn += cutText(2 * kPictureMargin, y + kPictureLane - 4, "", shown.name);
         if (shown.isChosen) {
@@ -271,11 +270,11 @@ private:
         std::string ground;
         if (bar.kind == EBar::kExcluded || bar.kind == EBar::kInvalid) {
             ground = fmt::format(
-                "<rect class=\"paper\" x=\"{:.1f}\" y=\"{:.1f}\" width=\"{:.1f}\" height=\"{}\"/>",
+                R"(<rect class="paper" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)",
                 x + 0.5, y + 0.5, static_cast<double>(displayWidth(cut)) * kPictureCharacter + 4,
                 kBarHeight - 1);
         }
-        return ground + fmt::format("<text x=\"{:.1f}\" y=\"{:.1f}\">{}</text>", x + 3,
+        return ground + fmt::format(R"(<text x="{:.1f}" y="{:.1f}">{}</text>)", x + 3,
                                     y + kBarHeight - 2.5, escaped(cut));
     }
 
@@ -318,7 +317,7 @@ private:
         std::string lines;
         top += picture.notes.empty() ? 0 : kPictureLine / 2;
         for (const std::string& note : picture.notes) {
-            lines += line(" class=\"remark\"", note);
+            lines += line(R"( class="remark")", note);
         }
         return lines;
     }
