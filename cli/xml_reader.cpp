@@ -2,12 +2,14 @@
 
 #include <memory>
 #include <new>
+#include <stdexcept>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
@@ -46,9 +48,11 @@ void readDocument(const std::string& document, xercesc::DefaultHandler& handler)
     reader->setEntityResolver(&handler);
     try {
         reader->parse(source);
+        // None of these is a std::exception.
     } catch (const xercesc::OutOfMemoryException&) {
-        // It is no std::exception.
         throw std::bad_alloc();
+    } catch (const xercesc::XMLException& error) {
+        throw std::runtime_error(toLocalCodePage(error.getMessage()));
     }
 }
 

@@ -28,7 +28,7 @@ public:
         }
     }
 
-    const std::string& result() const { return nearest; }
+    [[nodiscard]] const std::string& result() const { return nearest; }
 
 private:
     static constexpr std::size_t kFarthest = 3;
@@ -126,7 +126,7 @@ private:
     }
 
     // The library looks at pairs up to the first that matches nothing.
-    std::string_view consequence() const {
+    [[nodiscard]] std::string_view consequence() const {
         return isPassed ? "it is not looked at, for a pair before it matches nothing"
                         : "an exception ends the call";
     }

@@ -27,7 +27,7 @@ constexpr XMLSize_t kLongestEntity = 256;
 constexpr std::size_t kMostAttributes = 256;
 
 // The XML library delivers longer runs of text in pieces.
-constexpr std::size_t kLongestRun = 1024 * 1024;
+constexpr std::size_t kLongestRun = 1 << 20;
 
 std::string countOf(std::size_t count, const char* thing) {
     return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
@@ -62,7 +62,7 @@ public:
     void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
                       const xercesc::Attributes& attributes) override;
     void endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname) override;
-    void characters(const XMLCh* chars, XMLSize_t length) override;
+    void characters(const XMLCh* chars, XMLSize_t count) override;
     void fatalError(const xercesc::SAXParseException& report) override;
 
     void startDTD(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
@@ -83,9 +83,9 @@ private:
         std::size_t length = 0;
     };
 
-    SPlace here() const;
-    SSite startTag() const;
-    std::size_t offsetOf(const SSite& site) const;
+    [[nodiscard]] SPlace here() const;
+    [[nodiscard]] SSite startTag() const;
+    [[nodiscard]] std::size_t offsetOf(const SSite& site) const;
     void report(EHazard hazard, const SSite& site, std::string what);
     [[noreturn]] void stop(EHazard hazard, const SSite& site, std::string what);
 

@@ -24,8 +24,8 @@ struct SSpot {
 // Finds the places of bytes in a text, whose lines end in a line feed, a carriage return, or both.
 class CLines {
 public:
-    // `text` is borrowed.
-    explicit CLines(std::string_view text);
+    // The text is borrowed.
+    explicit CLines(std::string_view borrowed);
 
     // The byte at `offset`, which is at most the size of the text; columns count characters.
     SSpot at(std::size_t offset) const;
