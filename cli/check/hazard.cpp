@@ -60,8 +60,8 @@ to the first of them, so that nothing of use is left. Write it in UTF-8.)"},
 document is malformed, or names are read as others than were written and then match nothing.)"},
     {EHazard::kMalformedXml, "malformed-xml", ESeverity::kError,
      R"(The document is not well-formed. The library says nothing about it: it uses what was read before the
-fault. Elements that had not ended are not seen; devices that come after the fault are not known, so that
-their targets count as free.)"},
+fault. Data elements that had not ended do not count; devices that come after the fault are not known, so
+that their targets count as free.)"},
     {EHazard::kDoctype, "doctype", ESeverity::kWarning,
      R"(The document has a DOCTYPE. Nothing is validated, but what it declares is obeyed: entities are opened and
 expanded by whoever reads the document.)"},
