@@ -68,7 +68,8 @@ std::string toTable(const std::vector<Row>& rows, bool colour) {
     return table;
 }
 
-// The formatting library pads to a width by its own measure of a text, so the padding it adds tells that measure.
+// The formatting library pads to a width by its own measure of a text, so the padding it adds tells that
+// measure.
 std::size_t displayWidth(const std::string& text) {
     const std::size_t padded = fmt::formatted_size("{:<{}}", text, text.size());
     return 2 * text.size() - padded;

@@ -24,8 +24,8 @@ std::string toTable(const std::vector<Row>& rows, bool colour);
 // Columns on a terminal.
 std::size_t displayWidth(const std::string& text);
 
-// `text`, or as much of its start and its end as leaves room for an ellipsis between them within `width`, at least 1,
-// columns: names of one kind mostly differ at the end.
+// `text`, or as much of its start and its end as leaves room for an ellipsis between them within `width`, at
+// least 1, columns: names of one kind mostly differ at the end.
 std::string cutTo(const std::string& text, std::size_t width);
 
 }  // namespace fi_rotate

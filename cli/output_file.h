@@ -5,8 +5,8 @@
 
 namespace fi_rotate {
 
-// A file that is there whole or not at all: written beside its place under another name, and moved there in the
-// end. What is no ordinary file (a pipe, a device) is written in place.
+// A file that is there whole or not at all: written beside its place under another name, and moved there in
+// the end. What is no ordinary file (a pipe, a device) is written in place.
 class COutputFile {
 public:
     // Throws std::system_error when it cannot be written.

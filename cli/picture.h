@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// Targets as rows and time as columns: what is to be drawn, whoever draws it. Positions in time are numbers whose
-// scale is the ticks'.
+// Targets as rows and time as columns: what is to be drawn, whoever draws it. Positions in time are numbers
+// whose scale is the ticks'.
 namespace fi_rotate {
 
 enum class EBar {

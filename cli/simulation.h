@@ -20,7 +20,8 @@ struct SPlan {
     std::int64_t every = 0;
     // The time of the first round.
     std::int64_t start = 0;
-    // At most one of the two: every K-th round, and the rounds of a day of the week, are excluded from rotation.
+    // At most one of the two: every K-th round, and the rounds of a day of the week, are excluded from
+    // rotation.
     std::optional<std::size_t> excludedEvery;
     std::optional<int> excludedWeekday;
 };

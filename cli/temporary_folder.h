@@ -5,8 +5,9 @@
 
 namespace fi_rotate {
 
-// A folder for files that nobody keeps, in memory where the system offers that; removed with all that is in it.
-// Its name holds the number of the process, so that one that a killed process left is known for what it is.
+// A folder for files that nobody keeps, in memory where the system offers that; removed with all that is in
+// it. Its name holds the number of the process, so that one that a killed process left is known for what it
+// is.
 class CTemporaryFolder {
 public:
     // Throws std::system_error when none can be made.

@@ -27,8 +27,8 @@ constexpr char kNoTarget = '!';
 // Letters as numbers from 0 on, one for each backup.
 class CLetters {
 public:
-    // One that no backup before it had on a target that it takes; and, as long as there are enough, one that no
-    // other backup has while this one is there.
+    // One that no backup before it had on a target that it takes; and, as long as there are enough, one that
+    // no other backup has while this one is there.
     std::size_t next(std::size_t taken, std::size_t ended, const std::set<std::size_t>& before) {
         last = find(taken, before);
         busyUntil[last] = std::max(busyUntil[last], ended);
