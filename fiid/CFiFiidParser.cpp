@@ -77,6 +77,7 @@ void CFiFiidParser::parse(const std::string& document) {
         const MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()),
                                        document.size(), "mofi_sax_parser", false,
                                        XMLPlatformUtils::fgMemoryManager);
+        limits.startDocument();
         reader->parse(source);
     }
     traceExiting("CFiFiidParser::parse");

@@ -34,8 +34,9 @@ void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
 
 void CFiXmlLimits::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/,
                                  const XMLCh* /*type*/, const XMLCh* /*mode*/, const XMLCh* value) {
+    ++attributes;
     // Every element gets the default anew.
-    if (isLong(value)) {
+    if (attributes > kMostAttributes || isLong(value)) {
         refuse();
     }
 }

@@ -16,18 +16,24 @@ constexpr bool kHardenedXml = false;
 //
 // Nothing external is opened. References to entities are counted, but not those within a DTD; so an entity
 // may not refer to another one, and neither an entity nor the default of an attribute may be long. Entities
-// of the DTD itself (parameter entities) may not be declared at all.
+// of the DTD itself (parameter entities) may not be declared at all. Attributes are counted, because every
+// element costs the reader a look at all that are declared for it.
 class CFiXmlLimits : private xercesc::DeclHandler {
 public:
     // References to entities that a document may make; the five predefined ones are not counted.
     static constexpr XMLSize_t kMostReferences = 100;
     // Characters that an entity or the default of an attribute may have.
     static constexpr XMLSize_t kLongestText = 256;
+    // Attributes that a DTD may declare.
+    static constexpr XMLSize_t kMostAttributes = 256;
 
     CFiXmlLimits();
 
     // These limits are borrowed by `reader` and must outlive it.
     void applyTo(xercesc::SAX2XMLReader& reader);
+
+    // Another document follows, with counts of its own.
+    void startDocument() { attributes = 0; }
 
 private:
     void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type,
@@ -38,4 +44,5 @@ private:
     void internalEntityDecl(const XMLCh* name, const XMLCh* value) override;
 
     xercesc::SecurityManager references;
+    XMLSize_t attributes = 0;
 };

@@ -68,6 +68,37 @@ TEST_F(CFiXmlLimitsTest, AcceptDeclarationsThatNeitherNestNorOpenAnything) {
     EXPECT_FALSE(isRefused("<!DOCTYPE a [<!ENTITY e 'value'>]><a b='&e;'>&e;</a>"));
 }
 
+// `count` attributes of one element.
+std::string attributeList(int count) {
+    std::string list = "<!ATTLIST a";
+    for (int i = 0; i < count; ++i) {
+        list += " b" + std::to_string(i) + " CDATA 'c'";
+    }
+    return list + ">";
+}
+
+TEST_F(CFiXmlLimitsTest, CountTheAttributesThatADtdDeclares) {
+    EXPECT_FALSE(isDeclarationRefused(attributeList(256)));
+    EXPECT_TRUE(isDeclarationRefused(attributeList(257)));
+}
+
+TEST_F(CFiXmlLimitsTest, CountTheAttributesOfEachDocumentAnew) {
+    CFiXmlLimits limits;
+    CReportCounter counter;
+    const std::unique_ptr<xercesc::SAX2XMLReader> reader(
+        xercesc::XMLReaderFactory::createXMLReader());
+    limits.applyTo(*reader);
+    reader->setFeature(xercesc::XMLUni::fgSAX2CoreValidation, false);
+    reader->setErrorHandler(&counter);
+    const std::string document = "<!DOCTYPE a [" + attributeList(256) + "]><a/>";
+    for (int i = 0; i < 2; ++i) {
+        limits.startDocument();
+        reader->parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(document.data()),
+                                                 document.size(), "document"));
+    }
+    EXPECT_EQ(counter.fatalErrors, 0);
+}
+
 TEST_F(CFiXmlLimitsTest, AcceptAnExternalEntityThatNobodyRefersTo) {
     EXPECT_FALSE(isDeclarationRefused("<!ENTITY e SYSTEM '/dev/zero'>"));
     EXPECT_FALSE(isDeclarationRefused("<!ENTITY % e SYSTEM '/dev/zero'>"));
