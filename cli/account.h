@@ -57,7 +57,7 @@ struct SAccountBackup {
     std::string timeStamp;
     // FI_BACKUP_...; in a call without a selection the one that it had come to.
     std::int32_t state = 0;
-    // Nothing when the call ended before one was known.
+    // Nothing when the call ended before one was known, or lines of its trace are missing.
     std::optional<SReason> reason;
 };
 

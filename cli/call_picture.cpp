@@ -24,10 +24,7 @@ namespace {
 class CScale {
 public:
     explicit CScale(const std::vector<SBackup>& backups)
-        : stamps(stampsOf(backups)),
-          isTime(std::all_of(stamps.begin(), stamps.end(), [](const std::string& stamp) {
-              return parseTimeStamp(stamp).has_value();
-          })) {}
+        : stamps(stampsOf(backups)), isTime(areTimes(stamps)) {}
 
     [[nodiscard]] double at(const std::string& stamp) const {
         const auto time = isTime ? parseTimeStamp(stamp) : std::nullopt;
@@ -67,6 +64,12 @@ private:
             }
         }
         return found;
+    }
+
+    static bool areTimes(const std::set<std::string>& stamps) {
+        return std::all_of(stamps.begin(), stamps.end(), [](const std::string& stamp) {
+            return parseTimeStamp(stamp).has_value();
+        });
     }
 
     void addTexts(SPicture& picture) const {

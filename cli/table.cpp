@@ -78,7 +78,7 @@ std::string backupTable(const SOutcome& outcome, bool colour) {
 }
 
 const char* withoutReason(const SBackup& backup) {
-    return backup.loaded ? "the call ended before one was known" : "took no part";
+    return backup.loaded ? "not known" : "took no part";
 }
 
 std::string reasonTable(const SOutcome& outcome) {

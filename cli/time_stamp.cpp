@@ -1,5 +1,6 @@
 #include "cli/time_stamp.h"
 
+#include <cstddef>
 #include <string>
 
 #include <xercesc/sax2/DefaultHandler.hpp>
@@ -38,6 +39,22 @@ public:
         }
     }
 
+    void attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
+                       const XMLCh* /*mode*/, const XMLCh* value) override {
+        ++attributes;
+        if (attributes > kMostAttributes || XMLString::stringLen(value) > kLongestEntity) {
+            refuseDocument();
+        }
+    }
+
+    void internalEntityDecl(const XMLCh* name, const XMLCh* value) override {
+        const bool isParameterEntity = name[0] == u'%';
+        const bool refersToEntity = XMLString::indexOf(value, u'&') >= 0;
+        if (isParameterEntity || refersToEntity || XMLString::stringLen(value) > kLongestEntity) {
+            refuseDocument();
+        }
+    }
+
     // What was read before the fault counts, as it does for the library.
     void fatalError(const xercesc::SAXParseException& /*report*/) override {}
 
@@ -47,6 +64,7 @@ private:
     std::string text;
     long depth = 0;
     bool hasRoot = false;
+    std::size_t attributes = 0;
 };
 
 std::string readTimeStamp(const std::string& file) {

@@ -8,6 +8,7 @@
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLString.hpp>
@@ -28,6 +29,11 @@ struct STranscodedRelease {
 std::string toLocalCodePage(const XMLCh* text) {
     const std::unique_ptr<char, STranscodedRelease> local(XMLString::transcode(text));
     return local == nullptr ? std::string() : std::string(local.get());
+}
+
+void refuseDocument() {
+    ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
+                       xercesc::XMLPlatformUtils::fgMemoryManager);
 }
 
 void readDocument(const std::string& document, xercesc::DefaultHandler& handler) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include <xercesc/sax2/DefaultHandler.hpp>
@@ -21,6 +22,13 @@ std::string toLocalCodePage(const XMLCh* text);
 
 // References to entities, the five predefined ones not counted, after which a document is not read on.
 constexpr XMLSize_t kMostReferences = 100;
+// Characters that an entity or the default of an attribute may have, and attributes that a DTD may declare, for a
+// document to be read on: each reference, or each element, gets them anew. Handlers see to it.
+constexpr XMLSize_t kLongestEntity = 256;
+constexpr std::size_t kMostAttributes = 256;
+
+// For a handler that will not have the document read on: the reader makes a fatal error of it.
+[[noreturn]] void refuseDocument();
 
 // Reports what stands in `document` to `handler` while a CXmlLibrary lives. What `handler` does not resolve
 // itself stays unopened and is a fatal error.

@@ -9,7 +9,6 @@
 #include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
-#include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 #include "cli/check/doctype.h"
@@ -20,11 +19,6 @@ namespace fi_rotate {
 namespace {
 
 using xercesc::XMLString;
-
-// Characters that an entity or the default of an attribute may have, and attributes that a DTD may declare,
-// for a document to be read on: each reference, or each element, gets them anew.
-constexpr XMLSize_t kLongestEntity = 256;
-constexpr std::size_t kMostAttributes = 256;
 
 // The XML library delivers longer runs of text in pieces.
 constexpr std::size_t kLongestRun = 1 << 20;
@@ -149,9 +143,7 @@ void CTreeReader::report(EHazard hazard, const SSite& site, std::string what) {
 void CTreeReader::stop(EHazard hazard, const SSite& site, std::string what) {
     report(hazard, site, std::move(what));
     tree.isCutShort = true;
-    // The reader makes a fatal error of it.
-    ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
-                       xercesc::XMLPlatformUtils::fgMemoryManager);
+    refuseDocument();
 }
 
 void CTreeReader::characters(const XMLCh* chars, XMLSize_t count) {

@@ -137,7 +137,7 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
               "\n"
               "Reasons\n"
               "  a.xml\n"
-              "    no state: the call ended before one was known\n"
+              "    no state: not known\n"
               "\n"
               "Missing from the log\n"
               "  its end, after line 4\n");

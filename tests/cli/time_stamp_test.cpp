@@ -29,6 +29,10 @@ const SRow kRows[] = {
     {"in a CDATA section", "<Node><timeStamp><![CDATA[8]]></timeStamp></Node>", "8"},
     {"another case", "<Node><TimeStamp>9</TimeStamp></Node>", ""},
     {"with a prefix", "<Node><x:timeStamp xmlns:x=\"u\">9</x:timeStamp></Node>", ""},
+    {"behind a DTD that lets nothing grow",
+     "<!DOCTYPE Node [<!ENTITY e 'x'><!ATTLIST Node a CDATA 'b'>]>"
+     "<Node><timeStamp>20260101</timeStamp></Node>",
+     "20260101"},
     {"before a fault", "<Node><timeStamp>10</timeStamp><Node>", "10"},
     {"in another encoding",
      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Node><timeStamp>\xE4</timeStamp></Node>",
@@ -71,6 +75,30 @@ TEST(FiRotateTimeStamp, IsNotTakenFromAForeignFile) {
     backups[0].loaded = true;
     fi_rotate::readTimeStamps(backups);
     EXPECT_EQ(backups[0].timeStamp, "");
+}
+
+TEST(FiRotateTimeStamp, IsNotReadWhereADtdLetsTheDocumentGrow) {
+    std::string attributes;
+    for (int i = 0; i < 257; ++i) {
+        attributes += " a" + std::to_string(i) + " CDATA 'x'";
+    }
+    const std::string dtds[] = {
+        "<!ENTITY e '" + std::string(257, 'x') + "'>",
+        "<!ENTITY e 'x'><!ENTITY f '&e;&e;'>",
+        "<!ENTITY % p 'x'>",
+        "<!ATTLIST Node a CDATA '" + std::string(257, 'x') + "'>",
+        "<!ATTLIST Node" + attributes + ">",
+    };
+    for (const std::string& dtd : dtds) {
+        const fi_test::TemporaryFolder folder;
+        std::vector<fi_rotate::SBackup> backups(1);
+        backups[0].file =
+            folder.write("backup.xml", "<!DOCTYPE Node [" + dtd +
+                                           "]><Node><timeStamp>20260101</timeStamp></Node>");
+        backups[0].loaded = true;
+        fi_rotate::readTimeStamps(backups);
+        EXPECT_EQ(backups[0].timeStamp, "") << dtd;
+    }
 }
 
 TEST(FiRotateTimeStamp, IsNotLookedForInADocumentThatWasNotLoaded) {
