@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -17,6 +18,22 @@ std::vector<std::size_t> columnWidths(const std::vector<Row>& rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
             widths[i] = std::max(widths[i], displayWidth(row[i].text));
         }
+    }
+    return widths;
+}
+
+// Takes from the widest column as long as the line is too long.
+std::vector<std::size_t> fitted(std::vector<std::size_t> widths, std::size_t width) {
+    constexpr std::size_t kNarrowest = 8;
+    std::size_t line = kGap.size() * widths.size();
+    line = std::accumulate(widths.begin(), widths.end(), line);
+    while (line > width) {
+        const auto widest = std::max_element(widths.begin(), widths.end());
+        if (*widest <= kNarrowest) {
+            break;
+        }
+        --*widest;
+        --line;
     }
     return widths;
 }
@@ -59,10 +76,13 @@ Row toRow(std::initializer_list<std::string> texts, fmt::text_style style) {
     return row;
 }
 
-std::string toTable(const std::vector<Row>& rows, bool colour) {
-    const std::vector<std::size_t> widths = columnWidths(rows);
+std::string toTable(std::vector<Row> rows, std::size_t width, bool colour) {
+    const std::vector<std::size_t> widths = fitted(columnWidths(rows), width);
     std::string table;
-    for (const Row& row : rows) {
+    for (Row& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            row[i].text = cutTo(row[i].text, widths[i]);
+        }
         table += toLine(row, widths, colour);
     }
     return table;

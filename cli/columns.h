@@ -18,8 +18,9 @@ using Row = std::vector<SCell>;
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style = {});
 
-// A line for each row; columns are as wide as their longest text. All rows have as many cells as the first.
-std::string toTable(const std::vector<Row>& rows, bool colour);
+// A line for each row; columns are as wide as their longest text. All rows have as many cells as the first. Where
+// lines would be longer than `width` columns, the widest cells are cut, if that leaves something to be read of them.
+std::string toTable(std::vector<Row> rows, std::size_t width, bool colour);
 
 // Columns on a terminal.
 std::size_t displayWidth(const std::string& text);

@@ -19,6 +19,7 @@
 #include "cli/log.h"
 #include "cli/select.h"
 #include "cli/table.h"
+#include "cli/terminal.h"
 
 namespace fi_rotate {
 namespace {
@@ -89,7 +90,7 @@ void sayNoCall(const SOptions& options, std::size_t count) {
 std::string toTables(const std::vector<SLoggedCall>& calls) {
     std::string text;
     for (const SLoggedCall& call : calls) {
-        text += (text.empty() ? "" : "\n") + toTables(call, wantsColour());
+        text += (text.empty() ? "" : "\n") + toTables(call, widthOfOutput(), wantsColour());
     }
     return text;
 }

@@ -30,6 +30,7 @@
 #include "cli/request.h"
 #include "cli/svg.h"
 #include "cli/table.h"
+#include "cli/terminal.h"
 #include "cli/time_stamp.h"
 
 namespace fi_rotate {
@@ -216,7 +217,8 @@ int runSelect(const SOptions& options) {
         outcome.account.reset();
     }
     const SOutcome selected = onlyShown(outcome, options.shownStates);
-    const std::string shown = options.json ? toJson(selected) : toTables(selected, wantsColour());
+    const std::string shown =
+        options.json ? toJson(selected) : toTables(selected, widthOfOutput(), wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
     sayWhatWentWrong(outcome, options.trace);
 

@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -139,10 +138,9 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
 std::string toText(const SSimulationReport& report) {
     // In a file nothing needs to be cut but the timeline, whose columns have no end.
     const std::size_t width = widthOfTerminal(STDOUT_FILENO);
-    const std::size_t room =
-        isatty(STDOUT_FILENO) == 1 ? width : std::numeric_limits<std::size_t>::max();
     const std::string timeline = toTimeline(report.simulation, width);
-    return timeline + (timeline.empty() ? "" : "\n") + toSummary(report, room, wantsColour());
+    return timeline + (timeline.empty() ? "" : "\n") +
+           toSummary(report, widthOfOutput(), wantsColour());
 }
 
 int runSimulate(const SOptions& options) {

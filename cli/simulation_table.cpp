@@ -75,40 +75,12 @@ Row rowOf(const SSimulationReport& report, std::size_t i) {
     return row;
 }
 
-// Cuts the first column of a table that is too wide.
-std::string fitted(std::vector<Row> rows, std::size_t width, bool colour) {
-    constexpr std::size_t kShortestName = 8;
-    const auto widest = [](const std::string& table) {
-        std::size_t most = 0;
-        for (std::size_t start = 0; start < table.size();) {
-            const std::size_t end = table.find('\n', start);
-            most = std::max(most, displayWidth(table.substr(start, end - start)));
-            start = end + 1;
-        }
-        return most;
-    };
-    const std::size_t now = widest(toTable(rows, false));
-    if (now > width) {
-        std::size_t longest = 0;
-        for (const Row& row : rows) {
-            longest = std::max(longest, displayWidth(row.front().text));
-        }
-        const std::size_t tooMuch = now - width;
-        const std::size_t room =
-            longest > tooMuch + kShortestName ? longest - tooMuch : kShortestName;
-        for (Row& row : rows) {
-            row.front().text = cutTo(row.front().text, room);
-        }
-    }
-    return toTable(rows, colour);
-}
-
 std::string configurationTable(const SSimulationReport& report, std::size_t width, bool colour) {
     std::vector<Row> rows{headingOf(report)};
     for (std::size_t i = 0; i < report.summaries.size(); ++i) {
         rows.push_back(rowOf(report, i));
     }
-    return fitted(std::move(rows), width, colour);
+    return toTable(std::move(rows), width, colour);
 }
 
 std::string standstillLines(const SSimulationReport& report) {

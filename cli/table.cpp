@@ -37,7 +37,7 @@ std::string withoutSelection(const SOutcome& outcome) {
     return isOver(outcome) ? "Selection: none\n" : "Selection: not known\n";
 }
 
-std::string selectionTable(const SOutcome& outcome, bool colour) {
+std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colour) {
     if (!outcome.selection.has_value()) {
         return withoutSelection(outcome);
     }
@@ -52,10 +52,10 @@ std::string selectionTable(const SOutcome& outcome, bool colour) {
     for (const SChoice& choice : *chosen) {
         rows.push_back(toRow({asPrintable(choice.first), asPrintable(choice.chosen)}));
     }
-    return "Selection\n" + toTable(rows, colour);
+    return "Selection\n" + toTable(std::move(rows), width, colour);
 }
 
-std::string backupTable(const SOutcome& outcome, bool colour) {
+std::string backupTable(const SOutcome& outcome, std::size_t width, bool colour) {
     const std::size_t hidden = outcome.hiddenBackups;
     if (outcome.backups.empty() && hidden != 0) {
         return fmt::format("Backups: none in these states, {} in others\n", hidden);
@@ -73,7 +73,7 @@ std::string backupTable(const SOutcome& outcome, bool colour) {
                                         : SCell{"-", {}});
         rows.push_back(std::move(row));
     }
-    return "Backups\n" + toTable(rows, colour) +
+    return "Backups\n" + toTable(std::move(rows), width, colour) +
            (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden));
 }
 
@@ -119,18 +119,19 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
 
 }  // namespace
 
-std::string toTables(const SOutcome& outcome, bool colour) {
-    std::string text = selectionTable(outcome, colour) + "\n" + backupTable(outcome, colour);
+std::string toTables(const SOutcome& outcome, std::size_t width, bool colour) {
+    std::string text =
+        selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, width, colour);
     if (outcome.account.has_value() && !outcome.backups.empty()) {
         text += "\n" + reasonTable(outcome) + shortageTable(outcome.account->shortages);
     }
     return text;
 }
 
-std::string toTables(const SLoggedCall& call, bool colour) {
+std::string toTables(const SLoggedCall& call, std::size_t width, bool colour) {
     const SOutcome& outcome = call.outcome;
     return fmt::format("Call {}, lines {} to {}\n\n", call.number, call.firstLine, call.lastLine) +
-           (outcome.account.has_value() ? toTables(outcome, colour) : "Selection: none\n") +
+           (outcome.account.has_value() ? toTables(outcome, width, colour) : "Selection: none\n") +
            toList("Messages", outcome.messages) + toList("Missing from the log", call.missing);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "cli/log.h"
@@ -7,11 +8,11 @@
 
 namespace fi_rotate {
 
-// The outcome for people: the selection, then a row for each backup. Columns are as wide as their
-// longest text; nothing is cut. With `colour`, states are coloured as well as named.
-std::string toTables(const SOutcome& outcome, bool colour);
+// The outcome for people: the selection, then a row for each backup. Names are cut in the middle where a row would
+// be longer than `width` columns. With `colour`, states are coloured as well as named.
+std::string toTables(const SOutcome& outcome, std::size_t width, bool colour);
 
 // The same of a call in a log, with where it stands there, what the library told, and what is missing.
-std::string toTables(const SLoggedCall& call, bool colour);
+std::string toTables(const SLoggedCall& call, std::size_t width, bool colour);
 
 }  // namespace fi_rotate

@@ -1,6 +1,9 @@
 #include "cli/terminal.h"
 
 #include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <limits>
 
 namespace fi_rotate {
 
@@ -9,6 +12,11 @@ std::size_t widthOfTerminal(int descriptor) {
     winsize size{};
     const bool isKnown = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     return isKnown ? size.ws_col : kUsual;
+}
+
+std::size_t widthOfOutput() {
+    return isatty(STDOUT_FILENO) == 1 ? widthOfTerminal(STDOUT_FILENO)
+                                      : std::numeric_limits<std::size_t>::max();
 }
 
 }  // namespace fi_rotate

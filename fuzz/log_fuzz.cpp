@@ -51,7 +51,8 @@ void requireReadable(const std::vector<SLoggedCall>& calls) {
     require(nlohmann::json::parse(toJson(calls))["calls"].size() == calls.size(),
             "every call is in the JSON");
     for (const SLoggedCall& call : calls) {
-        for (const char character : toTables(call, false)) {
+        constexpr std::size_t kWidth = 80;
+        for (const char character : toTables(call, kWidth, false)) {
             require(static_cast<unsigned char>(character) >= ' ' || character == '\n',
                     "no control character is shown");
         }

@@ -1,5 +1,7 @@
 #include "cli/table.h"
 
+#include <cstddef>
+#include <limits>
 #include <string>
 
 #include <fi_rotation/fi_process_backups.h>
@@ -20,6 +22,8 @@ SBackup backup(const std::string& file, const std::string& timeStamp, int flagWo
     return result;
 }
 
+constexpr std::size_t kAnyWidth = std::numeric_limits<std::size_t>::max();
+
 SOutcome someOutcome() {
     SOutcome outcome;
     outcome.status = FI_STATUS_SUCCESS;
@@ -32,7 +36,7 @@ SOutcome someOutcome() {
 }
 
 TEST(FiRotateTable, AlignsColumnsAndCutsNothing) {
-    EXPECT_EQ(fi_rotate::toTables(someOutcome(), false),
+    EXPECT_EQ(fi_rotate::toTables(someOutcome(), kAnyWidth, false),
               "Selection\n"
               "  first target     chosen target\n"
               "  encA##lun1       encA##snap1\n"
@@ -49,7 +53,7 @@ TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("\xC3\xA4.xml", "1", 0, FI_BACKUP_KEPT),
                        backup("\xE6\x97\xA5\xE6\x9C\xAC.xml", "2", 0, FI_BACKUP_INVALID)};
-    const std::string tables = fi_rotate::toTables(outcome, false);
+    const std::string tables = fi_rotate::toTables(outcome, kAnyWidth, false);
     EXPECT_NE(tables.find("  file      time stamp"), std::string::npos) << tables;
     EXPECT_NE(tables.find("  \xC3\xA4.xml     1 "), std::string::npos) << tables;
     EXPECT_NE(tables.find("  \xE6\x97\xA5\xE6\x9C\xAC.xml  2 "), std::string::npos) << tables;
@@ -58,17 +62,18 @@ TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
 TEST(FiRotateTable, KeepsANameWithALineBreakOnItsLine) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("a\nb.xml", "1", 0, FI_BACKUP_KEPT)};
-    EXPECT_NE(fi_rotate::toTables(outcome, false).find("  a\\x0Ab.xml  1 "), std::string::npos);
+    EXPECT_NE(fi_rotate::toTables(outcome, kAnyWidth, false).find("  a\\x0Ab.xml  1 "),
+              std::string::npos);
 }
 
 TEST(FiRotateTable, SaysWhyThereAreNoRows) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
-    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
               "Selection: none\n\nBackups: none, this is the first\n");
     outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "";
-    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
               "Selection: empty, since there is no configuration\n\n"
               "Backups: none, this is the first\n");
 }
@@ -77,11 +82,11 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
     outcome.hiddenBackups = 2;
-    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
               "Selection: none\n\nBackups: none in these states, 2 in others\n");
     outcome.backups.resize(1);
     outcome.backups[0].file = "a.xml";
-    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
               "Selection: none\n\nBackups\n"
               "  file   time stamp  flags  state\n"
               "  a.xml  -           0      not loaded\n"
@@ -92,18 +97,39 @@ TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
     SOutcome outcome;
     outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "[A##x][1;B##2]";
-    EXPECT_EQ(fi_rotate::toTables(outcome, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
               "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");
 }
 
 // Colour adds to what is there: without its escape sequences the text is the same.
 TEST(FiRotateTable, ColourChangesNoText) {
-    std::string coloured = fi_rotate::toTables(someOutcome(), true);
+    std::string coloured = fi_rotate::toTables(someOutcome(), kAnyWidth, true);
     EXPECT_NE(coloured.find("\x1B["), std::string::npos);
     for (std::size_t start = 0; (start = coloured.find("\x1B[")) != std::string::npos;) {
         coloured.erase(start, coloured.find('m', start) - start + 1);
     }
-    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), false));
+    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), kAnyWidth, false));
+}
+
+TEST(FiRotateTable, CutsTheLongestNamesForANarrowTerminal) {
+    SOutcome outcome;
+    outcome.status = FI_STATUS_SUCCESS;
+    outcome.selection = "[enclosure-0001##lun-0001;enclosure-0002##snapshot-000000001]";
+    SBackup backup;
+    backup.file = "/backups/2026/11/monday-the-second.xml";
+    backup.timeStamp = "20261102";
+    backup.loaded = true;
+    backup.state = FI_BACKUP_KEPT;
+    outcome.backups = {backup};
+    EXPECT_EQ(fi_rotate::toTables(outcome, 44, false),
+              // 20 columns for either name, and 16 for the file.
+              "Selection\n"
+              "  first target          chosen target\n"
+              "  enclosure…##lun-0001  enclosure…-000000001\n"
+              "\n"
+              "Backups\n"
+              "  file              time stamp  flags  state\n"
+              "  /backup…cond.xml  20261102    0      kept\n");
 }
 
 }  // namespace
