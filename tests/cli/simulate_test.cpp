@@ -201,7 +201,7 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
     } rows[] = {
         {{"simulate", "--rounds", "5", "--every", "24h", "--start", "2026-10-01"}, "--config"},
         {{"simulate", "--config", "a##b;c"}, "--rounds is required"},
-        {with("--rounds", "0"), "Value 0 not in range 1 to"},
+        {with("--rounds", "0"), "Value 0 not in range"},
         {with("--rounds", "many"), "many"},
         {with("--every", "1"), "\"1\" is not a whole number with one of the units s, m, h, d, w"},
         {with("--start", "1.10.2026"), "\"1.10.2026\" is not a date like 2026-10-01"},
