@@ -12,6 +12,10 @@ namespace {
 
 constexpr std::string_view kGap = "  ";
 
+std::string styled(const SCell& cell, bool colour) {
+    return colour ? fmt::format(cell.style, "{}", cell.text) : cell.text;
+}
+
 std::vector<std::size_t> columnWidths(const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const Row& row : rows) {
@@ -22,11 +26,14 @@ std::vector<std::size_t> columnWidths(const std::vector<Row>& rows) {
     return widths;
 }
 
+std::size_t lineWidth(const std::vector<std::size_t>& widths) {
+    return std::accumulate(widths.begin(), widths.end(), kGap.size() * widths.size());
+}
+
 // Takes from the widest column as long as the line is too long.
 std::vector<std::size_t> fitted(std::vector<std::size_t> widths, std::size_t width) {
     constexpr std::size_t kNarrowest = 8;
-    std::size_t line = kGap.size() * widths.size();
-    line = std::accumulate(widths.begin(), widths.end(), line);
+    std::size_t line = lineWidth(widths);
     while (line > width) {
         const auto widest = std::max_element(widths.begin(), widths.end());
         if (*widest <= kNarrowest) {
@@ -44,7 +51,7 @@ std::string toLine(const Row& row, const std::vector<std::size_t>& widths, bool 
     for (std::size_t i = 0; i < row.size(); ++i) {
         // Padding is written before the next cell, so that no line ends in spaces.
         line.append(padding, ' ').append(kGap);
-        line += colour ? fmt::format(row[i].style, "{}", row[i].text) : row[i].text;
+        line += styled(row[i], colour);
         padding = widths[i] - displayWidth(row[i].text);
     }
     return line + "\n";
@@ -86,6 +93,21 @@ std::string toTable(std::vector<Row> rows, std::size_t width, bool colour) {
         table += toLine(row, widths, colour);
     }
     return table;
+}
+
+std::string toTableOrLists(const std::vector<Row>& rows, std::size_t width, bool colour) {
+    if (lineWidth(columnWidths(rows)) <= width) {
+        return toTable(rows, width, colour);
+    }
+    std::string lists;
+    for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
+        lists += fmt::format("{}{}\n", kGap, styled(row->front(), colour));
+        for (std::size_t i = 1; i < row->size(); ++i) {
+            lists += fmt::format("{0}{0}{1}: {2}\n", kGap, rows.front()[i].text,
+                                 styled((*row)[i], colour));
+        }
+    }
+    return lists;
 }
 
 // The formatting library pads to a width by its own measure of a text, so the padding it adds tells that

@@ -22,6 +22,10 @@ Row toRow(std::initializer_list<std::string> texts, fmt::text_style style = {});
 // lines would be longer than `width` columns, the widest cells are cut, if that leaves something to be read of them.
 std::string toTable(std::vector<Row> rows, std::size_t width, bool colour);
 
+// The same without cutting anything: where lines would be too long, each row becomes some lines, its first cell and
+// below it the others behind the headings in the first row.
+std::string toTableOrLists(const std::vector<Row>& rows, std::size_t width, bool colour);
+
 // Columns on a terminal.
 std::size_t displayWidth(const std::string& text);
 

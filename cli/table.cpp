@@ -52,7 +52,7 @@ std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colo
     for (const SChoice& choice : *chosen) {
         rows.push_back(toRow({asPrintable(choice.first), asPrintable(choice.chosen)}));
     }
-    return "Selection\n" + toTable(std::move(rows), width, colour);
+    return "Selection\n" + toTableOrLists(rows, width, colour);
 }
 
 std::string backupTable(const SOutcome& outcome, std::size_t width, bool colour) {
@@ -73,7 +73,7 @@ std::string backupTable(const SOutcome& outcome, std::size_t width, bool colour)
                                         : SCell{"-", {}});
         rows.push_back(std::move(row));
     }
-    return "Backups\n" + toTable(std::move(rows), width, colour) +
+    return "Backups\n" + toTableOrLists(rows, width, colour) +
            (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden));
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include <fi_rotation/fi_process_backups.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -111,7 +112,7 @@ TEST(FiRotateTable, ColourChangesNoText) {
     EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), kAnyWidth, false));
 }
 
-TEST(FiRotateTable, CutsTheLongestNamesForANarrowTerminal) {
+TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
     SOutcome outcome;
     outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "[enclosure-0001##lun-0001;enclosure-0002##snapshot-000000001]";
@@ -121,15 +122,21 @@ TEST(FiRotateTable, CutsTheLongestNamesForANarrowTerminal) {
     backup.loaded = true;
     backup.state = FI_BACKUP_KEPT;
     outcome.backups = {backup};
-    EXPECT_EQ(fi_rotate::toTables(outcome, 44, false),
-              // 20 columns for either name, and 16 for the file.
+    // A row of the selection takes 62 columns, one of the backups 66.
+    EXPECT_EQ(fi_rotate::toTables(outcome, 65, false),
               "Selection\n"
-              "  first target          chosen target\n"
-              "  enclosure…##lun-0001  enclosure…-000000001\n"
+              "  first target              chosen target\n"
+              "  enclosure-0001##lun-0001  enclosure-0002##snapshot-000000001\n"
               "\n"
               "Backups\n"
-              "  file              time stamp  flags  state\n"
-              "  /backup…cond.xml  20261102    0      kept\n");
+              "  /backups/2026/11/monday-the-second.xml\n"
+              "    time stamp: 20261102\n"
+              "    flags: 0\n"
+              "    state: kept\n");
+    EXPECT_THAT(fi_rotate::toTables(outcome, 61, false),
+                testing::StartsWith("Selection\n"
+                                    "  enclosure-0001##lun-0001\n"
+                                    "    chosen target: enclosure-0002##snapshot-000000001\n"));
 }
 
 }  // namespace
