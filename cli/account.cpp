@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -127,6 +128,7 @@ private:
 
     void explainClaims() {
         for (const auto& [place, isGood] : passes.claims) {
+            std::set<const std::string*> own;
             for (const auto& [objid, altobjid] : backup(place).pairs) {
                 const auto found = holders.find(objid, altobjid);
                 if (!found.has_value()) {
@@ -135,12 +137,13 @@ private:
                 std::string& holder = holders.holder(*found);
                 if (holder.empty()) {
                     holder = backup(place).file;
+                    own.insert(&holder);
                 } else if (!isGood && !backup(place).reason.has_value()) {
                     SReason reason;
                     reason.kind = EReason::kHeldAlready;
                     reason.configuration = nameOf(found->configuration);
                     reason.target = targetOf(altobjid);
-                    reason.backup = holder;
+                    reason.backup = own.count(&holder) != 0 ? "" : holder;
                     backup(place).reason = reason;
                 }
             }
@@ -301,7 +304,8 @@ std::string inWords(const SReason& reason) {
             return fmt::format("{} names no configuration", reason.objid);
         case EReason::kHeldAlready:
             return fmt::format("{} of {} was already held by {}", reason.target,
-                               reason.configuration, reason.backup);
+                               reason.configuration,
+                               reason.backup.empty() ? "another of its pairs" : reason.backup);
     }
     return "";
 }

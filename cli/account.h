@@ -34,7 +34,8 @@ enum class EReason {
     kUnknownTarget,
     // `objid` names no configuration.
     kUnknownConfiguration,
-    // `target` of `configuration` was held by `backup` already.
+    // `target` of `configuration` was held by `backup` already; by another pair of the same backup when that is
+    // empty.
     kHeldAlready,
 };
 

@@ -126,6 +126,21 @@ TEST_F(FiRotateAccount, InvalidBecauseATargetWasHeldAlready) {
     EXPECT_EQ(inWords(reason), "A##1 of A##x was already held by " + newer);
 }
 
+TEST_F(FiRotateAccount, InvalidBecauseTwoOfItsPairsNameOneTarget) {
+    // Two objids of one device: only the vendor differs.
+    call.backups.resize(1);
+    call.backups[0].file = folder.write(
+        "a",
+        "<Node><timeStamp>1</timeStamp>"
+        "<Node><objid>UDID##v##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
+        "<Node><objid>UDID##w##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
+        "</Node>");
+    const SOutcome outcome = explained("A##x;1;2");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_INVALID);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
+              "A##1 of A##x was already held by another of its pairs");
+}
+
 TEST_F(FiRotateAccount, HasNoReasonForABackupThatWasNotLoaded) {
     SBackup missing;
     missing.file = folder.path("missing");
