@@ -95,8 +95,8 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
 }
 
 TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
-    SOutcome outcome;
-    outcome.status = FI_STATUS_SUCCESS;
+    SOutcome outcome = someOutcome();
+    outcome.backups.clear();
     outcome.selection = "[A##x][1;B##2]";
     EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
               "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");
@@ -113,8 +113,7 @@ TEST(FiRotateTable, ColourChangesNoText) {
 }
 
 TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
-    SOutcome outcome;
-    outcome.status = FI_STATUS_SUCCESS;
+    SOutcome outcome = someOutcome();
     outcome.selection = "[enclosure-0001##lun-0001;enclosure-0002##snapshot-000000001]";
     SBackup backup;
     backup.file = "/backups/2026/11/monday-the-second.xml";
