@@ -31,9 +31,11 @@ std::size_t deviceCount(const std::vector<SNode>& nodes) {
     return static_cast<std::size_t>(std::count_if(nodes.begin(), nodes.end(), isDevice));
 }
 
-// The XML library has no other sign for it.
+// The XML library has no other sign for it. Messages of other faults end with what the document holds.
 bool isExpansionLimit(const std::string& message) {
-    return message.find("entity expansions") != std::string::npos;
+    return message.rfind(fmt::format("parser has encountered more than '{}' entity expansions",
+                                     kMostReferences),
+                         0) == 0;
 }
 
 // A place of which the XML library told the end.

@@ -213,4 +213,16 @@ TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {
     EXPECT_THAT(result.error, HasSubstr("cannot write standard output"));
 }
 
+// The XML library quotes what it found in its messages.
+TEST(FiRotateCheck, TakesNoFaultForALimitBecauseOfWhatTheDocumentHolds) {
+    const TemporaryFolder folder;
+    const std::string file =
+        folder.write("backup.xml", "<?xml version=\"1entity expansions.0\"?>\n<Node/>\n");
+    const auto result = runFiRotate({"check", "--config", "encA##lun1;snap1", file});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output, HasSubstr("[malformed-xml]"));
+    EXPECT_THAT(result.output, HasSubstr("[no-node]"));
+    EXPECT_THAT(result.output, Not(HasSubstr("[expansion-limit]")));
+}
+
 }  // namespace
