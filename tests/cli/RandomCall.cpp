@@ -18,9 +18,9 @@ RandomCall::RandomCall(unsigned seed, const TemporaryFolder& place) : random(see
 
 SCall RandomCall::make() {
     SCall call;
-    for (int lists = below(4); lists > 0; --lists) {
+    for (int lists = below(7); lists > 0; --lists) {
         call.configuration += first();
-        for (int targets = below(5); targets > 0; --targets) {
+        for (int targets = below(8); targets > 0; --targets) {
             call.configuration += ';' + further();
         }
         call.configuration += '&';
@@ -54,7 +54,7 @@ SBackup RandomCall::backup(int number, const std::vector<SBackup>& earlier) {
         return backup;
     }
     std::vector<SPair> pairs;
-    for (int count = below(4); count > 0; --count) {
+    for (int count = below(3); count > 0; --count) {
         pairs.push_back({first(), below(32) == 0 ? "B##9" : further()});
     }
     const std::string name = std::to_string(number);

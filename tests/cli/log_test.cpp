@@ -28,6 +28,7 @@ using fi_rotate::SCall;
 using fi_rotate::SLoggedCall;
 using fi_rotate::SOutcome;
 using fi_test::document;
+using fi_test::kRandomCalls;
 using fi_test::RandomCall;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -99,7 +100,7 @@ protected:
 TEST_F(FiRotateLog, TellsOfRandomCallsWhatTheyCameTo) {
     std::vector<std::string> lines;
     std::vector<SOutcome> outcomes;
-    for (unsigned seed = 5000; seed < 7000; ++seed) {
+    for (unsigned seed = 5000; seed < 5000 + kRandomCalls; ++seed) {
         outcomes.push_back(traced(RandomCall(seed, folder).make(), lines));
     }
     const std::vector<SLoggedCall> calls = callsOf(lines);
@@ -282,7 +283,7 @@ TEST_F(FiRotateLog, TellsNothingFalseOfACallThatBreaksOff) {
 
 TEST_F(FiRotateLog, TellsNothingFalseOfACallThatLacksALine) {
     std::size_t noticed = 0;
-    for (unsigned seed = 0; seed < 1000; ++seed) {
+    for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
         SCOPED_TRACE(seed);
         std::vector<std::string> lines;
         const SOutcome outcome = traced(RandomCall(seed, folder).make(), lines);
@@ -297,7 +298,7 @@ TEST_F(FiRotateLog, TellsNothingFalseOfACallThatLacksALine) {
             expectNothingFalse(calls[0], outcome);
         }
     }
-    EXPECT_GT(noticed, 200U);
+    EXPECT_GT(noticed, kRandomCalls / 5);
 }
 
 }  // namespace
