@@ -28,7 +28,7 @@ SPlan daily(std::size_t rounds) {
 
 // With n targets and no exclusion each snapshot is rotated n rounds after it was taken.
 TEST(FiRotateGoal, WithoutExclusionADayNeedsATarget) {
-    for (const std::size_t days : {1, 2, 5, 8}) {
+    for (const std::size_t days : {1U, 2U, 5U, 8U}) {
         const auto goal = static_cast<std::int64_t>(days) * kSecondsPerDay;
         const SLeastTargets least =
             leastTargets(daily(40), {"encA##lun1", {"encA##s1", "encA##s2"}}, goal, always);

@@ -62,7 +62,7 @@ TEST(FiRotateTimeline, ShowsTheLastRoundsThatFitAndSaysSo) {
 TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
     SSimulation simulation = oneTarget(500);
     simulation.configurations = {{std::string(300, 'l'), {std::string(300, 's')}}};
-    for (const std::size_t width : {40, 80, 200}) {
+    for (const std::size_t width : {40U, 80U, 200U}) {
         const auto lines = linesOf(toTimeline(simulation, width));
         for (const std::string& line : {lines.at(2), lines.at(3), lines.at(4)}) {
             EXPECT_LE(fi_rotate::displayWidth(line), width) << line;
