@@ -7,12 +7,10 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "cli/text.h"
+
 namespace fi_rotate {
 namespace {
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;

@@ -11,6 +11,8 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "cli/text.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -18,10 +20,6 @@ constexpr std::string_view kRefused = "fi_process_backups : Invalid/empty parame
 constexpr std::string_view kFirstBackup =
     "fi_process_backups : fiidListSize empty, no previous backups to process";
 constexpr std::string_view kNoResource = "fi_process_backups : no resource is available";
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 // What the library traces as a failure; the level stands in the host's prefix, if anywhere.
 bool isFailure(std::string_view text) {

@@ -15,6 +15,7 @@
 #include "cli/library_call.h"
 #include "cli/printable.h"
 #include "cli/temporary_folder.h"
+#include "cli/text.h"
 #include "cli/xml_reader.h"
 
 namespace fi_rotate {
@@ -38,7 +39,7 @@ SAccount accountOfFirstCall(const std::string& configuration, const CTemporaryFo
     arguments.backups.emplace_back().file = folder.write("none.xml", kDocumentWithoutNode);
     SOutcome outcome = call(std::move(arguments), true);
     for (const std::string& message : outcome.messages) {
-        if (message.rfind("CFiResourceParser", 0) == 0) {
+        if (startsWith(message, "CFiResourceParser")) {
             throw std::invalid_argument(asPrintable(message));
         }
     }

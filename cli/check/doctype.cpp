@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "cli/text.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -15,10 +17,6 @@ constexpr SSkipped kSkipped[] = {
     {"\xEF\xBB\xBF", ""}, {" ", ""},       {"\t", ""},   {"\r", ""},
     {"\n", ""},           {"<!--", "-->"}, {"<?", "?>"},
 };
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 // Bytes at the start of `text` that may stand before it.
 std::size_t skippedAt(std::string_view text) {

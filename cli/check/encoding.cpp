@@ -7,6 +7,7 @@
 
 #include "cli/check/findings.h"
 #include "cli/printable.h"
+#include "cli/text.h"
 
 namespace fi_rotate {
 namespace {
@@ -31,10 +32,6 @@ constexpr SWideStart kWideStarts[] = {
     {"\x00<"sv, "UTF-16"},
     {"<\x00"sv, "UTF-16"},
 };
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
 
 std::string inCapitals(std::string_view text) {
     std::string capitals;
