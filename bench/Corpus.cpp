@@ -56,10 +56,9 @@ std::string configurationText(const SShape& shape) {
 std::string deviceElements(const SShape& shape, std::size_t pair, const std::string& lineStart) {
     const std::size_t configuration = pair % shape.configurations;
     const std::size_t target = pair / shape.configurations % shape.targets;
-    return lineStart + "<objid>" + identifier(configuration, firstDevice(configuration)) +
-           "</objid>" + lineStart + "<altobjid>" +
-           identifier(configuration, furtherDevice(configuration, target)) + "</altobjid>" +
-           lineStart + "<splitType>mirror</splitType>" + lineStart + "<type>12</type>";
+    return lineStart + "<objid>" + identifier(configuration, firstDevice(configuration)) + "</objid>" +
+           lineStart + "<altobjid>" + identifier(configuration, furtherDevice(configuration, target)) +
+           "</altobjid>" + lineStart + "<splitType>mirror</splitType>" + lineStart + "<type>12</type>";
 }
 
 std::string flatDocument(const SShape& shape, std::size_t backup) {
@@ -67,8 +66,7 @@ std::string flatDocument(const SShape& shape, std::size_t backup) {
                        deviceElements(shape, backup * shape.nodes, "\n  ") + "\n  <timeStamp>" +
                        digits(20260101000000 + backup, 14) + "</timeStamp>";
     for (std::size_t i = 1; i < shape.nodes; ++i) {
-        text += "\n  <Node>" + deviceElements(shape, backup * shape.nodes + i, "\n    ") +
-                "\n  </Node>";
+        text += "\n  <Node>" + deviceElements(shape, backup * shape.nodes + i, "\n    ") + "\n  </Node>";
     }
     return text + "\n</Node>\n";
 }
@@ -96,9 +94,8 @@ void writeFile(const std::string& file, const std::string& text) {
 
 const std::vector<SShape>& shapes() {
     static const std::vector<SShape> all{
-        {"small", 300, 10, 10, 310},     {"many", 10000, 10, 100, 1100},
-        {"large", 5, 100000, 1000, 600}, {"wide", 100, 1000, 10000, 12},
-        {"rotating", 2000, 1, 2000, 1},  {"deep", 1, 1000000, 1, 1, true},
+        {"small", 300, 10, 10, 310},    {"many", 10000, 10, 100, 1100}, {"large", 5, 100000, 1000, 600},
+        {"wide", 100, 1000, 10000, 12}, {"rotating", 2000, 1, 2000, 1}, {"deep", 1, 1000000, 1, 1, true},
     };
     return all;
 }
@@ -142,12 +139,10 @@ std::size_t runCall(const SCorpus& corpus) {
     }
     std::vector<std::int32_t> flags(files.size());
     char* selection = nullptr;
-    const std::int32_t status =
-        fi_process_backups(files.data(), corpus.configuration.c_str(), flags.data(),
-                           static_cast<std::int32_t>(files.size()), &selection);
+    const std::int32_t status = fi_process_backups(files.data(), corpus.configuration.c_str(), flags.data(),
+                                                   static_cast<std::int32_t>(files.size()), &selection);
     std::free(selection);
-    if (status != FI_STATUS_SUCCESS ||
-        std::count(flags.begin(), flags.end(), FI_BACKUP_INVALID) != 0) {
+    if (status != FI_STATUS_SUCCESS || std::count(flags.begin(), flags.end(), FI_BACKUP_INVALID) != 0) {
         throw std::runtime_error("a corpus does not give the selection that it was made for");
     }
     return static_cast<std::size_t>(std::count(flags.begin(), flags.end(), FI_BACKUP_ROTATED));

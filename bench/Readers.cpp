@@ -40,8 +40,7 @@ struct SGathering {
     std::string text;
     std::string objid;
 
-    static void XMLCALL start(void* self, const XML_Char* /*name*/,
-                              const XML_Char** /*attributes*/) {
+    static void XMLCALL start(void* self, const XML_Char* /*name*/, const XML_Char** /*attributes*/) {
         static_cast<SGathering*>(self)->text.clear();
     }
     static void XMLCALL characters(void* self, const XML_Char* chars, int length) {
@@ -76,8 +75,7 @@ std::string readFile(const std::string& file) {
 void parseWithBareReader(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         const std::string content = readFile(file);
-        const std::unique_ptr<xercesc::SAX2XMLReader> reader(
-            xercesc::XMLReaderFactory::createXMLReader());
+        const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
         for (const XMLCh* feature :
              {XMLUni::fgSAX2CoreValidation, XMLUni::fgSAX2CoreNameSpaces, XMLUni::fgXercesSchema,
               XMLUni::fgXercesSchemaFullChecking, XMLUni::fgSAX2CoreNameSpacePrefixes}) {

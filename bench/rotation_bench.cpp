@@ -135,15 +135,14 @@ void runGrowth(benchmark::State& state, const SGrowth& growth, const std::string
 
 void registerAll(const std::string& folder, int rounds) {
     for (const SShape& shape : fi_bench::shapes()) {
-        benchmark::RegisterBenchmark((std::string("corpus/") + shape.name).c_str(), runCorpus,
-                                     shape, folder)
+        benchmark::RegisterBenchmark((std::string("corpus/") + shape.name).c_str(), runCorpus, shape, folder)
             ->Iterations(rounds)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
     }
     for (const SGrowth& growth : kGrowths) {
-        benchmark::RegisterBenchmark((std::string("growth/") + growth.dimension).c_str(), runGrowth,
-                                     growth, folder)
+        benchmark::RegisterBenchmark((std::string("growth/") + growth.dimension).c_str(), runGrowth, growth,
+                                     folder)
             ->Iterations(1)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
@@ -159,9 +158,8 @@ public:
         } else {
             path = (std::filesystem::temp_directory_path() / "fi-bench-XXXXXX").string();
             if (mkdtemp(path.data()) == nullptr) {
-                throw std::filesystem::filesystem_error(
-                    "cannot make a folder for the corpora", path,
-                    std::error_code(errno, std::generic_category()));
+                throw std::filesystem::filesystem_error("cannot make a folder for the corpora", path,
+                                                        std::error_code(errno, std::generic_category()));
             }
         }
     }

@@ -48,9 +48,7 @@ public:
         return std::nullopt;
     }
 
-    bool isConfigured(const std::string& objid) const {
-        return byFirst.count(targetOf(objid)) != 0;
-    }
+    bool isConfigured(const std::string& objid) const { return byFirst.count(targetOf(objid)) != 0; }
 
     std::string& holder(const SPlace& place) { return holders[place.configuration][place.target]; }
 
@@ -66,8 +64,7 @@ public:
 
     bool isShort(std::size_t configuration) const {
         const auto& row = holders[configuration];
-        return std::none_of(row.begin(), row.end(),
-                            [](const std::string& holder) { return holder.empty(); });
+        return std::none_of(row.begin(), row.end(), [](const std::string& holder) { return holder.empty(); });
     }
 
     const std::vector<std::string>& holdersOf(std::size_t configuration) const {
@@ -115,8 +112,8 @@ private:
                     continue;
                 }
                 SReason reason;
-                reason.kind = holders.isConfigured(objid) ? EReason::kUnknownTarget
-                                                          : EReason::kUnknownConfiguration;
+                reason.kind =
+                    holders.isConfigured(objid) ? EReason::kUnknownTarget : EReason::kUnknownConfiguration;
                 reason.configuration = targetOf(objid);
                 reason.objid = objid;
                 reason.altobjid = altobjid;
@@ -175,8 +172,8 @@ private:
         }
     }
 
-    // Oldest first. Without a selection every backup that was still in play and not excluded was released, and
-    // the trace does not tell in which order; the claims went from the newest to the oldest.
+    // Oldest first. Without a selection every backup that was still in play and not excluded was released,
+    // and the trace does not tell in which order; the claims went from the newest to the oldest.
     std::vector<std::size_t> rotationOrder() {
         if (passes.account.selection.has_value()) {
             return passes.oldestFirst;
@@ -248,8 +245,7 @@ std::string targetOf(std::string_view identifier) {
     std::string_view rest = identifier.substr(std::min(prefix, identifier.size()));
     for (int part = 0; part < 3; ++part) {
         const std::size_t separator = rest.find(kSeparator);
-        rest.remove_prefix(separator == std::string_view::npos ? rest.size()
-                                                               : separator + kSeparator.size());
+        rest.remove_prefix(separator == std::string_view::npos ? rest.size() : separator + kSeparator.size());
     }
     if (rest.find(kSeparator) != std::string_view::npos) {
         return std::string(rest);
@@ -290,8 +286,7 @@ std::string inWords(const SReason& reason) {
         case EReason::kHoldsNothing:
             return "holds no target";
         case EReason::kExcluded:
-            return "excluded from rotation, although " + reason.configuration +
-                   " had no free target";
+            return "excluded from rotation, although " + reason.configuration + " had no free target";
         case EReason::kRotationStopped:
             return "rotation stopped before it; holds " + listed(reason.targets);
         case EReason::kNeeded:
@@ -303,8 +298,7 @@ std::string inWords(const SReason& reason) {
         case EReason::kUnknownConfiguration:
             return fmt::format("{} names no configuration", reason.objid);
         case EReason::kHeldAlready:
-            return fmt::format("{} of {} was already held by {}", reason.target,
-                               reason.configuration,
+            return fmt::format("{} of {} was already held by {}", reason.target, reason.configuration,
                                reason.backup.empty() ? "another of its pairs" : reason.backup);
     }
     return "";

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-// What the library's trace says happened in one call, and why. Nothing is decided here: every verdict and every
-// state is one that the library traced; only the names in a reason are looked up.
+// What the library's trace says happened in one call, and why. Nothing is decided here: every verdict and
+// every state is one that the library traced; only the names in a reason are looked up.
 namespace fi_rotate {
 
 class CAccountReader;
@@ -34,7 +34,8 @@ enum class EReason {
     kUnknownTarget,
     // `objid` names no configuration.
     kUnknownConfiguration,
-    // `target` of `configuration` was held by `backup` already; by another pair of the same backup when that is
+    // `target` of `configuration` was held by `backup` already; by another pair of the same backup when that
+    // is
     // empty.
     kHeldAlready,
 };
@@ -84,8 +85,8 @@ struct SAccount {
     std::vector<SShortage> shortages;
 };
 
-// The account of a call with earlier backups, whose lines `passes` has read. Without reasons when some are missing
-// in between, and with those that were known already when the end is missing.
+// The account of a call with earlier backups, whose lines `passes` has read. Without reasons when some are
+// missing in between, and with those that were known already when the end is missing.
 SAccount explain(CAccountReader passes);
 
 // The target that an identifier names, which the library has accepted.

@@ -17,10 +17,8 @@ bool endsWith(std::string_view text, std::string_view end) {
 }
 
 // What stands between `start` and `end`; nothing when the text is not of that form.
-std::optional<std::string_view> between(std::string_view text, std::string_view start,
-                                        std::string_view end) {
-    if (!startsWith(text, start) || !endsWith(text, end) ||
-        text.size() < start.size() + end.size()) {
+std::optional<std::string_view> between(std::string_view text, std::string_view start, std::string_view end) {
+    if (!startsWith(text, start) || !endsWith(text, end) || text.size() < start.size() + end.size()) {
         return std::nullopt;
     }
     text.remove_prefix(start.size());
@@ -40,8 +38,8 @@ void CAccountReader::read(std::string_view text) {
     isInTree = false;
     // Each is asked in turn until one knows the line.
     static_cast<void>(readConfiguration(text) || readPrintedSet(text) || readFlagWord(text) ||
-                      readLoaded(text) || readCheck(text) || readRotation(text) ||
-                      readClaim(text) || readMalformed(text));
+                      readLoaded(text) || readCheck(text) || readRotation(text) || readClaim(text) ||
+                      readMalformed(text));
 }
 
 std::vector<std::string> CAccountReader::gaps() const {
@@ -54,27 +52,24 @@ std::vector<std::string> CAccountReader::gaps() const {
         gaps.emplace_back("its beginning, with the configuration");
     }
     // What was parsed of a rejected configuration is never printed.
-    if (isCheckBegun &&
-        (printedSets == 0 || (!isRejected && usedTargets != parsedTargets.size()))) {
+    if (isCheckBegun && (printedSets == 0 || (!isRejected && usedTargets != parsedTargets.size()))) {
         gaps.emplace_back("lines of the configuration");
     }
     if (isClaimBegun && checked != account.backups.size()) {
-        gaps.push_back(fmt::format("checks, {} of {}", account.backups.size() - checked,
-                                   account.backups.size()));
+        gaps.push_back(
+            fmt::format("checks, {} of {}", account.backups.size() - checked, account.backups.size()));
     }
     const std::size_t passed = account.backups.size() - failedCheck.size();
     if (isRotationBegun && claims.size() != passed) {
         gaps.push_back(fmt::format("claims, {} of {}", passed - claims.size(), passed));
     }
     if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
-        gaps.push_back(
-            fmt::format("skipped backups, {} instead of {}", skipped.size(), expectedSkips()));
+        gaps.push_back(fmt::format("skipped backups, {} instead of {}", skipped.size(), expectedSkips()));
     }
     if (contradictions != 0) {
         gaps.push_back(fmt::format(
             "what comes before \"{}\"{}", firstContradiction,
-            contradictions == 1 ? ""
-                                : fmt::format(" and before {} other lines", contradictions - 1)));
+            contradictions == 1 ? "" : fmt::format(" and before {} other lines", contradictions - 1)));
     }
     return gaps;
 }
@@ -85,8 +80,8 @@ bool CAccountReader::isExcluded(std::size_t place) const {
     return listed != lastFlagWords.end() && (listed->second & FI_EXCLUDE_ROTATION) != 0;
 }
 
-// How many backups the rotation passed over because they are excluded: all that it met before it stopped, which was
-// behind the last one that it released.
+// How many backups the rotation passed over because they are excluded: all that it met before it stopped,
+// which was behind the last one that it released.
 std::size_t CAccountReader::expectedSkips() const {
     std::size_t expected = 0;
     if (!account.selection.has_value()) {
@@ -143,14 +138,13 @@ bool CAccountReader::readConfiguration(std::string_view text) {
     if (!startsWith(text, "CFiResourceParser::parse : ")) {
         return false;
     }
-    isBegun =
-        isBegun || startsWith(text, kParsedConfiguration) || startsWith(text, kNoConfiguration);
+    isBegun = isBegun || startsWith(text, kParsedConfiguration) || startsWith(text, kNoConfiguration);
     isRejected = isRejected || endsWith(text, " specified.");
     if (const auto target = between(text, "CFiResourceParser::parse : [", "]")) {
         const std::size_t separator = target->find("][");
         if (separator != std::string_view::npos) {
-            parsedTargets.push_back({std::string(target->substr(0, separator)),
-                                     std::string(target->substr(separator + 2))});
+            parsedTargets.push_back(
+                {std::string(target->substr(0, separator)), std::string(target->substr(separator + 2))});
         }
     }
     return true;
@@ -183,8 +177,7 @@ void CAccountReader::readPrintedTarget(bool isFirst, std::string_view printed) {
         return;
     }
     const SParsedTarget& target = parsedTargets[usedTargets++];
-    const bool isSame =
-        printed == (isFirst ? target.enclosure + ":" + target.device : target.device);
+    const bool isSame = printed == (isFirst ? target.enclosure + ":" + target.device : target.device);
     if (!isSame || (!isFirst && account.configurations.empty())) {
         contradict(printed);
         return;
@@ -330,10 +323,9 @@ bool CAccountReader::readMalformed(std::string_view text) {
 bool CAccountReader::isNamed(std::string_view identifier) const {
     const auto& backups = account.backups;
     return std::any_of(backups.begin(), backups.end(), [identifier](const SAccountBackup& backup) {
-        return std::any_of(backup.pairs.begin(), backup.pairs.end(),
-                           [identifier](const auto& pair) {
-                               return pair.first == identifier || pair.second == identifier;
-                           });
+        return std::any_of(backup.pairs.begin(), backup.pairs.end(), [identifier](const auto& pair) {
+            return pair.first == identifier || pair.second == identifier;
+        });
     });
 }
 

@@ -16,10 +16,8 @@
 namespace fi_rotate {
 
 // How the first line of a call begins that has any configuration, and of one that has none.
-constexpr std::string_view kParsedConfiguration =
-    "CFiResourceParser::parse : Resource specification [";
-constexpr std::string_view kNoConfiguration =
-    "CFiResourceParser::parse : Invalid resource specification [";
+constexpr std::string_view kParsedConfiguration = "CFiResourceParser::parse : Resource specification [";
+constexpr std::string_view kNoConfiguration = "CFiResourceParser::parse : Invalid resource specification [";
 
 // Takes the lines of one call in and keeps what each pass did, in order. Lines that are not the library's are
 // passed over.
@@ -28,8 +26,8 @@ public:
     // The text of one line, without its line end.
     void read(std::string_view text);
 
-    // What a call cannot be without up to its last line, and yet was not read: lines were lost, or another call's
-    // stand in between. Empty for a call that is merely cut off at its end.
+    // What a call cannot be without up to its last line, and yet was not read: lines were lost, or another
+    // call's stand in between. Empty for a call that is merely cut off at its end.
     std::vector<std::string> gaps() const;
     // All that could be loaded was read.
     bool isLoadingOver() const { return printedSets != 0; }

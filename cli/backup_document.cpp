@@ -18,8 +18,7 @@ bool canStandInXml(const std::string& text) {
         return character >= '\0' && character < ' ' && character != '\t';
     };
     return asUtf8(text) == text && std::none_of(text.begin(), text.end(), isControl) &&
-           text.find("\xEF\xBF\xBE") == std::string::npos &&
-           text.find("\xEF\xBF\xBF") == std::string::npos;
+           text.find("\xEF\xBF\xBE") == std::string::npos && text.find("\xEF\xBF\xBF") == std::string::npos;
 }
 
 // A reference would end the piece of text before it, and the library takes the last piece for the whole. So a
@@ -28,8 +27,7 @@ std::string asOnePiece(const std::string& text) {
     const bool needsSection = text.find_first_of("<&") != std::string::npos;
     const bool holdsSectionEnd = text.find(kSectionEnd) != std::string::npos;
     if (!canStandInXml(text) || holdsSectionEnd) {
-        throw std::invalid_argument(
-            fmt::format("\"{}\" cannot stand in an XML document", asPrintable(text)));
+        throw std::invalid_argument(fmt::format("\"{}\" cannot stand in an XML document", asPrintable(text)));
     }
     return needsSection ? fmt::format("<![CDATA[{}]]>", text) : text;
 }

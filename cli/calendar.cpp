@@ -92,8 +92,7 @@ std::optional<std::int64_t> parseDuration(std::string_view text) {
         return std::nullopt;
     }
     for (const SUnit& unit : kUnits) {
-        if (*stop == unit.letter &&
-            number <= std::numeric_limits<std::int64_t>::max() / unit.seconds) {
+        if (*stop == unit.letter && number <= std::numeric_limits<std::int64_t>::max() / unit.seconds) {
             return number * unit.seconds;
         }
     }
@@ -101,9 +100,8 @@ std::optional<std::int64_t> parseDuration(std::string_view text) {
 }
 
 std::string toShownDuration(std::int64_t seconds) {
-    const auto* const unit =
-        std::find_if(kUnits.begin(), kUnits.end(),
-                     [seconds](const SUnit& each) { return seconds % each.seconds == 0; });
+    const auto* const unit = std::find_if(
+        kUnits.begin(), kUnits.end(), [seconds](const SUnit& each) { return seconds % each.seconds == 0; });
     return fmt::format("{}{}", seconds / unit->seconds, unit->letter);
 }
 

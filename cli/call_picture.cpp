@@ -28,9 +28,8 @@ public:
 
     [[nodiscard]] double at(const std::string& stamp) const {
         const auto time = isTime ? parseTimeStamp(stamp) : std::nullopt;
-        return time.has_value()
-                   ? static_cast<double>(*time)
-                   : static_cast<double>(std::distance(stamps.begin(), stamps.find(stamp)));
+        return time.has_value() ? static_cast<double>(*time)
+                                : static_cast<double>(std::distance(stamps.begin(), stamps.find(stamp)));
     }
 
     // A little is left for the bar of the newest.
@@ -44,12 +43,10 @@ public:
         constexpr std::size_t kColumnsEach = 8;
         constexpr std::size_t kFewestColumns = 60;
         picture.columns = std::max(kColumnsEach * stamps.size(), kFewestColumns);
-        picture.timeLabel =
-            isTime ? "time (as in the time stamps)" : "order of the time stamps as texts";
+        picture.timeLabel = isTime ? "time (as in the time stamps)" : "order of the time stamps as texts";
         if (isTime && !stamps.empty()) {
-            picture.ticks =
-                timeTicks(static_cast<std::int64_t>(picture.from),
-                          static_cast<std::int64_t>(picture.to), mostTicks(picture.columns));
+            picture.ticks = timeTicks(static_cast<std::int64_t>(picture.from),
+                                      static_cast<std::int64_t>(picture.to), mostTicks(picture.columns));
         } else {
             addTexts(picture);
         }
@@ -67,9 +64,8 @@ private:
     }
 
     static bool areTimes(const std::set<std::string>& stamps) {
-        return std::all_of(stamps.begin(), stamps.end(), [](const std::string& stamp) {
-            return parseTimeStamp(stamp).has_value();
-        });
+        return std::all_of(stamps.begin(), stamps.end(),
+                           [](const std::string& stamp) { return parseTimeStamp(stamp).has_value(); });
     }
 
     void addTexts(SPicture& picture) const {
@@ -92,13 +88,11 @@ private:
 
 using Place = std::pair<std::size_t, std::size_t>;
 
-std::optional<Place> placeOf(const SPicture& picture, const std::string& first,
-                             const std::string& target) {
+std::optional<Place> placeOf(const SPicture& picture, const std::string& first, const std::string& target) {
     for (std::size_t i = 0; i < picture.groups.size(); ++i) {
         const auto& rows = picture.groups[i].rows;
-        const auto row = std::find_if(rows.begin(), rows.end(), [&target](const SPictureRow& each) {
-            return each.name == target;
-        });
+        const auto row = std::find_if(rows.begin(), rows.end(),
+                                      [&target](const SPictureRow& each) { return each.name == target; });
         if (picture.groups[i].name == first && row != rows.end()) {
             return Place(i, static_cast<std::size_t>(row - rows.begin()));
         }
@@ -166,15 +160,13 @@ const SBackup& handedOver(const SOutcome& outcome, const std::string& file) {
                          [&file](const SBackup& each) { return each.file == file; });
 }
 
-void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale,
-             const SAccountBackup& backup) {
+void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, const SAccountBackup& backup) {
     const SBackup& given = handedOver(outcome, backup.file);
     for (const auto& [objid, altobjid] : backup.pairs) {
         const auto place = placeOf(picture, targetOf(objid), targetOf(altobjid));
         if (!place.has_value()) {
-            picture.notes.push_back(
-                fmt::format("Not drawn: {}, which holds {} of {}: not configured",
-                            fileName(backup.file), targetOf(altobjid), targetOf(objid)));
+            picture.notes.push_back(fmt::format("Not drawn: {}, which holds {} of {}: not configured",
+                                                fileName(backup.file), targetOf(altobjid), targetOf(objid)));
             continue;
         }
         SBar bar;
@@ -185,10 +177,10 @@ void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale,
         bar.kind = kindOf(backup, given.flagWord);
         bar.isOpen = backup.state != FI_BACKUP_ROTATED;
         bar.name = fileName(backup.file);
-        bar.title = fmt::format("{}, time stamp {}: {}", backup.file, given.timeStamp,
-                                backup.reason.has_value()
-                                    ? wordOf(backup.state) + (": " + inWords(*backup.reason))
-                                    : "the call ended before its state was known");
+        bar.title =
+            fmt::format("{}, time stamp {}: {}", backup.file, given.timeStamp,
+                        backup.reason.has_value() ? wordOf(backup.state) + (": " + inWords(*backup.reason))
+                                                  : "the call ended before its state was known");
         picture.bars.push_back(std::move(bar));
     }
 }

@@ -81,8 +81,7 @@ std::string paragraphOn(const std::string& name) {
     for (const SHazardKind& kind : hazardKinds()) {
         names += fmt::format("\n  {}", kind.name);
     }
-    throw CLI::ValidationError("--explain",
-                               "no hazard is called " + quoted(name) + "; these are:" + names);
+    throw CLI::ValidationError("--explain", "no hazard is called " + quoted(name) + "; these are:" + names);
 }
 
 int print(const std::string& text, int exitStatus) {
@@ -114,20 +113,16 @@ void addCheck(CLI::App& app, int& exitStatus) {
     check.footer(kFooter);
 
     CLI::Option_group& input = *check.add_option_group("input");
-    input.add_option("--config", options->configuration, "The resource configuration")
-        ->type_name("TEXT");
-    input.add_option("--config-file", options->configurationFile, "A file that holds it")
-        ->type_name("FILE");
+    input.add_option("--config", options->configuration, "The resource configuration")->type_name("TEXT");
+    input.add_option("--config-file", options->configurationFile, "A file that holds it")->type_name("FILE");
     CLI::Option* const request =
         input.add_option("--request", options->request, "The whole call, as one JSON document")
             ->type_name("FILE");
-    CLI::Option* const explained = input
-                                       .add_option("--explain", options->explained,
-                                                   "Say what a hazard means, and check nothing")
-                                       ->type_name("NAME");
+    CLI::Option* const explained =
+        input.add_option("--explain", options->explained, "Say what a hazard means, and check nothing")
+            ->type_name("NAME");
     input.require_option(1);
-    check.add_flag("--json", options->json, "Show the findings as one JSON document")
-        ->excludes(explained);
+    check.add_flag("--json", options->json, "Show the findings as one JSON document")->excludes(explained);
     check.add_option("FIID", options->files, "Documents of the earlier backups")
         ->type_name("")
         ->excludes(request)

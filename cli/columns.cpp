@@ -76,10 +76,9 @@ std::vector<std::string> charactersOf(const std::string& text) {
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style) {
     Row row;
-    std::transform(texts.begin(), texts.end(), std::back_inserter(row),
-                   [style](const std::string& text) {
-                       return SCell{text, style};
-                   });
+    std::transform(texts.begin(), texts.end(), std::back_inserter(row), [style](const std::string& text) {
+        return SCell{text, style};
+    });
     return row;
 }
 
@@ -103,8 +102,7 @@ std::string toTableOrLists(const std::vector<Row>& rows, std::size_t width, bool
     for (auto row = rows.begin() + 1; row != rows.end(); ++row) {
         lists += fmt::format("{}{}\n", kGap, styled(row->front(), colour));
         for (std::size_t i = 1; i < row->size(); ++i) {
-            lists += fmt::format("{0}{0}{1}: {2}\n", kGap, rows.front()[i].text,
-                                 styled((*row)[i], colour));
+            lists += fmt::format("{0}{0}{1}: {2}\n", kGap, rows.front()[i].text, styled((*row)[i], colour));
         }
     }
     return lists;
@@ -128,8 +126,7 @@ std::string cutTo(const std::string& text, std::size_t width) {
     // From both ends inwards, the end first, until the next has no room.
     for (std::size_t i = 0; i < characters.size(); ++i) {
         const bool isEnd = i % 2 == 0;
-        const std::string& next =
-            isEnd ? characters[characters.size() - 1 - i / 2] : characters[i / 2];
+        const std::string& next = isEnd ? characters[characters.size() - 1 - i / 2] : characters[i / 2];
         const std::size_t wide = displayWidth(next);
         if (wide > room) {
             break;

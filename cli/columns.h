@@ -18,12 +18,13 @@ using Row = std::vector<SCell>;
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style = {});
 
-// A line for each row; columns are as wide as their longest text. All rows have as many cells as the first. Where
-// lines would be longer than `width` columns, the widest cells are cut, if that leaves something to be read of them.
+// A line for each row; columns are as wide as their longest text. All rows have as many cells as the first.
+// Where lines would be longer than `width` columns, the widest cells are cut, if that leaves something to be
+// read of them.
 std::string toTable(std::vector<Row> rows, std::size_t width, bool colour);
 
-// The same without cutting anything: where lines would be too long, each row becomes some lines, its first cell and
-// below it the others behind the headings in the first row.
+// The same without cutting anything: where lines would be too long, each row becomes some lines, its first
+// cell and below it the others behind the headings in the first row.
 std::string toTableOrLists(const std::vector<Row>& rows, std::size_t width, bool colour);
 
 // Columns on a terminal.

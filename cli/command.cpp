@@ -62,16 +62,14 @@ bool isWritten(std::FILE* stream, const std::string& name) {
     return written;
 }
 
-std::unique_ptr<COutputFile> openOutput(const std::string& option,
-                                        const std::optional<std::string>& file) {
+std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::optional<std::string>& file) {
     if (!file.has_value()) {
         return nullptr;
     }
     try {
         return std::make_unique<COutputFile>(*file);
     } catch (const std::system_error& error) {
-        throw CLI::ValidationError(option,
-                                   "cannot write " + quoted(*file) + ": " + error.code().message());
+        throw CLI::ValidationError(option, "cannot write " + quoted(*file) + ": " + error.code().message());
     }
 }
 

@@ -34,8 +34,7 @@ bool isWritten(std::FILE* stream, const std::string& name);
 
 // Before the work that fills it, so that a file that cannot be written is refused at once: throws
 // CLI::ValidationError. Null without a file.
-std::unique_ptr<COutputFile> openOutput(const std::string& option,
-                                        const std::optional<std::string>& file);
+std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::optional<std::string>& file);
 
 // Writes the file, called `name`, and keeps it; false, with a message, when it could not be written whole.
 bool keep(COutputFile& file, const std::string& text, const std::string& name);

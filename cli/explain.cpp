@@ -67,8 +67,7 @@ std::vector<SLoggedCall> readCalls(const std::string& name) {
     return readCalls(log, name);
 }
 
-std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls,
-                                     std::optional<std::size_t> number) {
+std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls, std::optional<std::size_t> number) {
     if (!number.has_value()) {
         return calls;
     }
@@ -115,11 +114,9 @@ int runExplain(const SOptions& options) {
 
 void addExplain(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& explain =
-        *app.add_subcommand("explain", "Show from a log what calls came to, and why");
+    CLI::App& explain = *app.add_subcommand("explain", "Show from a log what calls came to, and why");
     explain.footer(kFooter);
-    explain.add_option("LOG", options->log, "The log; - or nothing for standard input")
-        ->type_name("");
+    explain.add_option("LOG", options->log, "The log; - or nothing for standard input")->type_name("");
     explain.add_option("--call", options->call, "Show only this call; they are numbered from 1")
         ->type_name("N");
     explain

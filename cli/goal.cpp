@@ -74,8 +74,8 @@ private:
 
 }  // namespace
 
-SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration,
-                           std::int64_t goal, const GoOnSearch& goOn) {
+SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
+                           const GoOnSearch& goOn) {
     return CSearch(plan, configuration, goal, goOn).run();
 }
 

@@ -34,7 +34,7 @@ using GoOnSearch = std::function<bool(std::size_t targets, std::size_t rounds)>;
 // Fewer targets than it has are its first ones; more are its own and invented ones. The number is doubled
 // until the goal is met, then halved in: a target more lets each snapshot live a round longer and moves the
 // first round without a target later, so with the least number every larger one meets the goal too.
-SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration,
-                           std::int64_t goal, const GoOnSearch& goOn);
+SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
+                           const GoOnSearch& goOn);
 
 }  // namespace fi_rotate

@@ -80,8 +80,7 @@ Json backupsOf(const SOutcome& outcome) {
     for (const SBackup& backup : outcome.backups) {
         rows.push_back({
             {"file", asUtf8(backup.file)},
-            {"time_stamp",
-             backup.timeStamp.empty() ? Json(nullptr) : Json(asUtf8(backup.timeStamp))},
+            {"time_stamp", backup.timeStamp.empty() ? Json(nullptr) : Json(asUtf8(backup.timeStamp))},
             {"flag_word", backup.flagWord},
             {"excluded", (backup.flagWord & FI_EXCLUDE_ROTATION) != 0},
             {"state", orNull(stateWord(backup))},

@@ -26,8 +26,7 @@ class CStandardOutputDiversion {
 public:
     CStandardOutputDiversion() : saved(duplicateStandardOutput()) {
         if (saved == -1 || dup2(STDERR_FILENO, STDOUT_FILENO) == -1) {
-            throw std::system_error(errno, std::generic_category(),
-                                    "cannot divert standard output");
+            throw std::system_error(errno, std::generic_category(), "cannot divert standard output");
         }
     }
     ~CStandardOutputDiversion() {
@@ -69,13 +68,12 @@ void callLibrary(const SCall& call, std::vector<std::int32_t>& flags, SOutcome& 
             outcome.selection = selection.get();
         }
     } catch (const CFiUdidException& malformed) {
-        outcome.exception = SException{malformed.identifier, malformed.code,
-                                       std::string(identifierFault(malformed.code))};
+        outcome.exception =
+            SException{malformed.identifier, malformed.code, std::string(identifierFault(malformed.code))};
     } catch (const std::exception& other) {
         outcome.exception = SException{std::nullopt, std::nullopt, other.what()};
     } catch (...) {
-        outcome.exception =
-            SException{std::nullopt, std::nullopt, "an exception of an unknown type"};
+        outcome.exception = SException{std::nullopt, std::nullopt, "an exception of an unknown type"};
     }
 }
 

@@ -23,9 +23,9 @@ constexpr std::string_view kNoResource = "fi_process_backups : no resource is av
 
 // What the library traces as a failure; the level stands in the host's prefix, if anywhere.
 bool isFailure(std::string_view text) {
-    constexpr std::array<std::string_view, 5> kFailures{
-        kRefused, kNoResource, kNoConfiguration, "fi_process_backups : Resources not availabe",
-        "CFiFiidLoader::load: ERROR: "};
+    constexpr std::array<std::string_view, 5> kFailures{kRefused, kNoResource, kNoConfiguration,
+                                                        "fi_process_backups : Resources not availabe",
+                                                        "CFiFiidLoader::load: ERROR: "};
     constexpr std::string_view kRejected = "CFiResourceParser::parse : resource configuration \"";
     return startsWith(text, kRejected) ||
            std::any_of(kFailures.begin(), kFailures.end(),
@@ -36,8 +36,7 @@ std::optional<std::int32_t> statusOf(const CAccountReader& account) {
     if (account.account.selection.has_value()) {
         return FI_STATUS_SUCCESS;
     }
-    return account.isWithoutSelection ? std::optional<std::int32_t>(FI_STATUS_FAILURE)
-                                      : std::nullopt;
+    return account.isWithoutSelection ? std::optional<std::int32_t>(FI_STATUS_FAILURE) : std::nullopt;
 }
 
 std::int32_t firstBackupStatus(const std::vector<std::string>& messages) {
@@ -57,8 +56,8 @@ States finalStates(const CAccountReader& account) {
     return states;
 }
 
-// The backups whose flag words are known; the others are missing. Where loading was not seen to its end, nothing
-// tells that one was left out.
+// The backups whose flag words are known; the others are missing. Where loading was not seen to its end,
+// nothing tells that one was left out.
 std::vector<SBackup> backupsOf(const CAccountReader& account, std::vector<std::string>& missing) {
     const bool isLoadingKnown = missing.empty() && account.isLoadingOver();
     const States states = finalStates(account);
@@ -112,14 +111,13 @@ void CLogReader::read(std::string_view line) {
     readText(*text);
 }
 
-// Whether `text` is the first one of a call: because no call has it elsewhere, or because the one before is over.
+// Whether `text` is the first one of a call: because no call has it elsewhere, or because the one before is
+// over.
 bool CLogReader::begins(const std::string& text) const {
     const auto starts = [&text](std::string_view start) { return startsWith(text, start); };
-    const bool isFirst =
-        starts(kParsedConfiguration) || starts(kNoConfiguration) || text == kRefused;
+    const bool isFirst = starts(kParsedConfiguration) || starts(kNoConfiguration) || text == kRefused;
     // Lines of the last pass can be surplus when others were lost.
-    const bool isOfAnyPass =
-        starts("fi_process_backups : parsed [") || starts("CFiResourceManager::");
+    const bool isOfAnyPass = starts("fi_process_backups : parsed [") || starts("CFiResourceManager::");
     const bool isNamed = starts("fi_process_backups : ") || starts("CFi");
     const bool isOver = account.isEnded() || isRefused;
     return isFirst || (isOver && isNamed && !isOfAnyPass);

@@ -18,8 +18,9 @@ struct SLoggedCall {
     // Of its first and its last line in the log, from 1.
     std::size_t firstLine = 0;
     std::size_t lastLine = 0;
-    // With an account, unless the arguments were refused. The trace tells no selection of a first backup, a time stamp only of backups that passed the
-    // check, and not the code of an exception. Status and exception are both missing when the end is.
+    // With an account, unless the arguments were refused. The trace tells no selection of a first backup, a
+    // time stamp only of backups that passed the check, and not the code of an exception. Status and
+    // exception are both missing when the end is.
     SOutcome outcome;
     // What the log should hold of the call, and does not.
     std::vector<std::string> missing;

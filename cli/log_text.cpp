@@ -23,8 +23,8 @@ std::size_t findName(std::string_view line) {
     return place;
 }
 
-// What a prefix looks like: words and numbers look alike, whatever their length, and blanks count at the end only. So
-// one shape stands for all times, processes and levels.
+// What a prefix looks like: words and numbers look alike, whatever their length, and blanks count at the end
+// only. So one shape stands for all times, processes and levels.
 class CShape {
 public:
     void extend(char character) {
@@ -49,8 +49,7 @@ private:
 
 std::string shapeOf(std::string_view prefix) {
     CShape shape;
-    std::for_each(prefix.begin(), prefix.end(),
-                  [&shape](char character) { shape.extend(character); });
+    std::for_each(prefix.begin(), prefix.end(), [&shape](char character) { shape.extend(character); });
     return shape.text();
 }
 
@@ -65,14 +64,11 @@ bool isTreeLine(std::string_view text) {
 }
 
 bool isPrintedTarget(std::string_view text) {
-    constexpr std::array<std::string_view, 4> kFirst{"](Available)", "](Used)", "](Invalid)",
-                                                     "](Unknown)"};
-    constexpr std::array<std::string_view, 4> kFurther{",Available}", ",Used}", ",Invalid}",
-                                                       ",Unknown}"};
+    constexpr std::array<std::string_view, 4> kFirst{"](Available)", "](Used)", "](Invalid)", "](Unknown)"};
+    constexpr std::array<std::string_view, 4> kFurther{",Available}", ",Used}", ",Invalid}", ",Unknown}"};
     const auto endsIn = [text](std::string_view start, const auto& ends) {
-        return std::any_of(ends.begin(), ends.end(), [text, start](std::string_view end) {
-            return hasEnds(text, start, end);
-        });
+        return std::any_of(ends.begin(), ends.end(),
+                           [text, start](std::string_view end) { return hasEnds(text, start, end); });
     };
     return endsIn("[", kFirst) || endsIn("{", kFurther);
 }

@@ -23,12 +23,10 @@ std::optional<std::vector<SChoice>> choices(std::string_view selection) {
         const std::size_t end = rest.find(kBetween);
         const std::string_view group = rest.substr(0, end);
         const std::size_t separator = group.find(';');
-        if (separator == std::string_view::npos ||
-            group.find(';', separator + 1) != std::string_view::npos) {
+        if (separator == std::string_view::npos || group.find(';', separator + 1) != std::string_view::npos) {
             return std::nullopt;
         }
-        result.push_back(
-            {std::string(group.substr(0, separator)), std::string(group.substr(separator + 1))});
+        result.push_back({std::string(group.substr(0, separator)), std::string(group.substr(separator + 1))});
         if (end == std::string_view::npos) {
             return result;
         }

@@ -87,8 +87,7 @@ SLayout::SLayout(const SPicture& picture)
     }
     for (std::size_t i = 0; i < picture.bars.size(); ++i) {
         const SBar& bar = picture.bars[i];
-        barTops.push_back(rows[bar.group][bar.row].top +
-                          static_cast<double>(laneOf[i]) * kPictureLane);
+        barTops.push_back(rows[bar.group][bar.row].top + static_cast<double>(laneOf[i]) * kPictureLane);
     }
 }
 

@@ -26,8 +26,7 @@ bool isWithin(char byte, unsigned char low, unsigned char high) {
 }
 
 bool startsWith(std::string_view text, const SSequence& sequence) {
-    if (text.size() < sequence.length ||
-        !isWithin(text[0], sequence.firstLow, sequence.firstHigh) ||
+    if (text.size() < sequence.length || !isWithin(text[0], sequence.firstLow, sequence.firstHigh) ||
         !isWithin(text[1], sequence.secondLow, sequence.secondHigh)) {
         return false;
     }
@@ -53,10 +52,8 @@ std::size_t characterLength(std::string_view text) {
 }
 
 bool isControl(std::string_view character) {
-    const bool c0 =
-        character.size() == 1 && (isWithin(character[0], 0x00, 0x1F) || character[0] == 0x7F);
-    const bool c1 =
-        character.size() == 2 && character[0] == '\xC2' && isWithin(character[1], 0x80, 0x9F);
+    const bool c0 = character.size() == 1 && (isWithin(character[0], 0x00, 0x1F) || character[0] == 0x7F);
+    const bool c1 = character.size() == 2 && character[0] == '\xC2' && isWithin(character[1], 0x80, 0x9F);
     return c0 || c1;
 }
 

@@ -22,8 +22,7 @@ using Json = nlohmann::ordered_json;
     throw std::invalid_argument(fault);
 }
 
-void requireKeys(const Json& object, const std::string& place,
-                 std::initializer_list<std::string_view> keys) {
+void requireKeys(const Json& object, const std::string& place, std::initializer_list<std::string_view> keys) {
     if (!object.is_object()) {
         reject(place + " is not an object");
     }

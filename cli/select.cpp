@@ -74,8 +74,7 @@ struct SOptions {
     std::vector<std::string> files;
 };
 
-void requireListed(const std::string& option, const std::string& file,
-                   const std::set<std::string>& listed) {
+void requireListed(const std::string& option, const std::string& file, const std::set<std::string>& listed) {
     if (listed.count(file) == 0) {
         throw CLI::ValidationError(option, quoted(file) + " is not among the FIIDs given");
     }
@@ -92,8 +91,7 @@ std::pair<std::string, std::int32_t> parseFlagWord(const std::string& text) {
             return {text.substr(0, separator), flagWord};
         }
     }
-    throw CLI::ValidationError("--flags",
-                               quoted(text) + " is not FILE=N with N a whole number of 32 bits");
+    throw CLI::ValidationError("--flags", quoted(text) + " is not FILE=N with N a whole number of 32 bits");
 }
 
 std::vector<SBackup> backupsOf(const SOptions& options) {
@@ -141,8 +139,7 @@ void sayNotLoaded(const std::vector<SBackup>& backups) {
         return;
     }
     const auto others = std::count_if(first + 1, backups.end(), isNotLoaded);
-    say("not loaded: \"" + first->file + "\"" +
-        (others == 0 ? "" : fmt::format(" and {} more", others)) +
+    say("not loaded: \"" + first->file + "\"" + (others == 0 ? "" : fmt::format(" and {} more", others)) +
         "; took no part in the rotation");
 }
 
@@ -153,8 +150,7 @@ void sayWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
     if (outcome.exception.has_value()) {
         const SException& exception = *outcome.exception;
         say(exception.identifier.has_value()
-                ? fmt::format("malformed identifier \"{}\": {}", *exception.identifier,
-                              exception.reason)
+                ? fmt::format("malformed identifier \"{}\": {}", *exception.identifier, exception.reason)
                 : "an exception left the library: " + exception.reason);
         return;
     }
@@ -223,8 +219,7 @@ int runSelect(const SOptions& options) {
     sayWhatWentWrong(outcome, options.trace);
 
     const bool outputWritten = isWritten(stdout, "standard output");
-    const bool traceWritten =
-        traceFile == nullptr || isWritten(traceFile.get(), *options.traceFile);
+    const bool traceWritten = traceFile == nullptr || isWritten(traceFile.get(), *options.traceFile);
     return outputWritten && traceWritten ? exitStatusOf(outcome) : kExitNotShown;
 }
 
@@ -242,8 +237,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
     configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
         ->type_name("FILE");
     CLI::Option* const request =
-        configuration
-            .add_option("--request", options->request, "The whole call, as one JSON document")
+        configuration.add_option("--request", options->request, "The whole call, as one JSON document")
             ->type_name("FILE");
     configuration.require_option(1);
     select
@@ -251,9 +245,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
                     "Write the whole call to a file, to be made again with --request")
         ->type_name("FILE");
 
-    select
-        .add_option("--exclude", options->excluded,
-                    "Never rotate this backup (adds 4 to its flag word)")
+    select.add_option("--exclude", options->excluded, "Never rotate this backup (adds 4 to its flag word)")
         ->type_name("FILE")
         ->allow_extra_args(false)
         ->excludes(request);
@@ -268,17 +260,13 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember(kStateWords));
-    select.add_flag(
-        "--explain", options->explain,
-        "Say why each backup came to its state and, without a selection, what is short");
+    select.add_flag("--explain", options->explain,
+                    "Say why each backup came to its state and, without a selection, what is short");
     select.add_flag("--json", options->json, "Show the outcome as one JSON document");
     select.add_flag("--trace", options->trace,
                     "Write the library's trace to standard error: level and text, one line a call");
-    select.add_option("--trace-file", options->traceFile, "Write the trace to a file")
-        ->type_name("FILE");
-    select
-        .add_option("--svg", options->svgFile,
-                    "Draw who holds which target as an SVG picture to a file")
+    select.add_option("--trace-file", options->traceFile, "Write the trace to a file")->type_name("FILE");
+    select.add_option("--svg", options->svgFile, "Draw who holds which target as an SVG picture to a file")
         ->type_name("FILE");
     select.add_option("FIID", options->files, "Documents of the earlier backups")
         ->type_name("")

@@ -79,8 +79,8 @@ SPlan planOf(const SOptions& options) {
     plan.excludedEvery = options.excludedEvery;
     if (options.excludedWeekday.has_value()) {
         plan.excludedWeekday =
-            valueOf("--exclude-weekday", *options.excludedWeekday,
-                    parseWeekday(*options.excludedWeekday), "a day of the week like sunday or sun");
+            valueOf("--exclude-weekday", *options.excludedWeekday, parseWeekday(*options.excludedWeekday),
+                    "a day of the week like sunday or sun");
     }
     if (static_cast<std::int64_t>(plan.rounds - 1) > (lastTime() - plan.start) / plan.every) {
         throw CLI::ValidationError("--rounds", "the last round would be after the year 9999");
@@ -92,12 +92,11 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
     if (!options.goal.has_value()) {
         return std::nullopt;
     }
-    const std::int64_t days = valueOf("--keep-days", *options.goal,
-                                      parseDuration(*options.goal + "d"), "a whole number of days");
+    const std::int64_t days =
+        valueOf("--keep-days", *options.goal, parseDuration(*options.goal + "d"), "a whole number of days");
     if (days > timeOf(plan, plan.rounds) - plan.start) {
         throw CLI::ValidationError(
-            "--keep-days",
-            quoted(*options.goal) + " is more than all rounds last; give more --rounds");
+            "--keep-days", quoted(*options.goal) + " is more than all rounds last; give more --rounds");
     }
     return days;
 }
@@ -124,10 +123,9 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
     report.summaries = summarise(report.simulation);
     if (report.goal.has_value()) {
         for (const SAccountConfiguration& configuration : report.simulation.configurations) {
-            report.leastTargets.push_back(leastTargets(
-                plan, configuration, *report.goal, [&](std::size_t targets, std::size_t rounds) {
-                    progress.show(rounds, plan.rounds,
-                                  fmt::format("rounds with {} targets", targets));
+            report.leastTargets.push_back(
+                leastTargets(plan, configuration, *report.goal, [&](std::size_t targets, std::size_t rounds) {
+                    progress.show(rounds, plan.rounds, fmt::format("rounds with {} targets", targets));
                     return !interrupt.signal().has_value();
                 }));
         }
@@ -139,8 +137,7 @@ std::string toText(const SSimulationReport& report) {
     // In a file nothing needs to be cut but the timeline, whose columns have no end.
     const std::size_t width = widthOfTerminal(STDOUT_FILENO);
     const std::string timeline = toTimeline(report.simulation, width);
-    return timeline + (timeline.empty() ? "" : "\n") +
-           toSummary(report, widthOfOutput(), wantsColour());
+    return timeline + (timeline.empty() ? "" : "\n") + toSummary(report, widthOfOutput(), wantsColour());
 }
 
 int runSimulate(const SOptions& options) {
@@ -165,8 +162,8 @@ int runSimulate(const SOptions& options) {
 
 void addSimulate(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& simulate = *app.add_subcommand(
-        "simulate", "Run many rounds and show how long targets keep their snapshots");
+    CLI::App& simulate =
+        *app.add_subcommand("simulate", "Run many rounds and show how long targets keep their snapshots");
     simulate.footer(kFooter);
 
     CLI::Option_group& configuration = *simulate.add_option_group("configuration");
@@ -187,11 +184,11 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     simulate.add_option("--start", options->start, "The time of the first round, in UTC")
         ->type_name("DATE")
         ->required();
-    CLI::Option* const every = simulate
-                                   .add_option("--exclude-every", options->excludedEvery,
-                                               "Exclude each K-th round from rotation")
-                                   ->type_name("K")
-                                   ->check(CLI::Range(std::size_t{1}, kMostRounds));
+    CLI::Option* const every =
+        simulate
+            .add_option("--exclude-every", options->excludedEvery, "Exclude each K-th round from rotation")
+            ->type_name("K")
+            ->check(CLI::Range(std::size_t{1}, kMostRounds));
     simulate
         .add_option("--exclude-weekday", options->excludedWeekday,
                     "Exclude the rounds of this day of the week from rotation")
@@ -204,8 +201,7 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     simulate.add_flag("--json", options->json, "Show the summary as one JSON document");
     simulate.add_option("--csv", options->csvFile, "Write a line for each round to a file")
         ->type_name("FILE");
-    simulate
-        .add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")
+    simulate.add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")
         ->type_name("FILE");
 
     simulate.callback([options, &exitStatus] {

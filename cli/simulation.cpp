@@ -77,8 +77,7 @@ private:
             SBackup& handedOver = arguments.backups.emplace_back();
             handedOver.file = backup.file;
             // A call overwrites the word with the state, so it is set again for each.
-            handedOver.flagWord =
-                isExcluded(simulation.plan, backup.round) ? FI_EXCLUDE_ROTATION : 0;
+            handedOver.flagWord = isExcluded(simulation.plan, backup.round) ? FI_EXCLUDE_ROTATION : 0;
         }
         return arguments;
     }
@@ -93,8 +92,7 @@ private:
         }
         const auto chosen = choices(*outcome.selection);
         if (!chosen.has_value()) {
-            throw std::invalid_argument(
-                "names in it hold \"][\", so that a selection cannot be taken apart");
+            throw std::invalid_argument("names in it hold \"][\", so that a selection cannot be taken apart");
         }
         dropEnded(outcome, round);
         take(*chosen, round);
@@ -107,9 +105,9 @@ private:
         std::vector<SShortage> found = call(callOfLive(), true).account->shortages;
         for (SShortage& shortage : found) {
             for (SHeldTarget& held : shortage.targets) {
-                const auto holder = std::find_if(
-                    live.begin(), live.end(),
-                    [&held](const SLiveBackup& backup) { return backup.file == held.holder; });
+                const auto holder =
+                    std::find_if(live.begin(), live.end(),
+                                 [&held](const SLiveBackup& backup) { return backup.file == held.holder; });
                 held.holder = holder != live.end() ? fmt::to_string(holder->round) : held.holder;
             }
         }
@@ -151,8 +149,7 @@ private:
         snapshot.end = how;
         if (how == EEnd::kRotated) {
             const std::size_t held = round - snapshot.taken;
-            simulation.fewestRoundsHeld =
-                std::min(held, simulation.fewestRoundsHeld.value_or(held));
+            simulation.fewestRoundsHeld = std::min(held, simulation.fewestRoundsHeld.value_or(held));
         } else {
             simulation.hasLost = true;
         }
@@ -204,8 +201,7 @@ bool isExcluded(const SPlan& plan, std::size_t round) {
     if (plan.excludedEvery.has_value()) {
         return round % *plan.excludedEvery == 0;
     }
-    return plan.excludedWeekday.has_value() &&
-           weekdayOf(timeOf(plan, round)) == *plan.excludedWeekday;
+    return plan.excludedWeekday.has_value() && weekdayOf(timeOf(plan, round)) == *plan.excludedWeekday;
 }
 
 SSimulation simulate(const SPlan& plan, const GoOn& goOn) {

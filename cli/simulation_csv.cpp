@@ -32,9 +32,9 @@ public:
                 ended.push_back(snapshot);
             }
         }
-        std::stable_sort(
-            ended.begin(), ended.end(),
-            [](const SSnapshot& one, const SSnapshot& other) { return one.ended < other.ended; });
+        std::stable_sort(ended.begin(), ended.end(), [](const SSnapshot& one, const SSnapshot& other) {
+            return one.ended < other.ended;
+        });
     }
 
     [[nodiscard]] std::string heading() const {
@@ -47,12 +47,12 @@ public:
 
     std::string line(std::size_t round) {
         const auto [rotated, lost] = endedBy(round);
-        const bool hasSelection = nextTaken < simulation.snapshots.size() &&
-                                  simulation.snapshots[nextTaken].taken == round;
+        const bool hasSelection =
+            nextTaken < simulation.snapshots.size() && simulation.snapshots[nextTaken].taken == round;
         std::string text =
             fmt::format("{},{},{},{},{},{}", round, toIsoTime(timeOf(simulation.plan, round)),
-                        isExcluded(simulation.plan, round) ? "yes" : "no",
-                        hasSelection ? "yes" : "no", fmt::join(rotated, " "), fmt::join(lost, " "));
+                        isExcluded(simulation.plan, round) ? "yes" : "no", hasSelection ? "yes" : "no",
+                        fmt::join(rotated, " "), fmt::join(lost, " "));
         for (const SAccountConfiguration& configuration : simulation.configurations) {
             text += ",";
             if (hasSelection) {

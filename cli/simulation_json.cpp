@@ -28,9 +28,8 @@ Json shortageOf(const SConfigurationSummary& summary) {
                            {"holder_round", std::stoul(held.holder)},
                            {"excluded", held.isExcluded}});
     }
-    return {{"rounds", summary.roundsShort},
-            {"words", shortageInWords(summary.shortage)},
-            {"targets", targets}};
+    return {
+        {"rounds", summary.roundsShort}, {"words", shortageInWords(summary.shortage)}, {"targets", targets}};
 }
 
 Json leastOf(const SLeastTargets& least) {
@@ -62,8 +61,7 @@ Json configurationsOf(const SSimulationReport& report) {
             {"lost", summary.lost},
             {"seconds_until_rotated", agesOf(summary.ages)},
             {"shortage", shortageOf(summary)},
-            {"least_targets",
-             report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
+            {"least_targets", report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
         });
     }
     return rows;
@@ -86,12 +84,10 @@ std::string toJson(const SSimulationReport& report) {
         {"start", toIsoTime(plan.start)},
         {"every_seconds", plan.every},
         {"exclude_every", orNull(plan.excludedEvery)},
-        {"exclude_weekday", plan.excludedWeekday.has_value()
-                                ? Json(weekdayName(*plan.excludedWeekday))
-                                : Json(nullptr)},
+        {"exclude_weekday",
+         plan.excludedWeekday.has_value() ? Json(weekdayName(*plan.excludedWeekday)) : Json(nullptr)},
         {"keep_seconds", orNull(report.goal)},
-        {"first_round_without_target",
-         standstill.has_value() ? Json(standstill->first) : Json(nullptr)},
+        {"first_round_without_target", standstill.has_value() ? Json(standstill->first) : Json(nullptr)},
         {"configurations", configurationsOf(report)},
     };
     return document.dump(2) + "\n";

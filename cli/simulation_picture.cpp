@@ -29,15 +29,13 @@ const char* wordOf(EEnd end) {
 std::string titleOf(const SSimulation& simulation, const SSnapshot& snapshot) {
     const auto& target = simulation.configurations[snapshot.configuration].targets[snapshot.target];
     const SPlan& plan = simulation.plan;
-    std::string text =
-        fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
-                    toShownTime(timeOf(plan, snapshot.taken)),
-                    isExcluded(plan, snapshot.taken) ? ", excluded from rotation" : "");
-    return text +
-           (snapshot.end == EEnd::kHeld
-                ? "still held"
-                : fmt::format("{} in round {} after {}", wordOf(snapshot.end), snapshot.ended,
-                              toShownDays((snapshot.ended - snapshot.taken) * plan.every)));
+    std::string text = fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
+                                   toShownTime(timeOf(plan, snapshot.taken)),
+                                   isExcluded(plan, snapshot.taken) ? ", excluded from rotation" : "");
+    return text + (snapshot.end == EEnd::kHeld
+                       ? "still held"
+                       : fmt::format("{} in round {} after {}", wordOf(snapshot.end), snapshot.ended,
+                                     toShownDays((snapshot.ended - snapshot.taken) * plan.every)));
 }
 
 EBar kindOf(const SSimulation& simulation, const SSnapshot& snapshot) {
@@ -62,16 +60,15 @@ SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, double end)
 
 std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t last) {
     const SPlan& plan = simulation.plan;
-    const std::string rounds =
-        simulation.finishedRounds < plan.rounds
-            ? fmt::format("{} of {} rounds", simulation.finishedRounds, plan.rounds)
-            : fmt::format("{} rounds", plan.rounds);
+    const std::string rounds = simulation.finishedRounds < plan.rounds
+                                   ? fmt::format("{} of {} rounds", simulation.finishedRounds, plan.rounds)
+                                   : fmt::format("{} rounds", plan.rounds);
     std::vector<std::string> remarks{
         fmt::format("{} from {} on, every {}; the number in a bar is its round's", rounds,
                     toShownTime(plan.start), toShownDuration(plan.every))};
     if (last < simulation.finishedRounds) {
-        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out",
-                                      last + 1, simulation.finishedRounds));
+        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out", last + 1,
+                                      simulation.finishedRounds));
     }
     return remarks;
 }

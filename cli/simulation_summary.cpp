@@ -43,8 +43,7 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
         row.held += snapshot.end == EEnd::kHeld ? 1U : 0U;
         if (snapshot.end == EEnd::kRotated) {
             ++row.rotated;
-            ages[snapshot.configuration].push_back((snapshot.ended - snapshot.taken) *
-                                                   simulation.plan.every);
+            ages[snapshot.configuration].push_back((snapshot.ended - snapshot.taken) * simulation.plan.every);
         }
     }
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -68,14 +67,12 @@ std::string shortageInWords(const SShortage& shortage) {
     if (targets.empty()) {
         return "it has no further targets";
     }
-    const std::string whole = targets.size() == 1
-                                  ? "its only target is"
-                                  : fmt::format("all {} targets are", targets.size());
+    const std::string whole =
+        targets.size() == 1 ? "its only target is" : fmt::format("all {} targets are", targets.size());
     if (excluded == static_cast<std::ptrdiff_t>(targets.size())) {
         return whole + " held by excluded backups";
     }
-    return fmt::format("{} held, {} by excluded backups, the others by invalid ones", whole,
-                       excluded);
+    return fmt::format("{} held, {} by excluded backups, the others by invalid ones", whole, excluded);
 }
 
 }  // namespace fi_rotate

@@ -60,9 +60,9 @@ Row headingOf(const SSimulationReport& report) {
 
 Row rowOf(const SSimulationReport& report, std::size_t i) {
     const SConfigurationSummary& summary = report.summaries[i];
-    Row row = toRow({asPrintable(summary.first), fmt::to_string(summary.targets),
-                     fmt::to_string(summary.taken), fmt::to_string(summary.rotated),
-                     fmt::to_string(summary.held)});
+    Row row =
+        toRow({asPrintable(summary.first), fmt::to_string(summary.targets), fmt::to_string(summary.taken),
+               fmt::to_string(summary.rotated), fmt::to_string(summary.held)});
     if (report.simulation.hasLost) {
         row.push_back({fmt::to_string(summary.lost), {}});
     }
@@ -95,8 +95,7 @@ std::string standstillLines(const SSimulationReport& report) {
                     toShownTime(timeOf(simulation.plan, first)), count, simulation.finishedRounds);
     for (const SConfigurationSummary& summary : report.summaries) {
         if (summary.roundsShort != 0) {
-            text += fmt::format("  {}: {}\n", asPrintable(summary.first),
-                                shortageInWords(summary.shortage));
+            text += fmt::format("  {}: {}\n", asPrintable(summary.first), shortageInWords(summary.shortage));
         }
     }
     return text;

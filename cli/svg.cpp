@@ -92,8 +92,7 @@ std::string escaped(std::string_view text) {
 }
 
 std::string text(double x, double y, std::string_view attributes, std::string_view content) {
-    return fmt::format("  <text x=\"{:.1f}\" y=\"{:.1f}\"{}>{}</text>\n", x, y, attributes,
-                       content);
+    return fmt::format("  <text x=\"{:.1f}\" y=\"{:.1f}\"{}>{}</text>\n", x, y, attributes, content);
 }
 
 // Cut where it is too long; the whole is shown when it is pointed at.
@@ -121,12 +120,11 @@ const char* classOf(EBar kind) {
 // A bar with its upper left corner there; an open one ends in a tip.
 std::string shape(double x, double y, double width, bool isOpen) {
     if (!isOpen) {
-        return fmt::format(
-            R"(<rect class="shape" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)", x, y,
-            width, kBarHeight);
+        return fmt::format(R"(<rect class="shape" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)", x, y,
+                           width, kBarHeight);
     }
-    return fmt::format(R"(<path class="shape" d="M{:.1f} {:.1f}h{:.1f}l{} {}l-{} {}h-{:.1f}z"/>)",
-                       x, y, width, kTip, kBarHeight / 2, kTip, kBarHeight / 2, width);
+    return fmt::format(R"(<path class="shape" d="M{:.1f} {:.1f}h{:.1f}l{} {}l-{} {}h-{:.1f}z"/>)", x, y,
+                       width, kTip, kBarHeight / 2, kTip, kBarHeight / 2, width);
 }
 
 class CDrawing {
@@ -142,8 +140,8 @@ public:
         top += layout.height;
         body += axis();
         top += kPictureLine;
-        body += text(layout.left + layout.width / 2, top - 5,
-                     R"( class="remark" text-anchor="middle")", escaped(picture.timeLabel));
+        body += text(layout.left + layout.width / 2, top - 5, R"( class="remark" text-anchor="middle")",
+                     escaped(picture.timeLabel));
         body += legend();
         body += notes();
         return fmt::format(
@@ -181,8 +179,7 @@ private:
         top += kPictureLine;
         std::string labels;
         for (const STick& tick : picture.ticks) {
-            labels +=
-                text(layout.x(tick.at), top - 5, R"( text-anchor="middle")", escaped(tick.label));
+            labels += text(layout.x(tick.at), top - 5, R"( text-anchor="middle")", escaped(tick.label));
         }
         return labels;
     }
@@ -212,10 +209,10 @@ private:
         drawn += cutText(2 * kPictureMargin, y + kPictureLane - 4, "", shown.name);
         if (shown.isChosen) {
             constexpr double kChosenWidth = 34;
-            drawn += fmt::format(
-                "  <g class=\"chosen\"><title>{} is chosen for the next snapshot</title>{}</g>\n",
-                escaped(shown.name),
-                shape(layout.left + layout.width + 2 * kTip, y + 2, kChosenWidth, false));
+            drawn +=
+                fmt::format("  <g class=\"chosen\"><title>{} is chosen for the next snapshot</title>{}</g>\n",
+                            escaped(shown.name),
+                            shape(layout.left + layout.width + 2 * kTip, y + 2, kChosenWidth, false));
         }
         return drawn;
     }
@@ -230,8 +227,8 @@ private:
 
     [[nodiscard]] std::string verticalLine(double x, double first, std::string_view kind) const {
         return fmt::format(
-            "  <line class=\"{0}\" x1=\"{1:.1f}\" y1=\"{2:.1f}\" x2=\"{1:.1f}\" y2=\"{3:.1f}\"/>\n",
-            kind, x, first, first + layout.height);
+            "  <line class=\"{0}\" x1=\"{1:.1f}\" y1=\"{2:.1f}\" x2=\"{1:.1f}\" y2=\"{3:.1f}\"/>\n", kind, x,
+            first, first + layout.height);
     }
 
     [[nodiscard]] std::string lineAcross(double first) const {
@@ -250,9 +247,9 @@ private:
             const double x = layout.x(bar.from);
             const double width = std::max(layout.x(bar.to) - x, 0.5);
             const double y = first + layout.barTops[i] + 2;
-            drawn += fmt::format("  <g class=\"bar {}\"><title>{}</title>{}{}</g>\n",
-                                 classOf(bar.kind), escaped(bar.title),
-                                 shape(x, y, width, bar.isOpen), nameIn(bar, x, y, width));
+            drawn +=
+                fmt::format("  <g class=\"bar {}\"><title>{}</title>{}{}</g>\n", classOf(bar.kind),
+                            escaped(bar.title), shape(x, y, width, bar.isOpen), nameIn(bar, x, y, width));
         }
         return drawn;
     }
@@ -270,12 +267,11 @@ private:
         std::string ground;
         if (bar.kind == EBar::kExcluded || bar.kind == EBar::kInvalid) {
             ground = fmt::format(
-                R"(<rect class="paper" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)",
-                x + 0.5, y + 0.5, static_cast<double>(displayWidth(cut)) * kPictureCharacter + 4,
-                kBarHeight - 1);
+                R"(<rect class="paper" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)", x + 0.5, y + 0.5,
+                static_cast<double>(displayWidth(cut)) * kPictureCharacter + 4, kBarHeight - 1);
         }
-        return ground + fmt::format(R"(<text x="{:.1f}" y="{:.1f}">{}</text>)", x + 3,
-                                    y + kBarHeight - 2.5, escaped(cut));
+        return ground + fmt::format(R"(<text x="{:.1f}" y="{:.1f}">{}</text>)", x + 3, y + kBarHeight - 2.5,
+                                    escaped(cut));
     }
 
     std::string legend() {
@@ -296,13 +292,12 @@ private:
                 drawn += legendLine(classOf(entry.kind), entry.isOpen, entry.meaning);
             }
         }
-        const bool hasChosen = std::any_of(
-            picture.groups.begin(), picture.groups.end(), [](const SPictureGroup& group) {
+        const bool hasChosen =
+            std::any_of(picture.groups.begin(), picture.groups.end(), [](const SPictureGroup& group) {
                 return std::any_of(group.rows.begin(), group.rows.end(),
                                    [](const SPictureRow& row) { return row.isChosen; });
             });
-        return drawn +
-               (hasChosen ? legendLine("chosen", false, "chosen for the next snapshot") : "");
+        return drawn + (hasChosen ? legendLine("chosen", false, "chosen for the next snapshot") : "");
     }
 
     std::string legendLine(std::string_view kind, bool isOpen, const std::string& meaning) {

@@ -65,12 +65,11 @@ std::string backupTable(const SOutcome& outcome, std::size_t width, bool colour)
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
     for (const SBackup& backup : outcome.backups) {
-        Row row = toRow({asPrintable(backup.file),
-                         backup.timeStamp.empty() ? "-" : asPrintable(backup.timeStamp),
-                         fmt::to_string(backup.flagWord)});
+        Row row =
+            toRow({asPrintable(backup.file), backup.timeStamp.empty() ? "-" : asPrintable(backup.timeStamp),
+                   fmt::to_string(backup.flagWord)});
         const auto state = stateWord(backup);
-        row.push_back(state.has_value() ? SCell{std::string(*state), styleOf(*state)}
-                                        : SCell{"-", {}});
+        row.push_back(state.has_value() ? SCell{std::string(*state), styleOf(*state)} : SCell{"-", {}});
         rows.push_back(std::move(row));
     }
     return "Backups\n" + toTableOrLists(rows, width, colour) +
@@ -85,9 +84,9 @@ std::string reasonTable(const SOutcome& outcome) {
     std::string text = "Reasons\n";
     for (const SBackup& backup : outcome.backups) {
         const std::optional<SReason>& reason = backup.reason;
-        text += fmt::format(
-            "  {}\n    {}: {}\n", asPrintable(backup.file), stateWord(backup).value_or("no state"),
-            !reason.has_value() ? withoutReason(backup) : asPrintable(inWords(*reason)));
+        text += fmt::format("  {}\n    {}: {}\n", asPrintable(backup.file),
+                            stateWord(backup).value_or("no state"),
+                            !reason.has_value() ? withoutReason(backup) : asPrintable(inWords(*reason)));
     }
     return text;
 }
@@ -100,10 +99,10 @@ std::string shortageTable(const std::vector<SShortage>& shortages) {
             text += "  it has no further targets at all; one must be added\n";
         }
         for (const SHeldTarget& held : shortage.targets) {
-            text += fmt::format(
-                "  {} is held by {}, {}\n", asPrintable(held.target), asPrintable(held.holder),
-                held.isExcluded ? "which is excluded; without that it would be rotated"
-                                : "which is invalid; it is free when that backup is gone");
+            text +=
+                fmt::format("  {} is held by {}, {}\n", asPrintable(held.target), asPrintable(held.holder),
+                            held.isExcluded ? "which is excluded; without that it would be rotated"
+                                            : "which is invalid; it is free when that backup is gone");
         }
     }
     return text;
@@ -120,8 +119,7 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, std::size_t width, bool colour) {
-    std::string text =
-        selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, width, colour);
+    std::string text = selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, width, colour);
     if (outcome.account.has_value() && !outcome.backups.empty()) {
         text += "\n" + reasonTable(outcome) + shortageTable(outcome.account->shortages);
     }

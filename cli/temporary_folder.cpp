@@ -16,8 +16,7 @@ namespace {
 
 std::string parentFolder() {
     constexpr const char* kInMemory = "/dev/shm";
-    return access(kInMemory, W_OK | X_OK) == 0 ? kInMemory
-                                               : std::filesystem::temp_directory_path().string();
+    return access(kInMemory, W_OK | X_OK) == 0 ? kInMemory : std::filesystem::temp_directory_path().string();
 }
 
 [[noreturn]] void fail(const std::string& path) {

@@ -45,16 +45,14 @@ std::vector<STick> monthTicks(std::int64_t from, std::int64_t to, int step) {
     for (int month = (first / kMonthDigits * kMonths + first % kMonthDigits - 1) / step * step;;
          month += step) {
         const int year = month / kMonths;
-        const auto time =
-            parseTimeStamp(fmt::format("{:04}{:02}01000000", year, month % kMonths + 1));
+        const auto time = parseTimeStamp(fmt::format("{:04}{:02}01000000", year, month % kMonths + 1));
         if (!time.has_value() || *time > to) {
             return ticks;
         }
         if (*time >= from) {
             ticks.push_back({static_cast<double>(*time),
-                             step % kMonths == 0
-                                 ? fmt::format("{:04}", year)
-                                 : fmt::format("{:04}-{:02}", year, month % kMonths + 1)});
+                             step % kMonths == 0 ? fmt::format("{:04}", year)
+                                                 : fmt::format("{:04}-{:02}", year, month % kMonths + 1)});
         }
     }
 }
@@ -64,9 +62,8 @@ std::vector<STick> monthTicks(std::int64_t from, std::int64_t to, int step) {
 std::vector<STick> timeTicks(std::int64_t from, std::int64_t to, std::size_t most) {
     const auto room = static_cast<std::int64_t>(most);
     constexpr std::array<std::int64_t, 14> kSteps = {
-        1,     5,         15,        kMinute,    5 * kMinute,    15 * kMinute,
-        kHour, 3 * kHour, 6 * kHour, 12 * kHour, kSecondsPerDay, 2 * kSecondsPerDay,
-        kWeek, 2 * kWeek};
+        1,         5,         15,         kMinute,        5 * kMinute,        15 * kMinute, kHour,
+        3 * kHour, 6 * kHour, 12 * kHour, kSecondsPerDay, 2 * kSecondsPerDay, kWeek,        2 * kWeek};
     for (const std::int64_t step : kSteps) {
         if ((to - from) / step + 1 <= room) {
             return evenTicks(from, to, step);

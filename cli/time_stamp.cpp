@@ -16,9 +16,7 @@ using xercesc::XMLString;
 
 class CTimeStampHandler : public xercesc::DefaultHandler {
 public:
-    void characters(const XMLCh* chars, XMLSize_t /*length*/) override {
-        text = toLocalCodePage(chars);
-    }
+    void characters(const XMLCh* chars, XMLSize_t /*length*/) override { text = toLocalCodePage(chars); }
 
     void startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname,
                       const xercesc::Attributes& /*attributes*/) override {

@@ -100,15 +100,14 @@ std::vector<char> lettersOf(const SSimulation& simulation) {
             const SSnapshot& snapshot = simulation.snapshots[j];
             lastOn[{snapshot.configuration, snapshot.target}] = letter;
         }
-        result.push_back(static_cast<char>((isExcluded(simulation.plan, taken) ? 'A' : 'a') +
-                                           static_cast<char>(letter)));
+        result.push_back(
+            static_cast<char>((isExcluded(simulation.plan, taken) ? 'A' : 'a') + static_cast<char>(letter)));
     }
     return result;
 }
 
 // By configuration and target, a character for each round of the window.
-std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation,
-                                              const SWindow& window) {
+std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation, const SWindow& window) {
     const std::size_t columns = window.last - window.first + 1;
     std::vector<std::vector<std::string>> cells;
     for (const SAccountConfiguration& configuration : simulation.configurations) {
@@ -120,8 +119,8 @@ std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation,
         const std::size_t from = std::max<std::size_t>(snapshot.taken, window.first);
         const std::size_t to = std::min(endOf(snapshot), window.last + 1);
         if (from < to) {
-            cells[snapshot.configuration][snapshot.target].replace(
-                from - window.first, to - from, to - from, letters[i / cells.size()]);
+            cells[snapshot.configuration][snapshot.target].replace(from - window.first, to - from, to - from,
+                                                                   letters[i / cells.size()]);
         }
     }
     return cells;
@@ -133,8 +132,8 @@ std::string heading(const SSimulation& simulation, const SWindow& window) {
         text += fmt::format("  left out for want of room: 1 to {}\n", window.first - 1);
     }
     if (window.last < simulation.finishedRounds) {
-        text += fmt::format("  left out, since they found no target either: {} to {}\n",
-                            window.last + 1, simulation.finishedRounds);
+        text += fmt::format("  left out, since they found no target either: {} to {}\n", window.last + 1,
+                            simulation.finishedRounds);
     }
     return text;
 }
@@ -180,8 +179,8 @@ std::string toTimeline(const SSimulation& simulation, std::size_t width) {
 
     const auto line = [&](const std::string& name, const std::string& cells) {
         const std::string shown = cutTo(asPrintable(name), label);
-        return fmt::format("{:{}}{}{:{}}{}\n", "", kIndent, shown, "",
-                           label - displayWidth(shown) + kGap, cells);
+        return fmt::format("{:{}}{}{:{}}{}\n", "", kIndent, shown, "", label - displayWidth(shown) + kGap,
+                           cells);
     };
     std::string text = heading(simulation, window);
     text += line("", ruler(window));

@@ -115,8 +115,9 @@ void forward(int level, const char* format, std::va_list arguments) {
 }  // namespace fi_rotate
 
 // What the library resolves from its host.
-extern "C" __attribute__((format(printf, 2, 3), visibility("default"))) void mofi_tracelog(
-    int level, const char* format, ...) {
+extern "C" __attribute__((format(printf, 2, 3), visibility("default"))) void mofi_tracelog(int level,
+                                                                                           const char* format,
+                                                                                           ...) {
     std::va_list arguments;
     va_start(arguments, format);
     fi_rotate::forward(level, format, arguments);

@@ -41,8 +41,7 @@ void readDocument(const std::string& document, xercesc::DefaultHandler& handler)
                                             document.size(), "fi-rotate");
     xercesc::SecurityManager references;
     references.setEntityExpansionLimit(kMostReferences);
-    const std::unique_ptr<xercesc::SAX2XMLReader> reader(
-        xercesc::XMLReaderFactory::createXMLReader());
+    const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
     reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
     reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
     reader->setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);

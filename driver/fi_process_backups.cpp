@@ -13,8 +13,7 @@
 namespace {
 
 std::int32_t selectForFirstBackup(const CFiResourceManager& manager, char** resultString) {
-    mofi_tracelog(kTraceProgress,
-                  "fi_process_backups : fiidListSize empty, no previous backups to process");
+    mofi_tracelog(kTraceProgress, "fi_process_backups : fiidListSize empty, no previous backups to process");
     const std::optional<std::string> selection = buildSelection(manager.resourceSet);
     if (!selection.has_value()) {
         mofi_tracelog(kTraceFailure, "fi_process_backups : no resource is available");
@@ -31,8 +30,7 @@ std::int32_t selectForFirstBackup(const CFiResourceManager& manager, char** resu
 }  // namespace
 
 std::int32_t fi_process_backups(const char* const* fiidList, const char* resource_config_string,
-                                std::int32_t* fiidFlags, std::int32_t fiidListSize,
-                                char** resultString) {
+                                std::int32_t* fiidFlags, std::int32_t fiidListSize, char** resultString) {
     if ((fiidListSize != 0 && fiidFlags == nullptr) || resultString == nullptr ||
         resource_config_string == nullptr) {
         mofi_tracelog(kTraceFailure, "fi_process_backups : Invalid/empty parameter");

@@ -98,9 +98,10 @@ enum {
  * the same XML library with them. A host that holds the XML library set up all the time only hides
  * the fault: the library's count of its users stays unprotected.
  */
-__attribute__((visibility("default"))) int32_t fi_process_backups(
-    const char* const* fiidList, const char* resource_config_string, int32_t* fiidFlags,
-    int32_t fiidListSize, char** resultString);
+__attribute__((visibility("default"))) int32_t fi_process_backups(const char* const* fiidList,
+                                                                  const char* resource_config_string,
+                                                                  int32_t* fiidFlags, int32_t fiidListSize,
+                                                                  char** resultString);
 
 #ifdef __cplusplus
 }

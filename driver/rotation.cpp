@@ -29,8 +29,7 @@ using Backups = std::vector<CFiFiidNode*>;
 using ExcludeMap = std::map<std::string, std::int32_t>;
 
 // A name listed twice has the flag word of its last entry.
-ExcludeMap recordExcludeFlags(const std::vector<std::string>& fiidNames,
-                              const std::int32_t* fiidFlags) {
+ExcludeMap recordExcludeFlags(const std::vector<std::string>& fiidNames, const std::int32_t* fiidFlags) {
     ExcludeMap excludeMap;
     for (std::size_t i = 0; i < fiidNames.size(); ++i) {
         excludeMap[fiidNames[i]] = fiidFlags[i] & FI_EXCLUDE_ROTATION;
@@ -73,8 +72,8 @@ void claimTargets(CFiResourceManager& manager, const Backups& backups) {
             mofi_tracelog(kTraceProgress, "fi_process_backups : [RESERVE GOOD] %s - T: %s",
                           backup->fiidFile.c_str(), backup->timeStamp.c_str());
         } else {
-            mofi_tracelog(kTraceProgress, "fi_process_backups : %s - T: %s",
-                          backup->fiidFile.c_str(), backup->timeStamp.c_str());
+            mofi_tracelog(kTraceProgress, "fi_process_backups : %s - T: %s", backup->fiidFile.c_str(),
+                          backup->timeStamp.c_str());
             backup->state = FI_BACKUP_INVALID;
         }
     }
@@ -122,8 +121,8 @@ void releaseOldest(CFiResourceManager& manager, const Backups& backups, ExcludeM
 
 // What fiidFlags will hold: the state of each name's first backup, oldest first, or the flag word
 // of a name that was not loaded.
-std::vector<std::int32_t> finalFlags(const std::vector<std::string>& fiidNames,
-                                     const std::int32_t* fiidFlags, const Backups& backups) {
+std::vector<std::int32_t> finalFlags(const std::vector<std::string>& fiidNames, const std::int32_t* fiidFlags,
+                                     const Backups& backups) {
     std::unordered_map<std::string_view, std::int32_t> states;
     for (const CFiFiidNode* backup : backups) {
         states.emplace(backup->fiidFile, backup->state);
@@ -139,8 +138,8 @@ std::vector<std::int32_t> finalFlags(const std::vector<std::string>& fiidNames,
 
 void printOutcome(const Backups& backups) {
     for (CFiFiidNode* backup : backups) {
-        mofi_tracelog(kTraceProgress, "fi_process_backups : parsed [%s] state=[%d]",
-                      backup->fiidFile.c_str(), backup->state);
+        mofi_tracelog(kTraceProgress, "fi_process_backups : parsed [%s] state=[%d]", backup->fiidFile.c_str(),
+                      backup->state);
         backup->print(0);
     }
 }
@@ -148,8 +147,7 @@ void printOutcome(const Backups& backups) {
 }  // namespace
 
 std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fiidList,
-                              std::int32_t* fiidFlags, std::int32_t fiidListSize,
-                              char** resultString) {
+                              std::int32_t* fiidFlags, std::int32_t fiidListSize, char** resultString) {
     const std::vector<std::string> fiidNames(fiidList, fiidList + std::max(fiidListSize, 0));
     ExcludeMap excludeMap = recordExcludeFlags(fiidNames, fiidFlags);
 
@@ -184,8 +182,7 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
     }
     CFiHandOver handOver(resultString, fiidFlags, fiidNames.size());
     handOver.give(std::move(result));
-    mofi_tracelog(kTraceProgress, "fi_process_backups : resource_config_string [%s] ",
-                  selection->c_str());
+    mofi_tracelog(kTraceProgress, "fi_process_backups : resource_config_string [%s] ", selection->c_str());
     handOver.give(finalFlags(fiidNames, fiidFlags, backups));
 
     manager.print();

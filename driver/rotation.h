@@ -9,5 +9,4 @@ class CFiResourceManager;
 // Arguments, outputs and status are those of fi_process_backups; a negative `fiidListSize` stands
 // for no entries.
 std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fiidList,
-                              std::int32_t* fiidFlags, std::int32_t fiidListSize,
-                              char** resultString);
+                              std::int32_t* fiidFlags, std::int32_t fiidListSize, char** resultString);

@@ -80,8 +80,8 @@ static const char* state_name(int32_t state) {
 }
 
 /* One call; `flags` holds a word for each document and receives the documents' states. */
-static int rotate(process_backups_function function, const char* configuration,
-                  const char* const* documents, int32_t* flags, int32_t count) {
+static int rotate(process_backups_function function, const char* configuration, const char* const* documents,
+                  int32_t* flags, int32_t count) {
     char* selection = NULL;
     char problem[256] = "";
     const int32_t status = call_without_exceptions(function, documents, configuration, flags, count,

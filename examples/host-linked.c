@@ -56,8 +56,7 @@ static const char* state_name(int32_t state) {
     }
 }
 
-static void show(const char* selection, const char* const* documents, const int32_t* flags,
-                 int32_t count) {
+static void show(const char* selection, const char* const* documents, const int32_t* flags, int32_t count) {
     printf("selection: %s\n", selection);
     for (int32_t i = 0; i < count; i++) {
         printf("%s: %s\n", documents[i], state_name(flags[i]));
@@ -65,13 +64,11 @@ static void show(const char* selection, const char* const* documents, const int3
 }
 
 /* One call; `flags` holds a word for each document and receives the documents' states. */
-static int rotate(const char* configuration, const char* const* documents, int32_t* flags,
-                  int32_t count) {
+static int rotate(const char* configuration, const char* const* documents, int32_t* flags, int32_t count) {
     char* selection = NULL;
     char problem[256] = "";
-    const int32_t status =
-        call_without_exceptions(fi_process_backups, documents, configuration, flags, count,
-                                &selection, problem, sizeof problem);
+    const int32_t status = call_without_exceptions(fi_process_backups, documents, configuration, flags, count,
+                                                   &selection, problem, sizeof problem);
     if (status == CALL_ENDED_BY_EXCEPTION) {
         fprintf(stderr, "host-linked: %s\n", problem);
         return NOT_CALLED;

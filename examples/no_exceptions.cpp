@@ -6,8 +6,7 @@
 #include <fi_rotation/CFiUdidException.h>
 
 // Nothing leaves this function: the last handler takes whatever the others do not.
-extern "C" int32_t call_without_exceptions(process_backups_function function,
-                                           const char* const* fiidList,
+extern "C" int32_t call_without_exceptions(process_backups_function function, const char* const* fiidList,
                                            const char* resource_config_string, int32_t* fiidFlags,
                                            int32_t fiidListSize, char** resultString, char* problem,
                                            size_t problemSize) {

@@ -21,9 +21,8 @@ extern "C" {
 #endif
 
 /* The type of fi_process_backups: the linked function, or what dlsym found. */
-typedef int32_t (*process_backups_function)(const char* const* fiidList,
-                                            const char* resource_config_string, int32_t* fiidFlags,
-                                            int32_t fiidListSize, char** resultString);
+typedef int32_t (*process_backups_function)(const char* const* fiidList, const char* resource_config_string,
+                                            int32_t* fiidFlags, int32_t fiidListSize, char** resultString);
 
 /* A status that the library itself never returns. */
 enum { CALL_ENDED_BY_EXCEPTION = -1 };
@@ -34,9 +33,8 @@ enum { CALL_ENDED_BY_EXCEPTION = -1 };
  * the NUL; the outputs of the call are as they were.
  */
 int32_t call_without_exceptions(process_backups_function function, const char* const* fiidList,
-                                const char* resource_config_string, int32_t* fiidFlags,
-                                int32_t fiidListSize, char** resultString, char* problem,
-                                size_t problemSize);
+                                const char* resource_config_string, int32_t* fiidFlags, int32_t fiidListSize,
+                                char** resultString, char* problem, size_t problemSize);
 
 #ifdef __cplusplus
 }

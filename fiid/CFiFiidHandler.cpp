@@ -41,8 +41,8 @@ void CFiFiidHandler::characters(const XMLCh* chars, XMLSize_t /*length*/) {
     toLocalCodePage(chars, text);
 }
 
-void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
-                                  const XMLCh* qname, const xercesc::Attributes& /*attributes*/) {
+void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname,
+                                  const xercesc::Attributes& /*attributes*/) {
     traceEntering("CFiFiidHandler::startElement");
     if (done) {
         // The extra line is what tells a reader of the trace that the tree was already complete.
@@ -54,8 +54,7 @@ void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname
     traceExiting("CFiFiidHandler::startElement");
 }
 
-void CFiFiidHandler::endElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
-                                const XMLCh* qname) {
+void CFiFiidHandler::endElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname) {
     traceEntering("CFiFiidHandler::endElement");
     if (root != nullptr && isNamed(qname, u"timeStamp")) {
         root->timeStamp = text;

@@ -51,8 +51,7 @@ std::vector<const CFiFiidNode*> CFiFiidNode::findNodes(const std::string& patter
 
 // The operation takes a copy.
 // cppcheck-suppress passedByValue
-std::int32_t CFiFiidNode::getNodes(std::string pattern,
-                                   std::map<std::string, std::string>& result) const {
+std::int32_t CFiFiidNode::getNodes(std::string pattern, std::map<std::string, std::string>& result) const {
     for (const CFiFiidNode* node : findNodes(pattern)) {
         result[node->objid] = node->altobjid;
     }
@@ -68,7 +67,6 @@ void CFiFiidNode::print(std::int32_t level) {
         indentation.resize(static_cast<std::size_t>(std::max<std::int64_t>(tabs, 0)), '\t');
         mofi_tracelog(kTraceProgress, "%s [%s]", indentation.c_str(), node.objid.c_str());
         mofi_tracelog(kTraceProgress, "%s {%s}", indentation.c_str(), node.altobjid.c_str());
-        mofi_tracelog(kTraceProgress, "%s <%d %s>", indentation.c_str(), node.type,
-                      node.splitType.c_str());
+        mofi_tracelog(kTraceProgress, "%s <%d %s>", indentation.c_str(), node.type, node.splitType.c_str());
     });
 }

@@ -74,9 +74,8 @@ void CFiFiidParser::setHandler(xercesc::DefaultHandler* newHandler) {
 void CFiFiidParser::parse(const std::string& document) {
     traceEntering("CFiFiidParser::parse");
     if (reader != nullptr) {
-        const MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()),
-                                       document.size(), "mofi_sax_parser", false,
-                                       XMLPlatformUtils::fgMemoryManager);
+        const MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()), document.size(),
+                                       "mofi_sax_parser", false, XMLPlatformUtils::fgMemoryManager);
         limits.startDocument();
         reader->parse(source);
     }

@@ -16,9 +16,7 @@ namespace {
 // The library's own handler ends the process, which is the host's.
 class CThrowingPanicHandler : public xercesc::PanicHandler {
 public:
-    void panic(const PanicReasons reason) override {
-        throw std::runtime_error(getPanicReasonString(reason));
-    }
+    void panic(const PanicReasons reason) override { throw std::runtime_error(getPanicReasonString(reason)); }
 };
 
 // The library can be terminated only when it was set up whole. Whatever fails on the way leaves it, in this

@@ -32,8 +32,8 @@ void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
     reader.setDeclarationHandler(this);
 }
 
-void CFiXmlLimits::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/,
-                                 const XMLCh* /*type*/, const XMLCh* /*mode*/, const XMLCh* value) {
+void CFiXmlLimits::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
+                                 const XMLCh* /*mode*/, const XMLCh* value) {
     ++attributes;
     // Every element gets the default anew.
     if (attributes > kMostAttributes || isLong(value)) {

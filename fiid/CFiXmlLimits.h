@@ -36,11 +36,10 @@ public:
     void startDocument() { attributes = 0; }
 
 private:
-    void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type,
-                       const XMLCh* mode, const XMLCh* value) override;
+    void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type, const XMLCh* mode,
+                       const XMLCh* value) override;
     void elementDecl(const XMLCh* name, const XMLCh* model) override;
-    void externalEntityDecl(const XMLCh* name, const XMLCh* publicId,
-                            const XMLCh* systemId) override;
+    void externalEntityDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
     void internalEntityDecl(const XMLCh* name, const XMLCh* value) override;
 
     xercesc::SecurityManager references;

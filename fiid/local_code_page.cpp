@@ -13,9 +13,7 @@ using xercesc::XMLString;
 namespace {
 
 struct STranscodedRelease {
-    void operator()(char* buffer) const {
-        XMLString::release(&buffer, XMLPlatformUtils::fgMemoryManager);
-    }
+    void operator()(char* buffer) const { XMLString::release(&buffer, XMLPlatformUtils::fgMemoryManager); }
 };
 
 bool transcode(const XMLCh* text, std::string& result) {

@@ -225,8 +225,8 @@ std::vector<std::string> requireTargets(const std::vector<SFiResourceList>& list
         require(selection.compare(position, start.size(), start) == 0,
                 "the configurations are selected in order");
         position += start.size();
-        const auto chosen = std::find_if(
-            list.resources.begin(), list.resources.end(), [&](const SFiResource& resource) {
+        const auto chosen =
+            std::find_if(list.resources.begin(), list.resources.end(), [&](const SFiResource& resource) {
                 const std::string text = nameOf(resource.enclosure, resource.device) + "]";
                 return selection.compare(position, text.size(), text) == 0;
             });
@@ -260,8 +260,7 @@ bool holdsNamesOnce(const std::vector<SFiResourceList>& lists) {
 }
 
 void requireKeptTargets(const SScenario& scenario, const SOutcome& outcome,
-                        const std::vector<SFiResourceList>& lists,
-                        const std::vector<std::string>& targets) {
+                        const std::vector<SFiResourceList>& lists, const std::vector<std::string>& targets) {
     for (std::size_t i = 0; i < scenario.loaded; ++i) {
         const SBackup& backup = scenario.backups[i];
         if (outcome.flags[i] != FI_BACKUP_KEPT || !isListedOnce(scenario, backup.file)) {
@@ -269,8 +268,7 @@ void requireKeptTargets(const SScenario& scenario, const SOutcome& outcome,
         }
         for (const auto& [objid, altobjid] : backup.pairs) {
             for (std::size_t list = 0; list < lists.size(); ++list) {
-                const bool isOfList =
-                    targetOf(objid) == nameOf(lists[list].enclosure, lists[list].device);
+                const bool isOfList = targetOf(objid) == nameOf(lists[list].enclosure, lists[list].device);
                 require(!isOfList || targetOf(altobjid) != targets[list],
                         "what a kept backup holds is not selected");
             }
@@ -291,8 +289,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         parser.parse(scenario.configuration.c_str());
         // A device that ends like a group of the selection could be read in two ways.
         if (scenario.configuration.find(']') == std::string::npos) {
-            const std::vector<std::string> targets =
-                requireTargets(parser.configurations, outcome.selection);
+            const std::vector<std::string> targets = requireTargets(parser.configurations, outcome.selection);
             if (!scenario.backups.empty()) {
                 requireStates(scenario, outcome);
             }

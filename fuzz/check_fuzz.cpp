@@ -1,8 +1,8 @@
-// Bytes are a configuration and documents, parted by lines "%%". Whatever they are: each finding has a place in
-// its input and stands in order; a report counts what it shows and has a line for each. Where no entities are
-// involved, the configurations, the content, the tree and the identifiers are those that the library reads; an
-// exception leaves a call when, and only when, a finding says so; a backup with a pair that matches nothing is
-// invalid; one without a Node takes no part.
+// Bytes are a configuration and documents, parted by lines "%%". Whatever they are: each finding has a place
+// in its input and stands in order; a report counts what it shows and has a line for each. Where no entities
+// are involved, the configurations, the content, the tree and the identifiers are those that the library
+// reads; an exception leaves a call when, and only when, a finding says so; a backup with a pair that matches
+// nothing is invalid; one without a Node takes no part.
 
 #include <algorithm>
 #include <cstddef>
@@ -93,8 +93,7 @@ void requirePlaces(const CFindings& findings, const std::string& input) {
         require(std::pair(last.line, last.column) <= std::pair(place.line, place.column),
                 "findings are in order");
         require(finding.spot.caret <= finding.spot.excerpt.size(), "a caret stands in its excerpt");
-        require(input.find(finding.spot.excerpt) != std::string::npos,
-                "an excerpt is part of the input");
+        require(input.find(finding.spot.excerpt) != std::string::npos, "an excerpt is part of the input");
         last = place;
     }
 }
@@ -154,8 +153,7 @@ void requireTree(const std::string& bytes) {
     const CFiTreeReleaser releaser(handler.roots);
     parser.setHandler(&handler);
     parser.parse(document.content());
-    require((handler.root == nullptr) == tree.nodes.empty(),
-            "there is a tree if the library has one");
+    require((handler.root == nullptr) == tree.nodes.empty(), "there is a tree if the library has one");
     if (handler.root == nullptr) {
         return;
     }
@@ -200,8 +198,7 @@ void requireConfigurations(const std::string& text) {
 void requireCall(const fi_rotate::SInputs& inputs, const std::vector<CFindings>& findings) {
     for (const CFindings& some : findings) {
         // Of several top-level Nodes the call leaves all but the last one allocated.
-        if (has(some, EHazard::kDoctype) || has(some, EHazard::kUtf16) ||
-            has(some, EHazard::kSeveralNodes)) {
+        if (has(some, EHazard::kDoctype) || has(some, EHazard::kUtf16) || has(some, EHazard::kSeveralNodes)) {
             return;
         }
     }
@@ -245,8 +242,7 @@ void requireCall(const fi_rotate::SInputs& inputs, const std::vector<CFindings>&
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Initialising the XML library for every input would take most of the time.
     static const CFiXmlLibrary held;
-    const std::vector<std::string> parts =
-        partsOf(std::string(reinterpret_cast<const char*>(data), size));
+    const std::vector<std::string> parts = partsOf(std::string(reinterpret_cast<const char*>(data), size));
     std::vector<CDocument> documents;
     fi_rotate::SInputs inputs{parts.front(), "configuration", {}};
     for (std::size_t i = 1; i < parts.size(); ++i) {
@@ -260,8 +256,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         requirePlaces(findings[i], parts[i]);
     }
     requireReport(findings);
-    require(toText(checkCall(inputs)) == toText(findings),
-            "the same inputs have the same findings");
+    require(toText(checkCall(inputs)) == toText(findings), "the same inputs have the same findings");
 
     requireConfigurations(parts.front());
     std::for_each(parts.begin() + 1, parts.end(), requireTree);

@@ -55,8 +55,7 @@ void requireNamed(const SFiResourceList& list) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // The text ends at its first NUL for everybody.
-    const std::string configuration =
-        std::string(reinterpret_cast<const char*>(data), size).c_str();
+    const std::string configuration = std::string(reinterpret_cast<const char*>(data), size).c_str();
     CFiResourceParser parser;
     const std::int32_t status = parser.parse(configuration.c_str());
     require(status == CFiResourceParser::kParsed || status == CFiResourceParser::kRejected ||
@@ -74,18 +73,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         }
         const SFiResource& first = list.resources.front();
-        expected += "[" + list.enclosure + "##" + list.device + ";" + first.enclosure + "##" +
-                    first.device + "]";
+        expected +=
+            "[" + list.enclosure + "##" + list.device + ";" + first.enclosure + "##" + first.device + "]";
     }
 
     const SAnswer answer = select(configuration);
-    require((answer.status == FI_STATUS_SUCCESS) == isComplete,
-            "a selection is complete or there is none");
+    require((answer.status == FI_STATUS_SUCCESS) == isComplete, "a selection is complete or there is none");
     require(!isComplete || answer.selection == expected, "each first further target is selected");
 
     const SAnswer again = select(configuration);
-    require(again.status == answer.status && again.selection == answer.selection &&
-                again.trace == answer.trace,
-            "the same text gives the same answer");
+    require(
+        again.status == answer.status && again.selection == answer.selection && again.trace == answer.trace,
+        "the same text gives the same answer");
     return 0;
 }

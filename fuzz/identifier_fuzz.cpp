@@ -12,8 +12,7 @@
 namespace {
 
 bool endsWith(const std::string& text, const std::string& end) {
-    return text.size() >= end.size() &&
-           text.compare(text.size() - end.size(), end.size(), end) == 0;
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
 void requirePartsOf(const std::string& text, const CFiUdid& udid) {
@@ -27,8 +26,7 @@ void requirePartsOf(const std::string& text, const CFiUdid& udid) {
     require(udid.idPart1.find("##") == std::string::npos, "a part holds no separator");
     require(udid.idPart2.find("##") == std::string::npos, "a part holds no separator");
     require(udid.enclosure.find("##") == std::string::npos, "an enclosure holds no separator");
-    require(!udid.isEnclosureId || text.find("UDID##") == std::string::npos,
-            "a device prefix comes first");
+    require(!udid.isEnclosureId || text.find("UDID##") == std::string::npos, "a device prefix comes first");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Any bytes are a log. Its calls stand one behind the other; what is shown of them keeps to its lines and is JSON
-// that a program can read; a reason is given only where nothing is missing in between.
+// Any bytes are a log. Its calls stand one behind the other; what is shown of them keeps to its lines and is
+// JSON that a program can read; a reason is given only where nothing is missing in between.
 
 #include <cstddef>
 #include <cstdint>

@@ -17,8 +17,7 @@ constexpr const char* kDeviceIdentifierMark = "UDID##";
 // The targets of all identifier pairs of the tree under `root`, in no particular order; nothing when a
 // pair is malformed or matches no target. Of Nodes with the same objid the last one counts, as it does
 // in the map that CFiFiidNode::getNodes fills.
-std::optional<std::vector<STargetPlace>> matchAll(const CFiFiidNode& root,
-                                                  const CFiTargetIndex& index) {
+std::optional<std::vector<STargetPlace>> matchAll(const CFiFiidNode& root, const CFiTargetIndex& index) {
     const std::vector<const CFiFiidNode*> nodes = root.findNodes(kDeviceIdentifierMark);
     std::unordered_map<std::string_view, const CFiFiidNode*> lastNodes;
     lastNodes.reserve(nodes.size());

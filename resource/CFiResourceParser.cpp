@@ -45,15 +45,13 @@ std::int32_t CFiResourceParser::parse(const char* specification) {
     std::string text = CCmnStringTool::convertFromXmlSpecialCharacters(specification);
     const std::vector<char*> fields = splitInPlace(text.data(), kConfigurationSeparators);
     if (fields.empty()) {
-        mofi_tracelog(kTraceFailure,
-                      "CFiResourceParser::parse : Invalid resource specification [%s]",
+        mofi_tracelog(kTraceFailure, "CFiResourceParser::parse : Invalid resource specification [%s]",
                       text.c_str());
         return kNoConfiguration;
     }
 
     // The split has ended the text behind its first configuration, so the line shows no more.
-    mofi_tracelog(kTraceProgress, "CFiResourceParser::parse : Resource specification [%s]",
-                  text.c_str());
+    mofi_tracelog(kTraceProgress, "CFiResourceParser::parse : Resource specification [%s]", text.c_str());
 
     for (char* field : fields) {
         const std::int32_t status = parseConfiguration(field);
@@ -67,10 +65,9 @@ std::int32_t CFiResourceParser::parse(const char* specification) {
 std::int32_t CFiResourceParser::parseConfiguration(char* configuration) {
     const std::vector<char*> targets = splitInPlace(configuration, kTargetSeparators);
     if (targets.empty()) {
-        mofi_tracelog(
-            kTraceFailure,
-            "CFiResourceParser::parse : resource configuration \"%s\" has no targets specified.",
-            configuration);
+        mofi_tracelog(kTraceFailure,
+                      "CFiResourceParser::parse : resource configuration \"%s\" has no targets specified.",
+                      configuration);
         return kRejected;
     }
 
@@ -79,8 +76,8 @@ std::int32_t CFiResourceParser::parseConfiguration(char* configuration) {
     std::string carriedEnclosure;
     for (const char* text : targets) {
         SFiResource target = parseTarget(text, carriedEnclosure);
-        mofi_tracelog(kTraceProgress, "CFiResourceParser::parse : [%s][%s]",
-                      target.enclosure.c_str(), target.device.c_str());
+        mofi_tracelog(kTraceProgress, "CFiResourceParser::parse : [%s][%s]", target.enclosure.c_str(),
+                      target.device.c_str());
         if (target.device.empty()) {
             mofi_tracelog(kTraceFailure,
                           "CFiResourceParser::parse : resource configuration \"%s\" has no device "

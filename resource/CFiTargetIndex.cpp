@@ -62,13 +62,11 @@ STargetPlace CFiTargetIndex::find(const CFiUdid& key, const CFiUdid& value) cons
     return slot.number == 0 ? STargetPlace() : places[slot.number - 1];
 }
 
-std::size_t CFiTargetIndex::slotOf(const STable& table, const SName& name,
-                                   std::uint32_t hash) const {
+std::size_t CFiTargetIndex::slotOf(const STable& table, const SName& name, std::uint32_t hash) const {
     for (std::size_t i = hash;; ++i) {
         const std::size_t position = table.start + (i & (table.size - 1));
         const SSlot& slot = slots[position];
-        if (slot.number == 0 ||
-            (slot.hash == hash && nameOf(*places[slot.number - 1].resource) == name)) {
+        if (slot.number == 0 || (slot.hash == hash && nameOf(*places[slot.number - 1].resource) == name)) {
             return position;
         }
     }

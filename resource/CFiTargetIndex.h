@@ -64,8 +64,7 @@ private:
     void insert(const STable& table, const STargetPlace& place);
 
     // The slot of the target of this name, or the empty one where it belongs.
-    [[nodiscard]] std::size_t slotOf(const STable& table, const SName& name,
-                                     std::uint32_t hash) const;
+    [[nodiscard]] std::size_t slotOf(const STable& table, const SName& name, std::uint32_t hash) const;
 
     std::unordered_map<SName, STable, SNameHash> tables;
     std::vector<STargetPlace> places;

@@ -27,8 +27,7 @@ public:
         // Stamps borrow findings, so these stay where they are.
         all.reserve(inputs.files.size() + 1);
         all.emplace_back(inputs.configurationName);
-        const std::vector<SConfiguration> used =
-            checkConfiguration(inputs.configuration, all.front());
+        const std::vector<SConfiguration> used = checkConfiguration(inputs.configuration, all.front());
         CDeviceCheck devices(used);
         const CXmlLibrary library;
         for (std::size_t i = 0; i < inputs.files.size(); ++i) {
@@ -75,11 +74,11 @@ private:
 
     void reportUnopened(std::size_t index, CFindings& findings) {
         const std::size_t others = inputs.files.size() - index - 1;
-        const std::string consequence =
-            isStopped     ? "the library does not come so far"
-            : others == 0 ? "it takes no part"
-                          : fmt::format("neither it nor the {} after it will be read",
-                                        others == 1 ? "one" : std::to_string(others));
+        const std::string consequence = isStopped ? "the library does not come so far"
+                                        : others == 0
+                                            ? "it takes no part"
+                                            : fmt::format("neither it nor the {} after it will be read",
+                                                          others == 1 ? "one" : std::to_string(others));
         findings.addOfWhole(EHazard::kCannotOpen,
                             fmt::format("cannot be opened: {}; {}", errorText(), consequence));
         isStopped = true;
@@ -93,9 +92,8 @@ private:
         const SDocumentTree tree = readTree(document, findings);
         devices.check(tree, document, findings);
         if (tree.timeStamp.has_value() && !tree.timeStamp->text.empty()) {
-            stamps.push_back({tree.timeStamp->text,
-                              document.spotAt(document.offsetOf(tree.timeStamp->place)),
-                              &findings});
+            stamps.push_back(
+                {tree.timeStamp->text, document.spotAt(document.offsetOf(tree.timeStamp->place)), &findings});
         }
     }
 

@@ -35,8 +35,8 @@ SConfiguredTarget parseTarget(const SPiece& piece, const std::string& carried) {
     if (separator == std::string_view::npos) {
         return {carried, std::string(piece.text), piece.offset, true};
     }
-    return {std::string(piece.text.substr(0, separator)),
-            std::string(piece.text.substr(separator + 2)), piece.offset, false};
+    return {std::string(piece.text.substr(0, separator)), std::string(piece.text.substr(separator + 2)),
+            piece.offset, false};
 }
 
 std::optional<std::string> faultOf(const SConfiguredTarget& target, bool isFirst) {
@@ -129,11 +129,10 @@ private:
             return;
         }
         const std::size_t used = reading.used.size();
-        const std::string lost = range(used + 1, reading.count) +
-                                 (used + 1 == reading.count ? " is lost, " : " are lost, ");
-        const std::string left = used == 0
-                                     ? "none is left and the call succeeds with an empty selection"
-                                     : range(1, used) + (used == 1 ? " is used" : " are used");
+        const std::string lost =
+            range(used + 1, reading.count) + (used + 1 == reading.count ? " is lost, " : " are lost, ");
+        const std::string left = used == 0 ? "none is left and the call succeeds with an empty selection"
+                                           : range(1, used) + (used == 1 ? " is used" : " are used");
         report(EHazard::kConfigurationRejected, reading.fault->offset,
                "configuration rejected: " + reading.fault->text + "; " + lost + left);
     }
@@ -147,9 +146,9 @@ private:
                        range(earlier->second + 1, earlier->second + 1) + " too");
         }
         if (configuration.further.empty()) {
-            report(EHazard::kNoFurtherTargets, first.offset,
-                   inQuotes(first.name()) +
-                       " has no further targets, so that every call fails for want of one");
+            report(
+                EHazard::kNoFurtherTargets, first.offset,
+                inQuotes(first.name()) + " has no further targets, so that every call fails for want of one");
         }
         checkBlanks(first);
     }
@@ -158,8 +157,7 @@ private:
         const std::string name = target.name();
         if (const auto found = firsts.find(name); found != firsts.end()) {
             report(EHazard::kFirstTargetRepeated, target.offset,
-                   inQuotes(name) + " is the first target of " +
-                       range(found->second + 1, found->second + 1) +
+                   inQuotes(name) + " is the first target of " + range(found->second + 1, found->second + 1) +
                        " and can be chosen for a snapshot");
         }
         const auto [earlier, isNew] = furthers.emplace(name, index);
@@ -168,8 +166,8 @@ private:
                    inQuotes(name) + " stands in its configuration already");
         } else if (!isNew) {
             report(EHazard::kTargetInTwoConfigurations, target.offset,
-                   inQuotes(name) + " stands in " +
-                       range(earlier->second + 1, earlier->second + 1) + " already");
+                   inQuotes(name) + " stands in " + range(earlier->second + 1, earlier->second + 1) +
+                       " already");
             earlier->second = index;
         }
         checkBlanks(target);

@@ -95,9 +95,9 @@ private:
             reportMalformed(*node.objid, *key.fault);
         }
         if (altobjidOf(node).empty()) {
-            report(EHazard::kNoAltobjid, *node.objid,
-                   fmt::format("the device {} has no altobjid; {}", inQuotes(node.objid->text),
-                               consequence()));
+            report(
+                EHazard::kNoAltobjid, *node.objid,
+                fmt::format("the device {} has no altobjid; {}", inQuotes(node.objid->text), consequence()));
         } else if (value.fault.has_value()) {
             reportMalformed(*node.altobjid, *value.fault);
         }
@@ -137,8 +137,8 @@ private:
             findings.countAnother(hazard);
         } else if (owner.isFirst(first)) {
             report(hazard, *node.altobjid,
-                   fmt::format("{} is no further target of {}{}", inQuotes(further),
-                               inQuotes(first), suggestion(owner.nearestFurther(first, further))));
+                   fmt::format("{} is no further target of {}{}", inQuotes(further), inQuotes(first),
+                               suggestion(owner.nearestFurther(first, further))));
         } else {
             report(hazard, *node.objid,
                    fmt::format("{} is the first target of no configuration{}", inQuotes(first),
@@ -150,8 +150,7 @@ private:
         if (findings.isFull(hazard)) {
             findings.countAnother(hazard);
         } else {
-            findings.add(
-                {hazard, document.spotAt(document.offsetOf(value.place)), std::move(what)});
+            findings.add({hazard, document.spotAt(document.offsetOf(value.place)), std::move(what)});
         }
     }
 
@@ -179,13 +178,11 @@ CDeviceCheck::CDeviceCheck(const std::vector<SConfiguration>& configurations) {
     }
 }
 
-void CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document,
-                         CFindings& findings) {
+void CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings) {
     CPairCheck(*this, document, findings).run(tree.nodes);
 }
 
-std::optional<std::size_t> CDeviceCheck::find(const std::string& first,
-                                              const std::string& further) const {
+std::optional<std::size_t> CDeviceCheck::find(const std::string& first, const std::string& further) const {
     const auto candidates = byFirst.find(first);
     if (candidates == byFirst.end()) {
         return std::nullopt;

@@ -14,8 +14,7 @@ struct SSkipped {
     std::string_view end;
 };
 constexpr SSkipped kSkipped[] = {
-    {"\xEF\xBB\xBF", ""}, {" ", ""},       {"\t", ""},   {"\r", ""},
-    {"\n", ""},           {"<!--", "-->"}, {"<?", "?>"},
+    {"\xEF\xBB\xBF", ""}, {" ", ""}, {"\t", ""}, {"\r", ""}, {"\n", ""}, {"<!--", "-->"}, {"<?", "?>"},
 };
 
 // Bytes at the start of `text` that may stand before it.

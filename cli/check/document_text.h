@@ -27,8 +27,8 @@ public:
     // The place in the file of a byte of the content.
     SSpot spotAt(std::size_t contentOffset) const;
 
-    // Adds NUL bytes, wide characters, and an encoding that does not agree with the bytes. False when what the
-    // library reads has next to nothing to do with what was written.
+    // Adds NUL bytes, wide characters, and an encoding that does not agree with the bytes. False when what
+    // the library reads has next to nothing to do with what was written.
     bool check(CFindings& findings) const;
 
 private:

@@ -33,9 +33,9 @@ std::size_t deviceCount(const std::vector<SNode>& nodes) {
 
 // The XML library has no other sign for it. Messages of other faults end with what the document holds.
 bool isExpansionLimit(const std::string& message) {
-    return message.rfind(fmt::format("parser has encountered more than '{}' entity expansions",
-                                     kMostReferences),
-                         0) == 0;
+    return message.rfind(
+               fmt::format("parser has encountered more than '{}' entity expansions", kMostReferences), 0) ==
+           0;
 }
 
 // A place of which the XML library told the end.
@@ -48,8 +48,7 @@ struct SSite {
 // Builds the tree as the library does.
 class CTreeReader : public xercesc::DefaultHandler {
 public:
-    CTreeReader(const CDocumentText& source, CFindings& receiver)
-        : document(source), findings(receiver) {}
+    CTreeReader(const CDocumentText& source, CFindings& receiver) : document(source), findings(receiver) {}
 
     // To be called when the document has been read.
     SDocumentTree finish();
@@ -65,8 +64,8 @@ public:
     void endDTD() override { isInDtd = false; }
     void startEntity(const XMLCh* /*name*/) override { ++openEntities; }
     void endEntity(const XMLCh* /*name*/) override { --openEntities; }
-    void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type,
-                       const XMLCh* mode, const XMLCh* value) override;
+    void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type, const XMLCh* mode,
+                       const XMLCh* value) override;
     void internalEntityDecl(const XMLCh* name, const XMLCh* value) override;
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 
@@ -128,9 +127,8 @@ SSite CTreeReader::startTag() const {
 
 std::size_t CTreeReader::offsetOf(const SSite& site) const {
     const std::size_t end = document.offsetOf(site.end);
-    const std::size_t begin = end == 0 || site.start.empty()
-                                  ? std::string::npos
-                                  : document.content().rfind(site.start, end - 1);
+    const std::size_t begin =
+        end == 0 || site.start.empty() ? std::string::npos : document.content().rfind(site.start, end - 1);
     return begin == std::string::npos ? end : begin;
 }
 
@@ -162,9 +160,9 @@ void CTreeReader::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
     } else if (isData(element)) {
         openData.push_back({startTag(), pieces, length});
     } else if (element == EElement::kMisnamed) {
-        report(EHazard::kWrongName, startTag(),
-               fmt::format("{} is ignored; was {} meant?", inQuotes(toLocalCodePage(qname)),
-                           nameMeant(qname)));
+        report(
+            EHazard::kWrongName, startTag(),
+            fmt::format("{} is ignored; was {} meant?", inQuotes(toLocalCodePage(qname)), nameMeant(qname)));
     }
 }
 
@@ -229,8 +227,7 @@ void CTreeReader::store(EElement element, const SOpenData& data, const std::stri
     }
 }
 
-void CTreeReader::set(std::optional<SValue>& value, const SOpenData& data,
-                      const std::string& name) {
+void CTreeReader::set(std::optional<SValue>& value, const SOpenData& data, const std::string& name) {
     const std::string taken = toLocalCodePage(text.c_str());
     if (value.has_value() && value->text != taken) {
         report(EHazard::kRepeatedElement, data.startTag,
@@ -247,19 +244,17 @@ void CTreeReader::fatalError(const xercesc::SAXParseException& report) {
     }
 }
 
-void CTreeReader::startDTD(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
-                           const XMLCh* /*systemId*/) {
+void CTreeReader::startDTD(const XMLCh* /*name*/, const XMLCh* /*publicId*/, const XMLCh* /*systemId*/) {
     isInDtd = true;
 }
 
-void CTreeReader::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/,
-                                const XMLCh* /*type*/, const XMLCh* /*mode*/, const XMLCh* value) {
+void CTreeReader::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
+                                const XMLCh* /*mode*/, const XMLCh* value) {
     ++attributes;
     if (attributes > kMostAttributes || XMLString::stringLen(value) > kLongestEntity) {
         stop(EHazard::kExpansionLimit, {here(), "<"},
-             attributes > kMostAttributes
-                 ? "too many attributes to be read on"
-                 : "the default of an attribute is too long to be read on");
+             attributes > kMostAttributes ? "too many attributes to be read on"
+                                          : "the default of an attribute is too long to be read on");
     }
 }
 
@@ -275,8 +270,7 @@ void CTreeReader::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
     }
     if (XMLString::stringLen(value) > kLongestEntity) {
         stop(EHazard::kExpansionLimit, site,
-             fmt::format("the entity {} is too long to be read on",
-                         inQuotes(toLocalCodePage(name))));
+             fmt::format("the entity {} is too long to be read on", inQuotes(toLocalCodePage(name))));
     }
 }
 
@@ -296,15 +290,14 @@ void CTreeReader::finishFault() {
     const SSite site{fault->place, ""};
     if (isExpansionLimit(fault->text)) {
         tree.isCutShort = true;
-        report(EHazard::kExpansionLimit, site,
-               fmt::format("more than {} references to entities; the document is not read on",
-                           kMostReferences));
+        report(
+            EHazard::kExpansionLimit, site,
+            fmt::format("more than {} references to entities; the document is not read on", kMostReferences));
         return;
     }
     report(EHazard::kMalformedXml, site,
            fmt::format("not well-formed: {}; what was read before is used, {} with {}", fault->text,
-                       countOf(tree.nodes.size(), "Node"),
-                       countOf(deviceCount(tree.nodes), "device")));
+                       countOf(tree.nodes.size(), "Node"), countOf(deviceCount(tree.nodes), "device")));
 }
 
 void CTreeReader::finishRoots() {
@@ -312,8 +305,7 @@ void CTreeReader::finishRoots() {
         report(EHazard::kSeveralNodes, secondRoot,
                fmt::format("{} Nodes stand side by side, of which only the last counts; {} of the "
                            "others {} lost",
-                           lostRoots + 1, countOf(lostDevices, "device"),
-                           lostDevices == 1 ? "is" : "are"));
+                           lostRoots + 1, countOf(lostDevices, "device"), lostDevices == 1 ? "is" : "are"));
     }
     if (tree.nodes.empty()) {
         report(EHazard::kNoNode, {}, "no Node was read, so that the document adds no backup");

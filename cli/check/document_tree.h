@@ -10,8 +10,8 @@
 
 namespace fi_rotate {
 
-// The text of a data element as the library takes it, and the place in the content, as the XML library counts,
-// where the element's own text begins.
+// The text of a data element as the library takes it, and the place in the content, as the XML library
+// counts, where the element's own text begins.
 struct SValue {
     std::string text;
     SPlace place;

@@ -33,9 +33,9 @@ bool isSameButForCase(std::u16string_view left, std::u16string_view right) {
 
 const SName* meant(std::u16string_view qname) {
     const std::u16string_view name = qname.substr(qname.rfind(u':') + 1);
-    const auto* const found =
-        std::find_if(std::begin(kNames), std::end(kNames),
-                     [name](const SName& row) { return isSameButForCase(row.name, name); });
+    const auto* const found = std::find_if(std::begin(kNames), std::end(kNames), [name](const SName& row) {
+        return isSameButForCase(row.name, name);
+    });
     return found == std::end(kNames) ? nullptr : found;
 }
 
@@ -50,8 +50,7 @@ EElement elementOf(const XMLCh* qname) {
 }
 
 bool isData(EElement element) {
-    return element != EElement::kOther && element != EElement::kMisnamed &&
-           element != EElement::kNode;
+    return element != EElement::kOther && element != EElement::kMisnamed && element != EElement::kNode;
 }
 
 const char* nameMeant(const XMLCh* qname) {

@@ -63,15 +63,14 @@ std::optional<std::string_view> declaredEncoding(std::string_view document) {
     constexpr std::string_view kStart = "<?xml";
     constexpr std::string_view kAttribute = "encoding";
     constexpr std::size_t kLongestDeclaration = 1024;
-    const std::string_view declaration = document.substr(
-        0, std::min(document.substr(0, kLongestDeclaration).find("?>"), kLongestDeclaration));
+    const std::string_view declaration =
+        document.substr(0, std::min(document.substr(0, kLongestDeclaration).find("?>"), kLongestDeclaration));
     if (!startsWith(declaration, kStart)) {
         return std::nullopt;
     }
     const std::size_t attribute = declaration.find(kAttribute);
-    return attribute == std::string_view::npos
-               ? std::nullopt
-               : valueAt(declaration.substr(attribute + kAttribute.size()));
+    return attribute == std::string_view::npos ? std::nullopt
+                                               : valueAt(declaration.substr(attribute + kAttribute.size()));
 }
 
 bool isOneOf(const std::string& name, std::initializer_list<std::string_view> starts) {
@@ -125,14 +124,12 @@ std::optional<SEncodingMismatch> encodingMismatch(std::string_view document) {
     if (!fault.has_value()) {
         return std::nullopt;
     }
-    const auto offset = valid < document.size()
-                            ? valid
-                            : static_cast<std::size_t>(std::distance(document.begin(), beyond));
+    const auto offset =
+        valid < document.size() ? valid : static_cast<std::size_t>(std::distance(document.begin(), beyond));
     return SEncodingMismatch{
         offset < document.size() ? offset : 0,
-        (declared.has_value()
-             ? "the document declares " + inQuotes(*declared)
-             : std::string("the document declares no encoding, which means UTF-8")) +
+        (declared.has_value() ? "the document declares " + inQuotes(*declared)
+                              : std::string("the document declares no encoding, which means UTF-8")) +
             "; " + *fault};
 }
 

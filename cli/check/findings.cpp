@@ -50,9 +50,9 @@ std::vector<SFinding> CFindings::inOrder() const {
     for (std::size_t i = 0; i < counts.size(); ++i) {
         if (counts[i] > kMostOfOneHazard) {
             const auto hazard = static_cast<EHazard>(i);
-            const auto last = std::find_if(
-                kept.rbegin(), kept.rend(),
-                [hazard](const SFinding& finding) { return finding.hazard == hazard; });
+            const auto last = std::find_if(kept.rbegin(), kept.rend(), [hazard](const SFinding& finding) {
+                return finding.hazard == hazard;
+            });
             SFinding others = *last;
             others.spot.excerpt.clear();
             others.spot.caret = 0;

@@ -161,9 +161,8 @@ std::string_view nameOf(ESeverity severity) {
 }
 
 const SHazardKind* findKind(std::string_view name) {
-    const auto* const found =
-        std::find_if(kKinds.begin(), kKinds.end(),
-                     [name](const SHazardKind& kind) { return kind.name == name; });
+    const auto* const found = std::find_if(kKinds.begin(), kKinds.end(),
+                                           [name](const SHazardKind& kind) { return kind.name == name; });
     return found == kKinds.end() ? nullptr : found;
 }
 

@@ -25,8 +25,8 @@ SIdentifier parseIdentifier(std::string_view text) {
         return malformed(CFiUdidException::kNoPrefix);
     }
     std::string_view rest = text.substr(prefix + kDevicePrefix.size());
-    for (const std::int32_t fault : {CFiUdidException::kNoSeparatorAfterFirstPart,
-                                     CFiUdidException::kNoSeparatorAfterSecondPart}) {
+    for (const std::int32_t fault :
+         {CFiUdidException::kNoSeparatorAfterFirstPart, CFiUdidException::kNoSeparatorAfterSecondPart}) {
         const std::size_t end = rest.find(kSeparator);
         if (end == std::string_view::npos) {
             return malformed(fault);

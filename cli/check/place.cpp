@@ -27,11 +27,9 @@ SSpot CLines::at(std::size_t offset) const {
     const auto next = std::upper_bound(starts.begin(), starts.end(), offset);
     const std::size_t lineBegin = *std::prev(next);
     const std::size_t lineEnd = std::min(text.find_first_of("\r\n", offset), text.size());
-    const std::size_t begin = offset - lineBegin <= kExcerptBefore
-                                  ? lineBegin
-                                  : characterStart(text, offset - kExcerptBefore);
-    const std::size_t end =
-        std::max(offset, characterStart(text, std::min(lineEnd, offset + kExcerptAfter)));
+    const std::size_t begin =
+        offset - lineBegin <= kExcerptBefore ? lineBegin : characterStart(text, offset - kExcerptBefore);
+    const std::size_t end = std::max(offset, characterStart(text, std::min(lineEnd, offset + kExcerptAfter)));
     return {{static_cast<std::size_t>(std::distance(starts.begin(), next)),
              1 + characterCount(text.substr(lineBegin, offset - lineBegin))},
             std::string(text.substr(begin, end - begin)),

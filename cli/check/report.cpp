@@ -12,20 +12,18 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string countOf(std::size_t count, const char* thing) {
-    return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing,
-                       count == 1 ? "" : "s");
+    return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing, count == 1 ? "" : "s");
 }
 
 std::string lineOf(const std::string& input, const SFinding& finding) {
     const SHazardKind& kind = kindOf(finding.hazard);
     const SPlace place = finding.spot.place;
-    std::string text =
-        fmt::format("{}:{}:{}: {}: {} [{}]\n", asPrintable(input), place.line, place.column,
-                    nameOf(kind.severity), asPrintable(finding.text), kind.name);
+    std::string text = fmt::format("{}:{}:{}: {}: {} [{}]\n", asPrintable(input), place.line, place.column,
+                                   nameOf(kind.severity), asPrintable(finding.text), kind.name);
     if (!finding.spot.excerpt.empty()) {
         const std::string before = asPrintable(finding.spot.excerpt.substr(0, finding.spot.caret));
-        text += fmt::format("    {}\n    {:{}}^\n", asPrintable(finding.spot.excerpt), "",
-                            displayWidth(before));
+        text +=
+            fmt::format("    {}\n    {:{}}^\n", asPrintable(finding.spot.excerpt), "", displayWidth(before));
     }
     return text;
 }
@@ -64,9 +62,8 @@ std::string toText(const std::vector<CFindings>& inputs) {
         }
     }
     const SCounts counts = countAll(inputs);
-    return text + fmt::format("{}, {}; checked the configuration and {}\n",
-                              countOf(counts.errors, "error"), countOf(counts.warnings, "warning"),
-                              countOf(inputs.size() - 1, "document"));
+    return text + fmt::format("{}, {}; checked the configuration and {}\n", countOf(counts.errors, "error"),
+                              countOf(counts.warnings, "warning"), countOf(inputs.size() - 1, "document"));
 }
 
 std::string toJson(const std::vector<CFindings>& inputs) {

@@ -27,10 +27,10 @@ const SStamp& usual(const std::vector<SStamp>& stamps) {
     for (const SStamp& stamp : stamps) {
         ++counts[formOf(stamp.text)];
     }
-    return *std::max_element(
-        stamps.begin(), stamps.end(), [&counts](const SStamp& left, const SStamp& right) {
-            return counts.at(formOf(left.text)) < counts.at(formOf(right.text));
-        });
+    return *std::max_element(stamps.begin(), stamps.end(),
+                             [&counts](const SStamp& left, const SStamp& right) {
+                                 return counts.at(formOf(left.text)) < counts.at(formOf(right.text));
+                             });
 }
 
 void checkForms(const std::vector<SStamp>& stamps) {
@@ -41,8 +41,8 @@ void checkForms(const std::vector<SStamp>& stamps) {
             stamp.findings->add(
                 {EHazard::kMixedTimeStamps, stamp.spot,
                  fmt::format("the time stamp {} differs in {} from {} of {}", inQuotes(stamp.text),
-                             stamp.text.size() == form.size() ? "form" : "width",
-                             inQuotes(pattern.text), pattern.findings->input())});
+                             stamp.text.size() == form.size() ? "form" : "width", inQuotes(pattern.text),
+                             pattern.findings->input())});
         }
     }
 }
@@ -52,11 +52,10 @@ void checkEquals(const std::vector<SStamp>& stamps) {
     for (const SStamp& stamp : stamps) {
         const auto [entry, isNew] = earlier.emplace(stamp.text, &stamp);
         if (!isNew) {
-            stamp.findings->add(
-                {EHazard::kEqualTimeStamps, stamp.spot,
-                 fmt::format("the time stamp {} is that of {} too; which of them "
-                             "counts as the newer is undefined",
-                             inQuotes(stamp.text), entry->second->findings->input())});
+            stamp.findings->add({EHazard::kEqualTimeStamps, stamp.spot,
+                                 fmt::format("the time stamp {} is that of {} too; which of them "
+                                             "counts as the newer is undefined",
+                                             inQuotes(stamp.text), entry->second->findings->input())});
         }
     }
 }

@@ -61,8 +61,8 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& additio
     return result;
 }
 
-pid_t start(std::vector<std::string> arguments, const std::vector<std::string>& additions,
-            int output, int error) {
+pid_t start(std::vector<std::string> arguments, const std::vector<std::string>& additions, int output,
+            int error) {
     arguments.insert(arguments.begin(), FI_ROTATE_PROGRAM);
     std::vector<std::string> environment = environmentWith(additions);
     posix_spawn_file_actions_t actions;

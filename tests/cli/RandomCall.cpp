@@ -8,8 +8,8 @@ using fi_rotate::SCall;
 std::string document(const std::string& timeStamp, const std::vector<SPair>& pairs) {
     std::string xml = "<Node><timeStamp>" + timeStamp + "</timeStamp>\n";
     for (const SPair& pair : pairs) {
-        xml += "<Node><objid>UDID##v##m##" + pair.first + "</objid><altobjid>UDID##v##m##" +
-               pair.further + "</altobjid></Node>\n";
+        xml += "<Node><objid>UDID##v##m##" + pair.first + "</objid><altobjid>UDID##v##m##" + pair.further +
+               "</altobjid></Node>\n";
     }
     return xml + "</Node>\n";
 }

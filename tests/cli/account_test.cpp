@@ -34,8 +34,8 @@ using testing::ElementsAre;
 
 class FiRotateAccount : public testing::Test {
 protected:
-    std::string give(const std::string& name, const std::string& timeStamp,
-                     const std::vector<SPair>& pairs, std::int32_t flagWord = 0) {
+    std::string give(const std::string& name, const std::string& timeStamp, const std::vector<SPair>& pairs,
+                     std::int32_t flagWord = 0) {
         SBackup backup;
         backup.file = folder.write(name, document(timeStamp, pairs));
         backup.flagWord = flagWord;
@@ -79,8 +79,7 @@ TEST_F(FiRotateAccount, KeptBecauseItIsExcludedAndWhatThatLeftShort) {
     const SOutcome outcome = explained("A##x;1;2&A##y;3;4");
     EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_KEPT);
     EXPECT_EQ(outcome.backups[1].state, FI_BACKUP_ROTATED);
-    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
-              "excluded from rotation, although A##y had no free target");
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "excluded from rotation, although A##y had no free target");
 }
 
 TEST_F(FiRotateAccount, KeptBecauseRotationStoppedBeforeIt) {
@@ -130,16 +129,15 @@ TEST_F(FiRotateAccount, InvalidBecauseATargetWasHeldAlready) {
 TEST_F(FiRotateAccount, InvalidBecauseTwoOfItsPairsNameOneTarget) {
     // Two objids of one device: only the vendor differs.
     call.backups.resize(1);
-    call.backups[0].file = folder.write(
-        "a",
-        "<Node><timeStamp>1</timeStamp>"
-        "<Node><objid>UDID##v##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
-        "<Node><objid>UDID##w##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
-        "</Node>");
+    call.backups[0].file =
+        folder.write("a",
+                     "<Node><timeStamp>1</timeStamp>"
+                     "<Node><objid>UDID##v##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
+                     "<Node><objid>UDID##w##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
+                     "</Node>");
     const SOutcome outcome = explained("A##x;1;2");
     EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_INVALID);
-    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
-              "A##1 of A##x was already held by another of its pairs");
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "A##1 of A##x was already held by another of its pairs");
 }
 
 TEST_F(FiRotateAccount, HasNoReasonForABackupThatWasNotLoaded) {

@@ -22,9 +22,9 @@ TEST(FiRotateCalendar, ReadsDatesWithAndWithoutATime) {
 }
 
 TEST(FiRotateCalendar, RefusesWhatIsNoTime) {
-    for (const char* text : {"", "2026", "2026-13-01", "2026-02-29", "2026-00-01",
-                             "2026-10-01T24:00", "2026-10-01 01:30", "2026-10-01T01:60",
-                             "2026-10-01T", "26-10-01", "2026-10-01x", "+026-10-01"}) {
+    for (const char* text :
+         {"", "2026", "2026-13-01", "2026-02-29", "2026-00-01", "2026-10-01T24:00", "2026-10-01 01:30",
+          "2026-10-01T01:60", "2026-10-01T", "26-10-01", "2026-10-01x", "+026-10-01"}) {
         EXPECT_FALSE(parseTime(text).has_value()) << text;
     }
     EXPECT_FALSE(parseTimeStamp("2026100101300").has_value());

@@ -34,14 +34,12 @@ std::vector<SCheckRow> callRows() {
         {"a missing one before another",
          EHazard::kCannotOpen,
          with({first, missing, second}),
-         {"no.xml:1:1: error: " + unopened +
-          "neither it nor the one after it will be read [cannot-open]"},
+         {"no.xml:1:1: error: " + unopened + "neither it nor the one after it will be read [cannot-open]"},
          clean},
         {"a missing one at the end, and one that is not reached",
          EHazard::kCannotOpen,
          with({missing, first, {"no2.xml", std::nullopt}}),
-         {"no.xml:1:1: error: " + unopened +
-              "neither it nor the 2 after it will be read [cannot-open]",
+         {"no.xml:1:1: error: " + unopened + "neither it nor the 2 after it will be read [cannot-open]",
           "no2.xml:1:1: error: " + unopened + "the library does not come so far [cannot-open]"},
          clean},
         {"the last one is missing",

@@ -23,8 +23,8 @@ std::string device(const std::string& first, const std::string& further) {
     return node("UDID##v##m##" + first, "UDID##v##m##" + further);
 }
 
-SCheckRow malformed(const std::string& identifier, const std::string& fault,
-                    const std::string& neighbour, const std::string& neighbourHazard) {
+SCheckRow malformed(const std::string& identifier, const std::string& fault, const std::string& neighbour,
+                    const std::string& neighbourHazard) {
     return {"altobjid " + identifier,
             EHazard::kMalformedIdentifier,
             of(node("UDID##v##m##encA##lun1", identifier)),
@@ -71,8 +71,7 @@ std::vector<SCheckRow> deviceRows() {
          of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun2", "encA##snap3"))},
         {"an altobjid without an objid",
          EHazard::kUnusedAltobjid,
-         of(device("encA##lun1", "encA##snap1") +
-            "\n<Node><altobjid>UEID##v##m##e</altobjid></Node>"),
+         of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>UEID##v##m##e</altobjid></Node>"),
          {"d:3:17: error: the altobjid \"UEID##v##m##e\" is not used: the objid of its Node holds "
           "no "
           "UDID## [unused-altobjid]"},
@@ -83,8 +82,8 @@ std::vector<SCheckRow> deviceRows() {
                   "pair-matches-nothing"),
         malformed("UDID##v##m", "only one ## follows its prefix (code 4)", "UEID##v##m##encA",
                   "pair-matches-nothing"),
-        malformed("UDID##v##m##", "nothing follows the second ## after its prefix (code 1)",
-                  "UDID##v##m##x", "pair-matches-nothing"),
+        malformed("UDID##v##m##", "nothing follows the second ## after its prefix (code 1)", "UDID##v##m##x",
+                  "pair-matches-nothing"),
         {"an objid",
          EHazard::kMalformedIdentifier,
          of(node("UDID##lun1", "UDID##v##m##encA##snap1")),
@@ -134,8 +133,7 @@ std::vector<SCheckRow> deviceRows() {
         {"a configuration that was lost",
          EHazard::kPairMatchesNothing,
          {"encA##lun1;snap1&;&encA##lun2;snap3",
-          {{"d",
-            "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
+          {{"d", "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
          {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 "
           "are lost, configuration 1 is used [configuration-rejected]",
           "d:1:44: error: \"encA##lun2\" is the first target of no configuration; the nearest is "

@@ -154,8 +154,7 @@ std::vector<SCheckRow> xmlRows() {
         {"a long default",
          EHazard::kExpansionLimit,
          of(withDtd("<!ATTLIST a b CDATA \"" + times(257, "x") + "\">\n")),
-         {kDoctype,
-          "d:2:1: error: the default of an attribute is too long to be read on [expansion-limit]"},
+         {kDoctype, "d:2:1: error: the default of an attribute is too long to be read on [expansion-limit]"},
          of(withDtd("<!ATTLIST a b CDATA \"" + times(256, "x") + "\">\n")),
          {"doctype"}},
     };
@@ -177,8 +176,7 @@ std::vector<SCheckRow> formRows() {
          {"d:3:1: error: 2 Nodes stand side by side, of which only the last counts; 1 device of "
           "the "
           "others is lost [several-nodes]"},
-         of("<a>\n" + backup("<Node><objid>JOB</objid></Node><Node><objid>JOB</objid></Node>") +
-            "</a>")},
+         of("<a>\n" + backup("<Node><objid>JOB</objid></Node><Node><objid>JOB</objid></Node>") + "</a>")},
         {"three of them",
          EHazard::kSeveralNodes,
          of("<a>\n" + lost + "\n" + lost + "\n" + backup() + "</a>"),
@@ -194,8 +192,7 @@ std::vector<SCheckRow> formRows() {
          of(backup("<type>7</type>"))},
         {"behind the Node",
          EHazard::kOutsideNode,
-         of("<a>" + backup() +
-            "\n<objid>x</objid><altobjid>y</altobjid><splitType>z</splitType></a>"),
+         of("<a>" + backup() + "\n<objid>x</objid><altobjid>y</altobjid><splitType>z</splitType></a>"),
          {"d:6:1: warning: objid stands in no Node and is ignored [outside-node]",
           "d:6:17: warning: altobjid stands in no Node and is ignored [outside-node]",
           "d:6:39: warning: splitType stands in no Node and is ignored [outside-node]"},
@@ -215,8 +212,8 @@ std::vector<SCheckRow> formRows() {
 }
 
 std::vector<SCheckRow> valueRows() {
-    const auto split = [](const std::string& value, const std::string& pieces,
-                          const std::string& last, const std::string& neighbour) {
+    const auto split = [](const std::string& value, const std::string& pieces, const std::string& last,
+                          const std::string& neighbour) {
         return SCheckRow{"split by " + value,
                          EHazard::kSplitValue,
                          of(backup("<splitType>" + value + "</splitType>\n")),

@@ -75,10 +75,8 @@ TEST(FiRotateCheckNearest, CountsWhatMustBeChanged) {
         {" ", "ab", 4, 2},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(distance(row.left, row.right, row.limit), row.expected)
-            << row.left << " " << row.right;
-        EXPECT_EQ(distance(row.right, row.left, row.limit), row.expected)
-            << row.right << " " << row.left;
+        EXPECT_EQ(distance(row.left, row.right, row.limit), row.expected) << row.left << " " << row.right;
+        EXPECT_EQ(distance(row.right, row.left, row.limit), row.expected) << row.right << " " << row.left;
     }
 }
 

@@ -45,8 +45,7 @@ TEST(FiRotateCheck, FindsInTheExamplesTheDeviceThatIsNoLongerConfiguredAndNothin
 TEST(FiRotateCheck, IsSilentAndSucceedsOnCleanInputs) {
     const auto result = runFiRotate({"check", "--config", "encA##lun1;snap1;snap2"});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.output,
-              "no errors, no warnings; checked the configuration and no documents\n");
+    EXPECT_EQ(result.output, "no errors, no warnings; checked the configuration and no documents\n");
 }
 
 TEST(FiRotateCheck, EndsWithOneWhenThereAreWarningsOnly) {
@@ -65,20 +64,20 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
     arguments.emplace_back("--json");
     const auto result = runFiRotate(arguments);
     EXPECT_EQ(result.exitStatus, 3);
-    const auto expected = nlohmann::json{
-        {"findings",
-         {{{"file", example("backup-2026-10-02.xml")},
-           {"line", 19},
-           {"column", 14},
-           {"severity", "error"},
-           {"name", "pair-matches-nothing"},
-           {"text",
-            "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
-            "\"ENC-A##VOL-0011\""},
-           {"count", 1}}}},
-        {"errors", 1},
-        {"warnings", 0},
-        {"documents", 8}};
+    const auto expected =
+        nlohmann::json{{"findings",
+                        {{{"file", example("backup-2026-10-02.xml")},
+                          {"line", 19},
+                          {"column", 14},
+                          {"severity", "error"},
+                          {"name", "pair-matches-nothing"},
+                          {"text",
+                           "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
+                           "\"ENC-A##VOL-0011\""},
+                          {"count", 1}}}},
+                       {"errors", 1},
+                       {"warnings", 0},
+                       {"documents", 8}};
     EXPECT_EQ(nlohmann::json::parse(result.output), expected);
 }
 
@@ -91,8 +90,7 @@ TEST(FiRotateCheck, EndsAlikeInJsonAndInWords) {
 TEST(FiRotateCheck, TakesAWholeCallFromARequest) {
     const TemporaryFolder folder;
     const std::string request = folder.write(
-        "call.json",
-        R"({"configuration": "encA##lun1", "backups": [{"file": "/", "flag_word": 4}]})");
+        "call.json", R"({"configuration": "encA##lun1", "backups": [{"file": "/", "flag_word": 4}]})");
     const auto result = runFiRotate({"check", "--request", request});
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_EQ(result.output,
@@ -140,8 +138,7 @@ TEST(FiRotateCheck, ShowsTwentyOfAHazardAndCountsTheOthers) {
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: type is empty"));
     EXPECT_THAT(result.output, Not(HasSubstr(file + ":22:1:")));
-    EXPECT_THAT(result.output,
-                HasSubstr(file + ":21:1: warning: and 3 more of these [empty-element]\n"));
+    EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: and 3 more of these [empty-element]\n"));
     EXPECT_THAT(result.output, HasSubstr("no errors, 23 warnings;"));
 }
 
@@ -200,15 +197,14 @@ TEST(FiRotateCheck, HelpShowsAnExampleAndTheExitStatuses) {
     const auto help = runFiRotate({"check", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* text : {"Example:", "fi-rotate check --config-file", "--explain NAME",
-                             "--json", "--request FILE", "Exit status:", "FIID"}) {
+    for (const char* text : {"Example:", "fi-rotate check --config-file", "--explain NAME", "--json",
+                             "--request FILE", "Exit status:", "FIID"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
 }
 
 TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {
-    const auto result =
-        fi_test::runFiRotateTo("/dev/full", {"check", "--config", "encA##lun1;snap1"});
+    const auto result = fi_test::runFiRotateTo("/dev/full", {"check", "--config", "encA##lun1;snap1"});
     EXPECT_EQ(result.exitStatus, 4);
     EXPECT_THAT(result.error, HasSubstr("cannot write standard output"));
 }

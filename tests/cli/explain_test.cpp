@@ -22,20 +22,17 @@ protected:
     // A call whose trace goes to `log`, behind what stands there.
     void call(const std::string& configuration, const std::vector<std::string>& backups) {
         const std::string trace = folder.path("trace");
-        std::vector<std::string> arguments{"select", "--trace-file", trace, "--config",
-                                           configuration};
+        std::vector<std::string> arguments{"select", "--trace-file", trace, "--config", configuration};
         arguments.insert(arguments.end(), backups.begin(), backups.end());
         runFiRotate(arguments);
-        std::ofstream(log, std::ios::app)
-            << std::ifstream(trace).rdbuf() << "2 a line of the host's\n";
+        std::ofstream(log, std::ios::app) << std::ifstream(trace).rdbuf() << "2 a line of the host's\n";
     }
 
     fi_test::TemporaryFolder folder;
     std::string log = folder.path("log");
-    std::string backup =
-        folder.write("backup",
-                     "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##A##x</objid>"
-                     "<altobjid>UDID##v##m##A##1</altobjid></Node>");
+    std::string backup = folder.write("backup",
+                                      "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##A##x</objid>"
+                                      "<altobjid>UDID##v##m##A##1</altobjid></Node>");
 };
 
 TEST_F(FiRotateExplain, ShowsEveryCallOfALog) {
@@ -49,9 +46,8 @@ TEST_F(FiRotateExplain, ShowsEveryCallOfALog) {
     EXPECT_THAT(result.output, HasSubstr("Selection\n"
                                          "  first target  chosen target\n"
                                          "  A##x          A##2\n"));
-    EXPECT_THAT(result.output,
-                HasSubstr("rotated: A##x had no free target, and this was the oldest "
-                          "that could be released\n"));
+    EXPECT_THAT(result.output, HasSubstr("rotated: A##x had no free target, and this was the oldest "
+                                         "that could be released\n"));
     EXPECT_THAT(result.output, EndsWith("kept: the newest that holds A##1\n"));
 }
 

@@ -44,27 +44,24 @@ TEST(FiRotateGoal, CountsInTimeNotInRounds) {
     EXPECT_EQ(leastTargets(plan, {"encA##lun1", {}}, kSecondsPerDay + 1, always).targets, 3);
 }
 
-// Of 9 rounds 3, 6 and 9 are excluded. With n targets the k-th other round is number k + (k-1)/2 (rounded down); it
-// is rotated in round n + k, when it is n - (k-1)/2 days old. With 5 targets k goes up to 4, and the fourth is 4
-// days old, which is the goal; with 4, round 6 rotates the second, 4 days old, and round 7 the third, 3 days old.
+// Of 9 rounds 3, 6 and 9 are excluded. With n targets the k-th other round is number k + (k-1)/2 (rounded
+// down); it is rotated in round n + k, when it is n - (k-1)/2 days old. With 5 targets k goes up to 4, and
+// the fourth is 4 days old, which is the goal; with 4, round 6 rotates the second, 4 days old, and round 7
+// the third, 3 days old.
 TEST(FiRotateGoal, ExcludedBackupsNeedTargetsOfTheirOwn) {
     SPlan plan = daily(9);
     plan.excludedEvery = 3;
-    EXPECT_EQ(leastTargets(plan, {"encA##lun1", {"encA##s1"}}, 4 * kSecondsPerDay, always).targets,
-              5);
+    EXPECT_EQ(leastTargets(plan, {"encA##lun1", {"encA##s1"}}, 4 * kSecondsPerDay, always).targets, 5);
 }
 
 TEST(FiRotateGoal, NoNumberHelpsWhereATargetIsNamedTwice) {
     EXPECT_EQ(
-        leastTargets(daily(9), {"encA##lun1", {"encA##s1", "encA##s1"}}, 2 * kSecondsPerDay, always)
-            .search,
+        leastTargets(daily(9), {"encA##lun1", {"encA##s1", "encA##s1"}}, 2 * kSecondsPerDay, always).search,
         ESearch::kNever);
 }
 
 TEST(FiRotateGoal, InventedTargetsAreNoneThatTheConfigurationHas) {
-    EXPECT_EQ(
-        leastTargets(daily(9), {"encA##lun1", {"SPARE##1"}}, 3 * kSecondsPerDay, always).targets,
-        3);
+    EXPECT_EQ(leastTargets(daily(9), {"encA##lun1", {"SPARE##1"}}, 3 * kSecondsPerDay, always).targets, 3);
 }
 
 TEST(FiRotateGoal, SaysThatItWasStopped) {
@@ -72,9 +69,8 @@ TEST(FiRotateGoal, SaysThatItWasStopped) {
     const auto stopAtTheTenth = [&asked](std::size_t /*targets*/, std::size_t /*rounds*/) {
         return ++asked < 10;
     };
-    EXPECT_EQ(
-        leastTargets(daily(40), {"encA##lun1", {}}, 5 * kSecondsPerDay, stopAtTheTenth).search,
-        ESearch::kStopped);
+    EXPECT_EQ(leastTargets(daily(40), {"encA##lun1", {}}, 5 * kSecondsPerDay, stopAtTheTenth).search,
+              ESearch::kStopped);
     EXPECT_EQ(asked, 10);
 }
 

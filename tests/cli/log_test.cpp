@@ -82,8 +82,8 @@ protected:
         return outcome;
     }
 
-    // Three backups of one configuration with two targets: the newest holds one, the one before lost its claim to
-    // it, and the oldest has to go.
+    // Three backups of one configuration with two targets: the newest holds one, the one before lost its
+    // claim to it, and the oldest has to go.
     SCall rotation() {
         SCall call;
         call.configuration = "A##x;1;2";
@@ -118,15 +118,14 @@ std::vector<std::string> asHostLog(const std::vector<std::string>& lines, std::m
     std::vector<std::string> log;
     for (const std::string& line : lines) {
         if (random() % 4 == 0) {
-            log.emplace_back(
-                "Nov 21 07:00:00 host backupd[17]: INFO volume [A:x] mounted {1 of 2}");
+            log.emplace_back("Nov 21 07:00:00 host backupd[17]: INFO volume [A:x] mounted {1 of 2}");
         }
         if (random() % 16 == 0) {
             log.emplace_back();
         }
         log.push_back("Nov 21 07:00:" + std::to_string(random() % 60) + " host backupd[" +
-                      std::to_string(random() % 100000) +
-                      "]: " + (line[0] == '3' ? "ERROR" : "INFO") + "  " + line.substr(2));
+                      std::to_string(random() % 100000) + "]: " + (line[0] == '3' ? "ERROR" : "INFO") + "  " +
+                      line.substr(2));
     }
     return log;
 }
@@ -177,8 +176,7 @@ TEST_F(FiRotateLog, KnowsARefusedCall) {
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_EQ(calls[0].outcome.status, FI_STATUS_FAILURE);
     EXPECT_FALSE(calls[0].outcome.account.has_value());
-    EXPECT_THAT(calls[0].outcome.messages,
-                ElementsAre("fi_process_backups : Invalid/empty parameter"));
+    EXPECT_THAT(calls[0].outcome.messages, ElementsAre("fi_process_backups : Invalid/empty parameter"));
     EXPECT_THAT(calls[0].missing, IsEmpty());
 }
 
@@ -208,14 +206,12 @@ TEST_F(FiRotateLog, SaysThatTheEndIsMissing) {
     lines.erase(claim + 2, lines.end());
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
-    EXPECT_THAT(calls[0].missing,
-                ElementsAre("its end, after line " + std::to_string(lines.size())));
+    EXPECT_THAT(calls[0].missing, ElementsAre("its end, after line " + std::to_string(lines.size())));
     const SOutcome& outcome = calls[0].outcome;
     EXPECT_FALSE(outcome.status.has_value());
     EXPECT_FALSE(outcome.backups[0].reason.has_value());
     ASSERT_TRUE(outcome.backups[1].reason.has_value());
-    EXPECT_EQ(inWords(*outcome.backups[1].reason),
-              "A##2 of A##x was already held by " + folder.path("new"));
+    EXPECT_EQ(inWords(*outcome.backups[1].reason), "A##2 of A##x was already held by " + folder.path("new"));
 }
 
 TEST_F(FiRotateLog, SaysThatTheBeginningIsMissing) {
@@ -257,8 +253,8 @@ TEST_F(FiRotateLog, GivesNoReasonWhereTwoCallsAreMixed) {
 void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
     for (const auto& backup : logged.outcome.backups) {
         const auto same = [&backup](const auto& other) {
-            return other.file == backup.file && (!backup.reason.has_value() ||
-                                                 inWords(*backup.reason) == inWords(*other.reason));
+            return other.file == backup.file &&
+                   (!backup.reason.has_value() || inWords(*backup.reason) == inWords(*other.reason));
         };
         EXPECT_TRUE(std::any_of(outcome.backups.begin(), outcome.backups.end(), same))
             << backup.file << ' ' << (backup.reason ? inWords(*backup.reason) : "");

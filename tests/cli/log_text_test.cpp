@@ -34,22 +34,20 @@ TEST_P(FiRotateLogText, FindsEveryKindOfLineBehindAPrefix) {
 TEST_P(FiRotateLogText, PassesOverWhatTheHostWrites) {
     CLogText texts;
     texts.find(std::string(GetParam().first) + "fi_process_backups : parsed [a.xml]");
-    for (const char* const noise :
-         {"starting", "", "see [1]", "[A:x](free)", "{}", "done <5 s>."}) {
+    for (const char* const noise : {"starting", "", "see [1]", "[A:x](free)", "{}", "done <5 s>."}) {
         EXPECT_EQ(texts.find(GetParam().later + std::string(noise)), std::nullopt) << noise;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Prefixes, FiRotateLogText,
-                         testing::Values(SPrefix{"None", "", ""}, SPrefix{"Level", "4 ", "3 "},
-                                         SPrefix{"Syslog", "Nov  1 09:59:59 host backupd[99]: ",
-                                                 "Nov 21 10:00:00 host backupd[4711]: "},
-                                         SPrefix{"Iso", "2026-11-21T07:00:00.123Z INFO ",
-                                                 "2026-11-21T07:00:00.9Z WARNING "},
-                                         SPrefix{"Brackets", "[  17][t:0x7f] <trace> ",
-                                                 "[4711][t:0xffee12] <error> "},
-                                         SPrefix{"Tab", "07:00\t", "19:30\t"}),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Prefixes, FiRotateLogText,
+    testing::Values(SPrefix{"None", "", ""}, SPrefix{"Level", "4 ", "3 "},
+                    SPrefix{"Syslog",
+                            "Nov  1 09:59:59 host backupd[99]: ", "Nov 21 10:00:00 host backupd[4711]: "},
+                    SPrefix{"Iso", "2026-11-21T07:00:00.123Z INFO ", "2026-11-21T07:00:00.9Z WARNING "},
+                    SPrefix{"Brackets", "[  17][t:0x7f] <trace> ", "[4711][t:0xffee12] <error> "},
+                    SPrefix{"Tab", "07:00\t", "19:30\t"}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(FiRotateLogText, KnowsNoUnnamedLineBeforeANamedOne) {
     CLogText texts;

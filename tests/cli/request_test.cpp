@@ -52,10 +52,8 @@ TEST(FiRotateRequest, IsRefusedWithWhatIsWrongAndWhere) {
         {R"({"configuration": ""})", "the request has no \"backups\""},
         {R"({"configuration": "", "backups": [], "flags": []})",
          "the request has a key that is not known, \"flags\""},
-        {R"({"configuration": 1, "backups": []})",
-         "\"configuration\" of the request is not a text"},
-        {R"({"configuration": "a\u0000b", "backups": []})",
-         "\"configuration\" of the request holds a NUL"},
+        {R"({"configuration": 1, "backups": []})", "\"configuration\" of the request is not a text"},
+        {R"({"configuration": "a\u0000b", "backups": []})", "\"configuration\" of the request holds a NUL"},
         {R"({"configuration": "", "backups": {}})", "\"backups\" of the request is not a list"},
         {R"({"configuration": "", "backups": ["a.xml"]})", "backup 1 is not an object"},
         {R"({"configuration": "", "backups": [{"file": "a"}]})", "backup 1 has no \"flag_word\""},
@@ -129,10 +127,8 @@ TEST(FiRotateRequest, SavedFromACallMakesTheSameCall) {
 TEST(FiRotateRequest, IsSavedOfACallWithoutASelectionToo) {
     const fi_test::TemporaryFolder folder;
     const std::string request = folder.path("request.json");
-    EXPECT_EQ(
-        runFiRotate({"select", "--config", "encA##lun1", "--save-request", request}).exitStatus, 3);
-    EXPECT_EQ(contentOf(request),
-              "{\n  \"configuration\": \"encA##lun1\",\n  \"backups\": []\n}\n");
+    EXPECT_EQ(runFiRotate({"select", "--config", "encA##lun1", "--save-request", request}).exitStatus, 3);
+    EXPECT_EQ(contentOf(request), "{\n  \"configuration\": \"encA##lun1\",\n  \"backups\": []\n}\n");
 }
 
 TEST(FiRotateRequest, IsNotWrittenWhenItCannotBeSavedWhole) {
@@ -141,11 +137,9 @@ TEST(FiRotateRequest, IsNotWrittenWhenItCannotBeSavedWhole) {
     const auto result =
         runFiRotate({"select", "--config", "encA##lun1;s", "--save-request", request, "a\xFF.xml"});
     EXPECT_EQ(result.exitStatus, 2);
-    EXPECT_THAT(result.error,
-                HasSubstr("--save-request: cannot save: \"a\\xFF.xml\" is not UTF-8"));
+    EXPECT_THAT(result.error, HasSubstr("--save-request: cannot save: \"a\\xFF.xml\" is not UTF-8"));
     EXPECT_EQ(contentOf(request), "");
-    const auto full =
-        runFiRotate({"select", "--config", "encA##lun1;s", "--save-request", "/dev/full"});
+    const auto full = runFiRotate({"select", "--config", "encA##lun1;s", "--save-request", "/dev/full"});
     EXPECT_EQ(full.exitStatus, 1);
     EXPECT_EQ(full.output, "");
 }

@@ -44,8 +44,7 @@ TEST(FiRotateSelectJson, HoldsTheFactsOfTheTables) {
         "exception": null,
         "messages": []
     })");
-    const char* const states[] = {"kept", "invalid", "rotated", "invalid",
-                                  "kept", "kept",    "kept",    "kept"};
+    const char* const states[] = {"kept", "invalid", "rotated", "invalid", "kept", "kept", "kept", "kept"};
     for (std::size_t i = 0; i < 8; ++i) {
         expected["backups"].push_back({{"file", exampleBackups()[i]},
                                        {"time_stamp", "2026100" + std::to_string(i + 1) + "013000"},
@@ -99,13 +98,11 @@ TEST(FiRotateSelectJson, HasNullsWhereThereIsNoSelection) {
 TEST(FiRotateSelectJson, HoldsTheExceptionThatLeftTheLibrary) {
     const fi_test::TemporaryFolder folder;
     const std::string file = folder.write(
-        "a.xml",
-        "<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>UDID##\xC3\xA4</altobjid></Node>");
+        "a.xml", "<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>UDID##\xC3\xA4</altobjid></Node>");
     const Json document = selectJson({"--config", "encA##lun1;snap1", file}, 4);
     EXPECT_EQ(document["status"], nullptr);
-    EXPECT_EQ(document["exception"], (Json{{"identifier", "UDID##\xC3\xA4"},
-                                           {"code", 3},
-                                           {"reason", "no ## follows its prefix"}}));
+    EXPECT_EQ(document["exception"],
+              (Json{{"identifier", "UDID##\xC3\xA4"}, {"code", 3}, {"reason", "no ## follows its prefix"}}));
     EXPECT_EQ(document["messages"], (Json{"ERROR: UDID##\xC3\xA4"}));
 }
 
@@ -128,8 +125,7 @@ TEST(FiRotateSelectJson, ListsBackupsWithoutConfigurations) {
     EXPECT_EQ(document["selection"], "");
     EXPECT_EQ(document["configurations"], Json::array());
     EXPECT_EQ(document["backups"], Json::array());
-    EXPECT_EQ(document["messages"],
-              (Json{"CFiResourceParser::parse : Invalid resource specification []"}));
+    EXPECT_EQ(document["messages"], (Json{"CFiResourceParser::parse : Invalid resource specification []"}));
 }
 
 }  // namespace

@@ -27,8 +27,8 @@ constexpr const char* kHolder =
     "<timeStamp>20260101</timeStamp></Node>";
 
 std::vector<std::string> selectExamples() {
-    std::vector<std::string> arguments{"select", "--config-file", example("resource.conf"),
-                                       "--exclude", exampleBackups().front()};
+    std::vector<std::string> arguments{"select", "--config-file", example("resource.conf"), "--exclude",
+                                       exampleBackups().front()};
     for (const std::string& backup : exampleBackups()) {
         arguments.push_back(backup);
     }
@@ -109,8 +109,7 @@ TEST(FiRotateSelect, WithoutBackupsChoosesTheFirstTargets) {
 TEST(FiRotateSelect, ExitsWith3AndSaysSoWhenThereIsNoSelection) {
     const fi_test::TemporaryFolder folder;
     const std::string file = folder.write("a.xml", kHolder);
-    const auto result =
-        runFiRotate({"select", "--config", kConfiguration, "--exclude", file, file});
+    const auto result = runFiRotate({"select", "--config", kConfiguration, "--exclude", file, file});
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_THAT(result.output, StartsWith("Selection: none\n"));
     EXPECT_THAT(result.output, HasSubstr("  " + file + "  20260101    4      -\n"));
@@ -132,9 +131,9 @@ TEST(FiRotateSelect, ExitsWith4AndNamesTheIdentifierWhenAnExceptionLeavesTheLibr
     };
     for (const auto& row : rows) {
         const fi_test::TemporaryFolder folder;
-        const std::string file = folder.write(
-            "a.xml", std::string("<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>") +
-                         row.identifier + "</altobjid></Node>");
+        const std::string file =
+            folder.write("a.xml", std::string("<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>") +
+                                      row.identifier + "</altobjid></Node>");
         const auto result = runFiRotate({"select", "--config", kConfiguration, file});
         EXPECT_EQ(result.exitStatus, 4) << row.identifier;
         EXPECT_EQ(result.error, std::string("fi-rotate: ERROR: ") + row.identifier +
@@ -148,8 +147,8 @@ TEST(FiRotateSelect, NamesTheFirstBackupThatWasNotLoadedAndCountsTheOthers) {
     const fi_test::TemporaryFolder folder;
     const std::string file = folder.write("a.xml", kHolder);
     const std::string missing = folder.path("missing.xml");
-    const auto result = runFiRotate(
-        {"select", "--config", "encA##lun1;encA##snap1;snap2", file, missing, file + "2"});
+    const auto result =
+        runFiRotate({"select", "--config", "encA##lun1;encA##snap1;snap2", file, missing, file + "2"});
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.error, "ERROR: failed to load FIID file [" + missing +
                                 "]\n"
@@ -165,8 +164,7 @@ TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
     const auto result = runFiRotate({"select", "--config", kConfiguration, file});
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(result.output, EndsWith("not loaded\n"));
-    EXPECT_EQ(result.error,
-              "fi-rotate: not loaded: \"" + file + "\"; took no part in the rotation\n");
+    EXPECT_EQ(result.error, "fi-rotate: not loaded: \"" + file + "\"; took no part in the rotation\n");
 }
 
 TEST(FiRotateSelect, TellsWhichConfigurationWasRejected) {
@@ -214,8 +212,7 @@ TEST(FiRotateSelect, NeverColoursWithNoColorSet) {
     const auto result = runFiRotateOnTerminal(selectExamples(), {"NO_COLOR=1"});
     EXPECT_THAT(result.output, HasSubstr("rotated"));
     EXPECT_THAT(result.output, Not(HasSubstr("\x1B[")));
-    EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"NO_COLOR="}).output,
-                Not(HasSubstr("\x1B[")));
+    EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"NO_COLOR="}).output, Not(HasSubstr("\x1B[")));
 }
 
 }  // namespace

@@ -33,8 +33,7 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
         {{"select", "--config", "a##b", "--flags", "y=", "y"}, "\"y=\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=4x", "y"}, "\"y=4x\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=2147483648", "y"}, "\"y=2147483648\" is not"},
-        {{"select", "--config", "a##b", "--flags", "y=1", "--flags", "y=2", "y"},
-         "\"y\" has a flag"},
+        {{"select", "--config", "a##b", "--flags", "y=1", "--flags", "y=2", "y"}, "\"y\" has a flag"},
         {{"select", "--request", "no/such/file"}, "cannot read \"no/such/file\": No such file"},
         {{"select", "--request", "/dev/null"}, "\"/dev/null\" is no request: it is not JSON"},
         {{"select", "--request", "a", "--config", "a##b"}, "2 were given"},
@@ -71,10 +70,9 @@ TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
     const auto help = runFiRotate({"select", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* text :
-         {"--config ", "--config-file ", "--exclude ", "--flags ", "--json", "--trace ",
-          "--trace-file ", "--request ", "--save-request ", "--only ", "--explain", "--svg ",
-          "FIID", "Exit status:", "Example:", "\\xNN"}) {
+    for (const char* text : {"--config ", "--config-file ", "--exclude ", "--flags ", "--json", "--trace ",
+                             "--trace-file ", "--request ", "--save-request ", "--only ", "--explain",
+                             "--svg ", "FIID", "Exit status:", "Example:", "\\xNN"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
     const auto version = runFiRotate({"--version"});
@@ -99,8 +97,7 @@ TEST(FiRotateUsage, FlagWordsAndExclusionsReachTheLibrary) {
 }
 
 TEST(FiRotateUsage, ExitsWith1WhenTheOutcomeCannotBeWritten) {
-    const auto result =
-        runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace-file", "/dev/full"});
+    const auto result = runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace-file", "/dev/full"});
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_EQ(result.error, "fi-rotate: cannot write /dev/full: No space left on device\n");
 }

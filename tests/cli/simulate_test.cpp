@@ -37,11 +37,10 @@ std::vector<std::string> daily(const std::string& configuration, const std::stri
     return arguments;
 }
 
-// Rounds 2, 4 and 6 are excluded and hold the three targets of the first volume after round 6. Round 4 rotates
-// round 1, round 5 round 3, round 6 round 5: after 3, 2 and 1 days.
+// Rounds 2, 4 and 6 are excluded and hold the three targets of the first volume after round 6. Round 4
+// rotates round 1, round 5 round 3, round 6 round 5: after 3, 2 and 1 days.
 std::vector<std::string> untilNoneIsLeft(const std::vector<std::string>& more = {}) {
-    auto arguments =
-        daily("encA##lun1;s1;s2;s3&encA##lun2;t1;t2;t3;t4", "12", {"--exclude-every", "2"});
+    auto arguments = daily("encA##lun1;s1;s2;s3&encA##lun2;t1;t2;t3;t4", "12", {"--exclude-every", "2"});
     arguments.insert(arguments.end(), more.begin(), more.end());
     return arguments;
 }
@@ -50,9 +49,9 @@ TEST(FiRotateSimulate, ShowsEveryTargetsHoldersAndASummary) {
     const auto result = runFiRotate(untilNoneIsLeft({"--keep-days", "2"}));
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.error, "");
-    // With n targets, the k-th of the rounds that are not excluded is number 2k - 1 and is rotated in round n + k,
-    // n - k + 1 days old; k goes up to 12 - n. With 7 targets the last is the fifth, 3 days old; with 6 it would
-    // be the sixth, 1 day old.
+    // With n targets, the k-th of the rounds that are not excluded is number 2k - 1 and is rotated in round n
+    // + k, n - k + 1 days old; k goes up to 12 - n. With 7 targets the last is the fifth, 3 days old; with 6
+    // it would be the sixth, 1 day old.
     EXPECT_EQ(result.output,
               "Rounds 1 to 9, a column each\n"
               "  left out, since they found no target either: 10 to 12\n"
@@ -94,18 +93,16 @@ TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(
         result.output,
-        HasSubstr(
-            "  configuration  targets  taken  rotated  held  lost  age min  median  max  needs\n"
-            "  encA##lun1     2        3      0        1     2     -        -       -    no "
-            "number\n"));
+        HasSubstr("  configuration  targets  taken  rotated  held  lost  age min  median  max  needs\n"
+                  "  encA##lun1     2        3      0        1     2     -        -       -    no "
+                  "number\n"));
 }
 
 TEST(FiRotateSimulate, JsonHoldsTheSummary) {
     const auto result = runFiRotate(untilNoneIsLeft({"--keep-days", "2", "--json"}));
     EXPECT_EQ(result.exitStatus, 0);
     const auto targets = [](const char* letter) {
-        return nlohmann::json{std::string("encA##") + letter + "1",
-                              std::string("encA##") + letter + "2",
+        return nlohmann::json{std::string("encA##") + letter + "1", std::string("encA##") + letter + "2",
                               std::string("encA##") + letter + "3"};
     };
     auto second = targets("t");
@@ -233,9 +230,9 @@ TEST(FiRotateSimulate, HelpNamesEveryOptionAndGivesAnExample) {
     const auto help = runFiRotate({"simulate", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
-    for (const char* text : {"--config ", "--config-file ", "--rounds ", "--every ", "--start ",
-                             "--exclude-every ", "--exclude-weekday ", "--keep-days ", "--json",
-                             "--csv ", "--svg ", "Exit status:", "Example:"}) {
+    for (const char* text :
+         {"--config ", "--config-file ", "--rounds ", "--every ", "--start ", "--exclude-every ",
+          "--exclude-weekday ", "--keep-days ", "--json", "--csv ", "--svg ", "Exit status:", "Example:"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
 }
@@ -250,8 +247,8 @@ TEST(FiRotateSimulate, KeepsTheLinkAndTheRightsOfTheFileItReplaces) {
     const TemporaryFolder folder;
     const std::string file = folder.write("rounds.csv", "");
     const std::string link = folder.path("link.csv");
-    std::filesystem::permissions(
-        file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    std::filesystem::permissions(file,
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     std::filesystem::create_symlink("rounds.csv", link);
     EXPECT_EQ(runFiRotate(daily("encA##lun1;s1", "1", {"--csv", link})).exitStatus, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(link));

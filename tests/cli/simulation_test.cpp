@@ -64,16 +64,15 @@ SSnapshot rotated(std::uint32_t configuration, std::uint32_t target, std::uint32
     return {configuration, target, taken, ended, EEnd::kRotated};
 }
 
-SSnapshot lost(std::uint32_t configuration, std::uint32_t target, std::uint32_t taken,
-               std::uint32_t ended) {
+SSnapshot lost(std::uint32_t configuration, std::uint32_t target, std::uint32_t taken, std::uint32_t ended) {
     return {configuration, target, taken, ended, EEnd::kLost};
 }
 
 TEST(FiRotateSimulation, TheOldestBackupGivesItsTargetToTheRoundThatFindsNoneFree) {
     const SSimulation simulation = run(daily("encA##lun1;s1;s2", 4));
     EXPECT_EQ(simulation.finishedRounds, 4);
-    EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 3), rotated(0, 1, 2, 4),
-                                                  held(0, 0, 3), held(0, 1, 4)));
+    EXPECT_THAT(simulation.snapshots,
+                ElementsAre(rotated(0, 0, 1, 3), rotated(0, 1, 2, 4), held(0, 0, 3), held(0, 1, 4)));
     EXPECT_FALSE(simulation.standstill.has_value());
     EXPECT_EQ(simulation.fewestRoundsHeld, 2);
 }
@@ -84,9 +83,8 @@ TEST(FiRotateSimulation, ExcludedBackupsKeepTheirTargetsUntilNoneIsLeft) {
     plan.excludedEvery = 2;
     const SSimulation simulation = run(plan);
     EXPECT_EQ(simulation.finishedRounds, 9);
-    EXPECT_THAT(simulation.snapshots,
-                ElementsAre(rotated(0, 0, 1, 4), held(0, 1, 2), rotated(0, 2, 3, 5), held(0, 0, 4),
-                            rotated(0, 2, 5, 6), held(0, 2, 6)));
+    EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 4), held(0, 1, 2), rotated(0, 2, 3, 5),
+                                                  held(0, 0, 4), rotated(0, 2, 5, 6), held(0, 2, 6)));
     ASSERT_TRUE(simulation.standstill.has_value());
     EXPECT_EQ(simulation.standstill->first, 7);
     ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
@@ -114,9 +112,8 @@ TEST(FiRotateSimulation, ADayOfTheWeekIsExcluded) {
 // The second configuration has a target to spare, but a backup gives all its targets back at once.
 TEST(FiRotateSimulation, AShortConfigurationRotatesTheTargetsOfTheOthersToo) {
     const SSimulation simulation = run(daily("encA##lun1;s1;s2&encB##lun2;t1;t2;t3", 3));
-    EXPECT_THAT(simulation.snapshots,
-                ElementsAre(rotated(0, 0, 1, 3), rotated(1, 0, 1, 3), held(0, 1, 2), held(1, 1, 2),
-                            held(0, 0, 3), held(1, 0, 3)));
+    EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 3), rotated(1, 0, 1, 3), held(0, 1, 2),
+                                                  held(1, 1, 2), held(0, 0, 3), held(1, 0, 3)));
 }
 
 TEST(FiRotateSimulation, OnlyConfigurationsThatAreShortAreSaidToBe) {
@@ -142,8 +139,7 @@ TEST(FiRotateSimulation, AConfigurationWithoutFurtherTargetsIsShortFromTheFirstR
 // The library marks the first of the two as held and finds the second free.
 TEST(FiRotateSimulation, ATargetThatIsNamedTwiceIsOverwritten) {
     const SSimulation simulation = run(daily("encA##lun1;s1;s1", 3));
-    EXPECT_THAT(simulation.snapshots,
-                ElementsAre(lost(0, 0, 1, 2), lost(0, 0, 2, 3), held(0, 0, 3)));
+    EXPECT_THAT(simulation.snapshots, ElementsAre(lost(0, 0, 1, 2), lost(0, 0, 2, 3), held(0, 0, 3)));
     EXPECT_TRUE(simulation.hasLost);
 }
 
@@ -159,9 +155,8 @@ TEST(FiRotateSimulation, NamesWithMarkupReachTheLibraryWhole) {
 TEST(FiRotateSimulation, NamesThatNoDocumentCanHoldAreRefused) {
     for (const std::string name : {"s\x01", "s\xFF", "s]]>", "s\xEF\xBF\xBF"}) {
         SCOPED_TRACE(name);
-        EXPECT_THAT(
-            [&name] { run(daily("encA##lun1;" + name, 1)); },
-            ThrowsMessage<std::invalid_argument>(HasSubstr("cannot stand in an XML document")));
+        EXPECT_THAT([&name] { run(daily("encA##lun1;" + name, 1)); },
+                    ThrowsMessage<std::invalid_argument>(HasSubstr("cannot stand in an XML document")));
     }
     EXPECT_THAT([] { run(daily("encA##a][b;s1", 1)); },
                 ThrowsMessage<std::invalid_argument>(HasSubstr("cannot be taken apart")));
@@ -171,14 +166,13 @@ TEST(FiRotateSimulation, ARejectedConfigurationIsRefusedInTheLibrarysWords) {
     EXPECT_THAT([] { run(daily("encA##lun1;s1&lun2;s2", 1)); },
                 ThrowsMessage<std::invalid_argument>(
                     HasSubstr("resource configuration \"lun2\" has no enclosure data specified.")));
-    EXPECT_THAT([] { run(daily("", 1)); }, ThrowsMessage<std::invalid_argument>(
-                                               HasSubstr("Invalid resource specification []")));
+    EXPECT_THAT([] { run(daily("", 1)); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("Invalid resource specification []")));
 }
 
 TEST(FiRotateSimulation, EndsBeforeTheRoundThatIsNotToBeRun) {
-    const SSimulation simulation =
-        simulate(daily("encA##lun1;s1", 10),
-                 [](const SSimulation& soFar) { return soFar.finishedRounds < 3; });
+    const SSimulation simulation = simulate(
+        daily("encA##lun1;s1", 10), [](const SSimulation& soFar) { return soFar.finishedRounds < 3; });
     EXPECT_EQ(simulation.finishedRounds, 3);
     EXPECT_THAT(simulation.snapshots, SizeIs(3));
 }

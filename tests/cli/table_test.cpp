@@ -63,8 +63,7 @@ TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
 TEST(FiRotateTable, KeepsANameWithALineBreakOnItsLine) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("a\nb.xml", "1", 0, FI_BACKUP_KEPT)};
-    EXPECT_NE(fi_rotate::toTables(outcome, kAnyWidth, false).find("  a\\x0Ab.xml  1 "),
-              std::string::npos);
+    EXPECT_NE(fi_rotate::toTables(outcome, kAnyWidth, false).find("  a\\x0Ab.xml  1 "), std::string::npos);
 }
 
 TEST(FiRotateTable, SaysWhyThereAreNoRows) {

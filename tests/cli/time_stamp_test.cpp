@@ -35,8 +35,7 @@ const SRow kRows[] = {
      "20260101"},
     {"before a fault", "<Node><timeStamp>10</timeStamp><Node>", "10"},
     {"in another encoding",
-     "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Node><timeStamp>\xE4</timeStamp></Node>",
-     "\xC3\xA4"},
+     "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Node><timeStamp>\xE4</timeStamp></Node>", "\xC3\xA4"},
 };
 
 TEST(FiRotateTimeStamp, IsReadAsTheDocumentRulesSay) {
@@ -55,8 +54,7 @@ TEST(FiRotateTimeStamp, AgreesWithWhatTheLibraryTraces) {
     for (const SRow& row : kRows) {
         const fi_test::TemporaryFolder folder;
         const std::string file = folder.write("backup.xml", row.document);
-        const auto result =
-            fi_test::runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", file});
+        const auto result = fi_test::runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", file});
         EXPECT_NE(result.error.find("4 fi_process_backups : [RESERVE GOOD] " + file +
                                     " - T: " + row.timeStamp + "\n"),
                   std::string::npos)
@@ -92,9 +90,8 @@ TEST(FiRotateTimeStamp, IsNotReadWhereADtdLetsTheDocumentGrow) {
     for (const std::string& dtd : dtds) {
         const fi_test::TemporaryFolder folder;
         std::vector<fi_rotate::SBackup> backups(1);
-        backups[0].file =
-            folder.write("backup.xml", "<!DOCTYPE Node [" + dtd +
-                                           "]><Node><timeStamp>20260101</timeStamp></Node>");
+        backups[0].file = folder.write(
+            "backup.xml", "<!DOCTYPE Node [" + dtd + "]><Node><timeStamp>20260101</timeStamp></Node>");
         backups[0].loaded = true;
         fi_rotate::readTimeStamps(backups);
         EXPECT_EQ(backups[0].timeStamp, "") << dtd;

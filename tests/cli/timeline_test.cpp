@@ -46,17 +46,15 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 TEST(FiRotateTimeline, ShowsTheLastRoundsThatFitAndSaysSo) {
     // 17 columns are taken by "    (no target)  ".
-    EXPECT_THAT(
-        linesOf(toTimeline(oneTarget(30), 17 * 3)),
-        ElementsAre("Rounds 1 to 30, a column each", "                 1         11        21",
-                    "  encA##lun1", "    encA##s1     abcdefghijklmnopqrstuvwxyzabcd",
-                    "  letter: a backup that holds the target; capital: an excluded one; .: free"));
-    EXPECT_THAT(
-        linesOf(toTimeline(oneTarget(40), 17 * 3)),
-        ElementsAre("Rounds 7 to 40, a column each", "  left out for want of room: 1 to 6",
-                    "                 7         17        27        37", "  encA##lun1",
-                    "    encA##s1     ghijklmnopqrstuvwxyzabcdefghijklmn",
-                    "  letter: a backup that holds the target; capital: an excluded one; .: free"));
+    EXPECT_THAT(linesOf(toTimeline(oneTarget(30), 17 * 3)),
+                ElementsAre("Rounds 1 to 30, a column each", "                 1         11        21",
+                            "  encA##lun1", "    encA##s1     abcdefghijklmnopqrstuvwxyzabcd",
+                            "  letter: a backup that holds the target; capital: an excluded one; .: free"));
+    EXPECT_THAT(linesOf(toTimeline(oneTarget(40), 17 * 3)),
+                ElementsAre("Rounds 7 to 40, a column each", "  left out for want of room: 1 to 6",
+                            "                 7         17        27        37", "  encA##lun1",
+                            "    encA##s1     ghijklmnopqrstuvwxyzabcdefghijklmn",
+                            "  letter: a backup that holds the target; capital: an excluded one; .: free"));
 }
 
 TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
@@ -79,8 +77,7 @@ TEST(FiRotateTimeline, BackupsThatFollowOneAnotherOnATargetHaveDifferentLetters)
     simulation.configurations[0].targets.assign(kTargets, "encA##s");
     simulation.finishedRounds = 3 * kTargets;
     for (std::uint32_t round = 1; round <= simulation.finishedRounds; ++round) {
-        simulation.snapshots.push_back(
-            {0, (round - 1) % kTargets, round, round + kTargets, EEnd::kRotated});
+        simulation.snapshots.push_back({0, (round - 1) % kTargets, round, round + kTargets, EEnd::kRotated});
     }
     std::size_t row = 0;
     constexpr std::size_t kFirstColumn = 17;

@@ -14,8 +14,7 @@ struct SRow {
 template <std::size_t count>
 void expectConversions(const SRow (&rows)[count]) {
     for (const SRow& row : rows) {
-        EXPECT_EQ(CCmnStringTool::convertFromXmlSpecialCharacters(row.input), row.expected)
-            << row.input;
+        EXPECT_EQ(CCmnStringTool::convertFromXmlSpecialCharacters(row.input), row.expected) << row.input;
     }
 }
 

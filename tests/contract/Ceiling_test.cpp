@@ -50,8 +50,7 @@ protected:
             char* result = nullptr;
             try {
                 // Every fourth call ends in an exception.
-                fi_test::entryPoint()(files, "encA##lun1;snap1;snap2", flags, i % 4 == 0 ? 3 : 2,
-                                      &result);
+                fi_test::entryPoint()(files, "encA##lun1;snap1;snap2", flags, i % 4 == 0 ? 3 : 2, &result);
             } catch (const CFiUdidException&) {
                 ++exceptions;
             }

@@ -41,8 +41,7 @@ TEST_F(Depth, MillionNestedNodesGoThroughACallOnAStackOf8MiB) {
         for (int i = 0; i < 1000000; ++i) {
             document << "<Node>";
         }
-        document
-            << "<objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid>";
+        document << "<objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid>";
         for (int i = 0; i < 1000000; ++i) {
             document << "</Node>";
         }

@@ -8,8 +8,7 @@ Trace entryAndExit(const std::string& name) {
 }
 
 Trace elementLines() {
-    return entryAndExit("CFiFiidHandler::startElement") +
-           entryAndExit("CFiFiidHandler::endElement");
+    return entryAndExit("CFiFiidHandler::startElement") + entryAndExit("CFiFiidHandler::endElement");
 }
 
 Trace nodeLines(const SNode& node) {
@@ -28,20 +27,18 @@ Trace documentLines(const SNode& root) {
     return entryAndExit("") +
            progress({"Entering CFiFiidParser::CFiFiidParser\n", "Entering CFiFiidParser::init\n",
                      "Exiting CFiFiidParser::init\n", "Exiting CFiFiidParser::CFiFiidParser\n"}) +
-           entryAndExit("CFiFiidHandler::CFiFiidHandler") +
-           entryAndExit("CFiFiidParser::setHandler") +
+           entryAndExit("CFiFiidHandler::CFiFiidHandler") + entryAndExit("CFiFiidParser::setHandler") +
            progress({"Entering CFiFiidParser::parse\n"}) + nodeLines(root) +
            progress({"Exiting CFiFiidHandler::endElement\n", "Exiting CFiFiidParser::parse\n"}) +
-           entryAndExit("CFiFiidHandler::~CFiFiidHandler") +
-           entryAndExit("CFiFiidParser::~CFiFiidParser");
+           entryAndExit("CFiFiidHandler::~CFiFiidHandler") + entryAndExit("CFiFiidParser::~CFiFiidParser");
 }
 
 Trace treeLines(const SNode& node, const std::string& indentation) {
     const std::string type = valueOf(node, "type");
-    Trace trace = progress({indentation + " [" + valueOf(node, "objid") + "]",
-                            indentation + " {" + valueOf(node, "altobjid") + "}",
-                            indentation + " <" + (type.empty() ? "0" : type) + " " +
-                                valueOf(node, "splitType") + ">"});
+    Trace trace =
+        progress({indentation + " [" + valueOf(node, "objid") + "]",
+                  indentation + " {" + valueOf(node, "altobjid") + "}",
+                  indentation + " <" + (type.empty() ? "0" : type) + " " + valueOf(node, "splitType") + ">"});
     for (const SNode& child : node.children) {
         trace = trace + treeLines(child, indentation + "\t");
     }
@@ -75,8 +72,7 @@ std::string udid(const std::string& target) {
     return "UDID##v##m##" + target;
 }
 
-SNode backup(const std::string& timeStamp,
-             const std::vector<std::pair<std::string, std::string>>& pairs) {
+SNode backup(const std::string& timeStamp, const std::vector<std::pair<std::string, std::string>>& pairs) {
     SNode root{{{"timeStamp", timeStamp}}, {}};
     for (const auto& [first, further] : pairs) {
         root.children.push_back(
@@ -111,8 +107,7 @@ Trace parsedLines(const std::string& file, const SNode& document) {
 }
 
 Trace outcomeLines(const std::string& file, const SNode& document, int state) {
-    return progress({"fi_process_backups : parsed [" + file + "] state=[" + std::to_string(state) +
-                     "]"}) +
+    return progress({"fi_process_backups : parsed [" + file + "] state=[" + std::to_string(state) + "]"}) +
            treeLines(document, "");
 }
 

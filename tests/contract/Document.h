@@ -25,8 +25,7 @@ std::string valueOf(const SNode& node, const std::string& name);
 
 // A backup taken at `timeStamp` that holds the further targets of some configurations, each pair a first
 // target and a further target as ENCLOSURE##DEVICE.
-SNode backup(const std::string& timeStamp,
-             const std::vector<std::pair<std::string, std::string>>& pairs);
+SNode backup(const std::string& timeStamp, const std::vector<std::pair<std::string, std::string>>& pairs);
 
 // The identifier of a target.
 std::string udid(const std::string& target);

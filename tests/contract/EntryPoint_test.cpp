@@ -56,8 +56,7 @@ TEST_F(EntryPoint, AcceptsNullFlagsWithoutBackups) {
     EXPECT_STREQ(result, "[encA##lun1;encA##snap1]");
     std::free(result);
     EXPECT_EQ(recorder.take(),
-              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) +
-                  kNoPrevious);
+              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) + kNoPrevious);
 }
 
 TEST_F(EntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
@@ -76,8 +75,7 @@ TEST_F(EntryPoint, RejectsANullResultStringWhateverElseIsPassed) {
     const char* const files[] = {"no such file"};
     std::int32_t flags[] = {7};
     for (const std::int32_t size : {0, 1, -1}) {
-        for (const char* configuration :
-             {"encA##lun1;snap1", "", static_cast<const char*>(nullptr)}) {
+        for (const char* configuration : {"encA##lun1;snap1", "", static_cast<const char*>(nullptr)}) {
             fi_test::TraceRecorder recorder;
             EXPECT_EQ(entryPoint()(files, configuration, flags, size, nullptr), 3);
             EXPECT_EQ(recorder.take(), kInvalid);
@@ -111,31 +109,28 @@ TEST_F(EntryPoint, FirstBackupGetsTheFirstTargetOfEachConfigurationWithoutASepar
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1][encB##lun2;encC##snap3]");
     EXPECT_EQ(observed.standardOutput, "");
-    EXPECT_EQ(observed.trace,
-              configurationLines("encA##lun1;encA##snap1;snap2", {{"encA", "lun1"},
-                                                                  {"encA", "snap1"},
-                                                                  {"encA", "snap2"},
-                                                                  {"encB", "lun2"},
-                                                                  {"encC", "snap3"}}) +
-                  kNoPrevious);
+    EXPECT_EQ(
+        observed.trace,
+        configurationLines(
+            "encA##lun1;encA##snap1;snap2",
+            {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}, {"encB", "lun2"}, {"encC", "snap3"}}) +
+            kNoPrevious);
 }
 
 TEST_F(EntryPoint, FirstBackupFailsWhenAnyConfigurationHasNoFurtherTarget) {
     const SObserved last = call("encA##lun1;snap1&encB##lun2", {});
     EXPECT_EQ(last.status, 3);
     EXPECT_EQ(last.selection, std::nullopt);
-    EXPECT_EQ(last.trace,
-              configurationLines("encA##lun1;snap1",
-                                 {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}}) +
-                  kNoPrevious + failure("fi_process_backups : no resource is available"));
+    EXPECT_EQ(last.trace, configurationLines("encA##lun1;snap1",
+                                             {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}}) +
+                              kNoPrevious + failure("fi_process_backups : no resource is available"));
 
     const SObserved first = call("encB##lun2&encA##lun1;snap1", {});
     EXPECT_EQ(first.status, 3);
     EXPECT_EQ(first.selection, std::nullopt);
-    EXPECT_EQ(
-        first.trace,
-        configurationLines("encB##lun2", {{"encB", "lun2"}, {"encA", "lun1"}, {"encA", "snap1"}}) +
-            kNoPrevious + failure("fi_process_backups : no resource is available"));
+    EXPECT_EQ(first.trace,
+              configurationLines("encB##lun2", {{"encB", "lun2"}, {"encA", "lun1"}, {"encA", "snap1"}}) +
+                  kNoPrevious + failure("fi_process_backups : no resource is available"));
 }
 
 // The list may be there all the same; a size of 0 says that it has no entries.
@@ -146,8 +141,7 @@ TEST_F(EntryPoint, FirstBackupLeavesTheFlagsAlone) {
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
     EXPECT_EQ(observed.flags, Flags{7});
     EXPECT_EQ(observed.trace,
-              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) +
-                  kNoPrevious);
+              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) + kNoPrevious);
 }
 
 TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
@@ -156,10 +150,9 @@ TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
         const SObserved observed = call(configuration, {});
         EXPECT_EQ(observed.status, 0);
         EXPECT_EQ(observed.selection, "");
-        EXPECT_EQ(observed.trace,
-                  failure("CFiResourceParser::parse : Invalid resource specification [" +
-                          std::string(configuration) + "]") +
-                      kNoPrevious);
+        EXPECT_EQ(observed.trace, failure("CFiResourceParser::parse : Invalid resource specification [" +
+                                          std::string(configuration) + "]") +
+                                      kNoPrevious);
     }
 }
 
@@ -169,10 +162,9 @@ TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithBackups) {
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "");
     EXPECT_EQ(observed.flags, Flags{0});
-    EXPECT_EQ(observed.trace,
-              failure("CFiResourceParser::parse : Invalid resource specification [&\n]") +
-                  openingLines({a}, {}) + matchLine(a) + reservedLine(a) +
-                  closingLines("", {}, {{a, 0}}));
+    EXPECT_EQ(observed.trace, failure("CFiResourceParser::parse : Invalid resource specification [&\n]") +
+                                  openingLines({a}, {}) + matchLine(a) + reservedLine(a) +
+                                  closingLines("", {}, {{a, 0}}));
 }
 
 TEST_F(EntryPoint, RejectedConfigurationDoesNotStopTheCall) {
@@ -183,8 +175,7 @@ TEST_F(EntryPoint, RejectedConfigurationDoesNotStopTheCall) {
         const char* selection;
     } rows[] = {
         {"encA##lun1;snap1&lun2;snap2&encC##lun3;snap3",
-         configurationLines("encA##lun1;snap1",
-                            {{"encA", "lun1"}, {"encA", "snap1"}, {"", "lun2"}}) +
+         configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}, {"", "lun2"}}) +
              failure(start + "\"lun2\" has no enclosure data specified."),
          "[encA##lun1;encA##snap1]"},
         {"encA##lun1;snap1\nencB##lun2;encB##\nencC##lun3;snap3",
@@ -201,8 +192,7 @@ TEST_F(EntryPoint, RejectedConfigurationDoesNotStopTheCall) {
              failure(start + "\"##lun1\" has no enclosure data specified."),
          ""},
         {"##;snap1",
-         configurationLines("##;snap1", {{"", ""}}) +
-             failure(start + "\"##\" has no device data specified."),
+         configurationLines("##;snap1", {{"", ""}}) + failure(start + "\"##\" has no device data specified."),
          ""},
         {"%s%n",
          configurationLines("%s%n", {{"", "%s%n"}}) +
@@ -222,9 +212,8 @@ TEST_F(EntryPoint, SpecificationLineShowsTheFirstConfigurationOnly) {
     const SObserved observed = call("&\n&encA##lun1;snap1\r\nencB##lun2;snap2&", {});
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1][encB##lun2;encB##snap2]");
     EXPECT_EQ(observed.trace,
-              configurationLines(
-                  "&\n&encA##lun1;snap1",
-                  {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}, {"encB", "snap2"}}) +
+              configurationLines("&\n&encA##lun1;snap1",
+                                 {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}, {"encB", "snap2"}}) +
                   kNoPrevious);
 }
 
@@ -234,22 +223,18 @@ TEST_F(EntryPoint, OnlyFurtherTargetsAreSearchedForAFreeOne) {
     const SObserved observed = call("encA##lun1;snap1;snap2", listed({a}));
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap2]");
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines("encA##lun1;snap1;snap2",
-                           {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}}) +
-            openingLines({a},
-                         {"[encA:lun1](Available)", "{snap1,Available}", "{snap2,Available}"}) +
-            matchLine(a) + reservedLine(a) +
-            closingLines("[encA##lun1;encA##snap2]",
-                         {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{a, 0}}));
+    EXPECT_EQ(observed.trace,
+              configurationLines("encA##lun1;snap1;snap2",
+                                 {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}}) +
+                  openingLines({a}, {"[encA:lun1](Available)", "{snap1,Available}", "{snap2,Available}"}) +
+                  matchLine(a) + reservedLine(a) +
+                  closingLines("[encA##lun1;encA##snap2]",
+                               {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{a, 0}}));
 }
 
 TEST_F(EntryPoint, ReferencesInTheConfigurationAreDecoded) {
-    const SObserved observed =
-        call("encA##&lt;lun&gt;;snap&#39;1&amp;encB##lun2;&quot;&amp;encC##a;b", {});
-    EXPECT_EQ(observed.selection,
-              "[encA##<lun>;encA##snap'1][encB##lun2;encB##\"][encC##a;encC##b]");
+    const SObserved observed = call("encA##&lt;lun&gt;;snap&#39;1&amp;encB##lun2;&quot;&amp;encC##a;b", {});
+    EXPECT_EQ(observed.selection, "[encA##<lun>;encA##snap'1][encB##lun2;encB##\"][encC##a;encC##b]");
     EXPECT_EQ(observed.trace, configurationLines("encA##<lun>;snap'1", {{"encA", "<lun>"},
                                                                         {"encA", "snap'1"},
                                                                         {"encB", "lun2"},
@@ -262,12 +247,11 @@ TEST_F(EntryPoint, ReferencesInTheConfigurationAreDecoded) {
 TEST_F(EntryPoint, ReferenceThatADecodedAmpersandBeginsIsNotDecoded) {
     const SObserved observed = call("encA##lun1;snap1&amp;lt;", {});
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}, {"", "lt"}}) +
-            failure("CFiResourceParser::parse : resource configuration \"lt\" has no "
-                    "enclosure data specified.") +
-            kNoPrevious);
+    EXPECT_EQ(observed.trace,
+              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}, {"", "lt"}}) +
+                  failure("CFiResourceParser::parse : resource configuration \"lt\" has no "
+                          "enclosure data specified.") +
+                  kNoPrevious);
 }
 
 TEST_F(EntryPoint, SelectionIsAllocatedAnewForEachCall) {

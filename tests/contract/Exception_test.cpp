@@ -35,8 +35,7 @@ protected:
     }
 };
 
-const Trace kConfiguration =
-    configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}});
+const Trace kConfiguration = configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}});
 const std::vector<std::string> kFree{"[encA:lun1](Available)", "{snap1,Available}"};
 
 TEST_F(Exception, IsCaughtByItsTypeWithIdentifierAndCode) {
@@ -103,8 +102,7 @@ TEST_F(Exception, LongIdentifierArrivesWhole) {
     const SObserved observed = call("encA##lun1;snap1", listed({a}));
     ASSERT_TRUE(observed.exception.has_value());
     EXPECT_EQ(observed.exception->identifier, identifier);
-    EXPECT_EQ(observed.trace,
-              kConfiguration + openingLines({a}, kFree) + failure("ERROR: " + identifier));
+    EXPECT_EQ(observed.trace, kConfiguration + openingLines({a}, kFree) + failure("ERROR: " + identifier));
 }
 
 TEST_F(Exception, LeavesFromTheCheckOfTheFirstMalformedBackupInLoadOrder) {
@@ -152,11 +150,10 @@ TEST_F(Exception, NextCallWorks) {
         const SObserved observed = call("encA##lun1;snap1", listed({good}));
         EXPECT_EQ(observed.status, 0);
         EXPECT_EQ(observed.flags, Flags{2});
-        EXPECT_EQ(observed.trace,
-                  kConfiguration + openingLines({good}, kFree) + matchLine(good) +
-                      reservedLine(good) +
-                      closingLines("[encA##lun1;encA##snap1]",
-                                   {"[encA:lun1](Used)", "{snap1,Available}"}, {{good, 2}}));
+        EXPECT_EQ(observed.trace, kConfiguration + openingLines({good}, kFree) + matchLine(good) +
+                                      reservedLine(good) +
+                                      closingLines("[encA##lun1;encA##snap1]",
+                                                   {"[encA:lun1](Used)", "{snap1,Available}"}, {{good, 2}}));
     }
 }
 

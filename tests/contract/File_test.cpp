@@ -29,8 +29,7 @@ using Fgets = char* (*)(char*, int, std::FILE*);
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) char* fgets(char* buffer, int size,
-                                                              std::FILE* stream) {
+extern "C" __attribute__((visibility("default"))) char* fgets(char* buffer, int size, std::FILE* stream) {
     static const auto next = reinterpret_cast<Fgets>(dlsym(RTLD_NEXT, "fgets"));
     if (++lines == interruptedLine && !interruption()) {
         return nullptr;
@@ -67,14 +66,12 @@ protected:
     // between two lines is not hidden by a buffer.
     std::string writeHolder(const std::string& name) const {
         const std::string filling = "<!-- " + std::string(10000, '.') + " -->\n";
-        return write(name, "<Node>\n<objid>outer</objid>\n" + filling + "<Node><objid>" +
-                               udid("encA##lun1") + "</objid><altobjid>" + udid("encA##snap1") +
-                               "</altobjid></Node>\n" + filling + "</Node>\n");
+        return write(name, "<Node>\n<objid>outer</objid>\n" + filling + "<Node><objid>" + udid("encA##lun1") +
+                               "</objid><altobjid>" + udid("encA##snap1") + "</altobjid></Node>\n" + filling +
+                               "</Node>\n");
     }
 
-    SObserved callWith(const std::string& file) {
-        return call(kConfiguration, {{file, kFlagWord}});
-    }
+    SObserved callWith(const std::string& file) { return call(kConfiguration, {{file, kFlagWord}}); }
 
     const fi_test::EntryPoint process;
 
@@ -218,8 +215,7 @@ TEST_F(File, IsMissingWhenNoDescriptorIsLeft) {
         const CDescriptors descriptors(1000, 0);
         status = process(files, kConfiguration, &flag, 1, &result);
     }
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "ERROR: failed to load FIID file [" + file + "]\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "ERROR: failed to load FIID file [" + file + "]\n");
     EXPECT_EQ(status, 0);
     EXPECT_STREQ(result, "[encA##lun1;encA##snap1]");
     EXPECT_EQ(flag, kFlagWord);

@@ -60,14 +60,12 @@ class GoldenTrace : public fi_test::CContractTest, public testing::WithParamInte
 TEST_P(GoldenTrace, IsWhatTheCallTraces) {
     std::vector<fi_test::SListed> backups;
     for (const SDocument& document : GetParam().documents) {
-        const std::string file = document.content == nullptr
-                                     ? path(document.name)
-                                     : write(document.name, document.content);
+        const std::string file =
+            document.content == nullptr ? path(document.name) : write(document.name, document.content);
         backups.push_back({file, document.flagWord});
     }
     const fi_test::SObserved observed = fi_test::call(GetParam().configuration, backups);
-    EXPECT_EQ(fi_test::asGoldenText(observed.trace, path("")),
-              fi_test::goldenText(GetParam().name));
+    EXPECT_EQ(fi_test::asGoldenText(observed.trace, path("")), fi_test::goldenText(GetParam().name));
 }
 
 const SGolden kGolden[] = {
@@ -79,9 +77,7 @@ const SGolden kGolden[] = {
     {"missing-file-in-the-middle",
      "encA##lun1;snap1;snap2",
      {{"a.xml", kHolder, 0}, {"missing.xml", nullptr, 0}, {"b.xml", kHolder, 0}}},
-    {"malformed-identifier",
-     "encA##lun1;snap1",
-     {{"a.xml", kHolder, 0}, {"bad.xml", kMalformed, 0}}},
+    {"malformed-identifier", "encA##lun1;snap1", {{"a.xml", kHolder, 0}, {"bad.xml", kMalformed, 0}}},
     {"ill-formed-document", "encA##lun1;snap1", {{"ill.xml", kIllFormed, 0}}},
     {"documents-without-a-node",
      "encA##lun1;snap1",

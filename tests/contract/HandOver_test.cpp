@@ -32,8 +32,7 @@ std::vector<SMoment> moments;
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/,
-                                                                     const char* format, ...) {
+extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/, const char* format, ...) {
     moments.push_back({format, selection != nullptr, flag});
 }
 
@@ -146,8 +145,7 @@ TEST_F(HandOver, EveryLineHasOneOfTheFixedFormats) {
             "CFiFiidLoader::load: ERROR: failed to load FIID file",
             "CFiResourceManager::print : printing resource set", "[%s:%s](%s)", "{%s,%s}",
             "CFiResourceParser::parse : Invalid resource specification [%s]",
-            "CFiResourceParser::parse : Resource specification [%s]",
-            "CFiResourceParser::parse : [%s][%s]",
+            "CFiResourceParser::parse : Resource specification [%s]", "CFiResourceParser::parse : [%s][%s]",
             "CFiResourceParser::parse : resource configuration \"%s\" has no targets specified.",
             "CFiResourceParser::parse : resource configuration \"%s\" has no device data "
             "specified.",
@@ -156,9 +154,8 @@ TEST_F(HandOver, EveryLineHasOneOfTheFixedFormats) {
             "ERROR: %s", "fi_process_backups : Invalid/empty parameter",
             "fi_process_backups : fiidListSize empty, no previous backups to process",
             "fi_process_backups : no resource is available",
-            "fi_process_backups :  Fiid [%s] exclude rotation flag [%d] ",
-            "fi_process_backups : parsed [%s]", "fi_process_backups : [RESOURCES MATCH] [%s]",
-            "fi_process_backups : [INVALID RESOURCES] [%s]",
+            "fi_process_backups :  Fiid [%s] exclude rotation flag [%d] ", "fi_process_backups : parsed [%s]",
+            "fi_process_backups : [RESOURCES MATCH] [%s]", "fi_process_backups : [INVALID RESOURCES] [%s]",
             "fi_process_backups : [RESERVE GOOD] %s - T: %s", "fi_process_backups : %s - T: %s",
             "fi_process_backups : Skipped Rotation for fiid [%s]",
             "fi_process_backups : Resources not availabe, some/all are part of Skip rotation fiids",

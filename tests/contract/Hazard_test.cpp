@@ -87,8 +87,8 @@ protected:
 
 TEST_F(Hazard, ExternalEntityPutsAForeignFileIntoTheTree) {
     const std::string file = write("foreign", "foreign content");
-    const SObserved observed = callWith("<!DOCTYPE Node [<!ENTITY e SYSTEM '" + file +
-                                        "'>]><Node><objid>&e;</objid></Node>");
+    const SObserved observed =
+        callWith("<!DOCTYPE Node [<!ENTITY e SYSTEM '" + file + "'>]><Node><objid>&e;</objid></Node>");
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(hasObjid(observed, "foreign content"), !kHardened);
     EXPECT_EQ(hasFatalError(observed), kHardened);
@@ -104,8 +104,7 @@ TEST_F(Hazard, ExternalDtdIsRead) {
 }
 
 TEST_F(Hazard, ExternalDtdThatIsMissingIsAFatalError) {
-    const SObserved observed =
-        callWith("<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>");
+    const SObserved observed = callWith("<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>");
     EXPECT_EQ(observed.status, 0);
     EXPECT_TRUE(hasFatalError(observed));
 }
@@ -148,18 +147,17 @@ TEST_F(Hazard, NestedEntitiesExpand) {
 }
 
 TEST_F(Hazard, EntityOfTheDocumentItselfIsHarmless) {
-    const SObserved observed =
-        callWith("<!DOCTYPE Node [<!ENTITY e 'own'>]><Node><objid>&e;</objid></Node>");
+    const SObserved observed = callWith("<!DOCTYPE Node [<!ENTITY e 'own'>]><Node><objid>&e;</objid></Node>");
     EXPECT_TRUE(hasObjid(observed, "own"));
     EXPECT_FALSE(hasFatalError(observed));
 }
 
 // The backups beside it are not touched by a document's fault.
 TEST_F(Hazard, OtherDocumentsAreReadAllTheSame) {
-    const SObserved observed = fi_test::call(
-        "encA##lun1;snap1",
-        {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},
-         {write("b.xml", "<Node><objid>b</objid></Node>"), 8}});
+    const SObserved observed =
+        fi_test::call("encA##lun1;snap1",
+                      {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},
+                       {write("b.xml", "<Node><objid>b</objid></Node>"), 8}});
     EXPECT_EQ(observed.status, 0);
     EXPECT_TRUE(hasObjid(observed, "b"));
     EXPECT_EQ(observed.flags, (std::vector<std::int32_t>{8, 0}));

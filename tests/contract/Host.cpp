@@ -35,8 +35,7 @@ SObserved callWithSize(const std::string& configuration, const std::vector<SList
     TraceRecorder recorder;
     testing::internal::CaptureStdout();
     try {
-        observed.status =
-            process(files.data(), configuration.c_str(), words.data() + 1, size, &result);
+        observed.status = process(files.data(), configuration.c_str(), words.data() + 1, size, &result);
     } catch (const CFiUdidException& malformed) {
         observed.exception = malformed;
     }

@@ -4,8 +4,7 @@
 
 namespace fi_test {
 
-using EntryPoint = std::int32_t (*)(const char* const*, const char*, std::int32_t*, std::int32_t,
-                                    char**);
+using EntryPoint = std::int32_t (*)(const char* const*, const char*, std::int32_t*, std::int32_t, char**);
 
 // fi_process_backups of the built library, loaded once.
 EntryPoint entryPoint();

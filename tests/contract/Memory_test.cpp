@@ -54,8 +54,7 @@ protected:
     std::size_t leftByCall(const std::string& configuration, const std::vector<std::string>& names,
                            std::int32_t flagWord = 0) {
         std::vector<std::int32_t> flags(names.size(), flagWord);
-        return leftByCall(configuration, names, flags.data(),
-                          static_cast<std::int32_t>(names.size()));
+        return leftByCall(configuration, names, flags.data(), static_cast<std::int32_t>(names.size()));
     }
 
     std::size_t leftByCall(const std::string& configuration, const std::vector<std::string>& names,
@@ -73,8 +72,8 @@ protected:
 
 private:
     // Allocates nothing of its own that lives on.
-    void process(const std::string& configuration, const std::vector<std::string>& names,
-                 std::int32_t* flags, std::int32_t size) {
+    void process(const std::string& configuration, const std::vector<std::string>& names, std::int32_t* flags,
+                 std::int32_t size) {
         std::vector<const char*> files;
         for (const std::string& name : names) {
             files.push_back(name.c_str());
@@ -83,8 +82,7 @@ private:
         status = -1;
         hasThrown = false;
         try {
-            status =
-                fi_test::entryPoint()(files.data(), configuration.c_str(), flags, size, &result);
+            status = fi_test::entryPoint()(files.data(), configuration.c_str(), flags, size, &result);
         } catch (const CFiUdidException&) {
             hasThrown = true;
         }
@@ -133,10 +131,10 @@ TEST_F(Memory, NegativeSizeLeavesNothing) {
 }
 
 TEST_F(Memory, SuccessLeavesNothing) {
-    EXPECT_EQ(leftByCall("encA##lun1;snap1",
-                         {write("a.xml", kHolder), write("b.xml", kHolder),
-                          write("invalid.xml", toXml(backup("2", {{"encB##x", "encB##y"}})))}),
-              0U);
+    EXPECT_EQ(
+        leftByCall("encA##lun1;snap1", {write("a.xml", kHolder), write("b.xml", kHolder),
+                                        write("invalid.xml", toXml(backup("2", {{"encB##x", "encB##y"}})))}),
+        0U);
     EXPECT_EQ(status, 0);
 }
 
@@ -147,8 +145,7 @@ TEST_F(Memory, NameListedTwiceLeavesNothing) {
 }
 
 TEST_F(Memory, FailureLeavesNothing) {
-    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kHolder), write("b.xml", kHolder)}, 4),
-              0U);
+    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kHolder), write("b.xml", kHolder)}, 4), 0U);
     EXPECT_EQ(status, 3);
 }
 
@@ -160,8 +157,7 @@ TEST_F(Memory, MissingFileLeavesNothing) {
 }
 
 TEST_F(Memory, IllFormedDocumentLeavesNothing) {
-    EXPECT_EQ(
-        leftByCall("encA##lun1;snap1", {write("a.xml", "<Node><Node><objid>x</objid></Nod>")}), 0U);
+    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", "<Node><Node><objid>x</objid></Nod>")}), 0U);
     EXPECT_EQ(status, 0);
 }
 
@@ -171,8 +167,8 @@ TEST_F(Memory, DocumentWithoutANodeLeavesNothing) {
 }
 
 TEST_F(Memory, ExceptionLeavesNothing) {
-    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kHolder), write("bad.xml", kMalformed),
-                                              write("b.xml", kHolder)}),
+    EXPECT_EQ(leftByCall("encA##lun1;snap1",
+                         {write("a.xml", kHolder), write("bad.xml", kMalformed), write("b.xml", kHolder)}),
               0U);
     EXPECT_TRUE(hasThrown);
 }
@@ -180,11 +176,11 @@ TEST_F(Memory, ExceptionLeavesNothing) {
 // The whole trace of such a call is compared here because the blocks of the root that is dropped are
 // anywhere else a leak.
 TEST_F(Memory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
-    const std::string several = write(
-        "several.xml",
-        "<backups><Node><objid>first</objid><timeStamp>20260101</timeStamp></Node>"
-        "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid>"
-        "<timeStamp>20260102</timeStamp></Node></backups>");
+    const std::string several =
+        write("several.xml",
+              "<backups><Node><objid>first</objid><timeStamp>20260101</timeStamp></Node>"
+              "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid>"
+              "<timeStamp>20260102</timeStamp></Node></backups>");
     std::string trace;
     std::int32_t flag = 0;
     {
@@ -199,15 +195,13 @@ TEST_F(Memory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
 }
 
 TEST_F(Memory, DocumentWithSeveralTopLevelNodesLeavesExactlyTheDroppedTrees) {
-    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kSeveralRoots)}),
-              kBlocksOfDroppedRoots);
+    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kSeveralRoots)}), kBlocksOfDroppedRoots);
     EXPECT_EQ(status, 0);
 }
 
 TEST_F(Memory, EveryImportOfADocumentWithSeveralTopLevelNodesLeavesItsDroppedTrees) {
     const std::string a = write("a.xml", kSeveralRoots);
-    EXPECT_EQ(leftByCall("encA##lun1;snap1", {a, write("b.xml", kHolder), a}),
-              2 * kBlocksOfDroppedRoots);
+    EXPECT_EQ(leftByCall("encA##lun1;snap1", {a, write("b.xml", kHolder), a}), 2 * kBlocksOfDroppedRoots);
     EXPECT_EQ(status, 0);
 }
 
@@ -217,8 +211,7 @@ TEST_F(Memory, FailureLeavesExactlyTheDroppedTrees) {
 }
 
 TEST_F(Memory, ExceptionLeavesExactlyTheDroppedTrees) {
-    EXPECT_EQ(leftByCall("encA##lun1;snap1",
-                         {write("a.xml", kSeveralRoots), write("bad.xml", kMalformed)}),
+    EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kSeveralRoots), write("bad.xml", kMalformed)}),
               kBlocksOfDroppedRoots);
     EXPECT_TRUE(hasThrown);
 }

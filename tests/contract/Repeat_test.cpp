@@ -38,13 +38,12 @@ void expectSame(const SObserved& first, const SObserved& second) {
 
 class Repeat : public fi_test::CRotationTest {
 protected:
-    SListed file(const std::string& name, const std::string& content,
-                 std::int32_t flagWord = 0) const {
+    SListed file(const std::string& name, const std::string& content, std::int32_t flagWord = 0) const {
         return {write(name, content), flagWord};
     }
 
-    SListed holder(const std::string& name, const std::string& timeStamp,
-                   const std::string& further, std::int32_t flagWord = 0) const {
+    SListed holder(const std::string& name, const std::string& timeStamp, const std::string& further,
+                   std::int32_t flagWord = 0) const {
         return given(name, backup(timeStamp, {{"encA##lun1", further}}), flagWord).listed;
     }
 
@@ -115,8 +114,7 @@ public:
         std::vector<std::pair<std::string, std::string>> pairs;
         const int count = below(3);
         for (int i = 0; i < count; ++i) {
-            pairs.emplace_back("enc##lun" + std::to_string(below(4)),
-                               "enc##s" + std::to_string(below(4)));
+            pairs.emplace_back("enc##lun" + std::to_string(below(4)), "enc##s" + std::to_string(below(4)));
         }
         return backup(std::to_string(below(6)), pairs);
     }

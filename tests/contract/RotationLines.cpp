@@ -22,8 +22,7 @@ Trace configurationLines(const std::string& shown,
                          const std::vector<std::pair<std::string, std::string>>& targets) {
     Trace trace = progress({"CFiResourceParser::parse : Resource specification [" + shown + "]"});
     for (const auto& [enclosure, device] : targets) {
-        trace =
-            trace + progress({"CFiResourceParser::parse : [" + enclosure + "][" + device + "]"});
+        trace = trace + progress({"CFiResourceParser::parse : [" + enclosure + "][" + device + "]"});
     }
     return trace;
 }
@@ -61,19 +60,17 @@ Trace notReservedLine(const SBackup& backup) {
 }
 
 Trace skippedLine(const SBackup& backup) {
-    return progress(
-        {"fi_process_backups : Skipped Rotation for fiid [" + backup.listed.file + "]"});
+    return progress({"fi_process_backups : Skipped Rotation for fiid [" + backup.listed.file + "]"});
 }
 
 Trace notAvailableLine() {
-    return failure(
-        "fi_process_backups : Resources not availabe, some/all are part of Skip rotation fiids");
+    return failure("fi_process_backups : Resources not availabe, some/all are part of Skip rotation fiids");
 }
 
 Trace closingLines(const std::string& selection, const std::vector<std::string>& set,
                    const std::vector<SOutcome>& outcomes) {
-    Trace trace = progress({"fi_process_backups : resource_config_string [" + selection + "] "}) +
-                  setLines(set);
+    Trace trace =
+        progress({"fi_process_backups : resource_config_string [" + selection + "] "}) + setLines(set);
     for (const auto& [backup, state] : outcomes) {
         trace = trace + outcomeLines(backup.listed.file, backup.document, state);
     }

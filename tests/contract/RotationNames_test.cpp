@@ -64,16 +64,14 @@ TEST_F(RotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd)
     ASSERT_THAT(observed.flags, testing::AnyOf(Flags{1, 1, 0}, Flags{2, 2, 0}));
     const int first = observed.flags.front();
     const int second = first == 1 ? 2 : 1;
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines("encA##lun1;s1;s2", {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s2"}}) +
-            openingLines({twice, twice, newer},
-                         {"[encA:lun1](Available)", "{s1,Available}", "{s2,Available}"}) +
-            matchLine(twice) + matchLine(twice) + matchLine(newer) + reservedLine(newer) +
-            reservedLine(twice) + notReservedLine(twice) +
-            closingLines("[encA##lun1;encA##s1]",
-                         {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"},
-                         {{twice, first}, {twice, second}, {newer, 0}}));
+    EXPECT_EQ(observed.trace,
+              configurationLines("encA##lun1;s1;s2", {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s2"}}) +
+                  openingLines({twice, twice, newer},
+                               {"[encA:lun1](Available)", "{s1,Available}", "{s2,Available}"}) +
+                  matchLine(twice) + matchLine(twice) + matchLine(newer) + reservedLine(newer) +
+                  reservedLine(twice) + notReservedLine(twice) +
+                  closingLines("[encA##lun1;encA##s1]", {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"},
+                               {{twice, first}, {twice, second}, {newer, 0}}));
 }
 
 // The more entries, the more the order of equal time stamps changes between load and end.
@@ -84,9 +82,9 @@ TEST_F(RotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst) 
         SCOPED_TRACE(count);
         const SObserved observed = call("encA##lun1;s1", std::vector<SListed>(count, often.listed));
         EXPECT_EQ(observed.status, 0);
-        const auto first = std::find_if(
-            observed.trace.begin(), observed.trace.end(),
-            [&](const auto& line) { return line.text.compare(0, start.size(), start) == 0; });
+        const auto first = std::find_if(observed.trace.begin(), observed.trace.end(), [&](const auto& line) {
+            return line.text.compare(0, start.size(), start) == 0;
+        });
         ASSERT_NE(first, observed.trace.end());
         for (const std::int32_t flag : observed.flags) {
             EXPECT_EQ(start + "[" + std::to_string(flag) + "]", first->text);
@@ -100,9 +98,9 @@ TEST_F(RotationNames, LastFlagWordOfANameListedTwiceExcludesBoth) {
     const SObserved observed = call("encA##lun1;s1", listed({a, excluded}));
     EXPECT_EQ(observed.status, 3);
     EXPECT_EQ(observed.flags, (Flags{0, 4}));
-    EXPECT_EQ(observed.trace, kOneTarget + openingLines({a, excluded}, kOneTargetFree) +
-                                  matchLine(a) + matchLine(a) + reservedLine(a) +
-                                  notReservedLine(a) + skippedLine(a) + notAvailableLine());
+    EXPECT_EQ(observed.trace, kOneTarget + openingLines({a, excluded}, kOneTargetFree) + matchLine(a) +
+                                  matchLine(a) + reservedLine(a) + notReservedLine(a) + skippedLine(a) +
+                                  notAvailableLine());
 }
 
 TEST_F(RotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
@@ -114,8 +112,8 @@ TEST_F(RotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
     const int first = observed.flags.front();
     const int second = first == 1 ? 2 : 1;
     EXPECT_EQ(observed.trace,
-              kOneTarget + openingLines({excluded, a}, kOneTargetFree) + matchLine(a) +
-                  matchLine(a) + reservedLine(a) + notReservedLine(a) +
+              kOneTarget + openingLines({excluded, a}, kOneTargetFree) + matchLine(a) + matchLine(a) +
+                  reservedLine(a) + notReservedLine(a) +
                   closingLines("[encA##lun1;encA##s1]", {"[encA:lun1](Used)", "{s1,Available}"},
                                {{a, first}, {a, second}}));
 }
@@ -162,18 +160,17 @@ TEST_F(RotationNames, PercentSignsAreTracedAsTheyStand) {
     const std::vector<std::string> set{"[encA%s:lun%n](Available)", "{snap%d,Available}"};
     const SObserved observed = call("encA%s##lun%n;snap%d", listed({a, c}));
     EXPECT_EQ(observed.selection, "[encA%s##lun%n;encA%s##snap%d]");
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines("encA%s##lun%n;snap%d", {{"encA%s", "lun%n"}, {"encA%s", "snap%d"}}) +
-            openingLines({a, c}, set) + matchLine(a) + invalidLine(c) + reservedLine(a) +
-            closingLines("[encA%s##lun%n;encA%s##snap%d]",
-                         {"[encA%s:lun%n](Used)", "{snap%d,Available}"}, {{a, 2}, {c, 1}}));
+    EXPECT_EQ(observed.trace,
+              configurationLines("encA%s##lun%n;snap%d", {{"encA%s", "lun%n"}, {"encA%s", "snap%d"}}) +
+                  openingLines({a, c}, set) + matchLine(a) + invalidLine(c) + reservedLine(a) +
+                  closingLines("[encA%s##lun%n;encA%s##snap%d]",
+                               {"[encA%s:lun%n](Used)", "{snap%d,Available}"}, {{a, 2}, {c, 1}}));
 
     const SObserved excluded = call("encA%s##lun%n;snap%d", listed({b}));
-    EXPECT_EQ(excluded.trace, configurationLines("encA%s##lun%n;snap%d",
-                                                 {{"encA%s", "lun%n"}, {"encA%s", "snap%d"}}) +
-                                  openingLines({b}, set) + matchLine(b) + reservedLine(b) +
-                                  skippedLine(b) + notAvailableLine());
+    EXPECT_EQ(excluded.trace,
+              configurationLines("encA%s##lun%n;snap%d", {{"encA%s", "lun%n"}, {"encA%s", "snap%d"}}) +
+                  openingLines({b}, set) + matchLine(b) + reservedLine(b) + skippedLine(b) +
+                  notAvailableLine());
 }
 
 TEST_F(RotationNames, PercentSignsInTheNameOfAMissingFileArePrintedAsTheyStand) {
@@ -198,8 +195,7 @@ TEST_F(RotationNames, RejectedConfigurationLeavesWhatStandsBeforeItToTheRotation
             failure("CFiResourceParser::parse : resource configuration \"lun2\" has no "
                     "enclosure data specified.") +
             openingLines({a, b}, kOneTargetFree) + matchLine(a) + invalidLine(b) + reservedLine(a) +
-            closingLines("[encA##lun1;encA##s1]", {"[encA:lun1](Used)", "{s1,Available}"},
-                         {{a, 2}, {b, 1}}));
+            closingLines("[encA##lun1;encA##s1]", {"[encA:lun1](Used)", "{s1,Available}"}, {{a, 2}, {b, 1}}));
 }
 
 TEST_F(RotationNames, RejectedConfigurationWithNothingBeforeItSelectsNothing) {
@@ -208,11 +204,10 @@ TEST_F(RotationNames, RejectedConfigurationWithNothingBeforeItSelectsNothing) {
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "");
     EXPECT_EQ(observed.flags, Flags{1});
-    EXPECT_EQ(observed.trace,
-              configurationLines("lun1;s1", {{"", "lun1"}}) +
-                  failure("CFiResourceParser::parse : resource configuration \"lun1\" has no "
-                          "enclosure data specified.") +
-                  openingLines({a}, {}) + invalidLine(a) + closingLines("", {}, {{a, 1}}));
+    EXPECT_EQ(observed.trace, configurationLines("lun1;s1", {{"", "lun1"}}) +
+                                  failure("CFiResourceParser::parse : resource configuration \"lun1\" has no "
+                                          "enclosure data specified.") +
+                                  openingLines({a}, {}) + invalidLine(a) + closingLines("", {}, {{a, 1}}));
 }
 
 TEST_F(RotationNames, TargetIsLookedForInEveryConfigurationWithItsFirstTarget) {
@@ -227,10 +222,9 @@ TEST_F(RotationNames, TargetIsLookedForInEveryConfigurationWithItsFirstTarget) {
             openingLines({a}, {"[encA:lun1](Available)", "{s1,Available}", "[encA:lun1](Available)",
                                "{s2,Available}"}) +
             matchLine(a) + reservedLine(a) +
-            closingLines(
-                "[encA##lun1;encA##s1][encA##lun1;encA##s2]",
-                {"[encA:lun1](Available)", "{s1,Available}", "[encA:lun1](Used)", "{s2,Available}"},
-                {{a, 2}}));
+            closingLines("[encA##lun1;encA##s1][encA##lun1;encA##s2]",
+                         {"[encA:lun1](Available)", "{s1,Available}", "[encA:lun1](Used)", "{s2,Available}"},
+                         {{a, 2}}));
 }
 
 TEST_F(RotationNames, OfATargetConfiguredTwiceTheFirstIsHeld) {
@@ -239,19 +233,17 @@ TEST_F(RotationNames, OfATargetConfiguredTwiceTheFirstIsHeld) {
     const SObserved observed = call("encA##lun1;s1;s1&encA##lun1;s1", listed({older, newer}));
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##s1][encA##lun1;encA##s1]");
     EXPECT_EQ(observed.flags, (Flags{1, 0}));
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines(
-            "encA##lun1;s1;s1",
-            {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s1"}, {"encA", "lun1"}, {"encA", "s1"}}) +
-            openingLines({older, newer},
-                         {"[encA:lun1](Available)", "{s1,Available}", "{s1,Available}",
-                          "[encA:lun1](Available)", "{s1,Available}"}) +
-            matchLine(older) + matchLine(newer) + reservedLine(newer) + notReservedLine(older) +
-            closingLines("[encA##lun1;encA##s1][encA##lun1;encA##s1]",
-                         {"[encA:lun1](Used)", "{s1,Used}", "{s1,Available}",
-                          "[encA:lun1](Available)", "{s1,Available}"},
-                         {{older, 1}, {newer, 0}}));
+    EXPECT_EQ(observed.trace,
+              configurationLines(
+                  "encA##lun1;s1;s1",
+                  {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s1"}, {"encA", "lun1"}, {"encA", "s1"}}) +
+                  openingLines({older, newer}, {"[encA:lun1](Available)", "{s1,Available}", "{s1,Available}",
+                                                "[encA:lun1](Available)", "{s1,Available}"}) +
+                  matchLine(older) + matchLine(newer) + reservedLine(newer) + notReservedLine(older) +
+                  closingLines("[encA##lun1;encA##s1][encA##lun1;encA##s1]",
+                               {"[encA:lun1](Used)", "{s1,Used}", "{s1,Available}", "[encA:lun1](Available)",
+                                "{s1,Available}"},
+                               {{older, 1}, {newer, 0}}));
 }
 
 TEST_F(RotationNames, OfNodesWithOneObjidTheLastAltobjidCounts) {
@@ -262,13 +254,12 @@ TEST_F(RotationNames, OfNodesWithOneObjidTheLastAltobjidCounts) {
     const SObserved observed = call("encA##lun1;s1;s2", listed({a}));
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##s1]");
     EXPECT_EQ(observed.flags, Flags{0});
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines("encA##lun1;s1;s2", {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s2"}}) +
-            openingLines({a}, {"[encA:lun1](Available)", "{s1,Available}", "{s2,Available}"}) +
-            matchLine(a) + reservedLine(a) +
-            closingLines("[encA##lun1;encA##s1]",
-                         {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"}, {{a, 0}}));
+    EXPECT_EQ(observed.trace,
+              configurationLines("encA##lun1;s1;s2", {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s2"}}) +
+                  openingLines({a}, {"[encA:lun1](Available)", "{s1,Available}", "{s2,Available}"}) +
+                  matchLine(a) + reservedLine(a) +
+                  closingLines("[encA##lun1;encA##s1]", {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"},
+                               {{a, 0}}));
 }
 
 // What an objid and an altobjid must be for a backup to hold encA##lun1's target s1 or ##bare.
@@ -297,8 +288,7 @@ TEST_F(RotationNames, IdentifiersMatchByTheirWholeEnclosureAndDevice) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.objid + " " + row.altobjid);
-        const SBackup a =
-            given("a.xml", SNode{{{"objid", row.objid}, {"altobjid", row.altobjid}}, {}}, 8);
+        const SBackup a = given("a.xml", SNode{{{"objid", row.objid}, {"altobjid", row.altobjid}}, {}}, 8);
         const SObserved observed = call("encA##lun1;s1;##bare", listed({a}));
         EXPECT_EQ(observed.status, 0);
         EXPECT_EQ(observed.flags, Flags{row.isMatch ? 0 : 1});

@@ -34,21 +34,19 @@ using Flags = std::vector<std::int32_t>;
 class RotationOrder : public fi_test::CRotationTest {
 protected:
     // A backup of encA##lun1 that holds `snap`, in a file named after its time stamp.
-    SBackup holder(const std::string& timeStamp, const std::string& snap,
-                   std::int32_t flagWord = 0) const {
-        return given("backup-" + timeStamp + ".xml",
-                     backup(timeStamp, {{"encA##lun1", "encA##" + snap}}), flagWord);
+    SBackup holder(const std::string& timeStamp, const std::string& snap, std::int32_t flagWord = 0) const {
+        return given("backup-" + timeStamp + ".xml", backup(timeStamp, {{"encA##lun1", "encA##" + snap}}),
+                     flagWord);
     }
 };
 
 const Trace kThreeTargets = configurationLines(
     "encA##lun1;s1;s2;s3", {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s2"}, {"encA", "s3"}});
-const std::vector<std::string> kThreeTargetsFree{"[encA:lun1](Available)", "{s1,Available}",
-                                                 "{s2,Available}", "{s3,Available}"};
+const std::vector<std::string> kThreeTargetsFree{"[encA:lun1](Available)", "{s1,Available}", "{s2,Available}",
+                                                 "{s3,Available}"};
 const Trace kTwoTargets =
     configurationLines("encA##lun1;s1;s2", {{"encA", "lun1"}, {"encA", "s1"}, {"encA", "s2"}});
-const std::vector<std::string> kTwoTargetsFree{"[encA:lun1](Available)", "{s1,Available}",
-                                               "{s2,Available}"};
+const std::vector<std::string> kTwoTargetsFree{"[encA:lun1](Available)", "{s1,Available}", "{s2,Available}"};
 const Trace kOneTarget = configurationLines("encA##lun1;s1", {{"encA", "lun1"}, {"encA", "s1"}});
 const std::vector<std::string> kOneTargetFree{"[encA:lun1](Available)", "{s1,Available}"};
 
@@ -60,9 +58,9 @@ TEST_F(RotationOrder, ReleasesTheOldestOnlyAndNoMoreThanNeeded) {
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##s1]");
     EXPECT_EQ(observed.flags, (Flags{0, 2, 0}));
     EXPECT_EQ(observed.trace,
-              kThreeTargets + openingLines({newest, oldest, middle}, kThreeTargetsFree) +
-                  matchLine(newest) + matchLine(oldest) + matchLine(middle) + reservedLine(newest) +
-                  reservedLine(middle) + reservedLine(oldest) +
+              kThreeTargets + openingLines({newest, oldest, middle}, kThreeTargetsFree) + matchLine(newest) +
+                  matchLine(oldest) + matchLine(middle) + reservedLine(newest) + reservedLine(middle) +
+                  reservedLine(oldest) +
                   closingLines("[encA##lun1;encA##s1]",
                                {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}", "{s3,Used}"},
                                {{oldest, 2}, {middle, 0}, {newest, 0}}));
@@ -77,9 +75,9 @@ TEST_F(RotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##s2]");
     EXPECT_EQ(observed.flags, (Flags{0, 2, 0}));
     EXPECT_EQ(observed.trace,
-              kThreeTargets + openingLines({oldest, middle, newest}, kThreeTargetsFree) +
-                  matchLine(oldest) + matchLine(middle) + matchLine(newest) + reservedLine(newest) +
-                  reservedLine(middle) + reservedLine(oldest) + skippedLine(oldest) +
+              kThreeTargets + openingLines({oldest, middle, newest}, kThreeTargetsFree) + matchLine(oldest) +
+                  matchLine(middle) + matchLine(newest) + reservedLine(newest) + reservedLine(middle) +
+                  reservedLine(oldest) + skippedLine(oldest) +
                   closingLines("[encA##lun1;encA##s2]",
                                {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}", "{s3,Used}"},
                                {{oldest, 0}, {middle, 2}, {newest, 0}}));
@@ -92,11 +90,10 @@ TEST_F(RotationOrder, ExcludedBackupThatIsInvalidIsNotSaidToBePassedOver) {
     const SObserved observed = call("encA##lun1;s1", listed({invalid, outdone, keeper}));
     EXPECT_EQ(observed.status, 3);
     EXPECT_EQ(observed.flags, (Flags{4, 4, 4}));
-    EXPECT_EQ(observed.trace, kOneTarget +
-                                  openingLines({invalid, outdone, keeper}, kOneTargetFree) +
+    EXPECT_EQ(observed.trace, kOneTarget + openingLines({invalid, outdone, keeper}, kOneTargetFree) +
                                   invalidLine(invalid) + matchLine(outdone) + matchLine(keeper) +
-                                  reservedLine(keeper) + notReservedLine(outdone) +
-                                  skippedLine(keeper) + notAvailableLine());
+                                  reservedLine(keeper) + notReservedLine(outdone) + skippedLine(keeper) +
+                                  notAvailableLine());
 }
 
 TEST_F(RotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
@@ -107,8 +104,8 @@ TEST_F(RotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
     const SBackup third = given("3.xml", backup("3", {{"encB##lun2", "encB##t1"}}));
     const SBackup fourth = given("4.xml", backup("4", {{"encC##lun3", "encC##u2"}}));
     const std::string selection = "[encA##lun1;encA##s1][encB##lun2;encB##t1][encC##lun3;encC##u1]";
-    const SObserved observed = call("encA##lun1;s1&encB##lun2;t1&encC##lun3;u1;u2",
-                                    listed({first, second, third, fourth}));
+    const SObserved observed =
+        call("encA##lun1;s1&encB##lun2;t1&encC##lun3;u1;u2", listed({first, second, third, fourth}));
     EXPECT_EQ(observed.selection, selection);
     EXPECT_EQ(observed.flags, (Flags{2, 2, 2, 0}));
     EXPECT_EQ(
@@ -120,16 +117,14 @@ TEST_F(RotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
                                              {"encC", "lun3"},
                                              {"encC", "u1"},
                                              {"encC", "u2"}}) +
-            openingLines(
-                {first, second, third, fourth},
-                {"[encA:lun1](Available)", "{s1,Available}", "[encB:lun2](Available)",
-                 "{t1,Available}", "[encC:lun3](Available)", "{u1,Available}", "{u2,Available}"}) +
+            openingLines({first, second, third, fourth},
+                         {"[encA:lun1](Available)", "{s1,Available}", "[encB:lun2](Available)",
+                          "{t1,Available}", "[encC:lun3](Available)", "{u1,Available}", "{u2,Available}"}) +
             matchLine(first) + matchLine(second) + matchLine(third) + matchLine(fourth) +
-            reservedLine(fourth) + reservedLine(third) + reservedLine(second) +
-            reservedLine(first) +
+            reservedLine(fourth) + reservedLine(third) + reservedLine(second) + reservedLine(first) +
             closingLines(selection,
-                         {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)",
-                          "{t1,Available}", "[encC:lun3](Used)", "{u1,Available}", "{u2,Used}"},
+                         {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)", "{t1,Available}",
+                          "[encC:lun3](Used)", "{u1,Available}", "{u2,Used}"},
                          {{first, 2}, {second, 2}, {third, 2}, {fourth, 0}}));
 }
 
@@ -145,14 +140,13 @@ TEST_F(RotationOrder, OneReleaseFreesAllTargetsOfTheBackup) {
         configurationLines(
             "encA##lun1;s1",
             {{"encA", "lun1"}, {"encA", "s1"}, {"encB", "lun2"}, {"encB", "t1"}, {"encB", "t2"}}) +
-            openingLines({other, both},
-                         {"[encA:lun1](Available)", "{s1,Available}", "[encB:lun2](Available)",
-                          "{t1,Available}", "{t2,Available}"}) +
+            openingLines({other, both}, {"[encA:lun1](Available)", "{s1,Available}", "[encB:lun2](Available)",
+                                         "{t1,Available}", "{t2,Available}"}) +
             matchLine(other) + matchLine(both) + reservedLine(other) + reservedLine(both) +
-            closingLines("[encA##lun1;encA##s1][encB##lun2;encB##t1]",
-                         {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)",
-                          "{t1,Available}", "{t2,Used}"},
-                         {{both, 2}, {other, 0}}));
+            closingLines(
+                "[encA##lun1;encA##s1][encB##lun2;encB##t1]",
+                {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)", "{t1,Available}", "{t2,Used}"},
+                {{both, 2}, {other, 0}}));
 }
 
 TEST_F(RotationOrder, BackupThatNamesNoDeviceIsRotatedWithoutFreeingAnything) {
@@ -162,8 +156,8 @@ TEST_F(RotationOrder, BackupThatNamesNoDeviceIsRotatedWithoutFreeingAnything) {
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##s1]");
     EXPECT_EQ(observed.flags, (Flags{2, 2}));
     EXPECT_EQ(observed.trace,
-              kOneTarget + openingLines({empty, a}, kOneTargetFree) + matchLine(empty) +
-                  matchLine(a) + reservedLine(a) + reservedLine(empty) +
+              kOneTarget + openingLines({empty, a}, kOneTargetFree) + matchLine(empty) + matchLine(a) +
+                  reservedLine(a) + reservedLine(empty) +
                   closingLines("[encA##lun1;encA##s1]", {"[encA:lun1](Used)", "{s1,Available}"},
                                {{empty, 2}, {a, 2}}));
 }
@@ -173,26 +167,24 @@ TEST_F(RotationOrder, TimeStampsAreOrderedAsText) {
     const SBackup first = holder("1000", "s2");
     const SObserved observed = call("encA##lun1;s1;s2", listed({lesser, first}));
     EXPECT_EQ(observed.flags, (Flags{0, 2}));
-    EXPECT_EQ(observed.trace, kTwoTargets + openingLines({lesser, first}, kTwoTargetsFree) +
-                                  matchLine(lesser) + matchLine(first) + reservedLine(lesser) +
-                                  reservedLine(first) +
-                                  closingLines("[encA##lun1;encA##s2]",
-                                               {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"},
-                                               {{first, 2}, {lesser, 0}}));
+    EXPECT_EQ(observed.trace,
+              kTwoTargets + openingLines({lesser, first}, kTwoTargetsFree) + matchLine(lesser) +
+                  matchLine(first) + reservedLine(lesser) + reservedLine(first) +
+                  closingLines("[encA##lun1;encA##s2]", {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"},
+                               {{first, 2}, {lesser, 0}}));
 }
 
 TEST_F(RotationOrder, BackupWithoutATimeStampIsTheOldest) {
     const SBackup with = holder("1", "s1");
-    const SBackup without = given(
-        "without.xml", SNode{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s2")}}, {}});
+    const SBackup without =
+        given("without.xml", SNode{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s2")}}, {}});
     const SObserved observed = call("encA##lun1;s1;s2", listed({with, without}));
     EXPECT_EQ(observed.flags, (Flags{0, 2}));
-    EXPECT_EQ(observed.trace, kTwoTargets + openingLines({with, without}, kTwoTargetsFree) +
-                                  matchLine(with) + matchLine(without) + reservedLine(with) +
-                                  reservedLine(without) +
-                                  closingLines("[encA##lun1;encA##s2]",
-                                               {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"},
-                                               {{without, 2}, {with, 0}}));
+    EXPECT_EQ(observed.trace,
+              kTwoTargets + openingLines({with, without}, kTwoTargetsFree) + matchLine(with) +
+                  matchLine(without) + reservedLine(with) + reservedLine(without) +
+                  closingLines("[encA##lun1;encA##s2]", {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"},
+                               {{without, 2}, {with, 0}}));
 }
 
 // Which of the two goes first is open, in both passes; what becomes of them is not.
@@ -203,18 +195,17 @@ TEST_F(RotationOrder, EqualTimeStampsEndAlikeWhicheverGoesFirst) {
     EXPECT_EQ(observed.status, 0);
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##s1][encB##lun2;encB##t1]");
     EXPECT_EQ(observed.flags, (Flags{2, 2}));
-    EXPECT_THAT(observed.trace,
-                testing::UnorderedElementsAreArray(
-                    configurationLines(
-                        "encA##lun1;s1",
-                        {{"encA", "lun1"}, {"encA", "s1"}, {"encB", "lun2"}, {"encB", "t1"}}) +
-                    openingLines({a, b}, {"[encA:lun1](Available)", "{s1,Available}",
-                                          "[encB:lun2](Available)", "{t1,Available}"}) +
-                    matchLine(a) + matchLine(b) + reservedLine(a) + reservedLine(b) +
-                    closingLines("[encA##lun1;encA##s1][encB##lun2;encB##t1]",
-                                 {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)",
-                                  "{t1,Available}"},
-                                 {{a, 2}, {b, 2}})));
+    EXPECT_THAT(
+        observed.trace,
+        testing::UnorderedElementsAreArray(
+            configurationLines("encA##lun1;s1",
+                               {{"encA", "lun1"}, {"encA", "s1"}, {"encB", "lun2"}, {"encB", "t1"}}) +
+            openingLines({a, b}, {"[encA:lun1](Available)", "{s1,Available}", "[encB:lun2](Available)",
+                                  "{t1,Available}"}) +
+            matchLine(a) + matchLine(b) + reservedLine(a) + reservedLine(b) +
+            closingLines("[encA##lun1;encA##s1][encB##lun2;encB##t1]",
+                         {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)", "{t1,Available}"},
+                         {{a, 2}, {b, 2}})));
 }
 
 TEST_F(RotationOrder, ManyBackupsAreClaimedAndRotatedInOrder) {
@@ -250,9 +241,8 @@ TEST_F(RotationOrder, ManyBackupsAreClaimedAndRotatedInOrder) {
 
     const SObserved observed = call(configuration, listed(given));
     EXPECT_EQ(observed.flags, states);
-    EXPECT_EQ(observed.trace, configurationLines(configuration, targets) +
-                                  openingLines(given, free) + matches + reserves +
-                                  closingLines("[encA##lun1;encA##s0]", held, outcomes));
+    EXPECT_EQ(observed.trace, configurationLines(configuration, targets) + openingLines(given, free) +
+                                  matches + reserves + closingLines("[encA##lun1;encA##s0]", held, outcomes));
 }
 
 }  // namespace

@@ -35,8 +35,7 @@ std::size_t allocationsBeforeParser = 0;
 }  // namespace
 
 // Formats nothing: a host's own shortage is not the subject.
-extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/,
-                                                                     const char* format, ...) {
+extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
     if (allocationsBeforeParser == 0 && std::strcmp(format, "Entering %s\n") == 0 &&
@@ -81,8 +80,7 @@ struct SProgress {
 class CSharedProgress {
 public:
     CSharedProgress()
-        : memory(mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE,
-                      MAP_SHARED | MAP_ANONYMOUS, -1, 0)),
+        : memory(mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)),
           progress(new (memory) SProgress) {}
     ~CSharedProgress() { munmap(memory, sizeof(SProgress)); }
     CSharedProgress(const CSharedProgress&) = delete;
@@ -236,10 +234,9 @@ void expectSurvivalBehindSetUp(EShortage kind, const SScenario& scenario) {
 
 class Shortage : public testing::Test {
 protected:
-    std::string holder(const std::string& name, const std::string& timeStamp,
-                       const std::string& further) {
-        return folder.write(name, fi_test::toXml(fi_test::backup(
-                                      timeStamp, {{kFirst, "enclosure A##" + further}})));
+    std::string holder(const std::string& name, const std::string& timeStamp, const std::string& further) {
+        return folder.write(
+            name, fi_test::toXml(fi_test::backup(timeStamp, {{kFirst, "enclosure A##" + further}})));
     }
 
     SScenario rotation() {
@@ -247,25 +244,24 @@ protected:
             folder.write("foreign.xml",
                          "<Node><timeStamp>3</timeStamp><Node><objid>L\xC3\xBCneburg &amp; "
                          "elsewhere</objid></Node></Node>");
-        const std::string invalid = folder.write(
-            "invalid.xml", fi_test::toXml(fi_test::backup("4", {{"encZ##gone", "encZ##s"}})));
+        const std::string invalid =
+            folder.write("invalid.xml", fi_test::toXml(fi_test::backup("4", {{"encZ##gone", "encZ##s"}})));
         return {kFirst + ";snapshot 1 with a long name;snapshot 2&encB##lun2;a;b",
-                {holder("a.xml", "1", "snapshot 1 with a long name"),
-                 holder("b.xml", "2", "snapshot 2"), foreign, invalid}};
+                {holder("a.xml", "1", "snapshot 1 with a long name"), holder("b.xml", "2", "snapshot 2"),
+                 foreign, invalid}};
     }
 
     SScenario withoutSelection() { return {kFirst, {holder("a.xml", "1", "snapshot 1")}}; }
 
     SScenario throwing() {
-        const std::string malformed = folder.write(
-            "bad.xml", "<Node><objid>UDID##v##m##" + kFirst +
-                           "</objid><altobjid>an identifier without a prefix</altobjid></Node>");
+        const std::string malformed =
+            folder.write("bad.xml", "<Node><objid>UDID##v##m##" + kFirst +
+                                        "</objid><altobjid>an identifier without a prefix</altobjid></Node>");
         return {kFirst + ";snapshot 1", {holder("a.xml", "1", "snapshot 1"), malformed}};
     }
 
     SScenario withMissingFile() {
-        return {kFirst + ";snapshot 1",
-                {holder("a.xml", "1", "snapshot 1"), folder.path("missing.xml")}};
+        return {kFirst + ";snapshot 1", {holder("a.xml", "1", "snapshot 1"), folder.path("missing.xml")}};
     }
 
     const std::string kFirst = "enclosure A##lun 1 with a long name";

@@ -25,8 +25,7 @@ TEST_F(Threads, MakeCallsOneAtATime) {
             const char* const files[] = {file.c_str()};
             std::int32_t flag = 0;
             char* result = nullptr;
-            const std::int32_t status =
-                fi_test::entryPoint()(files, "encA##lun1;snap1", &flag, 1, &result);
+            const std::int32_t status = fi_test::entryPoint()(files, "encA##lun1;snap1", &flag, 1, &result);
             const bool isRight = status == 0 && flag == 2 && result != nullptr &&
                                  std::string(result) == "[encA##lun1;encA##snap1]";
             wrong += isRight ? 0 : 1;

@@ -59,8 +59,8 @@ private:
 class XmlShortage : public testing::Test {
 protected:
     XmlShortage() {
-        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                              nullptr, &memory);
+        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr,
+                                              &memory);
     }
     ~XmlShortage() override {
         memory.failAt(0);
@@ -113,10 +113,10 @@ protected:
     }
 
     fi_test::TemporaryFolder folder;
-    const std::string first = folder.write(
-        "a.xml",
-        "<?xml version='1.0' encoding='UTF-8'?>\n<Node a='b'><!-- a comment --><objid>"
-        "UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid></Node>");
+    const std::string first =
+        folder.write("a.xml",
+                     "<?xml version='1.0' encoding='UTF-8'?>\n<Node a='b'><!-- a comment --><objid>"
+                     "UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid></Node>");
     std::string second = folder.write("b.xml", "<Node><objid>L\xC3\xBCneburg</objid>");
     CFailingMemory memory;
     std::int32_t status = -1;
@@ -130,15 +130,15 @@ TEST_F(XmlShortage, AtEachBlockThrowsAndTheNextCallWorks) {
 }
 
 TEST_F(XmlShortage, AtEachBlockOfAnEntityThrowsAndTheNextCallWorks) {
-    // Later packages of the XML library have this function. When memory runs out in it, they free the reader of the
-    // document twice, which cannot be helped from here.
+    // Later packages of the XML library have this function. When memory runs out in it, they free the reader
+    // of the document twice, which cannot be helped from here.
     constexpr const char* kFreesItsReaderTwice =
         "_ZN11xercesc_3_29ReaderMgr21pushReaderAdoptEntityEPNS_9XMLReaderEPNS_13XMLEntityDeclEb";
     if (dlsym(RTLD_DEFAULT, kFreesItsReaderTwice) != nullptr) {
         GTEST_SKIP();
     }
-    second = folder.write(
-        "b.xml", "<!DOCTYPE Node [<!ENTITY e 'value'>]><Node><objid>&e; L\xC3\xBCneburg</objid>");
+    second = folder.write("b.xml",
+                          "<!DOCTYPE Node [<!ENTITY e 'value'>]><Node><objid>&e; L\xC3\xBCneburg</objid>");
     failAtEachBlock();
 }
 

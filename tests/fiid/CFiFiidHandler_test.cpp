@@ -45,8 +45,7 @@ class CFiFiidHandlerEvents : public testing::Test {
 protected:
     void open(const XMLCh* name) {
         handler.startElement(u"", u"", name, NoAttributes());
-        if (handler.root != nullptr &&
-            (trees.roots.empty() || trees.roots.back() != handler.root)) {
+        if (handler.root != nullptr && (trees.roots.empty() || trees.roots.back() != handler.root)) {
             trees.roots.push_back(handler.root);
         }
     }
@@ -189,8 +188,8 @@ TEST_F(CFiFiidHandlerEvents, EveryTagBehindTheOutermostNodeTracesOneMoreExit) {
     close(u"other");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringEnd, kExitingEnd, kExitingEnd}));
     element(u"timeStamp", u"t");
-    EXPECT_EQ(recorder.take(), (Trace{kEnteringStart, kExitingStart, kExitingStart, kEnteringEnd,
-                                      kExitingEnd, kExitingEnd}));
+    EXPECT_EQ(recorder.take(),
+              (Trace{kEnteringStart, kExitingStart, kExitingStart, kEnteringEnd, kExitingEnd, kExitingEnd}));
 }
 
 TEST_F(CFiFiidHandlerEvents, ClosingASecondTopLevelNodeTracesTwoMoreExits) {
@@ -266,14 +265,12 @@ TEST(CFiFiidHandler, AnElementTakesTheLastPieceOfTextBeforeItsEndTag) {
     for (const auto& row : rows) {
         const auto parsed = parseDocument(std::string("<Node>") + row.content + "</Node>");
         ASSERT_NE(parsed->root, nullptr) << row.description;
-        EXPECT_EQ(parsed->root->objid + '|' + parsed->root->altobjid, row.fields)
-            << row.description;
+        EXPECT_EQ(parsed->root->objid + '|' + parsed->root->altobjid, row.fields) << row.description;
     }
 }
 
 TEST(CFiFiidHandler, DocumentWithAFaultKeepsTheTreeBuiltBeforeIt) {
-    const auto parsed =
-        parseDocument("<Node><objid>a</objid><Node><objid>b</objid></Node><Node><objid>c");
+    const auto parsed = parseDocument("<Node><objid>a</objid><Node><objid>b</objid></Node><Node><objid>c");
     EXPECT_TRUE(parsed->errorSeen);
     EXPECT_EQ(dump(parsed->root), "(a|||0 (b|||0) (|||0))");
 }

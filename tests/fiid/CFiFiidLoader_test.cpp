@@ -74,8 +74,7 @@ TEST_F(CFiFiidLoaderTest, MissingFileEndsTheImport) {
     const std::string missing = folder.path("missing");
     testing::internal::CaptureStdout();
     EXPECT_EQ(loader.import({a, missing, c}), 6);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "ERROR: failed to load FIID file [" + missing + "]\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "ERROR: failed to load FIID file [" + missing + "]\n");
     EXPECT_EQ(roots(), Files{"A@" + a});
     EXPECT_EQ(loader.files, (Files{a, missing, c}));
 }
@@ -84,11 +83,10 @@ TEST_F(CFiFiidLoaderTest, MissingFileTracesTheFailureBetweenEntryAndExit) {
     testing::internal::CaptureStdout();
     fi_test::TraceRecorder recorder;
     EXPECT_EQ(loader.import({folder.path("missing"), document("a", "A")}), 6);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"},
-                                      {4, "Entering \n"},
-                                      {3, kCannotOpen},
-                                      {4, "Exiting \n"},
-                                      {4, "Exiting \n"}}));
+    EXPECT_EQ(
+        recorder.take(),
+        (Trace{
+            {4, "Entering \n"}, {4, "Entering \n"}, {3, kCannotOpen}, {4, "Exiting \n"}, {4, "Exiting \n"}}));
     testing::internal::GetCapturedStdout();
 }
 
@@ -111,8 +109,7 @@ TEST_F(CFiFiidLoaderTest, LoadReplacesTheContentAndTracesEntryAndExit) {
 }
 
 TEST_F(CFiFiidLoaderTest, LinesOfEveryLengthAreReadWholeAndUnchanged) {
-    for (const std::size_t length :
-         {0U, 1U, 2045U, 2046U, 2047U, 2048U, 4094U, 4095U, 4096U, 10000U}) {
+    for (const std::size_t length : {0U, 1U, 2045U, 2046U, 2047U, 2048U, 4094U, 4095U, 4096U, 10000U}) {
         const std::string bytes = std::string(length, 'x') + "\nlast line without an end";
         EXPECT_EQ(loaded(bytes), bytes) << length;
     }

@@ -14,8 +14,7 @@ namespace {
 using Pairs = std::map<std::string, std::string>;
 
 // A chain of nodes, each the only child of the one before.
-std::unique_ptr<fi_test::STrees> chain(
-    const std::vector<std::pair<std::string, std::string>>& ids) {
+std::unique_ptr<fi_test::STrees> chain(const std::vector<std::pair<std::string, std::string>>& ids) {
     auto trees = std::make_unique<fi_test::STrees>();
     CFiFiidNode* parent = nullptr;
     for (const auto& [objid, altobjid] : ids) {
@@ -40,8 +39,7 @@ Pairs found(const CFiFiidNode& node, const std::string& pattern, Pairs pairs = {
 
 TEST(CFiFiidNodeQuery, GoesOnBelowAMatchingNode) {
     const auto trees = chain({{"UDID##disk1", ""}, {"UDID##disk2", "alt2"}});
-    EXPECT_EQ(found(*trees->roots[0], "UDID##"),
-              (Pairs{{"UDID##disk1", ""}, {"UDID##disk2", "alt2"}}));
+    EXPECT_EQ(found(*trees->roots[0], "UDID##"), (Pairs{{"UDID##disk1", ""}, {"UDID##disk2", "alt2"}}));
 }
 
 TEST(CFiFiidNodeQuery, MatchesThePatternAnywhereAndStoresTheWholeObjid) {
@@ -113,8 +111,7 @@ TEST(CFiFiidNodeQuery, WritesNoTraceLines) {
 }
 
 TEST(CFiFiidNodeQuery, WalksATreeDeeperThanAnyStack) {
-    const auto trees =
-        chain(std::vector<std::pair<std::string, std::string>>(300000, {"UDID##a", "b"}));
+    const auto trees = chain(std::vector<std::pair<std::string, std::string>>(300000, {"UDID##a", "b"}));
     EXPECT_EQ(found(*trees->roots[0], "UDID##"), (Pairs{{"UDID##a", "b"}}));
 }
 

@@ -22,8 +22,7 @@ void expectTrees(const SRow (&rows)[count]) {
     for (const SRow& row : rows) {
         const auto parsed = parseDocument(row.document);
         EXPECT_EQ(dump(parsed->root), row.tree) << row.document;
-        EXPECT_EQ(parsed->root == nullptr ? "" : parsed->root->timeStamp, row.timeStamp)
-            << row.document;
+        EXPECT_EQ(parsed->root == nullptr ? "" : parsed->root->timeStamp, row.timeStamp) << row.document;
     }
 }
 
@@ -63,8 +62,7 @@ TEST(CFiFiidNode, ChildrenKeepDocumentOrderAndKnowTheirParent) {
 }
 
 TEST(CFiFiidNode, DataElementsBelongToTheInnermostOpenNode) {
-    expectTrees({{"<Node><Node><objid>in</objid></Node><objid>out</objid></Node>",
-                  "(out|||0 (in|||0))", ""},
+    expectTrees({{"<Node><Node><objid>in</objid></Node><objid>out</objid></Node>", "(out|||0 (in|||0))", ""},
                  {"<Node><x><objid>o</objid></x></Node>", "(o|||0)", ""}});
 }
 
@@ -77,8 +75,7 @@ TEST(CFiFiidNode, TimeStampOfANestedNodeIsTheRoots) {
 TEST(CFiFiidNode, SecondTimeStampReplacesTheFirst) {
     expectTrees({
         {"<Node><timeStamp>1</timeStamp><timeStamp>2</timeStamp></Node>", "(|||0)", "2"},
-        {"<Node><timeStamp>1</timeStamp><Node><timeStamp>2</timeStamp></Node></Node>",
-         "(|||0 (|||0))", "2"},
+        {"<Node><timeStamp>1</timeStamp><Node><timeStamp>2</timeStamp></Node></Node>", "(|||0 (|||0))", "2"},
     });
 }
 
@@ -114,8 +111,7 @@ TEST(CFiFiidNode, TypeIsReadAsADecimalNumberOf32Bits) {
         {"-99999999999999999999", 0},  // held at -2^63
     };
     for (const auto& row : rows) {
-        const auto parsed =
-            parseDocument(std::string("<Node><type>") + row.text + "</type></Node>");
+        const auto parsed = parseDocument(std::string("<Node><type>") + row.text + "</type></Node>");
         ASSERT_NE(parsed->root, nullptr) << row.text;
         EXPECT_EQ(parsed->root->type, row.type) << row.text;
     }

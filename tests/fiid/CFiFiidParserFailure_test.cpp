@@ -44,8 +44,7 @@ public:
 
 namespace xercesc_3_2 {
 
-SAX2XMLReader* XMLReaderFactory::createXMLReader(MemoryManager* const manager,
-                                                 XMLGrammarPool* const pool) {
+SAX2XMLReader* XMLReaderFactory::createXMLReader(MemoryManager* const manager, XMLGrammarPool* const pool) {
     if (failure) {
         failure();
     }
@@ -108,8 +107,8 @@ TEST_F(CFiFiidParserWithoutReader, ParseDoesNothing) {
     fi_test::TraceRecorder recorder;
     parser.parse("<Node/>");
     EXPECT_EQ(handler.root, nullptr);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::parse\n"},
-                                      {4, "Exiting CFiFiidParser::parse\n"}}));
+    EXPECT_EQ(recorder.take(),
+              (Trace{{4, "Entering CFiFiidParser::parse\n"}, {4, "Exiting CFiFiidParser::parse\n"}}));
 }
 
 TEST_F(CFiFiidParserWithoutReader, DestructorStillTerminatesTheXmlLibrary) {
@@ -138,8 +137,8 @@ TEST_F(CFiFiidParserWithoutReader, OtherExceptionsLeaveTheConstructorWithTheXmlL
     failure = [] { throw std::bad_alloc(); };
     fi_test::TraceRecorder recorder;
     EXPECT_THROW(CFiFiidParser(nullptr), std::bad_alloc);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::CFiFiidParser\n"},
-                                      {4, "Entering CFiFiidParser::init\n"}}));
+    EXPECT_EQ(recorder.take(),
+              (Trace{{4, "Entering CFiFiidParser::CFiFiidParser\n"}, {4, "Entering CFiFiidParser::init\n"}}));
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
     expectThatParsersWork();
 }
@@ -147,8 +146,7 @@ TEST_F(CFiFiidParserWithoutReader, OtherExceptionsLeaveTheConstructorWithTheXmlL
 // A reader that throws from its parse.
 class CThrowingHandler : public xercesc::DefaultHandler {
 public:
-    void startElement(const XMLCh*, const XMLCh*, const XMLCh*,
-                      const xercesc::Attributes&) override {
+    void startElement(const XMLCh*, const XMLCh*, const XMLCh*, const xercesc::Attributes&) override {
         throw std::bad_alloc();
     }
 };

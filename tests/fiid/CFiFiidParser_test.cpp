@@ -22,8 +22,7 @@ Trace entryAndExit(const std::string& name) {
 // Notes the events that it receives: "<a" for a start, ">" for an end, "!" for a report.
 class CEventNotes : public xercesc::DefaultHandler {
 public:
-    void startElement(const XMLCh*, const XMLCh*, const XMLCh* qname,
-                      const xercesc::Attributes&) override {
+    void startElement(const XMLCh*, const XMLCh*, const XMLCh* qname, const xercesc::Attributes&) override {
         char* name = xercesc::XMLString::transcode(qname);
         notes += '<' + std::string(name);
         xercesc::XMLString::release(&name);

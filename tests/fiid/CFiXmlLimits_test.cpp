@@ -28,8 +28,7 @@ protected:
     static bool isRefused(const std::string& document) {
         CFiXmlLimits limits;
         CReportCounter counter;
-        const std::unique_ptr<xercesc::SAX2XMLReader> reader(
-            xercesc::XMLReaderFactory::createXMLReader());
+        const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
         reader->setFeature(xercesc::XMLUni::fgSAX2CoreValidation, false);
         reader->setFeature(xercesc::XMLUni::fgSAX2CoreNameSpaces, false);
         limits.applyTo(*reader);
@@ -85,8 +84,7 @@ TEST_F(CFiXmlLimitsTest, CountTheAttributesThatADtdDeclares) {
 TEST_F(CFiXmlLimitsTest, CountTheAttributesOfEachDocumentAnew) {
     CFiXmlLimits limits;
     CReportCounter counter;
-    const std::unique_ptr<xercesc::SAX2XMLReader> reader(
-        xercesc::XMLReaderFactory::createXMLReader());
+    const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
     limits.applyTo(*reader);
     reader->setFeature(xercesc::XMLUni::fgSAX2CoreValidation, false);
     reader->setErrorHandler(&counter);
@@ -136,8 +134,8 @@ TEST_F(CFiXmlLimitsTest, RefuseLongTextsOfADeclaration) {
     EXPECT_TRUE(isDeclarationRefused("<!ENTITY e '" + std::string(257, 'x') + "'>"));
     EXPECT_FALSE(isDeclarationRefused("<!ATTLIST a b CDATA '" + std::string(256, 'x') + "'>"));
     EXPECT_TRUE(isDeclarationRefused("<!ATTLIST a b CDATA '" + std::string(257, 'x') + "'>"));
-    EXPECT_TRUE(isDeclarationRefused("<!ENTITY e '" + std::string(200, 'x') +
-                                     "'><!ATTLIST a b CDATA '&e;&e;'>"));
+    EXPECT_TRUE(
+        isDeclarationRefused("<!ENTITY e '" + std::string(200, 'x') + "'><!ATTLIST a b CDATA '&e;&e;'>"));
 }
 
 }  // namespace

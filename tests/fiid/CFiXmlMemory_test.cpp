@@ -28,8 +28,7 @@ struct SBlock {
 // Small and large ones, and more than one piece of memory is cut into.
 std::vector<SBlock> blocksOfManySizes(CFiXmlMemory& memory, unsigned char filling) {
     std::vector<SBlock> blocks;
-    for (const std::size_t size :
-         {0U, 1U, 15U, 16U, 17U, 100U, 511U, 512U, 513U, 4000U, 70000U, 200000U}) {
+    for (const std::size_t size : {0U, 1U, 15U, 16U, 17U, 100U, 511U, 512U, 513U, 4000U, 70000U, 200000U}) {
         for (int i = 0; i < 100; ++i) {
             blocks.emplace_back(memory, size, ++filling);
         }

@@ -9,8 +9,8 @@ std::string dump(const CFiFiidNode* node) {
     if (node == nullptr) {
         return "none";
     }
-    std::string text = '(' + node->objid + '|' + node->altobjid + '|' + node->splitType + '|' +
-                       std::to_string(node->type);
+    std::string text =
+        '(' + node->objid + '|' + node->altobjid + '|' + node->splitType + '|' + std::to_string(node->type);
     for (const CFiFiidNode* child : node->children) {
         text += ' ' + dump(child);
     }

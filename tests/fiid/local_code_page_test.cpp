@@ -28,9 +28,8 @@ std::string converted(const std::u16string& text) {
 }
 
 std::vector<std::u16string> texts() {
-    std::vector<std::u16string> result{u"",        u"\u00e4",       u"a\u00e4",
-                                       u"\u00e4a", u"\u65e5\u672c", u"\u0080",
-                                       u"\u00ff",  u"\u0100",       u"\xD83D\xDCBE"};
+    std::vector<std::u16string> result{u"",       u"\u00e4", u"a\u00e4", u"\u00e4a",     u"\u65e5\u672c",
+                                       u"\u0080", u"\u00ff", u"\u0100",  u"\xD83D\xDCBE"};
     std::u16string all;
     for (char16_t unit = 1; unit < 0x80; ++unit) {
         result.emplace_back(1, unit);
@@ -55,8 +54,7 @@ void expectAgreement() {
 // Sets the locale that the XML library finds, and puts everything back.
 class CLocale {
 public:
-    explicit CLocale(const std::string& name)
-        : set(std::setlocale(LC_ALL, name.c_str()) != nullptr) {
+    explicit CLocale(const std::string& name) : set(std::setlocale(LC_ALL, name.c_str()) != nullptr) {
         setenv("LC_ALL", name.c_str(), 1);
     }
     ~CLocale() {
@@ -83,8 +81,7 @@ TEST(LocalCodePage, AgreesWithTheTranscoderInAUtf8Locale) {
 
 TEST(LocalCodePage, AgreesWithTheTranscoderInALatin1Locale) {
     const fi_test::TemporaryFolder folder;
-    const std::string command =
-        "localedef -i de_DE -f ISO-8859-1 " + folder.path("de_DE.ISO-8859-1");
+    const std::string command = "localedef -i de_DE -f ISO-8859-1 " + folder.path("de_DE.ISO-8859-1");
     ASSERT_EQ(std::system(command.c_str()), 0);
     setenv("LOCPATH", folder.path("").c_str(), 1);
     {

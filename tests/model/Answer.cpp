@@ -7,8 +7,7 @@ namespace fi_model {
 
 namespace {
 
-std::string pairOf(const std::string& subject, const std::string& expected,
-                   const std::string& actual) {
+std::string pairOf(const std::string& subject, const std::string& expected, const std::string& actual) {
     return subject + "\n  model:   " + expected + "\n  library: " + actual + "\n";
 }
 
@@ -45,8 +44,7 @@ std::string traceDifference(const Answer& expected, const Answer& actual) {
         const std::string theirs = describe(actual.trace, index);
         if (ours != theirs) {
             const std::string before = index == 0 ? "" : describe(expected.trace, index - 1);
-            return pairOf("trace line " + std::to_string(index) + ", after " + before, ours,
-                          theirs);
+            return pairOf("trace line " + std::to_string(index) + ", after " + before, ours, theirs);
         }
     }
     return "";

@@ -11,8 +11,7 @@ namespace fi_model {
 namespace {
 
 // Places in load order, by time stamp.
-std::map<std::string, std::vector<std::size_t>> groupsOf(
-    const std::vector<std::string>& timeStamps) {
+std::map<std::string, std::vector<std::size_t>> groupsOf(const std::vector<std::string>& timeStamps) {
     std::map<std::string, std::vector<std::size_t>> groups;
     for (std::size_t index = 0; index < timeStamps.size(); ++index) {
         groups[timeStamps[index]].push_back(index);

@@ -10,9 +10,8 @@ PlannedTarget makeFirst(const Plan& plan, Random& random) {
     }
     static const std::vector<std::string> kEnclosures = {"encA", "encA",  "encB",
                                                          "encC", "enc D", "enc\xC3\xA9"};
-    static const std::vector<std::string> kDevices = {"dev1",  "dev2",        "dev3", "dev4",
-                                                      "dev5",  "dev1##x",     "d<1>", "d'\"1",
-                                                      "dev%s", "d\xC3\xA9v1", "Dev1"};
+    static const std::vector<std::string> kDevices = {
+        "dev1", "dev2", "dev3", "dev4", "dev5", "dev1##x", "d<1>", "d'\"1", "dev%s", "d\xC3\xA9v1", "Dev1"};
     return {random.pick(kEnclosures), random.pick(kDevices)};
 }
 
@@ -35,11 +34,9 @@ PlannedTarget makeFurther(const Plan& plan, const PlannedConfiguration& own, Ran
     if (random.percent(4)) {
         return own.first;
     }
-    static const std::vector<std::string> kDevices = {
-        "snap1", "snap2", "snap3", "snap4", "snap5", "snap6", "s##1", "s<1", "s>\xE2\x82\xAC"};
-    const std::string enclosure = random.percent(60)   ? own.first.enclosure
-                                  : random.percent(12) ? ""
-                                                       : "encS";
+    static const std::vector<std::string> kDevices = {"snap1", "snap2", "snap3", "snap4",         "snap5",
+                                                      "snap6", "s##1",  "s<1",   "s>\xE2\x82\xAC"};
+    const std::string enclosure = random.percent(60) ? own.first.enclosure : random.percent(12) ? "" : "encS";
     return {enclosure, random.pick(kDevices)};
 }
 
@@ -75,8 +72,7 @@ std::string writeTarget(const PlannedTarget& target, const std::string& carried,
     const bool canInherit =
         !isFirst && target.enclosure == carried && target.device.find("##") == std::string::npos;
     const std::string device = escaped(target.device, random);
-    return canInherit && random.percent(70) ? device
-                                            : escaped(target.enclosure, random) + "##" + device;
+    return canInherit && random.percent(70) ? device : escaped(target.enclosure, random) + "##" + device;
 }
 
 std::string writeConfiguration(const PlannedConfiguration& configuration, Random& random) {
@@ -93,10 +89,8 @@ std::string writeConfiguration(const PlannedConfiguration& configuration, Random
 
 std::string flawedConfiguration(const Plan& plan, Random& random) {
     static const std::vector<std::string> kFlaws = {
-        ";",           ";;",           ";;;;",          "encQ##",
-        "encQ##;dev1", "dev1",         "dev1;encQ##d2", "##dev1",
-        "##",          "##;encQ##d1",  "&apos;x##y",    "encQ&amp;lt;##dev1",
-        "&#34;",       "encQ##dev1;##"};
+        ";",      ";;", ";;;;",        "encQ##",     "encQ##;dev1",        "dev1",  "dev1;encQ##d2",
+        "##dev1", "##", "##;encQ##d1", "&apos;x##y", "encQ&amp;lt;##dev1", "&#34;", "encQ##dev1;##"};
     if (!plan.empty() && random.percent(35)) {
         static const std::vector<std::string> kEnds = {";encQ##", ";##", ";snap1;encQ##;snap2"};
         return writeConfiguration(random.pick(plan), random) + random.pick(kEnds);

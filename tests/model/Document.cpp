@@ -5,8 +5,7 @@ namespace fi_model {
 namespace {
 
 std::string doctype(const std::string& attributes) {
-    return "<!DOCTYPE fiid [<!ENTITY host \"" + std::string(kHostEntityText) + "\">" + attributes +
-           "]>";
+    return "<!DOCTYPE fiid [<!ENTITY host \"" + std::string(kHostEntityText) + "\">" + attributes + "]>";
 }
 
 std::string xmlText(const Token& token) {

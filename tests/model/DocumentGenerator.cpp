@@ -39,8 +39,8 @@ private:
     }
 
     std::string attributes() {
-        static const std::vector<std::string> kAttributes = {
-            R"( objid="UDID##a##b##c##d")", R"( x='1' y="2")", R"( name="a&lt;b")", "  "};
+        static const std::vector<std::string> kAttributes = {R"( objid="UDID##a##b##c##d")",
+                                                             R"( x='1' y="2")", R"( name="a&lt;b")", "  "};
         return random_.percent(5) ? random_.pick(kAttributes) : "";
     }
 
@@ -111,8 +111,8 @@ private:
     }
 
     void noise() {
-        static const std::vector<std::string> kNames = {
-            "info", "node", "x:Node", "Objid", "TimeStamp", "Nodes", "N\xC3\xB6n", "ALTOBJID"};
+        static const std::vector<std::string> kNames = {"info",      "node",  "x:Node",     "Objid",
+                                                        "TimeStamp", "Nodes", "N\xC3\xB6n", "ALTOBJID"};
         if (random_.percent(8)) {
             const std::string name = random_.pick(kNames);
             add(Kind::kOpen, name, attributes());
@@ -189,10 +189,8 @@ private:
     }
 
     PlannedPair plainPair() {
-        static const std::vector<PlannedPair> kPairs = {{"VOL##1", "alt"},
-                                                        {"", ""},
-                                                        {"udid##v##m##encA##dev1", "x"},
-                                                        {"UEID##v##m##encA", "y"}};
+        static const std::vector<PlannedPair> kPairs = {
+            {"VOL##1", "alt"}, {"", ""}, {"udid##v##m##encA##dev1", "x"}, {"UEID##v##m##encA", "y"}};
         return random_.pick(kPairs);
     }
 
@@ -220,8 +218,7 @@ private:
                                                         "99999999999999999999",
                                                         "-99999999999999999999",
                                                         "\n\t 42 "};
-        static const std::vector<std::string> kSplitTypes = {"full", "mirror", "s%n", "",
-                                                             "\xC3\xA4 x"};
+        static const std::vector<std::string> kSplitTypes = {"full", "mirror", "s%n", "", "\xC3\xA4 x"};
         std::vector<std::string> names = {"objid", "altobjid", "type", "splitType"};
         if (random_.percent(30)) {
             random_.shuffle(names);
@@ -376,8 +373,7 @@ void spoil(Document& document, Random& random) {
 
 }  // namespace
 
-Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp,
-                      Random& random) {
+Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp, Random& random) {
     Document document = Writer(random, timeStamp).write(pairs);
     if (random.percent(4)) {
         spoil(document, random);

@@ -17,8 +17,7 @@ struct PlannedPair {
 
 // The document of an earlier backup that used these devices. Most documents say so in an ordinary
 // way; the others try what a document may or may not hold.
-Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp,
-                      Random& random);
+Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp, Random& random);
 
 }  // namespace fi_model
 

@@ -21,8 +21,9 @@ std::vector<fi_model::TraceLine>* activeTrace = nullptr;
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"), format(printf, 2, 3))) void mofi_tracelog(
-    int level, const char* format, ...) {
+extern "C" __attribute__((visibility("default"), format(printf, 2, 3))) void mofi_tracelog(int level,
+                                                                                           const char* format,
+                                                                                           ...) {
     if (activeTrace == nullptr) {
         return;
     }
@@ -134,10 +135,10 @@ void callLibrary(const Call& call, Answer& answer) {
     char untouched = '\0';
     char* selection = &untouched;
     try {
-        answer.status = fi_process_backups(
-            names.data(), call.configuration ? call.configuration->c_str() : nullptr,
-            call.hasFlags ? answer.flags.data() : nullptr, call.listSize,
-            call.hasResult ? &selection : nullptr);
+        answer.status =
+            fi_process_backups(names.data(), call.configuration ? call.configuration->c_str() : nullptr,
+                               call.hasFlags ? answer.flags.data() : nullptr, call.listSize,
+                               call.hasResult ? &selection : nullptr);
     } catch (const CFiUdidException& exception) {
         answer.malformed = Malformed{exception.identifier, exception.code};
     } catch (...) {

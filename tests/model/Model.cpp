@@ -28,8 +28,8 @@ std::string driver() {
 // One call with earlier backups, pass by pass.
 class Rotation {
 public:
-    Rotation(const Call& call, const TieOrder& ties, Configurations configurations,
-             Prediction& prediction, Journal& journal)
+    Rotation(const Call& call, const TieOrder& ties, Configurations configurations, Prediction& prediction,
+             Journal& journal)
         : call_(call),
           ties_(ties),
           configurations_(std::move(configurations)),
@@ -138,8 +138,7 @@ private:
         int released = 0;
         for (Backup& backup : backups_) {
             if (selectionOf(configurations_)) {
-                journal_.note(released == 0 ? Outcome::kRotationNotNeeded
-                                            : Outcome::kRotationStopped);
+                journal_.note(released == 0 ? Outcome::kRotationNotNeeded : Outcome::kRotationStopped);
                 return;
             }
             if (backup.state != kKept) {
@@ -161,8 +160,7 @@ private:
     std::int32_t handOver() {
         const std::optional<std::string> selection = selectionOf(configurations_);
         if (!selection) {
-            journal_.failure(driver() +
-                             "Resources not availabe, some/all are part of Skip rotation fiids");
+            journal_.failure(driver() + "Resources not availabe, some/all are part of Skip rotation fiids");
             journal_.note(Outcome::kFinalNoResource);
             return kFailure;
         }
@@ -181,9 +179,8 @@ private:
 
     void writeBack() {
         for (std::size_t index = 0; index < names_.size(); ++index) {
-            const auto backup =
-                std::find_if(backups_.begin(), backups_.end(),
-                             [&](const Backup& one) { return one.name == names_[index]; });
+            const auto backup = std::find_if(backups_.begin(), backups_.end(),
+                                             [&](const Backup& one) { return one.name == names_[index]; });
             if (backup == backups_.end()) {
                 journal_.note(Outcome::kFlagNotRewritten);
                 continue;
@@ -243,8 +240,7 @@ std::int32_t firstBackup(const Configurations& configurations, Answer& answer, J
     return kSuccess;
 }
 
-std::int32_t statusOf(const Call& call, const TieOrder& ties, Prediction& prediction,
-                      Journal& journal) {
+std::int32_t statusOf(const Call& call, const TieOrder& ties, Prediction& prediction, Journal& journal) {
     if (!argumentsAreGood(call, journal)) {
         journal.failure(driver() + "Invalid/empty parameter");
         return kFailure;
@@ -258,9 +254,8 @@ std::int32_t statusOf(const Call& call, const TieOrder& ties, Prediction& predic
 
 void noteCall(const Call& call, Journal& journal) {
     journal.noteIf(call.listSize < 0, Outcome::kNegativeSize);
-    journal.noteIf(
-        call.listSize >= 0 && static_cast<std::size_t>(call.listSize) < call.entries.size(),
-        Outcome::kArraysLongerThanList);
+    journal.noteIf(call.listSize >= 0 && static_cast<std::size_t>(call.listSize) < call.entries.size(),
+                   Outcome::kArraysLongerThanList);
 }
 
 }  // namespace

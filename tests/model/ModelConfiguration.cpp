@@ -176,8 +176,7 @@ Configurations parseConfigurations(const std::string& text, Journal& journal) {
         journal.note(Outcome::kConfigurationNone);
         return configurations;
     }
-    journal.progress(parser() + "Resource specification [" +
-                     upToEndOfFirstField(decoded, separators) + "]");
+    journal.progress(parser() + "Resource specification [" + upToEndOfFirstField(decoded, separators) + "]");
     bool accepted = true;
     for (std::size_t index = 0; index < fields.size() && accepted; ++index) {
         accepted = parseConfiguration(fields[index], configurations, journal);

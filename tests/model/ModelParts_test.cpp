@@ -51,21 +51,19 @@ TEST(ModelConfiguration, TwoConfigurationsWithCarriedAndEmptyEnclosures) {
     ASSERT_EQ(parsed[1].targets.size(), 1U);
     EXPECT_EQ(parsed[1].targets[0].enclosure, "");
     EXPECT_EQ(parsed[1].targets[0].device, "dev5");
-    EXPECT_THAT(textsOf(journal.trace),
-                ElementsAre("CFiResourceParser::parse : Resource specification "
-                            "[encA##dev1;dev2;encB##dev3]",
-                            "CFiResourceParser::parse : [encA][dev1]",
-                            "CFiResourceParser::parse : [encA][dev2]",
-                            "CFiResourceParser::parse : [encB][dev3]",
-                            "CFiResourceParser::parse : [encC][dev4]",
-                            "CFiResourceParser::parse : [][dev5]"));
+    EXPECT_THAT(
+        textsOf(journal.trace),
+        ElementsAre("CFiResourceParser::parse : Resource specification "
+                    "[encA##dev1;dev2;encB##dev3]",
+                    "CFiResourceParser::parse : [encA][dev1]", "CFiResourceParser::parse : [encA][dev2]",
+                    "CFiResourceParser::parse : [encB][dev3]", "CFiResourceParser::parse : [encC][dev4]",
+                    "CFiResourceParser::parse : [][dev5]"));
 }
 
 TEST(ModelConfiguration, TracesLeadingSeparatorsButNotTrailingOnes) {
     Journal journal;
     EXPECT_EQ(parseConfigurations("&&encA##dev1&&", journal).size(), 1U);
-    EXPECT_EQ(journal.trace.front().text,
-              "CFiResourceParser::parse : Resource specification [&&encA##dev1]");
+    EXPECT_EQ(journal.trace.front().text, "CFiResourceParser::parse : Resource specification [&&encA##dev1]");
 }
 
 struct RejectedConfiguration {
@@ -171,15 +169,13 @@ std::vector<std::string> piecesOf(const Tokens& content) {
 }
 
 TEST(ModelReader, PiecesOfText) {
-    EXPECT_THAT(piecesOf({text("a"), {Kind::kReference, "amp", ""}, text("b")}),
-                ElementsAre("a", "&b"));
+    EXPECT_THAT(piecesOf({text("a"), {Kind::kReference, "amp", ""}, text("b")}), ElementsAre("a", "&b"));
     EXPECT_THAT(piecesOf({text("a"), {Kind::kComment, "c", ""}, text("b")}), ElementsAre("a", "b"));
     EXPECT_THAT(piecesOf({text("a"), {Kind::kCdata, "", ""}}), ElementsAre("a", ""));
     EXPECT_THAT(piecesOf({{Kind::kReference, "#65", ""}, {Kind::kReference, "#xE9", ""}}),
                 ElementsAre("A", "\xC3\xA9"));
     EXPECT_THAT(piecesOf({text("a\r\nb\rc")}), ElementsAre("a\nb\nc"));
-    EXPECT_THAT(piecesOf({text("a"), {Kind::kNulLine, "lost", ""}, text("b")}),
-                ElementsAre("a\nb"));
+    EXPECT_THAT(piecesOf({text("a"), {Kind::kNulLine, "lost", ""}, text("b")}), ElementsAre("a\nb"));
 }
 
 TEST(ModelReader, AnIllFormedDocumentEndsWithOneError) {
@@ -207,8 +203,7 @@ Backup loaded(const Tokens& tokens) {
 }
 
 TEST(ModelTree, AnEmptyElementTakesTheTextBeforeIt) {
-    const Backup backup =
-        loaded(element("Node", joined({data("type", "7"), {{Kind::kEmpty, "objid", ""}}})));
+    const Backup backup = loaded(element("Node", joined({data("type", "7"), {{Kind::kEmpty, "objid", ""}}})));
     EXPECT_EQ(backup.root.objid, "7");
     EXPECT_EQ(backup.root.type, 7);
 }
@@ -258,19 +253,18 @@ TEST(ModelTree, AfterTheOutermostNodeEveryTagExitsTwice) {
     const std::string endOut = "Exiting CFiFiidHandler::endElement\n";
     EXPECT_THAT(
         textsOf(journal.trace),
-        ElementsAre(
-            "Entering \n", "Entering \n", "Exiting \n", "Entering CFiFiidParser::CFiFiidParser\n",
-            "Entering CFiFiidParser::init\n", "Exiting CFiFiidParser::init\n",
-            "Exiting CFiFiidParser::CFiFiidParser\n", "Entering CFiFiidHandler::CFiFiidHandler\n",
-            "Exiting CFiFiidHandler::CFiFiidHandler\n", "Entering CFiFiidParser::setHandler\n",
-            "Exiting CFiFiidParser::setHandler\n", "Entering CFiFiidParser::parse\n",
-            // <fiid><Node/>
-            startIn, startOut, startIn, startOut, endIn, endOut, endOut,
-            // <a/></fiid>
-            startIn, startOut, startOut, endIn, endOut, endOut, endIn, endOut, endOut,
-            "Exiting CFiFiidParser::parse\n", "Entering CFiFiidHandler::~CFiFiidHandler\n",
-            "Exiting CFiFiidHandler::~CFiFiidHandler\n", "Entering CFiFiidParser::~CFiFiidParser\n",
-            "Exiting CFiFiidParser::~CFiFiidParser\n", "Exiting \n"));
+        ElementsAre("Entering \n", "Entering \n", "Exiting \n", "Entering CFiFiidParser::CFiFiidParser\n",
+                    "Entering CFiFiidParser::init\n", "Exiting CFiFiidParser::init\n",
+                    "Exiting CFiFiidParser::CFiFiidParser\n", "Entering CFiFiidHandler::CFiFiidHandler\n",
+                    "Exiting CFiFiidHandler::CFiFiidHandler\n", "Entering CFiFiidParser::setHandler\n",
+                    "Exiting CFiFiidParser::setHandler\n", "Entering CFiFiidParser::parse\n",
+                    // <fiid><Node/>
+                    startIn, startOut, startIn, startOut, endIn, endOut, endOut,
+                    // <a/></fiid>
+                    startIn, startOut, startOut, endIn, endOut, endOut, endIn, endOut, endOut,
+                    "Exiting CFiFiidParser::parse\n", "Entering CFiFiidHandler::~CFiFiidHandler\n",
+                    "Exiting CFiFiidHandler::~CFiFiidHandler\n", "Entering CFiFiidParser::~CFiFiidParser\n",
+                    "Exiting CFiFiidParser::~CFiFiidParser\n", "Exiting \n"));
 }
 
 }  // namespace

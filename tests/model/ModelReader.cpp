@@ -43,8 +43,7 @@ std::string referencedText(const std::string& name) {
         return predefined->second;
     }
     const bool isHexadecimal = name.rfind("#x", 0) == 0;
-    return isHexadecimal ? numberedCharacter(name.substr(2), 16)
-                         : numberedCharacter(name.substr(1), 10);
+    return isHexadecimal ? numberedCharacter(name.substr(2), 16) : numberedCharacter(name.substr(1), 10);
 }
 
 class Reader {

@@ -43,8 +43,7 @@ Match findMatch(Configurations& configurations, const Identifier& key, const Ide
 
 void noteMatch(const Match& match, Journal& journal) {
     journal.noteIf(match.target != nullptr, Outcome::kPairMatched);
-    journal.noteIf(match.target != nullptr && match.passedOver,
-                   Outcome::kPairMatchedInLaterConfiguration);
+    journal.noteIf(match.target != nullptr && match.passedOver, Outcome::kPairMatchedInLaterConfiguration);
     journal.noteIf(!match.keyIsKnown, Outcome::kPairKeyUnknown);
     journal.noteIf(match.keyIsKnown && match.target == nullptr, Outcome::kPairValueUnknown);
 }
@@ -130,8 +129,8 @@ std::optional<std::string> selectionOf(const Configurations& configurations) {
         if (target == nullptr) {
             return std::nullopt;
         }
-        selection += "[" + configuration.enclosure + "##" + configuration.device + ";" +
-                     target->enclosure + "##" + target->device + "]";
+        selection += "[" + configuration.enclosure + "##" + configuration.device + ";" + target->enclosure +
+                     "##" + target->device + "]";
     }
     return selection;
 }

@@ -108,9 +108,7 @@ Call tiedBackups() {
 }
 
 TEST(Comparison, AcceptsEveryOrderOfTiedBackups) {
-    const Subject reversed = [](const Call& call) {
-        return predict(call, {{2, 1, 0}, {1, 2, 0}}).answer;
-    };
+    const Subject reversed = [](const Call& call) { return predict(call, {{2, 1, 0}, {1, 2, 0}}).answer; };
     EXPECT_THAT(compare(tiedBackups(), reversed).difference, IsEmpty());
 }
 
@@ -146,8 +144,7 @@ TEST(TieRanks, AreAllOrdersOfEachGroup) {
 TEST(Shrink, LeavesOneBackupAndOneConfigurationOfARotation) {
     const Subject subject = altered(reportRotatedAsKept);
     const Call call = firstDiffering(subject);
-    const Call smallest =
-        shrink(call, [&](const Call& candidate) { return differs(candidate, subject); });
+    const Call smallest = shrink(call, [&](const Call& candidate) { return differs(candidate, subject); });
 
     EXPECT_THAT(smallest.entries, ElementsAre(Field(&Entry::flag, 0)));
     EXPECT_EQ(smallest.listSize, 1);

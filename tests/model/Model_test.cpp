@@ -23,9 +23,9 @@ using ::testing::Not;
 
 // The document of a backup that holds one target of encA##dev1.
 Document holding(const std::string& target, const std::string& timeStamp) {
-    return {element("Node", joined({data("objid", "UDID##v##m##encA##dev1"),
-                                    data("altobjid", "UDID##v##m##encA##" + target),
-                                    data("timeStamp", timeStamp)})),
+    return {element("Node",
+                    joined({data("objid", "UDID##v##m##encA##dev1"),
+                            data("altobjid", "UDID##v##m##encA##" + target), data("timeStamp", timeStamp)})),
             false};
 }
 
@@ -64,16 +64,15 @@ TEST(Model, AnExcludedBackupKeepsTheOnlyTarget) {
 
 TEST(Model, TheNewerOfTwoBackupsWithOneTargetHoldsIt) {
     const Answer answer =
-        predict(callWith("encA##dev1;snap1", {holding("snap1", "2"), holding("snap1", "1")}))
-            .answer;
+        predict(callWith("encA##dev1;snap1", {holding("snap1", "2"), holding("snap1", "1")})).answer;
     EXPECT_EQ(answer.status, 0);
     EXPECT_THAT(answer.flags, ElementsAre(2, 1));
 }
 
 TEST(Model, OnlyTheOldestIsReleasedWhenOneTargetIsEnough) {
-    const Answer answer = predict(callWith("encA##dev1;snap1;snap2",
-                                           {holding("snap1", "999"), holding("snap2", "1000")}))
-                              .answer;
+    const Answer answer =
+        predict(callWith("encA##dev1;snap1;snap2", {holding("snap1", "999"), holding("snap2", "1000")}))
+            .answer;
     EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap2]");
     EXPECT_THAT(answer.flags, ElementsAre(0, 2));
 }
@@ -96,8 +95,8 @@ TEST(Model, ABackupThatClaimsInPartBlocksWhatItClaimed) {
 
 TEST(Model, TheFirstUnmatchedPairEndsTheCheckBeforeAMalformedOne) {
     Call call = callWith("encA##dev1;snap1", {{}});
-    const Tokens unmatched = element("Node", joined({data("objid", "UDID##a##m##encA##none"),
-                                                     data("altobjid", "UDID##a##m##encA##x")}));
+    const Tokens unmatched = element(
+        "Node", joined({data("objid", "UDID##a##m##encA##none"), data("altobjid", "UDID##a##m##encA##x")}));
     const Tokens malformed = element("Node", data("objid", "UDID##b"));
     call.files["b0.xml"] = {element("Node", joined({malformed, unmatched})), false};
     const Answer answer = predict(call).answer;
@@ -106,8 +105,8 @@ TEST(Model, TheFirstUnmatchedPairEndsTheCheckBeforeAMalformedOne) {
 }
 
 TEST(Model, AMalformedIdentifierEndsTheCall) {
-    const Tokens tokens = element(
-        "Node", joined({data("objid", "UDID##v##m##encA##dev1"), data("altobjid", "UDID##v")}));
+    const Tokens tokens =
+        element("Node", joined({data("objid", "UDID##v##m##encA##dev1"), data("altobjid", "UDID##v")}));
     Call call = callWith("encA##dev1;snap1", {{tokens, false}});
     call.entries[0].flag = 2;
     const Answer answer = predict(call).answer;
@@ -121,8 +120,8 @@ TEST(Model, AMalformedIdentifierEndsTheCall) {
 }
 
 TEST(Model, AMissingFileEndsTheLoadingOnly) {
-    Call call = callWith("encA##dev1;snap1",
-                         {holding("snap1", "1"), holding("snap1", "2"), holding("snap1", "3")});
+    Call call =
+        callWith("encA##dev1;snap1", {holding("snap1", "1"), holding("snap1", "2"), holding("snap1", "3")});
     call.files.erase("b1.xml");
     call.entries[1].flag = 3;
     call.entries[2].flag = 8;
@@ -151,8 +150,7 @@ TEST(Model, TheFirstBackupTakesTheFirstTargets) {
               "fi_process_backups : fiidListSize empty, no previous backups to process");
     call.configuration = "encA##dev1";
     EXPECT_EQ(predict(call).answer.status, 3);
-    EXPECT_EQ(predict(call).answer.trace.back().text,
-              "fi_process_backups : no resource is available");
+    EXPECT_EQ(predict(call).answer.trace.back().text, "fi_process_backups : no resource is available");
     call.configuration = "";
     EXPECT_EQ(predict(call).answer.selection, "");
 }
@@ -163,16 +161,16 @@ TEST(Model, ANegativeSizeIsAListWithoutEntries) {
     const Answer answer = predict(call).answer;
     EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1]");
     EXPECT_THAT(answer.flags, ElementsAre(0));
-    EXPECT_THAT(textsOf(answer.trace),
-                ElementsAre("CFiResourceParser::parse : Resource specification [encA##dev1;snap1]",
-                            "CFiResourceParser::parse : [encA][dev1]",
-                            "CFiResourceParser::parse : [encA][snap1]", "Entering \n", "Exiting \n",
-                            "CFiResourceManager::print : printing resource set",
-                            "[encA:dev1](Available)", "{snap1,Available}",
-                            "fi_process_backups : resource_config_string "
-                            "[[encA##dev1;encA##snap1]] ",
-                            "CFiResourceManager::print : printing resource set",
-                            "[encA:dev1](Available)", "{snap1,Available}"));
+    EXPECT_THAT(
+        textsOf(answer.trace),
+        ElementsAre("CFiResourceParser::parse : Resource specification [encA##dev1;snap1]",
+                    "CFiResourceParser::parse : [encA][dev1]", "CFiResourceParser::parse : [encA][snap1]",
+                    "Entering \n", "Exiting \n", "CFiResourceManager::print : printing resource set",
+                    "[encA:dev1](Available)", "{snap1,Available}",
+                    "fi_process_backups : resource_config_string "
+                    "[[encA##dev1;encA##snap1]] ",
+                    "CFiResourceManager::print : printing resource set", "[encA:dev1](Available)",
+                    "{snap1,Available}"));
 }
 
 TEST(Model, BadArgumentsAreRejectedBeforeAnythingElse) {
@@ -183,8 +181,7 @@ TEST(Model, BadArgumentsAreRejectedBeforeAnythingElse) {
     for (const Call& call : calls) {
         const Answer answer = predict(call).answer;
         EXPECT_EQ(answer.status, 3);
-        EXPECT_THAT(textsOf(answer.trace),
-                    ElementsAre("fi_process_backups : Invalid/empty parameter"));
+        EXPECT_THAT(textsOf(answer.trace), ElementsAre("fi_process_backups : Invalid/empty parameter"));
     }
 }
 
@@ -194,20 +191,19 @@ TEST(Model, TheWholeTraceOfARotationAfterLoading) {
     ASSERT_GT(texts.size(), 20U);
     EXPECT_EQ(answer.trace[3].level, 3);
     EXPECT_EQ(texts[3], "fi_process_backups :  Fiid [b0.xml] exclude rotation flag [0] ");
-    EXPECT_THAT(
-        std::vector<std::string>(texts.end() - 17, texts.end()),
-        ElementsAre("fi_process_backups : parsed [b0.xml]", " [UDID##v##m##encA##dev1]",
-                    " {UDID##v##m##encA##snap1}", " <0 >",
-                    "CFiResourceManager::print : printing resource set", "[encA:dev1](Available)",
-                    "{snap1,Available}", "fi_process_backups : [RESOURCES MATCH] [b0.xml]",
-                    "fi_process_backups : [RESERVE GOOD] b0.xml - T: 1",
-                    "fi_process_backups : resource_config_string "
-                    "[[encA##dev1;encA##snap1]] ",
-                    "CFiResourceManager::print : printing resource set",
-                    // A released target leaves its configuration in use.
-                    "[encA:dev1](Used)", "{snap1,Available}",
-                    "fi_process_backups : parsed [b0.xml] state=[2]", " [UDID##v##m##encA##dev1]",
-                    " {UDID##v##m##encA##snap1}", " <0 >"));
+    EXPECT_THAT(std::vector<std::string>(texts.end() - 17, texts.end()),
+                ElementsAre("fi_process_backups : parsed [b0.xml]", " [UDID##v##m##encA##dev1]",
+                            " {UDID##v##m##encA##snap1}", " <0 >",
+                            "CFiResourceManager::print : printing resource set", "[encA:dev1](Available)",
+                            "{snap1,Available}", "fi_process_backups : [RESOURCES MATCH] [b0.xml]",
+                            "fi_process_backups : [RESERVE GOOD] b0.xml - T: 1",
+                            "fi_process_backups : resource_config_string "
+                            "[[encA##dev1;encA##snap1]] ",
+                            "CFiResourceManager::print : printing resource set",
+                            // A released target leaves its configuration in use.
+                            "[encA:dev1](Used)", "{snap1,Available}",
+                            "fi_process_backups : parsed [b0.xml] state=[2]", " [UDID##v##m##encA##dev1]",
+                            " {UDID##v##m##encA##snap1}", " <0 >"));
 }
 
 }  // namespace

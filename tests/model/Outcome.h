@@ -107,9 +107,7 @@ std::string_view outcomeName(Outcome outcome);
 class Tally {
 public:
     void note(Outcome outcome) { ++counts_[static_cast<std::size_t>(outcome)]; }
-    std::uint64_t operator[](Outcome outcome) const {
-        return counts_[static_cast<std::size_t>(outcome)];
-    }
+    std::uint64_t operator[](Outcome outcome) const { return counts_[static_cast<std::size_t>(outcome)]; }
     void add(const Tally& other) {
         for (std::size_t index = 0; index < kOutcomeCount; ++index) {
             counts_[index] += other.counts_[index];

@@ -17,9 +17,9 @@ std::string identifierOf(const PlannedTarget& target, const std::string& prefix,
 }
 
 const std::vector<std::string>& keyPrefixes() {
-    static const std::vector<std::string> kPrefixes = {
-        "UDID##", "UDID##", "UDID##", "UDID##", "UDID##",    "UDID##",
-        "UDID##", "UDID##", "UDID##", "UDID##", "xyzUDID##", "UEID##x##UDID##"};
+    static const std::vector<std::string> kPrefixes = {"UDID##", "UDID##", "UDID##",    "UDID##",
+                                                       "UDID##", "UDID##", "UDID##",    "UDID##",
+                                                       "UDID##", "UDID##", "xyzUDID##", "UEID##x##UDID##"};
     return kPrefixes;
 }
 

@@ -18,9 +18,7 @@ public:
 
     // A number from 0 to limit - 1.
     std::size_t below(std::size_t limit) { return static_cast<std::size_t>(engine_() % limit); }
-    std::size_t between(std::size_t least, std::size_t most) {
-        return least + below(most - least + 1);
-    }
+    std::size_t between(std::size_t least, std::size_t most) { return least + below(most - least + 1); }
     bool percent(std::size_t chance) { return below(100) < chance; }
     bool perMille(std::size_t chance) { return below(1000) < chance; }
 

@@ -62,8 +62,7 @@ private:
     }
 
     bool shortenConfiguration() {
-        return call_.configuration &&
-               shorten([](Call& call) -> std::string& { return *call.configuration; });
+        return call_.configuration && shorten([](Call& call) -> std::string& { return *call.configuration; });
     }
 
     // Cuts ever smaller pieces out of a text of the call.
@@ -72,8 +71,8 @@ private:
         bool shortened = false;
         for (std::size_t length = access(call_).size(); length > 0; length /= 2) {
             for (std::size_t position = 0; position + length <= access(call_).size();) {
-                const bool taken = isWhole(access(call_), position, length) &&
-                                   takeWithout(access, position, length);
+                const bool taken =
+                    isWhole(access(call_), position, length) && takeWithout(access, position, length);
                 shortened = shortened || taken;
                 position += taken ? 0 : length;
             }
@@ -140,8 +139,7 @@ private:
         Call candidate = call_;
         std::vector<Token>& tokens = candidate.files[name].tokens;
         const auto last = static_cast<std::ptrdiff_t>(lastOf(tokens, index));
-        tokens.erase(tokens.begin() + static_cast<std::ptrdiff_t>(index),
-                     tokens.begin() + last + 1);
+        tokens.erase(tokens.begin() + static_cast<std::ptrdiff_t>(index), tokens.begin() + last + 1);
         return candidate;
     }
 
@@ -169,8 +167,8 @@ private:
             }
             const Kind kind = token(call_).kind;
             if (kind == Kind::kText || kind == Kind::kCdata || kind == Kind::kComment) {
-                shortened = shorten([&](Call& call) -> std::string& { return token(call).text; }) ||
-                            shortened;
+                shortened =
+                    shorten([&](Call& call) -> std::string& { return token(call).text; }) || shortened;
             }
         }
         return shortened;

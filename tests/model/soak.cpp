@@ -56,8 +56,8 @@ bool soak(const Options& options) {
         tally.add(comparison.tally);
         reportProgress(done + 1, options);
     }
-    std::printf("%ju calls from seed %ju, no difference; how many had\n",
-                std::uintmax_t{options.calls}, std::uintmax_t{options.seed});
+    std::printf("%ju calls from seed %ju, no difference; how many had\n", std::uintmax_t{options.calls},
+                std::uintmax_t{options.seed});
     return enoughOfEach(tally, options);
 }
 
@@ -69,8 +69,7 @@ int main(int count, char** arguments) {
     app.add_option("--calls", options.calls, "How many calls")->capture_default_str();
     app.add_option("--seed", options.seed, "Seed of the first call; each has the next one")
         ->capture_default_str();
-    app.add_option("--least", options.least, "Fail when fewer calls had some outcome")
-        ->capture_default_str();
+    app.add_option("--least", options.least, "Fail when fewer calls had some outcome")->capture_default_str();
     CLI11_PARSE(app, count, arguments);
     try {
         return soak(options) ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -32,9 +32,8 @@ int rotate(const char* configuration, const std::vector<const char*>& documents)
         flags[0] = FI_EXCLUDE_ROTATION;
     }
     char* text = nullptr;
-    const std::int32_t status =
-        fi_process_backups(documents.data(), configuration, flags.data(),
-                           static_cast<std::int32_t>(documents.size()), &text);
+    const std::int32_t status = fi_process_backups(documents.data(), configuration, flags.data(),
+                                                   static_cast<std::int32_t>(documents.size()), &text);
     const std::unique_ptr<char, SRelease> selection(text);
     if (status != FI_STATUS_SUCCESS) {
         std::printf("no selection\n");
@@ -57,8 +56,7 @@ int main(int argc, char** argv) {
     try {
         return rotate(argv[1], std::vector<const char*>(argv + 2, argv + argc));
     } catch (const CFiUdidException& malformed) {
-        std::printf("malformed %s %d\n", malformed.identifier.c_str(),
-                    static_cast<int>(malformed.code));
+        std::printf("malformed %s %d\n", malformed.identifier.c_str(), static_cast<int>(malformed.code));
     } catch (const std::exception& error) {
         std::printf("exception %s\n", error.what());
     }

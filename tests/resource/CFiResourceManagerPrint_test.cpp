@@ -23,9 +23,9 @@ TEST(CFiResourceManagerPrint, EmptySetPrintsTheHeadingOnly) {
 }
 
 TEST(CFiResourceManagerPrint, ConfigurationWithoutFurtherTargetsPrintsItsOwnLineOnly) {
-    EXPECT_EQ(printed({{"dev1", "encA", 0, {}}}),
-              (Trace{{4, "CFiResourceManager::print : printing resource set"},
-                     {4, "[encA:dev1](Available)"}}));
+    EXPECT_EQ(
+        printed({{"dev1", "encA", 0, {}}}),
+        (Trace{{4, "CFiResourceManager::print : printing resource set"}, {4, "[encA:dev1](Available)"}}));
 }
 
 TEST(CFiResourceManagerPrint, PrintsListsAndTheirTargetsInOrderWithStateNames) {
@@ -40,13 +40,13 @@ TEST(CFiResourceManagerPrint, PrintsListsAndTheirTargetsInOrderWithStateNames) {
 }
 
 TEST(CFiResourceManagerPrint, StatesOutsideTheEnumerationAreUnknown) {
-    EXPECT_EQ(printed({{"dev1", "encA", 3, {{"dev2", "encA", -1}, {"dev3", "encA", 2}}},
-                       {"dev4", "encA", 2, {}}}),
-              (Trace{{4, "CFiResourceManager::print : printing resource set"},
-                     {4, "[encA:dev1](Unknown)"},
-                     {4, "{dev2,Unknown}"},
-                     {4, "{dev3,Invalid}"},
-                     {4, "[encA:dev4](Invalid)"}}));
+    EXPECT_EQ(
+        printed({{"dev1", "encA", 3, {{"dev2", "encA", -1}, {"dev3", "encA", 2}}}, {"dev4", "encA", 2, {}}}),
+        (Trace{{4, "CFiResourceManager::print : printing resource set"},
+               {4, "[encA:dev1](Unknown)"},
+               {4, "{dev2,Unknown}"},
+               {4, "{dev3,Invalid}"},
+               {4, "[encA:dev4](Invalid)"}}));
 }
 
 TEST(CFiResourceManagerPrint, TargetsOfDifferentEnclosuresPrintAlike) {

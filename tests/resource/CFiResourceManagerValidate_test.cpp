@@ -86,8 +86,7 @@ TEST(CFiResourceManagerValidate, BackupWithoutPairsIsValidInEveryModeAndChangesN
 
 TEST(CFiResourceManagerValidate, CheckOfMatchingPairsIsTrueAndChangesNothing) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encB##lun2;snap3");
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")},
-                   {udid("encB##lun2"), udid("encB##snap3")}};
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}, {udid("encB##lun2"), udid("encB##snap3")}};
     EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
     EXPECT_EQ(states(manager), "0:0,0 0:0");
 }
@@ -178,8 +177,7 @@ TEST(CFiResourceManagerValidate, ReleaseThatFailsPartWayStillReleasesWhatMatched
     CFiResourceManager manager = managerOf("encA##lun1;snap1&encA##lun2;snap2");
     manager.resourceSet[0].resources[0].state = 1;
     manager.resourceSet[1].resources[0].state = 1;
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap9")},
-                   {udid("encA##lun2"), udid("encA##snap2")}};
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap9")}, {udid("encA##lun2"), udid("encA##snap2")}};
     EXPECT_FALSE(manager.validateResources(backup.get(), kRelease));
     EXPECT_EQ(states(manager), "0:1 0:0");
 }
@@ -204,8 +202,7 @@ TEST(CFiResourceManagerValidate, PairOutsideTheConfigurationIsUnmatched) {
     for (const auto& row : rows) {
         CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encA##lun2;snap3");
         CBackup backup{row};
-        EXPECT_FALSE(manager.validateResources(backup.get(), kCheck))
-            << row.first << ' ' << row.second;
+        EXPECT_FALSE(manager.validateResources(backup.get(), kCheck)) << row.first << ' ' << row.second;
     }
 }
 

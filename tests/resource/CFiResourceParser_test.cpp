@@ -17,8 +17,7 @@ std::string dump(const CFiResourceParser& parser) {
         text += (text.empty() ? "" : " | ") + list.enclosure + '/' + list.device + ' ' +
                 std::to_string(list.state) + ':';
         for (const SFiResource& resource : list.resources) {
-            text += ' ' + resource.enclosure + '/' + resource.device + ' ' +
-                    std::to_string(resource.state);
+            text += ' ' + resource.enclosure + '/' + resource.device + ' ' + std::to_string(resource.state);
         }
     }
     return text;
@@ -57,15 +56,13 @@ TEST(CFiResourceParser, ParsesTheWorkedExampleWithItsTrace) {
     const SParsed result = parsed("encA##dev1;dev2;encB##dev3&encC##dev4;;##dev5");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.configurations, "encA/dev1 0: encA/dev2 0 encB/dev3 0 | encC/dev4 0: /dev5 0");
-    EXPECT_EQ(
-        result.trace,
-        (Trace{
-            {4, "CFiResourceParser::parse : Resource specification [encA##dev1;dev2;encB##dev3]"},
-            {4, "CFiResourceParser::parse : [encA][dev1]"},
-            {4, "CFiResourceParser::parse : [encA][dev2]"},
-            {4, "CFiResourceParser::parse : [encB][dev3]"},
-            {4, "CFiResourceParser::parse : [encC][dev4]"},
-            {4, "CFiResourceParser::parse : [][dev5]"}}));
+    EXPECT_EQ(result.trace,
+              (Trace{{4, "CFiResourceParser::parse : Resource specification [encA##dev1;dev2;encB##dev3]"},
+                     {4, "CFiResourceParser::parse : [encA][dev1]"},
+                     {4, "CFiResourceParser::parse : [encA][dev2]"},
+                     {4, "CFiResourceParser::parse : [encB][dev3]"},
+                     {4, "CFiResourceParser::parse : [encC][dev4]"},
+                     {4, "CFiResourceParser::parse : [][dev5]"}}));
 }
 
 TEST(CFiResourceParser, CountsARunOfSeparatorsAsOne) {
@@ -82,9 +79,8 @@ TEST(CFiResourceParser, ShowsLeadingSeparatorsAndTheFirstConfigurationInItsLine)
     const SParsed result = parsed("&&encA##dev1&&");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.configurations, "encA/dev1 0:");
-    EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [&&encA##dev1]"},
-                     {4, "CFiResourceParser::parse : [encA][dev1]"}}));
+    EXPECT_EQ(result.trace, (Trace{{4, "CFiResourceParser::parse : Resource specification [&&encA##dev1]"},
+                                   {4, "CFiResourceParser::parse : [encA][dev1]"}}));
 }
 
 TEST(CFiResourceParser, SplitsATargetAtItsFirstSeparatorOnly) {
@@ -139,16 +135,14 @@ TEST(CFiResourceParser, RejectsANullSpecification) {
     const SParsed result = parsed(nullptr);
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "");
-    EXPECT_EQ(result.trace,
-              (Trace{{3, "CFiResourceParser::parse : Resource specification is null."}}));
+    EXPECT_EQ(result.trace, (Trace{{3, "CFiResourceParser::parse : Resource specification is null."}}));
 }
 
 TEST(CFiResourceParser, FindsNoConfigurationInAnEmptySpecification) {
     const SParsed result = parsed("");
     EXPECT_EQ(result.status, 6);
     EXPECT_EQ(result.configurations, "");
-    EXPECT_EQ(result.trace,
-              (Trace{{3, "CFiResourceParser::parse : Invalid resource specification []"}}));
+    EXPECT_EQ(result.trace, (Trace{{3, "CFiResourceParser::parse : Invalid resource specification []"}}));
 }
 
 TEST(CFiResourceParser, FindsNoConfigurationInSeparatorsAndShowsThemUnchanged) {
@@ -178,14 +172,13 @@ TEST(CFiResourceParser, RejectsATargetWithoutADeviceAndNamesTheTarget) {
     const SParsed result = parsed("encB##dev;encA##;dev2");
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "");
-    EXPECT_EQ(
-        result.trace,
-        (Trace{{4, "CFiResourceParser::parse : Resource specification [encB##dev;encA##;dev2]"},
-               {4, "CFiResourceParser::parse : [encB][dev]"},
-               {4, "CFiResourceParser::parse : [encA][]"},
-               {3,
-                "CFiResourceParser::parse : resource configuration \"encA##\" has no device "
-                "data specified."}}));
+    EXPECT_EQ(result.trace,
+              (Trace{{4, "CFiResourceParser::parse : Resource specification [encB##dev;encA##;dev2]"},
+                     {4, "CFiResourceParser::parse : [encB][dev]"},
+                     {4, "CFiResourceParser::parse : [encA][]"},
+                     {3,
+                      "CFiResourceParser::parse : resource configuration \"encA##\" has no device "
+                      "data specified."}}));
 }
 
 TEST(CFiResourceParser, RejectsAFirstTargetWithoutAnEnclosureAndNamesTheTarget) {
@@ -244,10 +237,9 @@ TEST(CFiResourceParser, LeavesTheCallersTextAlone) {
 
 TEST(CFiResourceParser, TracesPercentSignsAsTheyStand) {
     const SParsed result = parsed("%s##%n;100%");
-    EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [%s##%n;100%]"},
-                     {4, "CFiResourceParser::parse : [%s][%n]"},
-                     {4, "CFiResourceParser::parse : [%s][100%]"}}));
+    EXPECT_EQ(result.trace, (Trace{{4, "CFiResourceParser::parse : Resource specification [%s##%n;100%]"},
+                                   {4, "CFiResourceParser::parse : [%s][%n]"},
+                                   {4, "CFiResourceParser::parse : [%s][100%]"}}));
 }
 
 TEST(CFiResourceParser, HasNoLimitOnLengthAndNumber) {

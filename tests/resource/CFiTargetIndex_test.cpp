@@ -53,8 +53,7 @@ TEST(CFiTargetIndex, FindsTheFirstOfTargetsNamedAlike) {
     Set set{{"lun1", "encA", 0, {{"snap1", "encA"}, {"snap1", "encA"}}},
             {"lun1", "encA", 0, {{"snap1", "encA"}}}};
     const CFiTargetIndex index(set);
-    EXPECT_EQ(index.find(named("encA", "lun1"), named("encA", "snap1")).resource,
-              &set[0].resources[0]);
+    EXPECT_EQ(index.find(named("encA", "lun1"), named("encA", "snap1")).resource, &set[0].resources[0]);
 }
 
 TEST(CFiTargetIndex, PassesOverListsThatLackTheTarget) {

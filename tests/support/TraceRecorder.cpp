@@ -50,8 +50,7 @@ void TraceRecorder::add(TraceLine line) {
 
 }  // namespace fi_test
 
-extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int level, const char* format,
-                                                                     ...) {
+extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int level, const char* format, ...) {
     if (fi_test::activeRecorder == nullptr) {
         return;
     }

@@ -11,9 +11,7 @@ struct TraceLine {
     int level;
     std::string text;
 
-    bool operator==(const TraceLine& other) const {
-        return level == other.level && text == other.text;
-    }
+    bool operator==(const TraceLine& other) const { return level == other.level && text == other.text; }
 };
 
 std::ostream& operator<<(std::ostream& out, const TraceLine& line);
