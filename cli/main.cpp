@@ -4,10 +4,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/check.h"
-#include "cli/explain.h"
-#include "cli/select.h"
-#include "cli/simulate.h"
+#include "cli/command/check.h"
+#include "cli/command/command.h"
+#include "cli/command/explain.h"
+#include "cli/command/select.h"
+#include "cli/command/simulate.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "cli/json.h"
-#include "cli/log.h"
-#include "cli/table.h"
+#include "cli/explain/log.h"
+#include "cli/outcome/json.h"
+#include "cli/outcome/table.h"
 #include "fuzz/require.h"
 
 namespace {

@@ -9,10 +9,85 @@
 
 #include <fmt/format.h>
 
-#include "cli/check/configuration_text.h"
+#include "cli/base/text.h"
 
 namespace fi_rotate {
 namespace {
+
+struct SReference {
+    std::string_view text;
+    char meaning;
+};
+// None of them can overlap another, and no meaning makes a new one but '&', which the library decodes last.
+// So one pass over the text decodes like its five.
+constexpr SReference kReferences[] = {
+    {"&#39;", '\''}, {"&quot;", '"'}, {"&gt;", '>'}, {"&lt;", '<'}, {"&amp;", '&'},
+};
+
+const SReference* referenceAt(std::string_view text) {
+    const auto* const found =
+        std::find_if(std::begin(kReferences), std::end(kReferences), [text](const SReference& reference) {
+            return text.substr(0, reference.text.size()) == reference.text;
+        });
+    return found == std::end(kReferences) ? nullptr : found;
+}
+
+// A part of the decoded text and where it stands in the text as it was given.
+struct SPiece {
+    std::string_view text;
+    std::size_t offset = 0;
+};
+
+// A configuration as the library reads it, up to its first NUL and with its references decoded, that
+// remembers where everything stood.
+class CConfigurationText {
+public:
+    // `text` is borrowed.
+    explicit CConfigurationText(const std::string& text);
+    CConfigurationText(const CConfigurationText&) = delete;
+    CConfigurationText& operator=(const CConfigurationText&) = delete;
+
+    SPiece whole() const { return {decoded, 0}; }
+
+    // The parts of `piece`, which is one of this text, between runs of `separators`; none is empty.
+    std::vector<SPiece> split(const SPiece& piece, const char* separators) const;
+
+    // A finding with its place and the line around it.
+    SFinding findingAt(EHazard hazard, std::size_t offset, std::string what) const;
+
+private:
+    std::string_view given;
+    CLines lines;
+    std::string decoded;
+    // Of each decoded character.
+    std::vector<std::size_t> offsets;
+};
+
+CConfigurationText::CConfigurationText(const std::string& text) : given(text), lines(given) {
+    const std::string_view read = given.substr(0, given.find('\0'));
+    for (std::size_t offset = 0; offset < read.size();) {
+        const SReference* const reference = read[offset] == '&' ? referenceAt(read.substr(offset)) : nullptr;
+        decoded += reference == nullptr ? read[offset] : reference->meaning;
+        offsets.push_back(offset);
+        offset += reference == nullptr ? 1 : reference->text.size();
+    }
+}
+
+std::vector<SPiece> CConfigurationText::split(const SPiece& piece, const char* separators) const {
+    std::vector<SPiece> pieces;
+    std::size_t begin = piece.text.find_first_not_of(separators);
+    while (begin != std::string_view::npos) {
+        const std::size_t end = std::min(piece.text.find_first_of(separators, begin), piece.text.size());
+        const std::string_view part = piece.text.substr(begin, end - begin);
+        pieces.push_back({part, offsets[static_cast<std::size_t>(part.data() - decoded.data())]});
+        begin = piece.text.find_first_not_of(separators, end);
+    }
+    return pieces;
+}
+
+SFinding CConfigurationText::findingAt(EHazard hazard, std::size_t offset, std::string what) const {
+    return {hazard, lines.at(offset), std::move(what)};
+}
 
 struct SFault {
     // In the text as it was given.

@@ -7,9 +7,9 @@
 
 #include <fmt/format.h>
 
-#include "cli/check/identifier.h"
 #include "cli/check/nearest.h"
-#include "cli/outcome.h"
+#include "host/identifier.h"
+#include "host/outcome.h"
 
 namespace fi_rotate {
 namespace {

@@ -1,16 +1,123 @@
 #include "cli/check/document_text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <iterator>
 
 #include <fmt/format.h>
 
-#include "cli/check/encoding.h"
+#include "cli/base/text.h"
+#include "cli/check/findings.h"
 
 namespace fi_rotate {
 namespace {
 
 constexpr std::size_t kLongestPiece = 2047;
+
+// What may stand before it.
+struct SSkipped {
+    std::string_view start;
+    std::string_view end;
+};
+constexpr SSkipped kSkipped[] = {
+    {"\xEF\xBB\xBF", ""}, {" ", ""}, {"\t", ""}, {"\r", ""}, {"\n", ""}, {"<!--", "-->"}, {"<?", "?>"},
+};
+
+// Bytes at the start of `text` that may stand before it.
+std::size_t skippedAt(std::string_view text) {
+    const auto* const found =
+        std::find_if(std::begin(kSkipped), std::end(kSkipped),
+                     [text](const SSkipped& row) { return startsWith(text, row.start); });
+    if (found == std::end(kSkipped)) {
+        return 0;
+    }
+    const std::size_t end = text.find(found->end, found->start.size());
+    return end == std::string_view::npos ? 0 : end + found->end.size();
+}
+
+using namespace std::string_view_literals;
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kWhiteSpace = " \t\r\n";
+
+struct SWideStart {
+    std::string_view bytes;
+    std::string_view name;
+};
+// The longer ones first: some begin like others.
+constexpr SWideStart kWideStarts[] = {
+    {"\x00\x00\xFE\xFF"sv, "UTF-32"},
+    {"\xFF\xFE\x00\x00"sv, "UTF-32"},
+    {"\x00\x00\x00<"sv, "UTF-32"},
+    {"<\x00\x00\x00"sv, "UTF-32"},
+    {"\xFE\xFF"sv, "UTF-16"},
+    {"\xFF\xFE"sv, "UTF-16"},
+    {"\x00<"sv, "UTF-16"},
+    {"<\x00"sv, "UTF-16"},
+};
+
+std::string inCapitals(std::string_view text) {
+    std::string capitals;
+    for (const char character : text) {
+        capitals += static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
+    }
+    return capitals;
+}
+
+// A value in quotation marks after '=' at the start of `text`.
+std::optional<std::string_view> valueAt(std::string_view text) {
+    const std::size_t equals = text.find_first_not_of(kWhiteSpace);
+    if (equals == std::string_view::npos || text[equals] != '=') {
+        return std::nullopt;
+    }
+    const std::size_t begin = text.find_first_not_of(kWhiteSpace, equals + 1);
+    if (begin == std::string_view::npos || (text[begin] != '"' && text[begin] != '\'')) {
+        return std::nullopt;
+    }
+    const std::size_t end = text.find(text[begin], begin + 1);
+    if (end == std::string_view::npos) {
+        return std::nullopt;
+    }
+    return text.substr(begin + 1, end - begin - 1);
+}
+
+// The encoding in the XML declaration of a document without a byte order mark.
+std::optional<std::string_view> declaredEncoding(std::string_view document) {
+    constexpr std::string_view kStart = "<?xml";
+    constexpr std::string_view kAttribute = "encoding";
+    constexpr std::size_t kLongestDeclaration = 1024;
+    const std::string_view declaration =
+        document.substr(0, std::min(document.substr(0, kLongestDeclaration).find("?>"), kLongestDeclaration));
+    if (!startsWith(declaration, kStart)) {
+        return std::nullopt;
+    }
+    const std::size_t attribute = declaration.find(kAttribute);
+    return attribute == std::string_view::npos ? std::nullopt
+                                               : valueAt(declaration.substr(attribute + kAttribute.size()));
+}
+
+bool isOneOf(const std::string& name, std::initializer_list<std::string_view> starts) {
+    return std::any_of(starts.begin(), starts.end(),
+                       [&name](std::string_view start) { return startsWith(name, start); });
+}
+
+// What the declaration says that the bytes are not; they hold more than ASCII when `isAscii` is false.
+std::optional<std::string> contradiction(const std::string& name, bool isAscii, bool isUtf8) {
+    if (isOneOf(name, {"UTF-16", "UTF16", "UTF-32", "UTF32", "UCS", "ISO-10646-UCS"})) {
+        return "the document is not written so";
+    }
+    const bool declaresUtf8 = isOneOf(name, {"UTF-8", "UTF8"});
+    if (declaresUtf8 && !isUtf8) {
+        return "this byte is not part of any";
+    }
+    if (!declaresUtf8 && !isAscii && isUtf8) {
+        return "the document looks like UTF-8 from here on";
+    }
+    if (isOneOf(name, {"US-ASCII", "ASCII"}) && !isAscii) {
+        return "this byte is not part of it";
+    }
+    return std::nullopt;
+}
 
 }  // namespace
 
@@ -67,6 +174,52 @@ bool CDocumentText::check(CFindings& findings) const {
         findings.add({EHazard::kEncodingMismatch, spotAt(mismatch->offset), mismatch->text});
     }
     return true;
+}
+
+std::optional<std::size_t> doctypeIn(std::string_view document) {
+    std::size_t offset = 0;
+    while (const std::size_t skipped = skippedAt(document.substr(offset))) {
+        offset += skipped;
+    }
+    if (startsWith(document.substr(offset), "<!DOCTYPE")) {
+        return offset;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string_view> wideEncoding(std::string_view bytes) {
+    const auto* const found =
+        std::find_if(std::begin(kWideStarts), std::end(kWideStarts),
+                     [bytes](const SWideStart& start) { return startsWith(bytes, start.bytes); });
+    if (found == std::end(kWideStarts)) {
+        return std::nullopt;
+    }
+    return found->name;
+}
+
+std::optional<SEncodingMismatch> encodingMismatch(std::string_view document) {
+    const bool hasMark = startsWith(document, kByteOrderMark);
+    const auto declared = declaredEncoding(document.substr(hasMark ? kByteOrderMark.size() : 0));
+    const std::string name = inCapitals(declared.value_or("UTF-8"));
+    if (hasMark && !isOneOf(name, {"UTF-8", "UTF8"})) {
+        return SEncodingMismatch{
+            0, "the document begins with the mark of UTF-8 and declares " + inQuotes(*declared)};
+    }
+
+    const auto isPlain = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    const auto* const beyond = std::find_if_not(document.begin(), document.end(), isPlain);
+    const std::size_t valid = utf8Length(document);
+    const auto fault = contradiction(name, beyond == document.end(), valid == document.size());
+    if (!fault.has_value()) {
+        return std::nullopt;
+    }
+    const auto offset =
+        valid < document.size() ? valid : static_cast<std::size_t>(std::distance(document.begin(), beyond));
+    return SEncodingMismatch{
+        offset < document.size() ? offset : 0,
+        (declared.has_value() ? "the document declares " + inQuotes(*declared)
+                              : std::string("the document declares no encoding, which means UTF-8")) +
+            "; " + *fault};
 }
 
 }  // namespace fi_rotate

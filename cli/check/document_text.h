@@ -1,13 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "cli/check/findings.h"
-#include "cli/check/place.h"
 
 namespace fi_rotate {
 
@@ -49,5 +49,19 @@ private:
     CLines fileLines;
     CLines contentLines;
 };
+
+// Where the DOCTYPE of `document` begins.
+std::optional<std::size_t> doctypeIn(std::string_view document);
+
+// The name of the encoding when `bytes` are a document in one whose characters are wider than a byte.
+std::optional<std::string_view> wideEncoding(std::string_view bytes);
+
+struct SEncodingMismatch {
+    std::size_t offset = 0;
+    std::string text;
+};
+
+// How the encoding that a document declares disagrees with its bytes.
+std::optional<SEncodingMismatch> encodingMismatch(std::string_view document);
 
 }  // namespace fi_rotate

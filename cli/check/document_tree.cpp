@@ -1,6 +1,8 @@
 #include "cli/check/document_tree.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -11,9 +13,8 @@
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/XMLString.hpp>
 
-#include "cli/check/doctype.h"
-#include "cli/check/element.h"
-#include "cli/xml_reader.h"
+#include "cli/base/xml_reader.h"
+#include "cli/check/document_text.h"
 
 namespace fi_rotate {
 namespace {
@@ -36,6 +37,70 @@ bool isExpansionLimit(const std::string& message) {
     return message.rfind(
                fmt::format("parser has encountered more than '{}' entity expansions", kMostReferences), 0) ==
            0;
+}
+
+// What an element is to the library.
+enum class EElement {
+    // Nothing: it is passed over.
+    kOther,
+    // The same, but its name is that of one that counts, but for the case of its letters or for a prefix.
+    kMisnamed,
+    kNode,
+    kObjid,
+    kAltobjid,
+    kSplitType,
+    kType,
+    kTimeStamp,
+};
+
+struct SName {
+    EElement element;
+    std::u16string_view name;
+    const char* shown;
+};
+constexpr SName kNames[] = {
+    {EElement::kNode, u"Node", "Node"},
+    {EElement::kObjid, u"objid", "objid"},
+    {EElement::kAltobjid, u"altobjid", "altobjid"},
+    {EElement::kSplitType, u"splitType", "splitType"},
+    {EElement::kType, u"type", "type"},
+    {EElement::kTimeStamp, u"timeStamp", "timeStamp"},
+};
+
+char16_t inSmall(char16_t letter) {
+    return letter >= u'A' && letter <= u'Z' ? static_cast<char16_t>(letter - u'A' + u'a') : letter;
+}
+
+bool isSameButForCase(std::u16string_view left, std::u16string_view right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char16_t a, char16_t b) { return inSmall(a) == inSmall(b); });
+}
+
+const SName* meant(std::u16string_view qname) {
+    const std::u16string_view name = qname.substr(qname.rfind(u':') + 1);
+    const auto* const found = std::find_if(std::begin(kNames), std::end(kNames), [name](const SName& row) {
+        return isSameButForCase(row.name, name);
+    });
+    return found == std::end(kNames) ? nullptr : found;
+}
+
+EElement elementOf(const XMLCh* qname) {
+    const SName* const row = meant(qname);
+    if (row == nullptr) {
+        return EElement::kOther;
+    }
+    return row->name == qname ? row->element : EElement::kMisnamed;
+}
+
+// One that holds text.
+bool isData(EElement element) {
+    return element != EElement::kOther && element != EElement::kMisnamed && element != EElement::kNode;
+}
+
+// The name of one that counts, as it must be written; for a misnamed one that which was meant.
+const char* nameMeant(const XMLCh* qname) {
+    const SName* const row = meant(qname);
+    return row == nullptr ? "" : row->shown;
 }
 
 // A place of which the XML library told the end.

@@ -6,7 +6,6 @@
 
 #include "cli/check/document_text.h"
 #include "cli/check/findings.h"
-#include "cli/check/place.h"
 
 namespace fi_rotate {
 

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/columns.h"
-#include "cli/printable.h"
+#include "cli/base/columns.h"
+#include "cli/base/text.h"
 
 namespace fi_rotate {
 namespace {

@@ -1,0 +1,88 @@
+#include "cli/base/terminal.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+
+#include <fmt/format.h>
+
+namespace fi_rotate {
+namespace {
+
+// A signal handler has no argument of ours.
+volatile std::sig_atomic_t noted = 0;
+
+extern "C" void noteSignal(int signal) {
+    noted = signal;
+}
+
+constexpr std::chrono::milliseconds kFirst{1000};
+constexpr std::chrono::milliseconds kBetween{100};
+constexpr std::size_t kBarWidth = 30;
+
+}  // namespace
+
+std::size_t widthOfTerminal(int descriptor) {
+    constexpr std::size_t kUsual = 80;
+    winsize size{};
+    const bool isKnown = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? size.ws_col : kUsual;
+}
+
+std::size_t widthOfOutput() {
+    return isatty(STDOUT_FILENO) == 1 ? widthOfTerminal(STDOUT_FILENO)
+                                      : std::numeric_limits<std::size_t>::max();
+}
+
+CInterrupt::CInterrupt() {
+    noted = 0;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action {};
+        action.sa_handler = noteSignal;
+        action.sa_flags = SA_RESTART;
+        sigaction(signal, nullptr, &saved[signal]);
+        // Who started the program with a signal ignored (nohup) wants it so.
+        if (saved[signal].sa_handler != SIG_IGN) {
+            sigaction(signal, &action, nullptr);
+        }
+    }
+}
+
+CInterrupt::~CInterrupt() {
+    for (const auto& [signal, action] : saved) {
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+std::optional<int> CInterrupt::signal() const {
+    return noted == 0 ? std::nullopt : std::optional<int>(noted);
+}
+
+CProgress::CProgress() : isTerminal(isatty(STDERR_FILENO) == 1), next(Clock::now() + kFirst) {}
+
+CProgress::~CProgress() {
+    if (shown != 0) {
+        fmt::print(stderr, "\r{:{}}\r", "", shown);
+    }
+}
+
+void CProgress::show(std::size_t done, std::size_t all, const std::string& what) {
+    if (!isTerminal || Clock::now() < next) {
+        return;
+    }
+    next = Clock::now() + kBetween;
+    const std::size_t filled = all == 0 ? 0 : kBarWidth * std::min(done, all) / all;
+    std::string line = fmt::format("[{}{}] {} of {} {}", std::string(filled, '#'),
+                                   std::string(kBarWidth - filled, ' '), done, all, what);
+    // A line that wraps could not be written over.
+    line.resize(std::min(line.size(), widthOfTerminal(STDERR_FILENO) - 1));
+    // What the bar before it had more is wiped away.
+    fmt::print(stderr, "\r{:<{}}", line, shown);
+    std::fflush(stderr);
+    shown = std::max(shown, line.size());
+}
+
+}  // namespace fi_rotate

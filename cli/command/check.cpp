@@ -1,0 +1,134 @@
+#include "cli/command/check.h"
+
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "cli/check/call_check.h"
+#include "cli/check/hazard.h"
+#include "cli/check/report.h"
+#include "cli/command/command.h"
+
+namespace fi_rotate {
+namespace {
+
+constexpr const char* kFooter = R"(Example:
+  fi-rotate check --config-file resource.conf monday.xml tuesday.xml
+
+  fi-rotate check --explain split-value
+
+Looks at what a call would be given and makes no call. Prints a line for each hazard, and the line of the input
+under it: FILE:LINE:COLUMN: error|warning: TEXT [NAME]. In a request lines and columns are those of the
+configuration's text. Of one hazard in one input the first 20 are shown and the others counted. Nothing outside
+the documents is opened, whatever they ask for. --explain with a name that is not known lists all names.
+
+JSON keys: findings (file, line, column, severity, name, text, count), errors, warnings, documents.
+A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits.
+
+Exit status: 0 nothing was found, 1 warnings only, 3 errors, 2 wrong usage, 4 the check could not be finished
+or its report not be written.)";
+
+enum ECheckExit : int {
+    kExitClean = 0,
+    kExitWarnings = 1,
+    kExitErrors = 3,
+    kExitUnfinished = 4,
+};
+
+struct SOptions {
+    // Exactly one of the four is given.
+    std::optional<std::string> configuration;
+    std::optional<std::string> configurationFile;
+    std::optional<std::string> request;
+    std::optional<std::string> explained;
+    bool json = false;
+    std::vector<std::string> files;
+};
+
+SInputs inputsOf(const SOptions& options) {
+    if (options.request.has_value()) {
+        const SCall call = readRequestFile(*options.request);
+        SInputs inputs{call.configuration, *options.request + " (configuration)", {}};
+        for (const SBackup& backup : call.backups) {
+            inputs.files.push_back(backup.file);
+        }
+        return inputs;
+    }
+    if (options.configuration.has_value()) {
+        return {*options.configuration, "--config", options.files};
+    }
+    return {readFileOf("--config-file", *options.configurationFile), *options.configurationFile,
+            options.files};
+}
+
+int exitStatusOf(const SCounts& counts) {
+    if (counts.errors > 0) {
+        return kExitErrors;
+    }
+    return counts.warnings > 0 ? kExitWarnings : kExitClean;
+}
+
+std::string paragraphOn(const std::string& name) {
+    if (const SHazardKind* const kind = findKind(name)) {
+        return fmt::format("{} ({})\n\n{}\n", kind->name, nameOf(kind->severity), kind->paragraph);
+    }
+    std::string names;
+    for (const SHazardKind& kind : hazardKinds()) {
+        names += fmt::format("\n  {}", kind.name);
+    }
+    throw CLI::ValidationError("--explain", "no hazard is called " + quoted(name) + "; these are:" + names);
+}
+
+int print(const std::string& text, int exitStatus) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return isWritten(stdout, "standard output") ? exitStatus : kExitUnfinished;
+}
+
+int runCheck(const SOptions& options) {
+    if (options.explained.has_value()) {
+        return print(paragraphOn(*options.explained), kExitClean);
+    }
+    const SInputs inputs = inputsOf(options);
+    try {
+        const std::vector<CFindings> found = checkCall(inputs);
+        return print(options.json ? toJson(found) : toText(found), exitStatusOf(countAll(found)));
+    } catch (const std::exception& error) {
+        // Its exit status must not be taken for that of warnings.
+        say(error.what());
+        return kExitUnfinished;
+    }
+}
+
+}  // namespace
+
+void addCheck(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<SOptions>();
+    CLI::App& check =
+        *app.add_subcommand("check", "Say what in the inputs of a call is not what it looks like");
+    check.footer(kFooter);
+
+    CLI::Option_group& input = *check.add_option_group("input");
+    input.add_option("--config", options->configuration, "The resource configuration")->type_name("TEXT");
+    input.add_option("--config-file", options->configurationFile, "A file that holds it")->type_name("FILE");
+    CLI::Option* const request =
+        input.add_option("--request", options->request, "The whole call, as one JSON document")
+            ->type_name("FILE");
+    CLI::Option* const explained =
+        input.add_option("--explain", options->explained, "Say what a hazard means, and check nothing")
+            ->type_name("NAME");
+    input.require_option(1);
+    check.add_flag("--json", options->json, "Show the findings as one JSON document")->excludes(explained);
+    check.add_option("FIID", options->files, "Documents of the earlier backups")
+        ->type_name("")
+        ->excludes(request)
+        ->excludes(explained);
+
+    check.callback([options, &exitStatus] { exitStatus = runCheck(*options); });
+}
+
+}  // namespace fi_rotate

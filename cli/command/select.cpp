@@ -1,0 +1,278 @@
+#include "cli/command/select.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "cli/base/file.h"
+#include "cli/base/terminal.h"
+#include "cli/base/text.h"
+#include "cli/command/command.h"
+#include "cli/outcome/json.h"
+#include "cli/outcome/picture.h"
+#include "cli/outcome/request.h"
+#include "cli/outcome/table.h"
+#include "cli/outcome/time_stamp.h"
+#include "cli/picture/svg.h"
+#include "host/library_call.h"
+#include "host/outcome.h"
+
+namespace fi_rotate {
+namespace {
+
+constexpr const char* kFooter = R"(Example:
+  fi-rotate select --config 'encA##lun1;encA##snap1;snap2' --exclude monday.xml monday.xml tuesday.xml
+
+  fi-rotate select --request call.json --only rotated,invalid
+
+Without FIID this is a first backup. Documents are loaded in the order given, up to the first that
+cannot be opened; that one and those after it are "not loaded" and take no part, like a document without
+a Node. State "-" (null in JSON): the library handed no states back, because there is no selection.
+
+A request is a whole call as JSON: configuration, and backups (file, flag_word) in order. File names in it are
+taken as they stand, so relative ones are looked for from where fi-rotate runs.
+
+JSON keys: status (null when an exception left the library), selection, configurations (first, chosen;
+null without a selection, and when names hold "][" so that the selection cannot be taken apart), backups
+(file, time_stamp, flag_word, excluded, state; with --explain reason), exception (identifier, code, reason; or null), messages; with --explain shortages (configuration, targets).
+A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.
+
+Exit status: 0 a selection, 3 none, 4 an exception left the library, 2 wrong usage, 1 the outcome could
+not be written.)";
+
+struct SOptions {
+    // Exactly one of the three is given.
+    std::optional<std::string> configuration;
+    std::optional<std::string> configurationFile;
+    std::optional<std::string> request;
+    std::optional<std::string> savedRequest;
+    // States of the backups to show; all when there is none.
+    std::set<std::string> shownStates;
+    std::vector<std::string> excluded;
+    std::vector<std::string> flagWords;
+    bool explain = false;
+    bool json = false;
+    bool trace = false;
+    std::optional<std::string> traceFile;
+    std::optional<std::string> svgFile;
+    std::vector<std::string> files;
+};
+
+void requireListed(const std::string& option, const std::string& file, const std::set<std::string>& listed) {
+    if (listed.count(file) == 0) {
+        throw CLI::ValidationError(option, quoted(file) + " is not among the FIIDs given");
+    }
+}
+
+// FILE=N; the last '=' separates, since a name may hold one.
+std::pair<std::string, std::int32_t> parseFlagWord(const std::string& text) {
+    const std::size_t separator = text.rfind('=');
+    std::int32_t flagWord = 0;
+    if (separator != std::string::npos) {
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data() + separator + 1, end, flagWord);
+        if (error == std::errc() && stop == end) {
+            return {text.substr(0, separator), flagWord};
+        }
+    }
+    throw CLI::ValidationError("--flags", quoted(text) + " is not FILE=N with N a whole number of 32 bits");
+}
+
+std::vector<SBackup> backupsOf(const SOptions& options) {
+    const std::set<std::string> listed(options.files.begin(), options.files.end());
+    std::map<std::string, std::int32_t> flagWords;
+    for (const std::string& text : options.flagWords) {
+        const auto [file, flagWord] = parseFlagWord(text);
+        requireListed("--flags", file, listed);
+        if (!flagWords.emplace(file, flagWord).second) {
+            throw CLI::ValidationError("--flags", quoted(file) + " has a flag word already");
+        }
+    }
+    for (const std::string& file : options.excluded) {
+        requireListed("--exclude", file, listed);
+        flagWords[file] |= FI_EXCLUDE_ROTATION;
+    }
+
+    std::vector<SBackup> backups;
+    for (const std::string& file : options.files) {
+        SBackup backup;
+        backup.file = file;
+        const auto found = flagWords.find(file);
+        backup.flagWord = found != flagWords.end() ? found->second : 0;
+        backups.push_back(std::move(backup));
+    }
+    return backups;
+}
+
+SCall callOf(const SOptions& options) {
+    if (options.request.has_value()) {
+        return readRequestFile(*options.request);
+    }
+    SCall call;
+    call.configuration = options.configuration.has_value()
+                             ? *options.configuration
+                             : readConfigurationFile(*options.configurationFile);
+    call.backups = backupsOf(options);
+    return call;
+}
+
+void sayNotLoaded(const std::vector<SBackup>& backups) {
+    const auto isNotLoaded = [](const SBackup& backup) { return !backup.loaded; };
+    const auto first = std::find_if(backups.begin(), backups.end(), isNotLoaded);
+    if (first == backups.end()) {
+        return;
+    }
+    const auto others = std::count_if(first + 1, backups.end(), isNotLoaded);
+    say("not loaded: \"" + first->file + "\"" + (others == 0 ? "" : fmt::format(" and {} more", others)) +
+        "; took no part in the rotation");
+}
+
+void sayWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
+    if (!isTraceShown) {
+        std::for_each(outcome.messages.begin(), outcome.messages.end(), say);
+    }
+    if (outcome.exception.has_value()) {
+        const SException& exception = *outcome.exception;
+        say(exception.identifier.has_value()
+                ? fmt::format("malformed identifier \"{}\": {}", *exception.identifier, exception.reason)
+                : "an exception left the library: " + exception.reason);
+        return;
+    }
+    sayNotLoaded(outcome.backups);
+    if (!outcome.selection.has_value()) {
+        say("no selection: at least one configuration has no free target");
+    }
+}
+
+int exitStatusOf(const SOutcome& outcome) {
+    if (outcome.exception.has_value()) {
+        return kExitException;
+    }
+    return outcome.selection.has_value() ? kExitSelection : kExitNoSelection;
+}
+
+CFile openForWriting(const std::string& option, const std::string& file) {
+    CFile stream(std::fopen(file.c_str(), "w"));
+    if (stream == nullptr) {
+        throw CLI::ValidationError(option, "cannot write " + quoted(file) + ": " + errorText());
+    }
+    return stream;
+}
+
+// False, with a message, when it could not be written whole.
+bool saveRequest(const SCall& call, const std::string& file) {
+    std::string text;
+    try {
+        text = toRequest(call);
+    } catch (const std::invalid_argument& fault) {
+        throw CLI::ValidationError("--save-request", std::string("cannot save: ") + fault.what());
+    }
+    const CFile stream = openForWriting("--save-request", file);
+    std::fwrite(text.data(), 1, text.size(), stream.get());
+    return isWritten(stream.get(), file);
+}
+
+int runSelect(const SOptions& options) {
+    SCall call = callOf(options);
+    std::vector<std::FILE*> traceOutputs;
+    if (options.trace) {
+        traceOutputs.push_back(stderr);
+    }
+    CFile traceFile;
+    if (options.traceFile.has_value()) {
+        traceFile = openForWriting("--trace-file", *options.traceFile);
+        traceOutputs.push_back(traceFile.get());
+    }
+    if (options.savedRequest.has_value() && !saveRequest(call, *options.savedRequest)) {
+        return kExitNotShown;
+    }
+
+    const auto svg = openOutput("--svg", options.svgFile);
+    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain || svg != nullptr);
+    readTimeStamps(outcome.backups);
+    if (svg != nullptr && !keep(*svg, toSvg(pictureOf(outcome)), *options.svgFile)) {
+        return kExitNotShown;
+    }
+    if (!options.explain) {
+        outcome.account.reset();
+    }
+    const SOutcome selected = onlyShown(outcome, options.shownStates);
+    const std::string shown =
+        options.json ? toJson(selected) : toTables(selected, widthOfOutput(), wantsColour());
+    std::fwrite(shown.data(), 1, shown.size(), stdout);
+    sayWhatWentWrong(outcome, options.trace);
+
+    const bool outputWritten = isWritten(stdout, "standard output");
+    const bool traceWritten = traceFile == nullptr || isWritten(traceFile.get(), *options.traceFile);
+    return outputWritten && traceWritten ? exitStatusOf(outcome) : kExitNotShown;
+}
+
+}  // namespace
+
+void addSelect(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<SOptions>();
+    CLI::App& select = *app.add_subcommand(
+        "select", "Choose the targets for a new backup and show what becomes of the others");
+    select.footer(kFooter);
+
+    CLI::Option_group& configuration = *select.add_option_group("configuration");
+    configuration.add_option("--config", options->configuration, "The resource configuration")
+        ->type_name("TEXT");
+    configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
+        ->type_name("FILE");
+    CLI::Option* const request =
+        configuration.add_option("--request", options->request, "The whole call, as one JSON document")
+            ->type_name("FILE");
+    configuration.require_option(1);
+    select
+        .add_option("--save-request", options->savedRequest,
+                    "Write the whole call to a file, to be made again with --request")
+        ->type_name("FILE");
+
+    select.add_option("--exclude", options->excluded, "Never rotate this backup (adds 4 to its flag word)")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->excludes(request);
+    select.add_option("--flags", options->flagWords, "The flag word of this backup")
+        ->type_name("FILE=N")
+        ->allow_extra_args(false)
+        ->excludes(request);
+    select
+        .add_option("--only", options->shownStates,
+                    "Show only the backups of these states, separated by commas")
+        ->type_name("STATE")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(kStateWords));
+    select.add_flag("--explain", options->explain,
+                    "Say why each backup came to its state and, without a selection, what is short");
+    select.add_flag("--json", options->json, "Show the outcome as one JSON document");
+    select.add_flag("--trace", options->trace,
+                    "Write the library's trace to standard error: level and text, one line a call");
+    select.add_option("--trace-file", options->traceFile, "Write the trace to a file")->type_name("FILE");
+    select.add_option("--svg", options->svgFile, "Draw who holds which target as an SVG picture to a file")
+        ->type_name("FILE");
+    select.add_option("FIID", options->files, "Documents of the earlier backups")
+        ->type_name("")
+        ->excludes(request);
+
+    select.callback([options, &exitStatus] { exitStatus = runSelect(*options); });
+}
+
+}  // namespace fi_rotate

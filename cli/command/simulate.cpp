@@ -1,0 +1,214 @@
+#include "cli/command/simulate.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include <fmt/format.h>
+
+#include "cli/base/calendar.h"
+#include "cli/base/terminal.h"
+#include "cli/command/command.h"
+#include "cli/picture/svg.h"
+#include "cli/simulate/csv.h"
+#include "cli/simulate/json.h"
+#include "cli/simulate/picture.h"
+#include "cli/simulate/report.h"
+#include "cli/simulate/table.h"
+#include "cli/simulate/timeline.h"
+
+namespace fi_rotate {
+namespace {
+
+constexpr const char* kFooter = R"(Example:
+  fi-rotate simulate --config-file examples/resource.conf --rounds 90 --every 24h --start 2026-10-01 --exclude-every 7
+
+Each round is one call of the library with all backups that hold their targets still; then a new backup is taken on
+the targets it chose. A backup that is rotated is gone; one that is excluded stays for good. docs/simulate.md has
+more.
+
+Exit status: 0 the rounds were run, whatever they found; 2 wrong usage, 4 an exception left the library, 1 the
+outcome could not be written, 130 after Ctrl-C, which shows the rounds that were finished.)";
+
+// As shells tell of a program that a signal ended.
+constexpr int kExitSignal = 128;
+
+struct SOptions {
+    // Exactly one of the two is given.
+    std::optional<std::string> configuration;
+    std::optional<std::string> configurationFile;
+    std::size_t rounds = 0;
+    std::string every;
+    std::string start;
+    std::optional<std::size_t> excludedEvery;
+    std::optional<std::string> excludedWeekday;
+    std::optional<std::string> goal;
+    bool json = false;
+    std::optional<std::string> csvFile;
+    std::optional<std::string> svgFile;
+};
+
+template <typename Value>
+Value valueOf(const std::string& option, const std::string& text, const std::optional<Value>& value,
+              const char* wanted) {
+    if (!value.has_value()) {
+        throw CLI::ValidationError(option, quoted(text) + " is not " + wanted);
+    }
+    return *value;
+}
+
+constexpr const char* kDuration = "a whole number with one of the units s, m, h, d, w, like 24h";
+
+SPlan planOf(const SOptions& options) {
+    SPlan plan;
+    plan.configuration = options.configuration.has_value()
+                             ? *options.configuration
+                             : readConfigurationFile(*options.configurationFile);
+    plan.rounds = options.rounds;
+    plan.every = valueOf("--every", options.every, parseDuration(options.every), kDuration);
+    plan.start = valueOf("--start", options.start, parseTime(options.start),
+                         "a date like 2026-10-01 or 2026-10-01T01:30");
+    plan.excludedEvery = options.excludedEvery;
+    if (options.excludedWeekday.has_value()) {
+        plan.excludedWeekday =
+            valueOf("--exclude-weekday", *options.excludedWeekday, parseWeekday(*options.excludedWeekday),
+                    "a day of the week like sunday or sun");
+    }
+    if (static_cast<std::int64_t>(plan.rounds - 1) > (lastTime() - plan.start) / plan.every) {
+        throw CLI::ValidationError("--rounds", "the last round would be after the year 9999");
+    }
+    return plan;
+}
+
+std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
+    if (!options.goal.has_value()) {
+        return std::nullopt;
+    }
+    const std::int64_t days =
+        valueOf("--keep-days", *options.goal, parseDuration(*options.goal + "d"), "a whole number of days");
+    if (days > timeOf(plan, plan.rounds) - plan.start) {
+        throw CLI::ValidationError(
+            "--keep-days", quoted(*options.goal) + " is more than all rounds last; give more --rounds");
+    }
+    return days;
+}
+
+// A fault that came to light in the first call is one of the configuration.
+SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan, const GoOn& goOn) {
+    try {
+        return simulate(plan, goOn);
+    } catch (const std::invalid_argument& fault) {
+        throw CLI::ValidationError(options.configuration.has_value() ? "--config" : "--config-file",
+                                   fault.what());
+    }
+}
+
+SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrupt) {
+    const SPlan plan = planOf(options);
+    SSimulationReport report;
+    report.goal = goalOf(options, plan);
+    CProgress progress;
+    report.simulation = simulateOrRefuse(options, plan, [&](const SSimulation& soFar) {
+        progress.show(soFar.finishedRounds, plan.rounds, "rounds");
+        return !interrupt.signal().has_value();
+    });
+    report.summaries = summarise(report.simulation);
+    if (report.goal.has_value()) {
+        for (const SAccountConfiguration& configuration : report.simulation.configurations) {
+            report.leastTargets.push_back(
+                leastTargets(plan, configuration, *report.goal, [&](std::size_t targets, std::size_t rounds) {
+                    progress.show(rounds, plan.rounds, fmt::format("rounds with {} targets", targets));
+                    return !interrupt.signal().has_value();
+                }));
+        }
+    }
+    return report;
+}
+
+std::string toText(const SSimulationReport& report) {
+    // In a file nothing needs to be cut but the timeline, whose columns have no end.
+    const std::size_t width = widthOfTerminal(STDOUT_FILENO);
+    const std::string timeline = toTimeline(report.simulation, width);
+    return timeline + (timeline.empty() ? "" : "\n") + toSummary(report, widthOfOutput(), wantsColour());
+}
+
+int runSimulate(const SOptions& options) {
+    const CInterrupt interrupt;
+    const auto csv = openOutput("--csv", options.csvFile);
+    const auto svg = openOutput("--svg", options.svgFile);
+    const SSimulationReport report = makeReport(options, interrupt);
+    if ((csv != nullptr && !keep(*csv, toCsv(report.simulation), *options.csvFile)) ||
+        (svg != nullptr && !keep(*svg, toSvg(pictureOf(report.simulation)), *options.svgFile))) {
+        return kExitNotShown;
+    }
+    const std::string shown = options.json ? toJson(report) : toText(report);
+    std::fwrite(shown.data(), 1, shown.size(), stdout);
+    if (!isWritten(stdout, "standard output")) {
+        return kExitNotShown;
+    }
+    const auto signal = interrupt.signal();
+    return signal.has_value() ? kExitSignal + *signal : kExitSelection;
+}
+
+}  // namespace
+
+void addSimulate(CLI::App& app, int& exitStatus) {
+    const auto options = std::make_shared<SOptions>();
+    CLI::App& simulate =
+        *app.add_subcommand("simulate", "Run many rounds and show how long targets keep their snapshots");
+    simulate.footer(kFooter);
+
+    CLI::Option_group& configuration = *simulate.add_option_group("configuration");
+    configuration.add_option("--config", options->configuration, "The resource configuration")
+        ->type_name("TEXT");
+    configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
+        ->type_name("FILE");
+    configuration.require_option(1);
+
+    constexpr std::size_t kMostRounds = 100000000;
+    simulate.add_option("--rounds", options->rounds, "How many rounds")
+        ->type_name("N")
+        ->required()
+        ->check(CLI::Range(std::size_t{1}, kMostRounds));
+    simulate.add_option("--every", options->every, "The time between two rounds")
+        ->type_name("24h")
+        ->required();
+    simulate.add_option("--start", options->start, "The time of the first round, in UTC")
+        ->type_name("DATE")
+        ->required();
+    CLI::Option* const every =
+        simulate
+            .add_option("--exclude-every", options->excludedEvery, "Exclude each K-th round from rotation")
+            ->type_name("K")
+            ->check(CLI::Range(std::size_t{1}, kMostRounds));
+    simulate
+        .add_option("--exclude-weekday", options->excludedWeekday,
+                    "Exclude the rounds of this day of the week from rotation")
+        ->type_name("D")
+        ->excludes(every);
+    simulate
+        .add_option("--keep-days", options->goal,
+                    "Search the least number of targets that keeps every snapshot so many days")
+        ->type_name("GOAL");
+    simulate.add_flag("--json", options->json, "Show the summary as one JSON document");
+    simulate.add_option("--csv", options->csvFile, "Write a line for each round to a file")
+        ->type_name("FILE");
+    simulate.add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")
+        ->type_name("FILE");
+
+    simulate.callback([options, &exitStatus] {
+        try {
+            exitStatus = runSimulate(*options);
+        } catch (const CLibraryFailure& failure) {
+            say(failure.what());
+            exitStatus = kExitException;
+        }
+    });
+}
+
+}  // namespace fi_rotate

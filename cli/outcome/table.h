@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "cli/explain/log.h"
+#include "host/outcome.h"
+
+namespace fi_rotate {
+
+// The outcome for people: the selection, then a row for each backup, or a list where a row would be longer
+// than `width` columns; nothing is cut. With `colour`, states are coloured as well as named.
+std::string toTables(const SOutcome& outcome, std::size_t width, bool colour);
+
+// The same of a call in a log, with where it stands there, what the library told, and what is missing.
+std::string toTables(const SLoggedCall& call, std::size_t width, bool colour);
+
+}  // namespace fi_rotate

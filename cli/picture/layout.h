@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "cli/picture/picture.h"
+
+namespace fi_rotate {
+
+// In pixels.
+constexpr double kPictureMargin = 16;
+constexpr double kPictureLine = 18;
+constexpr double kPictureLane = 16;
+constexpr double kPictureCharacter = 6.7;
+constexpr std::size_t kLongestPictureName = 32;
+
+// The room for time in a picture with so many columns.
+double plotWidth(std::size_t columns);
+
+// How many dates find room beside one another in it.
+std::size_t mostTicks(std::size_t columns);
+
+struct SPlacedRow {
+    double top = 0;
+    double height = 0;
+};
+
+// Where the rows and bars of a picture go. Distances down are from the first group's heading.
+struct SLayout {
+    explicit SLayout(const SPicture& picture);
+
+    // From the left edge.
+    [[nodiscard]] double x(double at) const;
+
+    // The plot begins to the right of the names.
+    double left = 0;
+    double width = 0;
+    double height = 0;
+    std::vector<double> groupTops;
+    // By group and row.
+    std::vector<std::vector<SPlacedRow>> rows;
+    // By bar: bars of one row that overlap in time lie in lanes of their own.
+    std::vector<double> barTops;
+
+private:
+    double from;
+    double to;
+};
+
+}  // namespace fi_rotate

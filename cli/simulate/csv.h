@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+#include "cli/simulate/simulation.h"
+
+namespace fi_rotate {
+
+// A heading and a line for each round: its number and time, whether it was excluded, the rounds whose backups
+// it ended, and what it took of each configuration.
+std::string toCsv(const SSimulation& simulation);
+
+}  // namespace fi_rotate

@@ -1,0 +1,96 @@
+#include "cli/simulate/json.h"
+
+#include <nlohmann/json.hpp>
+
+#include "cli/base/calendar.h"
+#include "cli/base/text.h"
+
+namespace fi_rotate {
+namespace {
+
+// Keys in the order in which they are set.
+using Json = nlohmann::ordered_json;
+
+Json agesOf(const std::optional<SAges>& ages) {
+    if (!ages.has_value()) {
+        return nullptr;
+    }
+    return {{"minimum", ages->minimum}, {"median", ages->median}, {"maximum", ages->maximum}};
+}
+
+Json shortageOf(const SConfigurationSummary& summary) {
+    if (summary.roundsShort == 0) {
+        return nullptr;
+    }
+    Json targets = Json::array();
+    for (const SHeldTarget& held : summary.shortage.targets) {
+        targets.push_back({{"target", asUtf8(held.target)},
+                           {"holder_round", std::stoul(held.holder)},
+                           {"excluded", held.isExcluded}});
+    }
+    return {
+        {"rounds", summary.roundsShort}, {"words", shortageInWords(summary.shortage)}, {"targets", targets}};
+}
+
+Json leastOf(const SLeastTargets& least) {
+    switch (least.search) {
+        case ESearch::kFound:
+            return {{"search", "found"}, {"targets", least.targets}};
+        case ESearch::kNever:
+            return {{"search", "never"}, {"targets", nullptr}};
+        case ESearch::kStopped:
+            return {{"search", "stopped"}, {"targets", nullptr}};
+    }
+    return nullptr;
+}
+
+Json configurationsOf(const SSimulationReport& report) {
+    Json rows = Json::array();
+    for (std::size_t i = 0; i < report.summaries.size(); ++i) {
+        const SConfigurationSummary& summary = report.summaries[i];
+        Json targets = Json::array();
+        for (const std::string& target : report.simulation.configurations[i].targets) {
+            targets.push_back(asUtf8(target));
+        }
+        rows.push_back({
+            {"first", asUtf8(summary.first)},
+            {"targets", targets},
+            {"taken", summary.taken},
+            {"rotated", summary.rotated},
+            {"held", summary.held},
+            {"lost", summary.lost},
+            {"seconds_until_rotated", agesOf(summary.ages)},
+            {"shortage", shortageOf(summary)},
+            {"least_targets", report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
+        });
+    }
+    return rows;
+}
+
+template <typename Value>
+Json orNull(const std::optional<Value>& value) {
+    return value.has_value() ? Json(*value) : Json(nullptr);
+}
+
+}  // namespace
+
+std::string toJson(const SSimulationReport& report) {
+    const SSimulation& simulation = report.simulation;
+    const SPlan& plan = simulation.plan;
+    const auto& standstill = simulation.standstill;
+    const Json document = {
+        {"rounds", plan.rounds},
+        {"finished_rounds", simulation.finishedRounds},
+        {"start", toIsoTime(plan.start)},
+        {"every_seconds", plan.every},
+        {"exclude_every", orNull(plan.excludedEvery)},
+        {"exclude_weekday",
+         plan.excludedWeekday.has_value() ? Json(weekdayName(*plan.excludedWeekday)) : Json(nullptr)},
+        {"keep_seconds", orNull(report.goal)},
+        {"first_round_without_target", standstill.has_value() ? Json(standstill->first) : Json(nullptr)},
+        {"configurations", configurationsOf(report)},
+    };
+    return document.dump(2) + "\n";
+}
+
+}  // namespace fi_rotate

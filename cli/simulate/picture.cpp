@@ -1,0 +1,119 @@
+#include "cli/simulate/picture.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "cli/base/calendar.h"
+#include "cli/picture/layout.h"
+#include "cli/picture/time_axis.h"
+
+namespace fi_rotate {
+namespace {
+
+// The last round that is drawn.
+std::size_t lastRoundOf(const SSimulation& simulation) {
+    if (!simulation.standstill.has_value()) {
+        return simulation.finishedRounds;
+    }
+    const std::size_t first = simulation.standstill->first;
+    constexpr std::size_t kAtLeast = 3;
+    constexpr std::size_t kTwentieth = 20;
+    return std::min(simulation.finishedRounds, first + std::max(kAtLeast, first / kTwentieth));
+}
+
+const char* wordOf(EEnd end) {
+    return end == EEnd::kRotated ? "rotated" : "lost";
+}
+
+std::string titleOf(const SSimulation& simulation, const SSnapshot& snapshot) {
+    const auto& target = simulation.configurations[snapshot.configuration].targets[snapshot.target];
+    const SPlan& plan = simulation.plan;
+    std::string text = fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
+                                   toShownTime(timeOf(plan, snapshot.taken)),
+                                   isExcluded(plan, snapshot.taken) ? ", excluded from rotation" : "");
+    return text + (snapshot.end == EEnd::kHeld
+                       ? "still held"
+                       : fmt::format("{} in round {} after {}", wordOf(snapshot.end), snapshot.ended,
+                                     toShownDays((snapshot.ended - snapshot.taken) * plan.every)));
+}
+
+EBar kindOf(const SSimulation& simulation, const SSnapshot& snapshot) {
+    if (snapshot.end == EEnd::kLost) {
+        return EBar::kInvalid;
+    }
+    return isExcluded(simulation.plan, snapshot.taken) ? EBar::kExcluded : EBar::kPlain;
+}
+
+SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, double end) {
+    SBar bar;
+    bar.group = snapshot.configuration;
+    bar.row = snapshot.target;
+    bar.from = static_cast<double>(timeOf(simulation.plan, snapshot.taken));
+    bar.isOpen = snapshot.end == EEnd::kHeld;
+    bar.to = bar.isOpen ? end : static_cast<double>(timeOf(simulation.plan, snapshot.ended));
+    bar.kind = kindOf(simulation, snapshot);
+    bar.name = fmt::to_string(snapshot.taken);
+    bar.title = titleOf(simulation, snapshot);
+    return bar;
+}
+
+std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t last) {
+    const SPlan& plan = simulation.plan;
+    const std::string rounds = simulation.finishedRounds < plan.rounds
+                                   ? fmt::format("{} of {} rounds", simulation.finishedRounds, plan.rounds)
+                                   : fmt::format("{} rounds", plan.rounds);
+    std::vector<std::string> remarks{
+        fmt::format("{} from {} on, every {}; the number in a bar is its round's", rounds,
+                    toShownTime(plan.start), toShownDuration(plan.every))};
+    if (last < simulation.finishedRounds) {
+        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out", last + 1,
+                                      simulation.finishedRounds));
+    }
+    return remarks;
+}
+
+bool hasKind(const SPicture& picture, EBar kind) {
+    return std::any_of(picture.bars.begin(), picture.bars.end(),
+                       [kind](const SBar& bar) { return bar.kind == kind; });
+}
+
+}  // namespace
+
+SPicture pictureOf(const SSimulation& simulation) {
+    const SPlan& plan = simulation.plan;
+    const std::size_t last = lastRoundOf(simulation);
+    const std::int64_t end = timeOf(plan, last + 1);
+    SPicture picture;
+    picture.title = "Which snapshot holds which target";
+    picture.remarks = remarksOn(simulation, last);
+    picture.timeLabel = "time (UTC)";
+    picture.rowLabel = "targets";
+    picture.from = static_cast<double>(plan.start);
+    picture.to = static_cast<double>(end);
+    picture.columns = std::max<std::size_t>(last, 1);
+    picture.ticks = timeTicks(plan.start, end, mostTicks(picture.columns));
+    for (const SAccountConfiguration& configuration : simulation.configurations) {
+        SPictureGroup& group = picture.groups.emplace_back();
+        group.name = configuration.first;
+        for (const std::string& target : configuration.targets) {
+            group.rows.push_back({target, false});
+        }
+    }
+    for (const SSnapshot& snapshot : simulation.snapshots) {
+        picture.bars.push_back(barOf(simulation, snapshot, picture.to));
+    }
+    picture.plainMeaning =
+        hasKind(picture, EBar::kPlain) ? "a snapshot, from its taking to its rotation" : "";
+    picture.excludedMeaning = hasKind(picture, EBar::kExcluded) ? "excluded from rotation" : "";
+    picture.invalidMeaning =
+        hasKind(picture, EBar::kInvalid) ? "lost: a later round was given its target" : "";
+    picture.openMeaning = picture.bars.empty() ? "" : "still held in the end";
+    if (simulation.standstill.has_value()) {
+        picture.lineAt = static_cast<double>(timeOf(plan, simulation.standstill->first));
+        picture.lineLabel = "no target";
+    }
+    return picture;
+}
+
+}  // namespace fi_rotate

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/simulate/simulation.h"
+#include "cli/simulate/target_search.h"
+
+namespace fi_rotate {
+
+// In seconds; the median of an even number lies half-way between the two in the middle.
+struct SAges {
+    std::int64_t minimum = 0;
+    std::int64_t median = 0;
+    std::int64_t maximum = 0;
+};
+
+// What many rounds came to for one configuration.
+struct SConfigurationSummary {
+    std::string first;
+    std::size_t targets = 0;
+    std::size_t taken = 0;
+    std::size_t rotated = 0;
+    std::size_t lost = 0;
+    std::size_t held = 0;
+    // Of snapshots when they were rotated; nothing when none was.
+    std::optional<SAges> ages;
+    // Rounds in which this configuration was short.
+    std::size_t roundsShort = 0;
+    // Why; its target list is empty when it was never short or has no further targets.
+    SShortage shortage;
+};
+
+std::vector<SConfigurationSummary> summarise(const SSimulation& simulation);
+
+// A shortage as a sentence without a full stop: "all 10 targets are held by excluded backups".
+std::string shortageInWords(const SShortage& shortage);
+
+// What every form of output of `simulate` shows.
+struct SSimulationReport {
+    SSimulation simulation;
+    // One for each configuration.
+    std::vector<SConfigurationSummary> summaries;
+    // In seconds.
+    std::optional<std::int64_t> goal;
+    // One for each configuration when there is a goal.
+    std::vector<SLeastTargets> leastTargets;
+};
+
+}  // namespace fi_rotate

@@ -1,0 +1,253 @@
+#include "cli/simulate/simulation.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "cli/base/calendar.h"
+#include "cli/base/file.h"
+#include "cli/base/text.h"
+#include "cli/base/xml_reader.h"
+#include "host/library_call.h"
+
+namespace fi_rotate {
+namespace {
+
+// Without a Node it takes no part; but a call that is handed a document traces its configuration.
+constexpr const char* kDocumentWithoutNode = "<snapshotBackup/>\n";
+
+SOutcome call(SCall arguments, bool wantsAccount) {
+    SOutcome outcome = runCall(std::move(arguments), {}, wantsAccount);
+    if (outcome.exception.has_value()) {
+        throw CLibraryFailure("an exception left the library: " + outcome.exception->reason);
+    }
+    return outcome;
+}
+
+// The account of a call without earlier backups.
+SAccount accountOfFirstCall(const std::string& configuration, const CTemporaryFolder& folder) {
+    SCall arguments;
+    arguments.configuration = configuration;
+    arguments.backups.emplace_back().file = folder.write("none.xml", kDocumentWithoutNode);
+    SOutcome outcome = call(std::move(arguments), true);
+    for (const std::string& message : outcome.messages) {
+        if (startsWith(message, "CFiResourceParser")) {
+            throw std::invalid_argument(asPrintable(message));
+        }
+    }
+    return std::move(*outcome.account);
+}
+
+struct SLiveBackup {
+    std::size_t round = 0;
+    std::string file;
+    // Its snapshots are one after another, one for each configuration.
+    std::size_t firstSnapshot = 0;
+};
+
+class CRounds {
+public:
+    explicit CRounds(const SPlan& plan) {
+        simulation.plan = plan;
+        firstCall = accountOfFirstCall(plan.configuration, folder);
+        simulation.configurations = firstCall.configurations;
+    }
+
+    SSimulation run(const GoOn& goOn) {
+        while (simulation.finishedRounds < simulation.plan.rounds && goOn(simulation)) {
+            runRound(simulation.finishedRounds + 1);
+            ++simulation.finishedRounds;
+        }
+        return std::move(simulation);
+    }
+
+private:
+    [[nodiscard]] SCall callOfLive() const {
+        SCall arguments;
+        arguments.configuration = simulation.plan.configuration;
+        for (const SLiveBackup& backup : live) {
+            SBackup& handedOver = arguments.backups.emplace_back();
+            handedOver.file = backup.file;
+            // A call overwrites the word with the state, so it is set again for each.
+            handedOver.flagWord = isExcluded(simulation.plan, backup.round) ? FI_EXCLUDE_ROTATION : 0;
+        }
+        return arguments;
+    }
+
+    void runRound(std::size_t round) {
+        const SOutcome outcome = call(callOfLive(), false);
+        if (!outcome.selection.has_value()) {
+            if (!simulation.standstill.has_value()) {
+                simulation.standstill = SStandstill{round, shortages()};
+            }
+            return;
+        }
+        const auto chosen = choices(*outcome.selection);
+        if (!chosen.has_value()) {
+            throw std::invalid_argument("names in it hold \"][\", so that a selection cannot be taken apart");
+        }
+        dropEnded(outcome, round);
+        take(*chosen, round);
+    }
+
+    [[nodiscard]] std::vector<SShortage> shortages() const {
+        if (live.empty()) {
+            return firstCall.shortages;
+        }
+        std::vector<SShortage> found = call(callOfLive(), true).account->shortages;
+        for (SShortage& shortage : found) {
+            for (SHeldTarget& held : shortage.targets) {
+                const auto holder =
+                    std::find_if(live.begin(), live.end(),
+                                 [&held](const SLiveBackup& backup) { return backup.file == held.holder; });
+                held.holder = holder != live.end() ? fmt::to_string(holder->round) : held.holder;
+            }
+        }
+        return found;
+    }
+
+    void dropEnded(const SOutcome& outcome, std::size_t round) {
+        std::vector<SLiveBackup> kept;
+        for (std::size_t i = 0; i < live.size(); ++i) {
+            if (!outcome.backups[i].state.has_value()) {
+                throw CLibraryFailure("the library did not load \"" + live[i].file + "\"");
+            }
+            switch (*outcome.backups[i].state) {
+                case FI_BACKUP_ROTATED:
+                    end(live[i], round, EEnd::kRotated);
+                    break;
+                case FI_BACKUP_INVALID:
+                    end(live[i], round, EEnd::kLost);
+                    break;
+                default:
+                    kept.push_back(std::move(live[i]));
+            }
+        }
+        live = std::move(kept);
+    }
+
+    void end(const SLiveBackup& backup, std::size_t round, EEnd how) {
+        unlink(backup.file.c_str());
+        for (std::size_t i = 0; i < simulation.configurations.size(); ++i) {
+            end(simulation.snapshots[backup.firstSnapshot + i], round, how);
+        }
+    }
+
+    void end(SSnapshot& snapshot, std::size_t round, EEnd how) {
+        if (snapshot.end != EEnd::kHeld) {
+            return;
+        }
+        snapshot.ended = static_cast<std::uint32_t>(round);
+        snapshot.end = how;
+        if (how == EEnd::kRotated) {
+            const std::size_t held = round - snapshot.taken;
+            simulation.fewestRoundsHeld = std::min(held, simulation.fewestRoundsHeld.value_or(held));
+        } else {
+            simulation.hasLost = true;
+        }
+    }
+
+    void take(const std::vector<SChoice>& chosen, std::size_t round) {
+        SLiveBackup backup;
+        backup.round = round;
+        backup.firstSnapshot = simulation.snapshots.size();
+        for (std::size_t i = 0; i < chosen.size(); ++i) {
+            const auto& targets = simulation.configurations[i].targets;
+            const auto place = std::find(targets.begin(), targets.end(), chosen[i].chosen);
+            SSnapshot snapshot;
+            snapshot.configuration = static_cast<std::uint32_t>(i);
+            snapshot.target = static_cast<std::uint32_t>(place - targets.begin());
+            snapshot.taken = static_cast<std::uint32_t>(round);
+            overwriteHolder(snapshot);
+            simulation.snapshots.push_back(snapshot);
+        }
+        backup.file = folder.write(fmt::format("round-{}.xml", round),
+                                   toDocument(toTimeStamp(timeOf(simulation.plan, round)), chosen));
+        live.push_back(std::move(backup));
+    }
+
+    // In a configuration that names a target twice, the library chooses it although it is held.
+    void overwriteHolder(const SSnapshot& next) {
+        for (const SLiveBackup& backup : live) {
+            SSnapshot& held = simulation.snapshots[backup.firstSnapshot + next.configuration];
+            if (held.target == next.target) {
+                end(held, next.taken, EEnd::kLost);
+            }
+        }
+    }
+
+    CXmlLibrary xmlLibrary;
+    CTemporaryFolder folder;
+    SAccount firstCall;
+    SSimulation simulation;
+    std::vector<SLiveBackup> live;
+};
+
+constexpr std::string_view kSectionEnd = "]]>";
+
+// Characters that no XML document can hold, in whatever form.
+bool canStandInXml(const std::string& text) {
+    const auto isControl = [](char character) {
+        return character >= '\0' && character < ' ' && character != '\t';
+    };
+    return asUtf8(text) == text && std::none_of(text.begin(), text.end(), isControl) &&
+           text.find("\xEF\xBF\xBE") == std::string::npos && text.find("\xEF\xBF\xBF") == std::string::npos;
+}
+
+// A reference would end the piece of text before it, and the library takes the last piece for the whole. So a
+// name with a character of markup stands in a CDATA section.
+std::string asOnePiece(const std::string& text) {
+    const bool needsSection = text.find_first_of("<&") != std::string::npos;
+    const bool holdsSectionEnd = text.find(kSectionEnd) != std::string::npos;
+    if (!canStandInXml(text) || holdsSectionEnd) {
+        throw std::invalid_argument(fmt::format("\"{}\" cannot stand in an XML document", asPrintable(text)));
+    }
+    return needsSection ? fmt::format("<![CDATA[{}]]>", text) : text;
+}
+
+std::string identifier(const std::string& target) {
+    return asOnePiece("UDID##EXAMPLE##ARRAY##" + target);
+}
+
+}  // namespace
+
+std::int64_t timeOf(const SPlan& plan, std::size_t round) {
+    return plan.start + static_cast<std::int64_t>(round - 1) * plan.every;
+}
+
+bool isExcluded(const SPlan& plan, std::size_t round) {
+    if (plan.excludedEvery.has_value()) {
+        return round % *plan.excludedEvery == 0;
+    }
+    return plan.excludedWeekday.has_value() && weekdayOf(timeOf(plan, round)) == *plan.excludedWeekday;
+}
+
+SSimulation simulate(const SPlan& plan, const GoOn& goOn) {
+    return CRounds(plan).run(goOn);
+}
+
+std::string toDocument(const std::string& timeStamp, const std::vector<SChoice>& choices) {
+    std::string text = fmt::format(
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<snapshotBackup>\n"
+        "  <Node>\n"
+        "    <timeStamp>{}</timeStamp>\n",
+        timeStamp);
+    for (const SChoice& choice : choices) {
+        text += fmt::format(
+            "    <Node>\n"
+            "      <objid>{}</objid>\n"
+            "      <altobjid>{}</altobjid>\n"
+            "    </Node>\n",
+            identifier(choice.first), identifier(choice.chosen));
+    }
+    return text + "  </Node>\n</snapshotBackup>\n";
+}
+
+}  // namespace fi_rotate

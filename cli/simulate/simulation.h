@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/account.h"
+#include "host/outcome.h"
+
+// Many rounds of the library, each with the backups that the rounds before it left.
+namespace fi_rotate {
+
+struct SPlan {
+    std::string configuration;
+    std::size_t rounds = 0;
+    // Seconds between two rounds.
+    std::int64_t every = 0;
+    // The time of the first round.
+    std::int64_t start = 0;
+    // At most one of the two: every K-th round, and the rounds of a day of the week, are excluded from
+    // rotation.
+    std::optional<std::size_t> excludedEvery;
+    std::optional<int> excludedWeekday;
+};
+
+// Rounds are counted from 1.
+std::int64_t timeOf(const SPlan& plan, std::size_t round);
+bool isExcluded(const SPlan& plan, std::size_t round);
+
+enum class EEnd : std::uint8_t {
+    kHeld,
+    kRotated,
+    // A later round was given its target, or the library called the backup invalid.
+    kLost,
+};
+
+// What one round took of one configuration.
+struct SSnapshot {
+    // Places in SSimulation::configurations and in its targets.
+    std::uint32_t configuration = 0;
+    std::uint32_t target = 0;
+    std::uint32_t taken = 0;
+    // The round that ended it; 0 while it is held.
+    std::uint32_t ended = 0;
+    EEnd end = EEnd::kHeld;
+};
+
+// A call without a selection leaves every backup as it was, so the next round finds the same: from the first
+// round without a target on there is none in any round.
+struct SStandstill {
+    std::size_t first = 0;
+    // A holder in it is the number of its round.
+    std::vector<SShortage> shortages;
+};
+
+struct SSimulation {
+    SPlan plan;
+    std::vector<SAccountConfiguration> configurations;
+    // Fewer than planned when somebody stopped it.
+    std::size_t finishedRounds = 0;
+    // In the order of taking.
+    std::vector<SSnapshot> snapshots;
+    std::optional<SStandstill> standstill;
+    // Of those that were rotated.
+    std::optional<std::size_t> fewestRoundsHeld;
+    bool hasLost = false;
+};
+
+// Asked before each round with what came of those before; false ends the simulation there.
+using GoOn = std::function<bool(const SSimulation&)>;
+
+// An exception left the library.
+class CLibraryFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Throws std::invalid_argument when the configuration is rejected or a name in it cannot be written into a
+// document, CLibraryFailure, and std::system_error when a document cannot be written.
+SSimulation simulate(const SPlan& plan, const GoOn& goOn);
+
+// The document of a backup that took its snapshots on the chosen targets, as a host writes it: a Node with
+// the time stamp, and in it one Node for each configuration. Throws std::invalid_argument when a name cannot
+// stand in a document in one piece, without which the library would read another name.
+std::string toDocument(const std::string& timeStamp, const std::vector<SChoice>& choices);
+
+}  // namespace fi_rotate

@@ -1,0 +1,82 @@
+#include "cli/simulate/target_search.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace fi_rotate {
+namespace {
+
+std::string withTargets(const SAccountConfiguration& configuration, std::size_t count) {
+    std::vector<std::string> targets = configuration.targets;
+    for (std::size_t number = 1; targets.size() < count; ++number) {
+        const std::string invented = fmt::format("SPARE##{}", number);
+        if (std::find(targets.begin(), targets.end(), invented) == targets.end()) {
+            targets.push_back(invented);
+        }
+    }
+    targets.resize(count);
+    return fmt::format("{};{}", configuration.first, fmt::join(targets, ";"));
+}
+
+class CSearch {
+public:
+    CSearch(SPlan rounds, const SAccountConfiguration& one, std::int64_t goalInSeconds,
+            const GoOnSearch& observer)
+        : plan(std::move(rounds)), configuration(one), goal(goalInSeconds), goOn(observer) {}
+
+    SLeastTargets run() {
+        std::size_t tooFew = 0;
+        std::size_t enough = 1;
+        while (!meetsGoal(enough)) {
+            // With a target for each round nothing needs to be rotated.
+            if (isStopped || enough >= plan.rounds) {
+                return {isStopped ? ESearch::kStopped : ESearch::kNever, 0};
+            }
+            tooFew = enough;
+            enough = std::min(2 * enough, plan.rounds);
+        }
+        while (tooFew + 1 < enough) {
+            const std::size_t middle = tooFew + (enough - tooFew) / 2;
+            (meetsGoal(middle) ? enough : tooFew) = middle;
+        }
+        return {isStopped ? ESearch::kStopped : ESearch::kFound, enough};
+    }
+
+private:
+    bool meetsGoal(std::size_t targets) {
+        if (isStopped) {
+            return false;
+        }
+        plan.configuration = withTargets(configuration, targets);
+        const SSimulation simulation = simulate(plan, [&](const SSimulation& soFar) {
+            isStopped = isStopped || !goOn(targets, soFar.finishedRounds);
+            return !isStopped && !isMissed(soFar);
+        });
+        return !isStopped && !isMissed(simulation);
+    }
+
+    [[nodiscard]] bool isMissed(const SSimulation& simulation) const {
+        const auto& youngest = simulation.fewestRoundsHeld;
+        const bool isTooYoung =
+            youngest.has_value() && static_cast<std::int64_t>(*youngest) * plan.every < goal;
+        return simulation.standstill.has_value() || simulation.hasLost || isTooYoung;
+    }
+
+    SPlan plan;
+    const SAccountConfiguration& configuration;
+    std::int64_t goal;
+    const GoOnSearch& goOn;
+    bool isStopped = false;
+};
+
+}  // namespace
+
+SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
+                           const GoOnSearch& goOn) {
+    return CSearch(plan, configuration, goal, goOn).run();
+}
+
+}  // namespace fi_rotate

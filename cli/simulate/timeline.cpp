@@ -1,0 +1,203 @@
+#include "cli/simulate/timeline.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "cli/base/columns.h"
+#include "cli/base/text.h"
+
+namespace fi_rotate {
+namespace {
+
+constexpr std::size_t kLetters = 26;
+constexpr std::size_t kFewestColumns = 10;
+// Rounds without a target are all alike; so many are shown.
+constexpr std::size_t kStandstillColumns = 3;
+constexpr char kFree = '.';
+constexpr char kNoTarget = '!';
+
+// Letters as numbers from 0 on, one for each backup.
+class CLetters {
+public:
+    // One that no backup before it had on a target that it takes; and, as long as there are enough, one that
+    // no other backup has while this one is there.
+    std::size_t next(std::size_t taken, std::size_t ended, const std::set<std::size_t>& before) {
+        last = find(taken, before);
+        busyUntil[last] = std::max(busyUntil[last], ended);
+        return last;
+    }
+
+private:
+    [[nodiscard]] std::size_t find(std::size_t taken, const std::set<std::size_t>& before) const {
+        std::optional<std::size_t> shared;
+        for (std::size_t step = 1; step <= kLetters; ++step) {
+            const std::size_t letter = (last + step) % kLetters;
+            if (before.count(letter) != 0) {
+                continue;
+            }
+            if (busyUntil[letter] < taken) {
+                return letter;
+            }
+            shared = shared.value_or(letter);
+        }
+        return shared.value_or(last);
+    }
+
+    std::vector<std::size_t> busyUntil = std::vector<std::size_t>(kLetters, 0);
+    std::size_t last = kLetters - 1;
+};
+
+std::size_t endOf(const SSnapshot& snapshot) {
+    return snapshot.end == EEnd::kHeld ? std::numeric_limits<std::size_t>::max() : snapshot.ended;
+}
+
+struct SWindow {
+    std::size_t first = 1;
+    std::size_t last = 0;
+};
+
+// The last rounds that fit, but for those at the end that found no target.
+SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
+    SWindow window;
+    window.last = simulation.finishedRounds;
+    if (simulation.standstill.has_value()) {
+        window.last = std::min(window.last, simulation.standstill->first + kStandstillColumns - 1);
+    }
+    window.first = window.last > columns ? window.last - columns + 1 : 1;
+    return window;
+}
+
+// The letter of each backup, in the order of taking.
+std::vector<char> lettersOf(const SSimulation& simulation) {
+    const std::size_t count = simulation.configurations.size();
+    // By configuration and target.
+    std::map<std::pair<std::size_t, std::size_t>, std::size_t> lastOn;
+    CLetters letters;
+    std::vector<char> result;
+    // A backup has one snapshot for each configuration, one after another.
+    for (std::size_t i = 0; i < simulation.snapshots.size(); i += count) {
+        std::set<std::size_t> before;
+        std::size_t ended = 0;
+        for (std::size_t j = i; j < i + count; ++j) {
+            const SSnapshot& snapshot = simulation.snapshots[j];
+            const auto last = lastOn.find({snapshot.configuration, snapshot.target});
+            if (last != lastOn.end()) {
+                before.insert(last->second);
+            }
+            ended = std::max(ended, endOf(snapshot));
+        }
+        const std::size_t taken = simulation.snapshots[i].taken;
+        const std::size_t letter = letters.next(taken, ended, before);
+        for (std::size_t j = i; j < i + count; ++j) {
+            const SSnapshot& snapshot = simulation.snapshots[j];
+            lastOn[{snapshot.configuration, snapshot.target}] = letter;
+        }
+        result.push_back(
+            static_cast<char>((isExcluded(simulation.plan, taken) ? 'A' : 'a') + static_cast<char>(letter)));
+    }
+    return result;
+}
+
+// By configuration and target, a character for each round of the window.
+std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation, const SWindow& window) {
+    const std::size_t columns = window.last - window.first + 1;
+    std::vector<std::vector<std::string>> cells;
+    for (const SAccountConfiguration& configuration : simulation.configurations) {
+        cells.emplace_back(configuration.targets.size(), std::string(columns, kFree));
+    }
+    const std::vector<char> letters = lettersOf(simulation);
+    for (std::size_t i = 0; i < simulation.snapshots.size(); ++i) {
+        const SSnapshot& snapshot = simulation.snapshots[i];
+        const std::size_t from = std::max<std::size_t>(snapshot.taken, window.first);
+        const std::size_t to = std::min(endOf(snapshot), window.last + 1);
+        if (from < to) {
+            cells[snapshot.configuration][snapshot.target].replace(from - window.first, to - from, to - from,
+                                                                   letters[i / cells.size()]);
+        }
+    }
+    return cells;
+}
+
+std::string heading(const SSimulation& simulation, const SWindow& window) {
+    std::string text = fmt::format("Rounds {} to {}, a column each\n", window.first, window.last);
+    if (window.first > 1) {
+        text += fmt::format("  left out for want of room: 1 to {}\n", window.first - 1);
+    }
+    if (window.last < simulation.finishedRounds) {
+        text += fmt::format("  left out, since they found no target either: {} to {}\n", window.last + 1,
+                            simulation.finishedRounds);
+    }
+    return text;
+}
+
+// The number of every tenth round, above its column, where it has room.
+std::string ruler(const SWindow& window) {
+    constexpr std::size_t kEvery = 10;
+    const std::size_t columns = window.last + 1 - window.first;
+    std::string line;
+    for (std::size_t round = window.first; round <= window.last; ++round) {
+        const std::size_t column = round - window.first;
+        const std::string number = fmt::to_string(round);
+        if (column % kEvery == 0 && (column == 0 || column + number.size() <= columns)) {
+            line.append(column - line.size(), ' ').append(number);
+        }
+    }
+    return line;
+}
+
+std::size_t longestName(const SSimulation& simulation) {
+    std::size_t longest = std::string_view("(no target)").size();
+    for (const SAccountConfiguration& configuration : simulation.configurations) {
+        for (const std::string& target : configuration.targets) {
+            longest = std::max(longest, displayWidth(asPrintable(target)));
+        }
+    }
+    return longest;
+}
+
+}  // namespace
+
+std::string toTimeline(const SSimulation& simulation, std::size_t width) {
+    constexpr std::size_t kIndent = 4;
+    constexpr std::size_t kGap = 2;
+    const std::size_t label =
+        std::min(longestName(simulation), std::max(width / 3, kIndent + kGap) - kIndent);
+    const std::size_t taken = kIndent + label + kGap;
+    const std::size_t columns = width > taken + kFewestColumns ? width - taken : kFewestColumns;
+    const SWindow window = windowOf(simulation, columns);
+    if (window.last == 0) {
+        return "";
+    }
+
+    const auto line = [&](const std::string& name, const std::string& cells) {
+        const std::string shown = cutTo(asPrintable(name), label);
+        return fmt::format("{:{}}{}{:{}}{}\n", "", kIndent, shown, "", label - displayWidth(shown) + kGap,
+                           cells);
+    };
+    std::string text = heading(simulation, window);
+    text += line("", ruler(window));
+    const auto cells = cellsOf(simulation, window);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const SAccountConfiguration& configuration = simulation.configurations[i];
+        text += "  " + cutTo(asPrintable(configuration.first), width - 2) + "\n";
+        for (std::size_t target = 0; target < cells[i].size(); ++target) {
+            text += line(configuration.targets[target], cells[i][target]);
+        }
+    }
+    if (simulation.standstill.has_value()) {
+        const std::size_t first = std::max(simulation.standstill->first, window.first);
+        text += line("(no target)", std::string(first - window.first, ' ') +
+                                        std::string(window.last + 1 - first, kNoTarget));
+    }
+    return text + "  letter: a backup that holds the target; capital: an excluded one; .: free\n";
+}
+
+}  // namespace fi_rotate

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What the library's trace says happened in one call, and why. Nothing is decided here: every verdict and
+// every state is one that the library traced; only the names in a reason are looked up.
+namespace fi_rotate {
+
+// Targets are written ENCLOSURE##DEVICE.
+struct SAccountConfiguration {
+    std::string first;
+    std::vector<std::string> targets;
+};
+
+enum class EReason {
+    // Nothing had to be released, and it is the newest that holds its targets.
+    kNewestHolder,
+    // The same, and it holds none.
+    kHoldsNothing,
+    // Its flag word excludes it; `configuration` was short of a target when its turn came.
+    kExcluded,
+    // Every configuration had a free target again before its turn came.
+    kRotationStopped,
+    // `configuration` had no free target, and it was the oldest that could be released.
+    kNeeded,
+    // The pair of `objid` and `altobjid` names no target of `configuration`.
+    kUnknownTarget,
+    // `objid` names no configuration.
+    kUnknownConfiguration,
+    // `target` of `configuration` was held by `backup` already; by another pair of the same backup when that
+    // is
+    // empty.
+    kHeldAlready,
+};
+
+struct SReason {
+    EReason kind = EReason::kNewestHolder;
+    std::string configuration;
+    std::string target;
+    std::string backup;
+    std::string objid;
+    std::string altobjid;
+    // What a kept backup holds.
+    std::vector<std::string> targets;
+};
+
+struct SAccountBackup {
+    std::string file;
+    // objid to altobjid.
+    std::map<std::string, std::string> pairs;
+    // Told only of a backup that passed the check.
+    std::string timeStamp;
+    // FI_BACKUP_...; in a call without a selection the one that it had come to.
+    std::int32_t state = 0;
+    // Nothing when the call ended before one was known, or lines of its trace are missing.
+    std::optional<SReason> reason;
+};
+
+struct SHeldTarget {
+    std::string target;
+    std::string holder;
+    // The holder is excluded from rotation; otherwise it is invalid and never released.
+    bool isExcluded = false;
+};
+
+// A configuration that has no free target in the end.
+struct SShortage {
+    std::string configuration;
+    std::vector<SHeldTarget> targets;
+};
+
+struct SAccount {
+    std::vector<SAccountConfiguration> configurations;
+    // In the order of loading.
+    std::vector<SAccountBackup> backups;
+    // The library traces it for a call with earlier backups only.
+    std::optional<std::string> selection;
+    std::vector<SShortage> shortages;
+};
+
+// "newest_holder" and so on: a stable name for programs.
+std::string_view nameOf(EReason kind);
+
+// A reason as a sentence without a full stop.
+std::string inWords(const SReason& reason);
+
+}  // namespace fi_rotate

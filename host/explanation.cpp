@@ -1,0 +1,238 @@
+#include "host/explanation.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "host/identifier.h"
+
+namespace fi_rotate {
+namespace {
+
+// Who holds which target, replayed from the library's verdicts.
+class CHolders {
+public:
+    explicit CHolders(const std::vector<SAccountConfiguration>& all) : configurations(all) {
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            byFirst[all[i].first].push_back(i);
+            holders.emplace_back(all[i].targets.size());
+        }
+    }
+
+    struct SPlace {
+        std::size_t configuration = 0;
+        std::size_t target = 0;
+    };
+
+    // Of several configurations or targets of one name the first is meant.
+    std::optional<SPlace> find(const std::string& objid, const std::string& altobjid) const {
+        const auto named = byFirst.find(targetOf(objid));
+        if (named == byFirst.end()) {
+            return std::nullopt;
+        }
+        const std::string target = targetOf(altobjid);
+        for (const std::size_t i : named->second) {
+            const auto& targets = configurations[i].targets;
+            const auto found = std::find(targets.begin(), targets.end(), target);
+            if (found != targets.end()) {
+                return SPlace{i, static_cast<std::size_t>(found - targets.begin())};
+            }
+        }
+        return std::nullopt;
+    }
+
+    bool isConfigured(const std::string& objid) const { return byFirst.count(targetOf(objid)) != 0; }
+
+    std::string& holder(const SPlace& place) { return holders[place.configuration][place.target]; }
+
+    // The first configuration without a free target.
+    std::optional<std::size_t> firstShort() const {
+        for (std::size_t i = 0; i < holders.size(); ++i) {
+            if (isShort(i)) {
+                return i;
+            }
+        }
+        return std::nullopt;
+    }
+
+    bool isShort(std::size_t configuration) const {
+        const auto& row = holders[configuration];
+        return std::none_of(row.begin(), row.end(), [](const std::string& holder) { return holder.empty(); });
+    }
+
+    const std::vector<std::string>& holdersOf(std::size_t configuration) const {
+        return holders[configuration];
+    }
+
+private:
+    const std::vector<SAccountConfiguration>& configurations;
+    std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
+    // By configuration and target; an empty name when it is free.
+    std::vector<std::vector<std::string>> holders;
+};
+
+// Goes through the passes again and writes down why each backup came to its state.
+class CExplanation {
+public:
+    explicit CExplanation(CAccountReader reader) : passes(std::move(reader)) {}
+
+    SAccount explain() {
+        if (!passes.gaps().empty()) {
+            return std::move(passes.account);
+        }
+        explainChecks();
+        explainClaims();
+        if (passes.account.selection.has_value() || passes.isWithoutSelection) {
+            explainRotation();
+        }
+        if (passes.isWithoutSelection) {
+            listShortages();
+        }
+        return std::move(passes.account);
+    }
+
+private:
+    SAccountBackup& backup(std::size_t place) { return passes.account.backups[place]; }
+
+    const std::string& nameOf(std::size_t configuration) const {
+        return passes.account.configurations[configuration].first;
+    }
+
+    void explainChecks() {
+        for (const std::size_t place : passes.failedCheck) {
+            for (const auto& [objid, altobjid] : backup(place).pairs) {
+                if (holders.find(objid, altobjid).has_value()) {
+                    continue;
+                }
+                SReason reason;
+                reason.kind =
+                    holders.isConfigured(objid) ? EReason::kUnknownTarget : EReason::kUnknownConfiguration;
+                reason.configuration = targetOf(objid);
+                reason.objid = objid;
+                reason.altobjid = altobjid;
+                backup(place).reason = reason;
+                break;
+            }
+        }
+    }
+
+    void explainClaims() {
+        for (const auto& [place, isGood] : passes.claims) {
+            std::set<const std::string*> own;
+            for (const auto& [objid, altobjid] : backup(place).pairs) {
+                const auto found = holders.find(objid, altobjid);
+                if (!found.has_value()) {
+                    continue;
+                }
+                std::string& holder = holders.holder(*found);
+                if (holder.empty()) {
+                    holder = backup(place).file;
+                    own.insert(&holder);
+                } else if (!isGood && !backup(place).reason.has_value()) {
+                    SReason reason;
+                    reason.kind = EReason::kHeldAlready;
+                    reason.configuration = nameOf(found->configuration);
+                    reason.target = targetOf(altobjid);
+                    reason.backup = own.count(&holder) != 0 ? "" : holder;
+                    backup(place).reason = reason;
+                }
+            }
+        }
+    }
+
+    void explainRotation() {
+        const bool wasNeeded = holders.firstShort().has_value();
+        for (const std::size_t place : rotationOrder()) {
+            if (backup(place).reason.has_value()) {
+                continue;
+            }
+            const bool isSkipped = passes.skipped.count(place) != 0;
+            const auto shortOne = holders.firstShort();
+            SReason reason;
+            reason.targets = targetsOf(place);
+            reason.configuration = shortOne.has_value() ? nameOf(*shortOne) : "";
+            if (isSkipped) {
+                reason.kind = EReason::kExcluded;
+            } else if (backup(place).state == FI_BACKUP_ROTATED) {
+                reason.kind = EReason::kNeeded;
+                release(place);
+            } else if (reason.targets.empty()) {
+                reason.kind = EReason::kHoldsNothing;
+            } else {
+                reason.kind = wasNeeded ? EReason::kRotationStopped : EReason::kNewestHolder;
+            }
+            backup(place).reason = reason;
+        }
+    }
+
+    // Oldest first. Without a selection every backup that was still in play and not excluded was released,
+    // and the trace does not tell in which order; the claims went from the newest to the oldest.
+    std::vector<std::size_t> rotationOrder() {
+        if (passes.account.selection.has_value()) {
+            return passes.oldestFirst;
+        }
+        std::vector<std::size_t> order;
+        for (auto claim = passes.claims.rbegin(); claim != passes.claims.rend(); ++claim) {
+            const auto [place, isGood] = *claim;
+            order.push_back(place);
+            const bool isSkipped = passes.skipped.count(place) != 0;
+            if (isGood && !isSkipped) {
+                backup(place).state = FI_BACKUP_ROTATED;
+            }
+        }
+        return order;
+    }
+
+    std::vector<std::string> targetsOf(std::size_t place) {
+        std::vector<std::string> targets;
+        for (const auto& [objid, altobjid] : backup(place).pairs) {
+            targets.push_back(targetOf(altobjid));
+        }
+        return targets;
+    }
+
+    void release(std::size_t place) {
+        for (const auto& [objid, altobjid] : backup(place).pairs) {
+            if (const auto found = holders.find(objid, altobjid)) {
+                holders.holder(*found).clear();
+            }
+        }
+    }
+
+    void listShortages() {
+        for (std::size_t i = 0; i < passes.account.configurations.size(); ++i) {
+            if (!holders.isShort(i)) {
+                continue;
+            }
+            SShortage shortage;
+            shortage.configuration = nameOf(i);
+            const auto& targets = passes.account.configurations[i].targets;
+            for (std::size_t target = 0; target < targets.size(); ++target) {
+                const std::string& holder = holders.holdersOf(i)[target];
+                const bool isExcluded =
+                    std::any_of(passes.skipped.begin(), passes.skipped.end(),
+                                [&](std::size_t place) { return backup(place).file == holder; });
+                shortage.targets.push_back({targets[target], holder, isExcluded});
+            }
+            passes.account.shortages.push_back(std::move(shortage));
+        }
+    }
+
+    CAccountReader passes;
+    CHolders holders{passes.account.configurations};
+};
+
+}  // namespace
+
+SAccount explain(CAccountReader passes) {
+    return CExplanation(std::move(passes)).explain();
+}
+
+}  // namespace fi_rotate

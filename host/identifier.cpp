@@ -1,0 +1,69 @@
+#include "host/identifier.h"
+
+#include <cstddef>
+
+#include <fi_rotation/CFiUdidException.h>
+
+namespace fi_rotate {
+namespace {
+
+constexpr std::string_view kDevicePrefix = "UDID##";
+constexpr std::string_view kEnclosurePrefix = "UEID##";
+constexpr std::string_view kSeparator = "##";
+
+SIdentifier malformed(std::int32_t fault) {
+    return {"", "", fault};
+}
+
+}  // namespace
+
+SIdentifier parseIdentifier(std::string_view text) {
+    const std::size_t devicePrefix = text.find(kDevicePrefix);
+    const bool isDevice = devicePrefix != std::string_view::npos;
+    const std::size_t prefix = isDevice ? devicePrefix : text.find(kEnclosurePrefix);
+    if (prefix == std::string_view::npos) {
+        return malformed(CFiUdidException::kNoPrefix);
+    }
+    std::string_view rest = text.substr(prefix + kDevicePrefix.size());
+    for (const std::int32_t fault :
+         {CFiUdidException::kNoSeparatorAfterFirstPart, CFiUdidException::kNoSeparatorAfterSecondPart}) {
+        const std::size_t end = rest.find(kSeparator);
+        if (end == std::string_view::npos) {
+            return malformed(fault);
+        }
+        rest.remove_prefix(end + kSeparator.size());
+    }
+    if (rest.empty()) {
+        return malformed(CFiUdidException::kNothingAfterSecondPart);
+    }
+
+    const std::size_t end = rest.find(kSeparator);
+    if (end == std::string_view::npos) {
+        // The third part alone is the device of a device identifier and the enclosure of the other one.
+        return isDevice ? SIdentifier{"", std::string(rest), std::nullopt}
+                        : SIdentifier{std::string(rest), "", std::nullopt};
+    }
+    return {std::string(rest.substr(0, end)), std::string(rest.substr(end + kSeparator.size())),
+            std::nullopt};
+}
+
+std::string targetOf(std::string_view identifier) {
+    return parseIdentifier(identifier).name();
+}
+
+std::string_view identifierFault(std::int32_t code) {
+    switch (code) {
+        case CFiUdidException::kNothingAfterSecondPart:
+            return "nothing follows the second ## after its prefix";
+        case CFiUdidException::kNoPrefix:
+            return "it holds neither UDID## nor UEID##";
+        case CFiUdidException::kNoSeparatorAfterFirstPart:
+            return "no ## follows its prefix";
+        case CFiUdidException::kNoSeparatorAfterSecondPart:
+            return "only one ## follows its prefix";
+        default:
+            return "it is malformed";
+    }
+}
+
+}  // namespace fi_rotate

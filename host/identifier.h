@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace fi_rotate {
+
+// What an identifier of a document names, or why it is none.
+struct SIdentifier {
+    std::string enclosure;
+    std::string device;
+    // The code of the exception that the library throws for it.
+    std::optional<std::int32_t> fault;
+
+    // ENCLOSURE##DEVICE, as targets are called.
+    std::string name() const { return enclosure + "##" + device; }
+};
+
+SIdentifier parseIdentifier(std::string_view text);
+
+// The name of the target that an identifier names which the library has accepted.
+std::string targetOf(std::string_view identifier);
+
+// What is wrong with an identifier, by the code of the exception that names it.
+std::string_view identifierFault(std::int32_t code);
+
+}  // namespace fi_rotate

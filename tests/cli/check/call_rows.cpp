@@ -1,0 +1,98 @@
+#include "tests/cli/check/Rows.h"
+
+namespace fi_test {
+namespace {
+
+using fi_rotate::EHazard;
+
+std::string backup(const std::string& timeStamp, const std::string& target) {
+    return "<Node>\n<timeStamp>" + timeStamp +
+           "</timeStamp>\n<objid>UDID##v##m##encA##lun1</objid>\n"
+           "<altobjid>UDID##v##m##encA##" +
+           target + "</altobjid>\n</Node>\n";
+}
+
+SCheckedCall with(std::vector<SCheckedDocument> documents) {
+    return {"encA##lun1;snap1;snap2;snap3", std::move(documents)};
+}
+
+SCheckedCall stamps(const std::string& first, const std::string& second, const std::string& third) {
+    return with({{"a.xml", backup(first, "snap1")},
+                 {"b.xml", backup(second, "snap2")},
+                 {"c.xml", backup(third, "snap3")}});
+}
+
+}  // namespace
+
+std::vector<SCheckRow> callRows() {
+    const SCheckedDocument first{"a.xml", backup("20260101", "snap1")};
+    const SCheckedDocument second{"b.xml", backup("20260102", "snap2")};
+    const SCheckedDocument missing{"no.xml", std::nullopt};
+    const SCheckedCall clean = with({first, second});
+    const std::string unopened = "cannot be opened: No such file or directory; ";
+    return {
+        {"a missing one before another",
+         EHazard::kCannotOpen,
+         with({first, missing, second}),
+         {"no.xml:1:1: error: " + unopened + "neither it nor the one after it will be read [cannot-open]"},
+         clean},
+        {"a missing one at the end, and one that is not reached",
+         EHazard::kCannotOpen,
+         with({missing, first, {"no2.xml", std::nullopt}}),
+         {"no.xml:1:1: error: " + unopened + "neither it nor the 2 after it will be read [cannot-open]",
+          "no2.xml:1:1: error: " + unopened + "the library does not come so far [cannot-open]"},
+         clean},
+        {"the last one is missing",
+         EHazard::kCannotOpen,
+         with({first, missing}),
+         {"no.xml:1:1: error: " + unopened + "it takes no part [cannot-open]"},
+         clean},
+        {"a folder",
+         EHazard::kNotAFile,
+         with({{"/", std::nullopt}}),
+         {"/:1:1: error: a folder, which the library reads as an empty document [not-a-file]"},
+         clean},
+        {"a device",
+         EHazard::kNotAFile,
+         with({{"/dev/zero", std::nullopt}}),
+         {"/dev/zero:1:1: error: no file, but a device or a pipe; it is not read here "
+          "[not-a-file]"},
+         clean},
+        {"a file that cannot be read from its beginning",
+         EHazard::kReadError,
+         with({{"/proc/self/mem", std::nullopt}}),
+         {"/proc/self/mem:1:1: error: reading fails: Input/output error [read-error]"},
+         clean},
+        {"the same name twice",
+         EHazard::kListedTwice,
+         with({first, second, {"a.xml", std::nullopt}}),
+         {"a.xml:1:1: error: the document is listed already [listed-twice]"},
+         clean},
+        {"the first and the third",
+         EHazard::kEqualTimeStamps,
+         stamps("20260101", "20260102", "20260101"),
+         {"c.xml:2:12: warning: the time stamp \"20260101\" is that of a.xml too; which of them "
+          "counts as the newer is undefined [equal-time-stamps]"},
+         stamps("20260101", "20260102", "20260103")},
+        {"another width",
+         EHazard::kMixedTimeStamps,
+         stamps("999", "1000", "1001"),
+         {"a.xml:2:12: error: the time stamp \"999\" differs in width from \"1000\" of b.xml "
+          "[mixed-time-stamps]"},
+         stamps("0999", "1000", "1001")},
+        {"another form",
+         EHazard::kMixedTimeStamps,
+         stamps("2026-10-01", "2026-10-02", "03.10.2026"),
+         {"c.xml:2:12: error: the time stamp \"03.10.2026\" differs in form from \"2026-10-01\" of "
+          "a.xml [mixed-time-stamps]"},
+         stamps("2026-10-01", "2026-10-02", "2026-10-03")},
+        {"white space is part of it",
+         EHazard::kMixedTimeStamps,
+         stamps("1", " 2", "3"),
+         {"b.xml:2:12: error: the time stamp \" 2\" differs in width from \"1\" of a.xml "
+          "[mixed-time-stamps]"},
+         stamps("1", "2", "3")},
+    };
+}
+
+}  // namespace fi_test

@@ -1,0 +1,153 @@
+#include <string>
+
+#include "tests/cli/check/Rows.h"
+
+namespace fi_test {
+namespace {
+
+using fi_rotate::EHazard;
+
+// `nodes` begin on the second line.
+SCheckedCall of(const std::string& nodes) {
+    return {"encA##lun1;snap1;snap2&encA##lun2;snap3",
+            {{"d", "<Node><timeStamp>1</timeStamp>\n" + nodes + "\n</Node>"}}};
+}
+
+// The text of its objid begins at column 14; that of its altobjid after 29 more characters and those of the
+// text before.
+std::string node(const std::string& objid, const std::string& altobjid) {
+    return "<Node><objid>" + objid + "</objid><altobjid>" + altobjid + "</altobjid></Node>";
+}
+
+std::string device(const std::string& first, const std::string& further) {
+    return node("UDID##v##m##" + first, "UDID##v##m##" + further);
+}
+
+SCheckRow malformed(const std::string& identifier, const std::string& fault, const std::string& neighbour,
+                    const std::string& neighbourHazard) {
+    return {"altobjid " + identifier,
+            EHazard::kMalformedIdentifier,
+            of(node("UDID##v##m##encA##lun1", identifier)),
+            {"d:2:54: error: malformed identifier \"" + identifier + "\": " + fault +
+             "; an exception ends the call [malformed-identifier]"},
+            of(node("UDID##v##m##encA##lun1", neighbour)),
+            {neighbourHazard}};
+}
+
+}  // namespace
+
+std::vector<SCheckRow> deviceRows() {
+    const SCheckedCall clean = of(device("encA##lun1", "encA##snap1"));
+    return {
+        {"no time stamp",
+         EHazard::kNoTimeStamp,
+         {"encA##lun1;snap1", {{"d", "<a>\n" + device("encA##lun1", "encA##snap1") + "</a>"}}},
+         {"d:2:1: error: the backup has no time stamp and counts as older than all that have one "
+          "[no-time-stamp]"},
+         clean},
+        {"a job only",
+         EHazard::kNoDevice,
+         of("<objid>JOB##nightly</objid>"),
+         {"d:1:1: warning: the backup names no device: no objid holds UDID## [no-device]"},
+         clean},
+        {"no altobjid",
+         EHazard::kNoAltobjid,
+         of("<objid>UDID##v##m##encA##lun1</objid>"),
+         {"d:2:8: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends "
+          "the call [no-altobjid]"},
+         clean},
+        {"an empty altobjid",
+         EHazard::kNoAltobjid,
+         of(node("UDID##v##m##encA##lun1", "<![CDATA[]]>")),
+         {"d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends "
+          "the call [no-altobjid]"},
+         clean},
+        {"the prefix in another case",
+         EHazard::kUnusedAltobjid,
+         of(device("encA##lun1", "encA##snap1") + "\n" +
+            node("udid##v##m##encA##lun2", "UDID##v##m##encA##snap3")),
+         {"d:3:54: error: the altobjid \"UDID##v##m##encA##snap3\" is not used: the objid of its "
+          "Node holds no UDID## [unused-altobjid]"},
+         of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun2", "encA##snap3"))},
+        {"an altobjid without an objid",
+         EHazard::kUnusedAltobjid,
+         of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>UEID##v##m##e</altobjid></Node>"),
+         {"d:3:17: error: the altobjid \"UEID##v##m##e\" is not used: the objid of its Node holds "
+          "no "
+          "UDID## [unused-altobjid]"},
+         of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>none</altobjid></Node>")},
+        malformed("snap1", "it holds neither UDID## nor UEID## (code 2)", "UDID##v##m##encA##snap9",
+                  "pair-matches-nothing"),
+        malformed("UDID##v", "no ## follows its prefix (code 3)", "UDID##v##m##snap1",
+                  "pair-matches-nothing"),
+        malformed("UDID##v##m", "only one ## follows its prefix (code 4)", "UEID##v##m##encA",
+                  "pair-matches-nothing"),
+        malformed("UDID##v##m##", "nothing follows the second ## after its prefix (code 1)", "UDID##v##m##x",
+                  "pair-matches-nothing"),
+        {"an objid",
+         EHazard::kMalformedIdentifier,
+         of(node("UDID##lun1", "UDID##v##m##encA##snap1")),
+         {"d:2:14: error: malformed identifier \"UDID##lun1\": no ## follows its prefix (code 3); "
+          "an "
+          "exception ends the call [malformed-identifier]"},
+         clean},
+        {"after a pair that matches nothing, in the order of objids",
+         EHazard::kMalformedIdentifier,
+         of(node("UDID##v##m##encA##lun1", "none") + "\n" + device("encA##lun0", "encA##snap1")),
+         {"d:2:54: error: malformed identifier \"none\": it holds neither UDID## nor UEID## (code "
+          "2); it is not looked at, for a pair before it matches nothing [malformed-identifier]",
+          "d:3:14: error: \"encA##lun0\" is the first target of no configuration; the nearest is "
+          "\"encA##lun1\" [pair-matches-nothing]"},
+         clean},
+        {"two targets for an objid",
+         EHazard::kSameObjid,
+         of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun1", "encA##snap2")),
+         {"d:3:14: error: an earlier Node has the objid \"UDID##v##m##encA##lun1\" too; its "
+          "altobjid "
+          "\"UDID##v##m##encA##snap1\" is lost [same-objid]"},
+         of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun1", "encA##snap1"))},
+        {"a first target that is not configured",
+         EHazard::kPairMatchesNothing,
+         of(device("ENCA##LUN1", "encA##snap1")),
+         {"d:2:14: error: \"ENCA##LUN1\" is the first target of no configuration; the nearest is "
+          "\"encA##lun1\" [pair-matches-nothing]"},
+         clean},
+        {"a further target of another configuration",
+         EHazard::kPairMatchesNothing,
+         of(device("encA##lun2", "encA##snap1")),
+         {"d:2:54: error: \"encA##snap1\" is no further target of \"encA##lun2\"; the nearest is "
+          "\"encA##snap3\" [pair-matches-nothing]"},
+         of(device("encA##lun2", "encA##snap3"))},
+        {"nothing like it is configured",
+         EHazard::kPairMatchesNothing,
+         of(device("rack7##volume", "encA##snap1")),
+         {"d:2:14: error: \"rack7##volume\" is the first target of no configuration "
+          "[pair-matches-nothing]"},
+         clean},
+        {"white space around an identifier",
+         EHazard::kPairMatchesNothing,
+         of(node("UDID##v##m##encA##lun1", "\n      UDID##v##m##encA##snap2\n")),
+         {"d:2:54: error: \"encA##snap2\n\" is no further target of \"encA##lun1\"; the nearest is "
+          "\"encA##snap2\" [pair-matches-nothing]"},
+         clean},
+        {"a configuration that was lost",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snap1&;&encA##lun2;snap3",
+          {{"d", "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
+         {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 "
+          "are lost, configuration 1 is used [configuration-rejected]",
+          "d:1:44: error: \"encA##lun2\" is the first target of no configuration; the nearest is "
+          "\"encA##lun1\" [pair-matches-nothing]"},
+         clean},
+        {"one target, two spellings of its device",
+         EHazard::kTargetHeldTwice,
+         of(device("encA##lun1", "encA##snap1") + "\n" +
+            node("UDID##w##m##encA##lun1", "UDID##v##m##encA##snap1")),
+         {"d:3:54: error: \"encA##snap1\" is held by another pair of this backup already, which "
+          "makes the backup invalid [target-held-twice]"},
+         of(device("encA##lun1", "encA##snap1") + "\n" +
+            node("UDID##w##m##encA##lun1", "UDID##v##m##encA##snap2"))},
+    };
+}
+
+}  // namespace fi_test

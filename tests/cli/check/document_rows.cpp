@@ -1,0 +1,298 @@
+#include <string>
+#include <string_view>
+
+#include "tests/cli/check/Rows.h"
+
+namespace fi_test {
+namespace {
+
+using fi_rotate::EHazard;
+
+constexpr const char* kConfiguration = "encA##lun1;snap1;snap2";
+
+SCheckedCall of(const std::string& document) {
+    return {kConfiguration, {{"d", document}}};
+}
+
+// A backup with nothing wrong, but for what `added` brings: it begins on the fifth line.
+std::string backup(const std::string& added = "") {
+    return "<Node>\n"
+           "<timeStamp>1</timeStamp>\n"
+           "<objid>UDID##v##m##encA##lun1</objid>\n"
+           "<altobjid>UDID##v##m##encA##snap1</altobjid>\n" +
+           added + "</Node>";
+}
+
+std::string withDtd(const std::string& declarations, const std::string& added = "") {
+    return "<!DOCTYPE Node [\n" + declarations + "]>\n" + backup(added);
+}
+
+std::string wide(const std::string& text, char first, char second) {
+    std::string bytes{first, second};
+    for (const char character : text) {
+        bytes += character;
+        bytes += '\0';
+    }
+    return bytes;
+}
+
+std::string times(std::size_t count, std::string_view text) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+std::string attributes(std::size_t count) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i) {
+        all += "<!ATTLIST a b" + std::to_string(i) + " CDATA \"\">";
+    }
+    return all;
+}
+
+constexpr std::size_t kMebibyte = 1024 * 1024;
+const std::string kDoctype =
+    "d:1:1: warning: the document has a DOCTYPE; the entities that it declares are expanded "
+    "[doctype]";
+
+std::vector<SCheckRow> byteRows() {
+    using std::string_literals::operator""s;
+    const std::string latin = "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n";
+    return {
+        {"a NUL",
+         EHazard::kNulByte,
+         of(backup("<!-- -->\0 lost\n"s)),
+         {"d:5:9: error: a NUL byte cuts off the rest of its line [nul-byte]"},
+         of(backup("<!-- -->\n"))},
+        {"two NULs, and a place after them",
+         EHazard::kNulByte,
+         of(backup("<!--\0 lost\n-->\0\n<type/>\n"s)),
+         {"d:5:5: error: a NUL byte, the first of those that cut 2 lines off [nul-byte]",
+          "d:7:1: warning: type is empty and takes the text before it, \"\n\" [empty-element]"},
+         of(backup("<!--\n-->\n"))},
+        {"UTF-16",
+         EHazard::kUtf16,
+         of(wide(backup(), '\xFF', '\xFE')),
+         {"d:1:1: error: the document is written in UTF-16, which reading it up to the NUL bytes "
+          "of its lines damages [utf-16]"},
+         of("\xEF\xBB\xBF" + backup())},
+        {"another encoding than declared",
+         EHazard::kEncodingMismatch,
+         of(latin + backup("<x>\xC3\xA4</x>\n")),
+         {"d:6:4: warning: the document declares \"ISO-8859-1\"; the document looks like UTF-8 "
+          "from here on [encoding-mismatch]"},
+         of(latin + backup("<x>\xE4</x>\n"))},
+        {"the mark of UTF-8 and another encoding",
+         EHazard::kEncodingMismatch,
+         of("\xEF\xBB\xBF" + latin + backup()),
+         {"d:1:1: warning: the document begins with the mark of UTF-8 and declares "
+          "\"ISO-8859-1\" [encoding-mismatch]"},
+         of(latin + backup())},
+    };
+}
+
+std::vector<SCheckRow> xmlRows() {
+    return {
+        {"not ended",
+         EHazard::kMalformedXml,
+         of("<a>\n" + backup()),
+         {"d:6:8: error: not well-formed: input ended before all started tags were ended; last tag "
+          "started is 'a'; what was read before is used, 1 Node with 1 device [malformed-xml]"},
+         of("<a>\n" + backup() + "</a>")},
+        {"nothing of use",
+         EHazard::kMalformedXml,
+         of(""),
+         {"d:1:1: error: not well-formed: invalid document structure; what was read before is "
+          "used, "
+          "0 Nodes with 0 devices [malformed-xml]",
+          "d:1:1: error: no Node was read, so that the document adds no backup [no-node]"},
+         of(backup())},
+        {"a DOCTYPE",
+         EHazard::kDoctype,
+         of("<!-- <!DOCTYPE Node> -->\n<!DOCTYPE Node>\n" + backup()),
+         {"d:2:1: warning: the document has a DOCTYPE; the entities that it declares are expanded "
+          "[doctype]"},
+         of("<!-- <!DOCTYPE Node> -->\n" + backup())},
+        {"an external entity that is used",
+         EHazard::kExternalEntity,
+         of(withDtd("<!ENTITY e SYSTEM \"/no/such/e.txt\">", "<x>&e;</x>\n")),
+         {kDoctype,
+          "d:7:4: error: the document refers to \"/no/such/e.txt\", which is not opened here "
+          "[external-entity]"},
+         of(withDtd("<!ENTITY e SYSTEM \"/no/such/e.txt\">")),
+         {"doctype"}},
+        {"an external DTD",
+         EHazard::kExternalEntity,
+         of("<!DOCTYPE Node SYSTEM \"/no/such.dtd\">\n" + backup()),
+         {kDoctype,
+          "d:1:1: error: the document refers to \"/no/such.dtd\", which is not opened here "
+          "[external-entity]"},
+         of("<!DOCTYPE Node>\n" + backup()),
+         {"doctype"}},
+        {"an entity in an entity",
+         EHazard::kNestedEntities,
+         of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"&a;\">\n")),
+         {kDoctype,
+          "d:3:1: error: the entity \"b\" refers to another one; the document is not read on "
+          "[nested-entities]"},
+         of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"y\">\n")),
+         {"doctype"}},
+        {"a parameter entity",
+         EHazard::kExpansionLimit,
+         of(withDtd("<!ENTITY % a \"x\">\n")),
+         {kDoctype, "d:2:1: error: a parameter entity is not followed [expansion-limit]"},
+         of(withDtd("<!ENTITY a \"x\">\n")),
+         {"doctype"}},
+        {"a long entity",
+         EHazard::kExpansionLimit,
+         of(withDtd("<!ENTITY a \"" + times(257, "x") + "\">\n")),
+         {kDoctype, "d:2:1: error: the entity \"a\" is too long to be read on [expansion-limit]"},
+         of(withDtd("<!ENTITY a \"" + times(256, "x") + "\">\n")),
+         {"doctype"}},
+        {"a long default",
+         EHazard::kExpansionLimit,
+         of(withDtd("<!ATTLIST a b CDATA \"" + times(257, "x") + "\">\n")),
+         {kDoctype, "d:2:1: error: the default of an attribute is too long to be read on [expansion-limit]"},
+         of(withDtd("<!ATTLIST a b CDATA \"" + times(256, "x") + "\">\n")),
+         {"doctype"}},
+    };
+}
+
+std::vector<SCheckRow> formRows() {
+    const std::string lost =
+        "<Node><objid>UDID##v##m##encA##lun1</objid>"
+        "<altobjid>UDID##v##m##encA##snap2</altobjid></Node>";
+    return {
+        {"another root",
+         EHazard::kNoNode,
+         of("<a>\n<b/></a>"),
+         {"d:1:1: error: no Node was read, so that the document adds no backup [no-node]"},
+         of("<a>\n" + backup() + "</a>")},
+        {"side by side",
+         EHazard::kSeveralNodes,
+         of("<a>\n" + lost + "\n" + backup() + "</a>"),
+         {"d:3:1: error: 2 Nodes stand side by side, of which only the last counts; 1 device of "
+          "the "
+          "others is lost [several-nodes]"},
+         of("<a>\n" + backup("<Node><objid>JOB</objid></Node><Node><objid>JOB</objid></Node>") + "</a>")},
+        {"three of them",
+         EHazard::kSeveralNodes,
+         of("<a>\n" + lost + "\n" + lost + "\n" + backup() + "</a>"),
+         {"d:3:1: error: 3 Nodes stand side by side, of which only the last counts; 2 devices of "
+          "the "
+          "others are lost [several-nodes]"},
+         of(backup())},
+        {"before the Node",
+         EHazard::kOutsideNode,
+         of("<a>\n <type>7</type>\n <timeStamp>2</timeStamp>\n" + backup() + "</a>"),
+         {"d:2:2: warning: type stands in no Node and is ignored [outside-node]",
+          "d:3:2: warning: timeStamp stands before the first Node and is ignored [outside-node]"},
+         of(backup("<type>7</type>"))},
+        {"behind the Node",
+         EHazard::kOutsideNode,
+         of("<a>" + backup() + "\n<objid>x</objid><altobjid>y</altobjid><splitType>z</splitType></a>"),
+         {"d:6:1: warning: objid stands in no Node and is ignored [outside-node]",
+          "d:6:17: warning: altobjid stands in no Node and is ignored [outside-node]",
+          "d:6:39: warning: splitType stands in no Node and is ignored [outside-node]"},
+         of("<a>" + backup() + "\n<timeStamp>1</timeStamp></a>")},
+        {"another case",
+         EHazard::kWrongName,
+         of(backup("<NODE><ObjID>x</ObjID></NODE>\n")),
+         {"d:5:1: warning: \"NODE\" is ignored; was Node meant? [wrong-name]",
+          "d:5:7: warning: \"ObjID\" is ignored; was objid meant? [wrong-name]"},
+         of(backup("<Nodes><objids>x</objids></Nodes>\n"))},
+        {"a prefix",
+         EHazard::kWrongName,
+         of(backup("<x:timeStamp xmlns:x=\"u>\">9</x:timeStamp>\n")),
+         {"d:5:1: warning: \"x:timeStamp\" is ignored; was timeStamp meant? [wrong-name]"},
+         of(backup("<x:stamp xmlns:x=\"u>\">9</x:stamp>\n"))},
+    };
+}
+
+std::vector<SCheckRow> valueRows() {
+    const auto split = [](const std::string& value, const std::string& pieces, const std::string& last,
+                          const std::string& neighbour) {
+        return SCheckRow{"split by " + value,
+                         EHazard::kSplitValue,
+                         of(backup("<splitType>" + value + "</splitType>\n")),
+                         {"d:5:12: error: the text of splitType consists of " + pieces +
+                          " pieces, of which only the last counts, \"" + last + "\" [split-value]"},
+                         of(backup("<splitType>" + neighbour + "</splitType>\n"))};
+    };
+    return {
+        {"between others",
+         EHazard::kEmptyElement,
+         of(backup("<type>7</type><splitType/>\n")),
+         {"d:5:15: warning: splitType is empty and takes the text before it, \"7\" "
+          "[empty-element]"},
+         of(backup("<type>7</type><splitType> </splitType>\n"))},
+        {"with an end tag and a comment",
+         EHazard::kEmptyElement,
+         of(backup("<type><!-- x --></type>\n")),
+         {"d:5:1: warning: type is empty and takes the text before it, \"\n\" [empty-element]"},
+         of(backup("<x/>\n"))},
+        split("a&amp;b", "2", "&b", "a+b"),
+        split("a<!-- -->b", "2", "b", "<!-- -->b<!-- -->"),
+        split("a<![CDATA[b]]>", "2", "b", "<![CDATA[ab]]>"),
+        split("a<![CDATA[]]>", "2", "", "<![CDATA[]]>a"),
+        split("a<?p q?>b", "2", "b", "ab<?p q?>"),
+        split("a&#65;b&#66;", "3", "B", "&#66;"),
+        split("a<x>b</x>", "2", "b", "<x>b</x>"),
+        {"of an entity of its own",
+         EHazard::kSplitValue,
+         of(withDtd("<!ENTITY e \"lun\">", "<splitType>a&e;</splitType>\n")),
+         {kDoctype,
+          "d:7:12: error: the text of splitType consists of 2 pieces, of which only the last "
+          "counts, "
+          "\"lun\" [split-value]"},
+         of(withDtd("<!ENTITY e \"lun\">", "<splitType>&e;</splitType>\n")),
+         {"doctype"}},
+        {"more than a mebibyte",
+         EHazard::kLongText,
+         of(backup("<type>" + times(kMebibyte + 1, "7") + "</type>\n")),
+         {"d:5:7: error: the text of type is longer than 1 MiB and read in 2 pieces, of which only "
+          "the last counts, \"" +
+          times(80, "7") + "...\" [long-text]"},
+         of(backup("<type>" + times(kMebibyte, "7") + "</type>\n"))},
+        {"another altobjid",
+         EHazard::kRepeatedElement,
+         of(backup("<altobjid>UDID##v##m##encA##snap2</altobjid>\n")),
+         {"d:5:1: warning: altobjid \"UDID##v##m##encA##snap2\" replaces "
+          "\"UDID##v##m##encA##snap1\" [repeated-element]"},
+         of(backup("<altobjid>UDID##v##m##encA##snap1</altobjid>\n"))},
+        {"another time stamp, in an inner Node",
+         EHazard::kRepeatedElement,
+         of(backup("<Node><timeStamp>2</timeStamp></Node>\n")),
+         {"d:5:7: warning: timeStamp \"2\" replaces \"1\" [repeated-element]"},
+         of(backup("<Node><timeStamp>1</timeStamp><objid>JOB</objid></Node>\n"))},
+        {"101 references to entities",
+         EHazard::kExpansionLimit,
+         of(withDtd("<!ENTITY e \"x\">", "<x>" + times(101, "&e;") + "</x>\n")),
+         {kDoctype,
+          "d:7:307: error: more than 100 references to entities; the document is not read on "
+          "[expansion-limit]"},
+         of(withDtd("<!ENTITY e \"x\">", "<x>" + times(100, "&e;") + "</x>\n")),
+         {"doctype"}},
+        {"257 attributes",
+         EHazard::kExpansionLimit,
+         of(withDtd(attributes(256) + "\n<!ATTLIST a last CDATA \"\">")),
+         {kDoctype, "d:3:1: error: too many attributes to be read on [expansion-limit]"},
+         of(withDtd(attributes(256))),
+         {"doctype"}},
+    };
+}
+
+}  // namespace
+
+std::vector<SCheckRow> documentRows() {
+    std::vector<SCheckRow> rows;
+    for (auto* const some : {byteRows, xmlRows, formRows, valueRows}) {
+        const std::vector<SCheckRow> more = some();
+        rows.insert(rows.end(), more.begin(), more.end());
+    }
+    return rows;
+}
+
+}  // namespace fi_test

@@ -1,0 +1,300 @@
+#include "cli/explain/log.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <random>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "cli/base/file.h"
+#include "host/library_call.h"
+#include "tests/host/RandomCall.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_rotate::CFile;
+using fi_rotate::CLogReader;
+using fi_rotate::SAccountBackup;
+using fi_rotate::SCall;
+using fi_rotate::SLoggedCall;
+using fi_rotate::SOutcome;
+using fi_test::document;
+using fi_test::kRandomCalls;
+using fi_test::RandomCall;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<SLoggedCall> callsOf(const std::vector<std::string>& lines) {
+    CLogReader reader;
+    for (const std::string& line : lines) {
+        reader.read(line);
+    }
+    return reader.finish();
+}
+
+// Everything of an outcome that its trace tells, for comparisons. Time stamps are told of some backups only.
+std::string told(const SOutcome& outcome) {
+    std::string text = outcome.status.has_value() ? std::to_string(*outcome.status) : "none";
+    text += '\n' + outcome.selection.value_or("none") + '\n';
+    text += outcome.exception.has_value() ? outcome.exception->identifier.value() + '\n' : "";
+    for (const std::string& message : outcome.messages) {
+        text += message + '\n';
+    }
+    for (const auto& backup : outcome.backups) {
+        text += backup.file + ' ' + std::to_string(backup.flagWord) + ' ' +
+                std::string(stateWord(backup).value_or("-")) + ' ' +
+                (backup.reason.has_value() ? inWords(*backup.reason) : "-") + '\n';
+    }
+    for (const auto& shortage : outcome.account.value().shortages) {
+        text += shortage.configuration + " is short\n";
+        for (const auto& held : shortage.targets) {
+            text += held.target + ' ' + held.holder + (held.isExcluded ? " excluded\n" : "\n");
+        }
+    }
+    return text;
+}
+
+class FiRotateLog : public testing::Test {
+protected:
+    // Makes the call; `lines` gets its trace as fi-rotate writes it.
+    SOutcome traced(const SCall& call, std::vector<std::string>& lines) {
+        const std::string file = folder.path("trace");
+        SOutcome outcome;
+        {
+            const CFile trace(std::fopen(file.c_str(), "w"));
+            outcome = runCall(call, {trace.get()}, true);
+        }
+        const std::string text = fi_rotate::readFile(file).value();
+        for (std::size_t begin = 0; begin < text.size();) {
+            const std::size_t end = text.find('\n', begin);
+            lines.push_back(text.substr(begin, end - begin));
+            begin = end + 1;
+        }
+        return outcome;
+    }
+
+    // Three backups of one configuration with two targets: the newest holds one, the one before lost its
+    // claim to it, and the oldest has to go.
+    SCall rotation() {
+        SCall call;
+        call.configuration = "A##x;1;2";
+        call.backups.resize(3);
+        call.backups[0].file = folder.write("old", document("1", {{"A##x", "A##1"}}));
+        call.backups[1].file = folder.write("lost", document("2", {{"A##x", "A##2"}}));
+        call.backups[2].file = folder.write("new", document("3", {{"A##x", "A##2"}}));
+        return call;
+    }
+
+    fi_test::TemporaryFolder folder;
+};
+
+TEST_F(FiRotateLog, TellsOfRandomCallsWhatTheyCameTo) {
+    std::vector<std::string> lines;
+    std::vector<SOutcome> outcomes;
+    for (unsigned seed = 5000; seed < 5000 + kRandomCalls; ++seed) {
+        outcomes.push_back(traced(RandomCall(seed, folder).make(), lines));
+    }
+    const std::vector<SLoggedCall> calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), outcomes.size());
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(told(calls[i].outcome), told(outcomes[i]));
+        EXPECT_THAT(calls[i].missing, IsEmpty());
+        EXPECT_EQ(calls[i].number, i + 1);
+    }
+}
+
+// The library's lines as a host writes them, with lines of the host's in between.
+std::vector<std::string> asHostLog(const std::vector<std::string>& lines, std::mt19937& random) {
+    std::vector<std::string> log;
+    for (const std::string& line : lines) {
+        if (random() % 4 == 0) {
+            log.emplace_back("Nov 21 07:00:00 host backupd[17]: INFO volume [A:x] mounted {1 of 2}");
+        }
+        if (random() % 16 == 0) {
+            log.emplace_back();
+        }
+        log.push_back("Nov 21 07:00:" + std::to_string(random() % 60) + " host backupd[" +
+                      std::to_string(random() % 100000) + "]: " + (line[0] == '3' ? "ERROR" : "INFO") + "  " +
+                      line.substr(2));
+    }
+    return log;
+}
+
+TEST_F(FiRotateLog, TellsThreeCallsApartInALogOfTheHost) {
+    std::vector<std::string> lines;
+    std::vector<SOutcome> outcomes;
+    for (const unsigned seed : {1U, 2U, 3U}) {
+        outcomes.push_back(traced(RandomCall(seed, folder).make(), lines));
+    }
+    std::mt19937 random(4);
+    const std::vector<SLoggedCall> calls = callsOf(asHostLog(lines, random));
+    ASSERT_EQ(calls.size(), 3U);
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        EXPECT_EQ(told(calls[i].outcome), told(outcomes[i]));
+        EXPECT_THAT(calls[i].missing, IsEmpty());
+    }
+}
+
+TEST_F(FiRotateLog, SaysWhereACallStands) {
+    std::vector<std::string> lines{"noise"};
+    traced(rotation(), lines);
+    const std::size_t end = lines.size();
+    lines.insert(lines.end(), {"noise", "noise"});
+    traced(rotation(), lines);
+    const std::vector<SLoggedCall> calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_EQ(calls[0].firstLine, 2U);
+    EXPECT_EQ(calls[0].lastLine, end);
+    EXPECT_EQ(calls[1].firstLine, end + 3);
+    EXPECT_EQ(calls[1].lastLine, lines.size());
+}
+
+TEST_F(FiRotateLog, TellsTheTimeStampsThatTheTraceTells) {
+    std::vector<std::string> lines;
+    SCall call = rotation();
+    call.backups[1].file = folder.write("lost", document("2", {{"A##y", "A##2"}}));
+    traced(call, lines);
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].outcome.backups[0].timeStamp, "1");
+    EXPECT_EQ(calls[0].outcome.backups[1].timeStamp, "");
+    EXPECT_EQ(calls[0].outcome.backups[2].timeStamp, "3");
+}
+
+TEST_F(FiRotateLog, KnowsARefusedCall) {
+    const auto calls = callsOf({"fi_process_backups : Invalid/empty parameter"});
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].outcome.status, FI_STATUS_FAILURE);
+    EXPECT_FALSE(calls[0].outcome.account.has_value());
+    EXPECT_THAT(calls[0].outcome.messages, ElementsAre("fi_process_backups : Invalid/empty parameter"));
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+}
+
+TEST_F(FiRotateLog, KnowsFirstBackups) {
+    std::vector<std::string> lines;
+    SCall call;
+    call.configuration = "A##x;1";
+    traced(call, lines);
+    call.configuration = "A##x";
+    traced(call, lines);
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_EQ(calls[0].outcome.status, FI_STATUS_SUCCESS);
+    EXPECT_EQ(calls[1].outcome.status, FI_STATUS_FAILURE);
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+    EXPECT_THAT(calls[1].missing, IsEmpty());
+}
+
+TEST_F(FiRotateLog, SaysThatTheEndIsMissing) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto claim = std::find_if(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.find("[RESERVE GOOD]") != std::string::npos;
+    });
+    ASSERT_NE(claim, lines.end());
+    // The newest claimed, then the one that lost; the oldest had not had its turn.
+    lines.erase(claim + 2, lines.end());
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing, ElementsAre("its end, after line " + std::to_string(lines.size())));
+    const SOutcome& outcome = calls[0].outcome;
+    EXPECT_FALSE(outcome.status.has_value());
+    EXPECT_FALSE(outcome.backups[0].reason.has_value());
+    ASSERT_TRUE(outcome.backups[1].reason.has_value());
+    EXPECT_EQ(inWords(*outcome.backups[1].reason), "A##2 of A##x was already held by " + folder.path("new"));
+}
+
+TEST_F(FiRotateLog, SaysThatTheBeginningIsMissing) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    lines.erase(lines.begin());
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    ASSERT_FALSE(calls[0].missing.empty());
+    EXPECT_EQ(calls[0].missing[0], "its beginning, with the configuration");
+    EXPECT_TRUE(calls[0].outcome.selection.has_value());
+}
+
+TEST_F(FiRotateLog, GivesNoReasonWhereTwoCallsAreMixed) {
+    std::vector<std::string> one;
+    std::vector<std::string> other;
+    traced(rotation(), one);
+    SCall call = rotation();
+    call.configuration = "A##x;2;3&A##y;4";
+    call.backups.erase(call.backups.begin());
+    traced(call, other);
+    std::vector<std::string> mixed;
+    for (std::size_t i = 0; i < std::max(one.size(), other.size()); ++i) {
+        for (const auto* const lines : {&one, &other}) {
+            if (i < lines->size()) {
+                mixed.push_back((*lines)[i]);
+            }
+        }
+    }
+    for (const SLoggedCall& logged : callsOf(mixed)) {
+        EXPECT_FALSE(logged.missing.empty());
+        for (const auto& backup : logged.outcome.backups) {
+            EXPECT_FALSE(backup.reason.has_value());
+        }
+    }
+}
+
+// A log that lacks lines may tell less than the call, or say what is missing, but nothing else than the call.
+void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
+    for (const auto& backup : logged.outcome.backups) {
+        const auto same = [&backup](const auto& other) {
+            return other.file == backup.file &&
+                   (!backup.reason.has_value() || inWords(*backup.reason) == inWords(*other.reason));
+        };
+        EXPECT_TRUE(std::any_of(outcome.backups.begin(), outcome.backups.end(), same))
+            << backup.file << ' ' << (backup.reason ? inWords(*backup.reason) : "");
+    }
+    if (logged.outcome.selection.has_value()) {
+        EXPECT_EQ(logged.outcome.selection, outcome.selection);
+    }
+}
+
+TEST_F(FiRotateLog, TellsNothingFalseOfACallThatBreaksOff) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        SCOPED_TRACE(seed);
+        std::vector<std::string> lines;
+        const SOutcome outcome = traced(RandomCall(seed, folder).make(), lines);
+        std::mt19937 random(seed);
+        lines.resize(1 + random() % lines.size());
+        const auto calls = callsOf(lines);
+        ASSERT_EQ(calls.size(), 1U);
+        expectNothingFalse(calls[0], outcome);
+    }
+}
+
+TEST_F(FiRotateLog, TellsNothingFalseOfACallThatLacksALine) {
+    std::size_t noticed = 0;
+    for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
+        SCOPED_TRACE(seed);
+        std::vector<std::string> lines;
+        const SOutcome outcome = traced(RandomCall(seed, folder).make(), lines);
+        std::mt19937 random(seed);
+        const auto lost = lines.begin() + static_cast<std::ptrdiff_t>(random() % lines.size());
+        SCOPED_TRACE(*lost);
+        lines.erase(lost);
+        const auto calls = callsOf(lines);
+        ASSERT_LE(calls.size(), 1U);
+        if (!calls.empty()) {
+            noticed += calls[0].missing.empty() ? 0 : 1;
+            expectNothingFalse(calls[0], outcome);
+        }
+    }
+    EXPECT_GT(noticed, kRandomCalls / 5);
+}
+
+}  // namespace

@@ -1,0 +1,180 @@
+#include "cli/simulate/simulation.h"
+
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cli/base/calendar.h"
+
+namespace fi_rotate {
+
+// For the messages of failed tests.
+bool operator==(const SSnapshot& one, const SSnapshot& other) {
+    return one.configuration == other.configuration && one.target == other.target &&
+           one.taken == other.taken && one.ended == other.ended && one.end == other.end;
+}
+
+std::ostream& operator<<(std::ostream& stream, const SSnapshot& snapshot) {
+    return stream << "configuration " << snapshot.configuration << ", target " << snapshot.target
+                  << ", rounds " << snapshot.taken << " to " << snapshot.ended << ", end "
+                  << int(snapshot.end);
+}
+
+}  // namespace fi_rotate
+
+namespace {
+
+using fi_rotate::EEnd;
+using fi_rotate::simulate;
+using fi_rotate::SPlan;
+using fi_rotate::SSimulation;
+using fi_rotate::SSnapshot;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+using testing::ThrowsMessage;
+
+bool always(const SSimulation& /*soFar*/) {
+    return true;
+}
+
+SPlan daily(const std::string& configuration, std::size_t rounds) {
+    SPlan plan;
+    plan.configuration = configuration;
+    plan.rounds = rounds;
+    plan.every = fi_rotate::kSecondsPerDay;
+    plan.start = fi_rotate::parseTime("2026-10-01").value();
+    return plan;
+}
+
+SSimulation run(const SPlan& plan) {
+    return simulate(plan, always);
+}
+
+SSnapshot held(std::uint32_t configuration, std::uint32_t target, std::uint32_t taken) {
+    return {configuration, target, taken, 0, EEnd::kHeld};
+}
+
+SSnapshot rotated(std::uint32_t configuration, std::uint32_t target, std::uint32_t taken,
+                  std::uint32_t ended) {
+    return {configuration, target, taken, ended, EEnd::kRotated};
+}
+
+SSnapshot lost(std::uint32_t configuration, std::uint32_t target, std::uint32_t taken, std::uint32_t ended) {
+    return {configuration, target, taken, ended, EEnd::kLost};
+}
+
+TEST(FiRotateSimulation, TheOldestBackupGivesItsTargetToTheRoundThatFindsNoneFree) {
+    const SSimulation simulation = run(daily("encA##lun1;s1;s2", 4));
+    EXPECT_EQ(simulation.finishedRounds, 4);
+    EXPECT_THAT(simulation.snapshots,
+                ElementsAre(rotated(0, 0, 1, 3), rotated(0, 1, 2, 4), held(0, 0, 3), held(0, 1, 4)));
+    EXPECT_FALSE(simulation.standstill.has_value());
+    EXPECT_EQ(simulation.fewestRoundsHeld, 2);
+}
+
+// Rounds 2, 4 and 6 keep what they took; the three targets are theirs after round 6.
+TEST(FiRotateSimulation, ExcludedBackupsKeepTheirTargetsUntilNoneIsLeft) {
+    SPlan plan = daily("encA##lun1;s1;s2;s3", 9);
+    plan.excludedEvery = 2;
+    const SSimulation simulation = run(plan);
+    EXPECT_EQ(simulation.finishedRounds, 9);
+    EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 4), held(0, 1, 2), rotated(0, 2, 3, 5),
+                                                  held(0, 0, 4), rotated(0, 2, 5, 6), held(0, 2, 6)));
+    ASSERT_TRUE(simulation.standstill.has_value());
+    EXPECT_EQ(simulation.standstill->first, 7);
+    ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
+    const auto& shortage = simulation.standstill->shortages.front();
+    EXPECT_EQ(shortage.configuration, "encA##lun1");
+    ASSERT_THAT(shortage.targets, SizeIs(3));
+    EXPECT_EQ(shortage.targets[0].target, "encA##s1");
+    EXPECT_EQ(shortage.targets[0].holder, "4");
+    EXPECT_EQ(shortage.targets[1].holder, "2");
+    EXPECT_EQ(shortage.targets[2].holder, "6");
+    EXPECT_TRUE(shortage.targets[2].isExcluded);
+}
+
+// 2026-10-01 is a Thursday, so rounds 3 and 10 are on Saturdays.
+TEST(FiRotateSimulation, ADayOfTheWeekIsExcluded) {
+    SPlan plan = daily("encA##lun1;s1;s2", 11);
+    plan.excludedWeekday = fi_rotate::parseWeekday("Saturday");
+    const SSimulation simulation = run(plan);
+    EXPECT_EQ(simulation.snapshots[2], held(0, 0, 3));
+    EXPECT_EQ(simulation.snapshots[9], held(0, 1, 10));
+    ASSERT_TRUE(simulation.standstill.has_value());
+    EXPECT_EQ(simulation.standstill->first, 11);
+}
+
+// The second configuration has a target to spare, but a backup gives all its targets back at once.
+TEST(FiRotateSimulation, AShortConfigurationRotatesTheTargetsOfTheOthersToo) {
+    const SSimulation simulation = run(daily("encA##lun1;s1;s2&encB##lun2;t1;t2;t3", 3));
+    EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 3), rotated(1, 0, 1, 3), held(0, 1, 2),
+                                                  held(1, 1, 2), held(0, 0, 3), held(1, 0, 3)));
+}
+
+TEST(FiRotateSimulation, OnlyConfigurationsThatAreShortAreSaidToBe) {
+    SPlan plan = daily("encA##lun1;s1&encB##lun2;t1;t2", 3);
+    plan.excludedEvery = 1;
+    const SSimulation simulation = run(plan);
+    ASSERT_TRUE(simulation.standstill.has_value());
+    EXPECT_EQ(simulation.standstill->first, 2);
+    ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
+    EXPECT_EQ(simulation.standstill->shortages[0].configuration, "encA##lun1");
+}
+
+TEST(FiRotateSimulation, AConfigurationWithoutFurtherTargetsIsShortFromTheFirstRoundOn) {
+    const SSimulation simulation = run(daily("encA##lun1", 2));
+    EXPECT_EQ(simulation.finishedRounds, 2);
+    EXPECT_THAT(simulation.snapshots, SizeIs(0));
+    ASSERT_TRUE(simulation.standstill.has_value());
+    EXPECT_EQ(simulation.standstill->first, 1);
+    ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
+    EXPECT_THAT(simulation.standstill->shortages[0].targets, SizeIs(0));
+}
+
+// The library marks the first of the two as held and finds the second free.
+TEST(FiRotateSimulation, ATargetThatIsNamedTwiceIsOverwritten) {
+    const SSimulation simulation = run(daily("encA##lun1;s1;s1", 3));
+    EXPECT_THAT(simulation.snapshots, ElementsAre(lost(0, 0, 1, 2), lost(0, 0, 2, 3), held(0, 0, 3)));
+    EXPECT_TRUE(simulation.hasLost);
+}
+
+TEST(FiRotateSimulation, NamesWithMarkupReachTheLibraryWhole) {
+    const SSimulation simulation =
+        run(daily("enc&lt;A##lun &gt; 1;s&lt;1&gt;;##s\"2;h\xC3\xA9##s'\xE2\x82\xAC", 4));
+    EXPECT_THAT(simulation.configurations[0].targets,
+                ElementsAre("enc<A##s<1>", "##s\"2", "h\xC3\xA9##s'\xE2\x82\xAC"));
+    EXPECT_THAT(simulation.snapshots,
+                ElementsAre(rotated(0, 0, 1, 4), held(0, 1, 2), held(0, 2, 3), held(0, 0, 4)));
+}
+
+TEST(FiRotateSimulation, NamesThatNoDocumentCanHoldAreRefused) {
+    for (const std::string name : {"s\x01", "s\xFF", "s]]>", "s\xEF\xBF\xBF"}) {
+        SCOPED_TRACE(name);
+        EXPECT_THAT([&name] { run(daily("encA##lun1;" + name, 1)); },
+                    ThrowsMessage<std::invalid_argument>(HasSubstr("cannot stand in an XML document")));
+    }
+    EXPECT_THAT([] { run(daily("encA##a][b;s1", 1)); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("cannot be taken apart")));
+}
+
+TEST(FiRotateSimulation, ARejectedConfigurationIsRefusedInTheLibrarysWords) {
+    EXPECT_THAT([] { run(daily("encA##lun1;s1&lun2;s2", 1)); },
+                ThrowsMessage<std::invalid_argument>(
+                    HasSubstr("resource configuration \"lun2\" has no enclosure data specified.")));
+    EXPECT_THAT([] { run(daily("", 1)); },
+                ThrowsMessage<std::invalid_argument>(HasSubstr("Invalid resource specification []")));
+}
+
+TEST(FiRotateSimulation, EndsBeforeTheRoundThatIsNotToBeRun) {
+    const SSimulation simulation = simulate(
+        daily("encA##lun1;s1", 10), [](const SSimulation& soFar) { return soFar.finishedRounds < 3; });
+    EXPECT_EQ(simulation.finishedRounds, 3);
+    EXPECT_THAT(simulation.snapshots, SizeIs(3));
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include "cli/simulate/timeline.h"
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cli/base/calendar.h"
+#include "cli/base/columns.h"
+
+namespace {
+
+using fi_rotate::EEnd;
+using fi_rotate::SSimulation;
+using fi_rotate::SSnapshot;
+using fi_rotate::toTimeline;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+// One target whose snapshot each round ends that of the round before.
+SSimulation oneTarget(std::uint32_t rounds) {
+    SSimulation simulation;
+    simulation.plan.rounds = rounds;
+    simulation.plan.every = fi_rotate::kSecondsPerDay;
+    simulation.configurations = {{"encA##lun1", {"encA##s1"}}};
+    simulation.finishedRounds = rounds;
+    for (std::uint32_t round = 1; round <= rounds; ++round) {
+        const bool isLast = round == rounds;
+        simulation.snapshots.push_back(
+            {0, 0, round, isLast ? 0 : round + 1, isLast ? EEnd::kHeld : EEnd::kRotated});
+    }
+    return simulation;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+TEST(FiRotateTimeline, ShowsTheLastRoundsThatFitAndSaysSo) {
+    // 17 columns are taken by "    (no target)  ".
+    EXPECT_THAT(linesOf(toTimeline(oneTarget(30), 17 * 3)),
+                ElementsAre("Rounds 1 to 30, a column each", "                 1         11        21",
+                            "  encA##lun1", "    encA##s1     abcdefghijklmnopqrstuvwxyzabcd",
+                            "  letter: a backup that holds the target; capital: an excluded one; .: free"));
+    EXPECT_THAT(linesOf(toTimeline(oneTarget(40), 17 * 3)),
+                ElementsAre("Rounds 7 to 40, a column each", "  left out for want of room: 1 to 6",
+                            "                 7         17        27        37", "  encA##lun1",
+                            "    encA##s1     ghijklmnopqrstuvwxyzabcdefghijklmn",
+                            "  letter: a backup that holds the target; capital: an excluded one; .: free"));
+}
+
+TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
+    SSimulation simulation = oneTarget(500);
+    simulation.configurations = {{std::string(300, 'l'), {std::string(300, 's')}}};
+    for (const std::size_t width : {40U, 80U, 200U}) {
+        const auto lines = linesOf(toTimeline(simulation, width));
+        for (const std::string& line : {lines.at(2), lines.at(3), lines.at(4)}) {
+            EXPECT_LE(fi_rotate::displayWidth(line), width) << line;
+        }
+        EXPECT_THAT(lines.at(3), HasSubstr("l…l"));
+        EXPECT_THAT(lines.at(4), HasSubstr("s…s"));
+    }
+}
+
+// Twice as many targets as there are letters are held at once, each for as many rounds.
+TEST(FiRotateTimeline, BackupsThatFollowOneAnotherOnATargetHaveDifferentLetters) {
+    constexpr std::uint32_t kTargets = 52;
+    SSimulation simulation = oneTarget(0);
+    simulation.configurations[0].targets.assign(kTargets, "encA##s");
+    simulation.finishedRounds = 3 * kTargets;
+    for (std::uint32_t round = 1; round <= simulation.finishedRounds; ++round) {
+        simulation.snapshots.push_back({0, (round - 1) % kTargets, round, round + kTargets, EEnd::kRotated});
+    }
+    std::size_t row = 0;
+    constexpr std::size_t kFirstColumn = 17;
+    for (const std::string& line : linesOf(toTimeline(simulation, 200))) {
+        if (line.find("encA##s ") != std::string::npos) {
+            const std::string cells = line.substr(kFirstColumn);
+            EXPECT_NE(cells.at(row + kTargets - 1), cells.at(row + kTargets)) << line;
+            EXPECT_NE(cells.at(row + 2 * kTargets - 1), cells.at(row + 2 * kTargets)) << line;
+            ++row;
+        }
+    }
+    EXPECT_EQ(row, kTargets);
+}
+
+TEST(FiRotateTimeline, IsEmptyWhenNoRoundWasFinished) {
+    EXPECT_EQ(toTimeline(oneTarget(0), 80), "");
+}
+
+}  // namespace

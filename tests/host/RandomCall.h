@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "host/library_call.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace fi_test {
+
+// Targets as ENCLOSURE##DEVICE.
+struct SPair {
+    std::string first;
+    std::string further;
+};
+
+// A backup's document.
+std::string document(const std::string& timeStamp, const std::vector<SPair>& pairs);
+
+// So many random calls a test makes.
+constexpr unsigned kRandomCalls = FI_RANDOM_CALLS;
+
+// Makes a call of few names, so that they meet often, and writes its documents.
+class RandomCall {
+public:
+    // `place` is borrowed.
+    RandomCall(unsigned seed, const TemporaryFolder& place);
+
+    fi_rotate::SCall make();
+
+private:
+    int below(int bound);
+    std::string first();
+    std::string further();
+    fi_rotate::SBackup backup(int number, const std::vector<fi_rotate::SBackup>& earlier);
+
+    std::mt19937 random;
+    const TemporaryFolder& folder;
+};
+
+}  // namespace fi_test

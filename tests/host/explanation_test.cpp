@@ -1,0 +1,226 @@
+#include "host/explanation.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "host/library_call.h"
+#include "host/outcome.h"
+#include "tests/host/RandomCall.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_rotate::EReason;
+using fi_rotate::runCall;
+using fi_rotate::SAccountBackup;
+using fi_rotate::SBackup;
+using fi_rotate::SCall;
+using fi_rotate::SOutcome;
+using fi_rotate::SReason;
+using fi_test::document;
+using fi_test::kRandomCalls;
+using fi_test::RandomCall;
+using fi_test::SPair;
+using testing::ElementsAre;
+
+class HostExplanation : public testing::Test {
+protected:
+    std::string give(const std::string& name, const std::string& timeStamp, const std::vector<SPair>& pairs,
+                     std::int32_t flagWord = 0) {
+        SBackup backup;
+        backup.file = folder.write(name, document(timeStamp, pairs));
+        backup.flagWord = flagWord;
+        call.backups.push_back(backup);
+        return backup.file;
+    }
+
+    SOutcome explained(const std::string& configuration) {
+        call.configuration = configuration;
+        return runCall(call, {}, true);
+    }
+
+    static const SReason& reasonFor(const SOutcome& outcome, std::size_t place) {
+        return outcome.backups.at(place).reason.value();
+    }
+
+    fi_test::TemporaryFolder folder;
+    SCall call;
+};
+
+TEST_F(HostExplanation, KeptAsTheNewestHolder) {
+    give("a", "1", {{"A##x", "A##1"}, {"A##y", "A##3"}});
+    const SOutcome outcome = explained("A##x;1;2&A##y;3;4");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_KEPT);
+    const SReason& reason = reasonFor(outcome, 0);
+    EXPECT_EQ(reason.kind, EReason::kNewestHolder);
+    EXPECT_THAT(reason.targets, ElementsAre("A##1", "A##3"));
+    EXPECT_EQ(inWords(reason), "the newest that holds A##1, A##3");
+}
+
+TEST_F(HostExplanation, KeptWithoutATarget) {
+    give("a", "1", {});
+    const SOutcome outcome = explained("A##x;1");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_KEPT);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "holds no target");
+}
+
+TEST_F(HostExplanation, KeptBecauseItIsExcludedAndWhatThatLeftShort) {
+    give("a", "1", {{"A##x", "A##1"}, {"A##y", "A##3"}}, 4);
+    give("b", "2", {{"A##y", "A##4"}});
+    const SOutcome outcome = explained("A##x;1;2&A##y;3;4");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_KEPT);
+    EXPECT_EQ(outcome.backups[1].state, FI_BACKUP_ROTATED);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "excluded from rotation, although A##y had no free target");
+}
+
+TEST_F(HostExplanation, KeptBecauseRotationStoppedBeforeIt) {
+    give("b", "2", {{"A##x", "A##2"}});
+    give("a", "1", {{"A##x", "A##1"}});
+    const SOutcome outcome = explained("A##x;1;2");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_KEPT);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "rotation stopped before it; holds A##2");
+}
+
+TEST_F(HostExplanation, RotatedForTheConfigurationThatWasShort) {
+    give("a", "1", {{"A##y", "A##3"}});
+    const SOutcome outcome = explained("A##x;1&A##y;3");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_ROTATED);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
+              "A##y had no free target, and this was the oldest that could be released");
+}
+
+TEST_F(HostExplanation, InvalidBecauseAPairNamesNoTarget) {
+    give("a", "1", {{"A##x", "A##1"}, {"A##y", "A##9"}});
+    const SOutcome outcome = explained("A##x;1&A##y;3");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_INVALID);
+    const SReason& reason = reasonFor(outcome, 0);
+    EXPECT_EQ(reason.kind, EReason::kUnknownTarget);
+    EXPECT_EQ(reason.objid, "UDID##v##m##A##y");
+    EXPECT_EQ(reason.altobjid, "UDID##v##m##A##9");
+    EXPECT_EQ(inWords(reason), "UDID##v##m##A##y with UDID##v##m##A##9 names no target of A##y");
+}
+
+TEST_F(HostExplanation, InvalidBecauseAPairNamesNoConfiguration) {
+    give("a", "1", {{"B##x", "A##1"}});
+    const SOutcome outcome = explained("A##x;1");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_INVALID);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "UDID##v##m##B##x names no configuration");
+}
+
+TEST_F(HostExplanation, InvalidBecauseATargetWasHeldAlready) {
+    give("old", "1", {{"A##x", "A##1"}});
+    const std::string newer = give("new", "2", {{"A##x", "A##1"}});
+    const SOutcome outcome = explained("A##x;1;2");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_INVALID);
+    const SReason& reason = reasonFor(outcome, 0);
+    EXPECT_EQ(reason.kind, EReason::kHeldAlready);
+    EXPECT_EQ(inWords(reason), "A##1 of A##x was already held by " + newer);
+}
+
+TEST_F(HostExplanation, InvalidBecauseTwoOfItsPairsNameOneTarget) {
+    // Two objids of one device: only the vendor differs.
+    call.backups.resize(1);
+    call.backups[0].file =
+        folder.write("a",
+                     "<Node><timeStamp>1</timeStamp>"
+                     "<Node><objid>UDID##v##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
+                     "<Node><objid>UDID##w##m##A##x</objid><altobjid>UDID##v##m##A##1</altobjid></Node>"
+                     "</Node>");
+    const SOutcome outcome = explained("A##x;1;2");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_INVALID);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "A##1 of A##x was already held by another of its pairs");
+}
+
+TEST_F(HostExplanation, HasNoReasonForABackupThatWasNotLoaded) {
+    SBackup missing;
+    missing.file = folder.path("missing");
+    call.backups.push_back(missing);
+    const SOutcome outcome = explained("A##x;1");
+    EXPECT_FALSE(outcome.backups[0].reason.has_value());
+}
+
+TEST_F(HostExplanation, NamesWhatIsShortWithoutASelectionAndWhoHoldsIt) {
+    const std::string excluded = give("excluded", "1", {{"A##x", "A##1"}}, 4);
+    give("holder", "3", {{"A##y", "A##3"}});
+    const std::string invalid = give("invalid", "2", {{"A##x", "A##2"}, {"A##y", "A##3"}});
+    const SOutcome outcome = explained("A##x;1;2&A##y;3&A##z");
+    EXPECT_FALSE(outcome.selection.has_value());
+    ASSERT_TRUE(outcome.account.has_value());
+    const auto& shortages = outcome.account->shortages;
+    ASSERT_EQ(shortages.size(), 2U);
+    EXPECT_EQ(shortages[0].configuration, "A##x");
+    ASSERT_EQ(shortages[0].targets.size(), 2U);
+    EXPECT_EQ(shortages[0].targets[0].target, "A##1");
+    EXPECT_EQ(shortages[0].targets[0].holder, excluded);
+    EXPECT_TRUE(shortages[0].targets[0].isExcluded);
+    EXPECT_EQ(shortages[0].targets[1].target, "A##2");
+    EXPECT_EQ(shortages[0].targets[1].holder, invalid);
+    EXPECT_FALSE(shortages[0].targets[1].isExcluded);
+    EXPECT_EQ(shortages[1].configuration, "A##z");
+    EXPECT_TRUE(shortages[1].targets.empty());
+}
+
+TEST_F(HostExplanation, CarriesEnclosuresOnThatThePrintedSetDoesNotShow) {
+    give("a", "1", {{"A##x", "B##1"}});
+    const SOutcome outcome = explained("A##x;B##1;2&A##y&&C##");
+    ASSERT_TRUE(outcome.account.has_value());
+    const auto& configurations = outcome.account->configurations;
+    ASSERT_EQ(configurations.size(), 2U);
+    EXPECT_EQ(configurations[0].first, "A##x");
+    EXPECT_THAT(configurations[0].targets, ElementsAre("B##1", "B##2"));
+    EXPECT_EQ(configurations[1].first, "A##y");
+    EXPECT_THAT(configurations[1].targets, ElementsAre());
+}
+
+std::int32_t stateOf(EReason kind) {
+    switch (kind) {
+        case EReason::kNeeded:
+            return FI_BACKUP_ROTATED;
+        case EReason::kUnknownTarget:
+        case EReason::kUnknownConfiguration:
+        case EReason::kHeldAlready:
+            return FI_BACKUP_INVALID;
+        default:
+            return FI_BACKUP_KEPT;
+    }
+}
+
+TEST_F(HostExplanation, AgreesWithTheLibraryOnRandomCalls) {
+    std::set<EReason> kinds;
+    unsigned withoutSelection = 0;
+    for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
+        SCOPED_TRACE(seed);
+        const SOutcome outcome = runCall(RandomCall(seed, folder).make(), {}, true);
+        ASSERT_TRUE(outcome.account.has_value());
+        EXPECT_EQ(outcome.account->selection, outcome.selection);
+        if (outcome.exception.has_value()) {
+            continue;
+        }
+        withoutSelection += outcome.selection.has_value() ? 0U : 1U;
+        EXPECT_EQ(outcome.account->shortages.empty(), outcome.selection.has_value());
+        for (const SAccountBackup& backup : outcome.account->backups) {
+            ASSERT_TRUE(backup.reason.has_value()) << backup.file;
+            EXPECT_EQ(backup.state, stateOf(backup.reason->kind)) << inWords(*backup.reason);
+            kinds.insert(backup.reason->kind);
+        }
+        for (const SBackup& backup : outcome.backups) {
+            ASSERT_EQ(backup.reason.has_value(), backup.loaded) << backup.file;
+            if (backup.reason.has_value() && backup.state.has_value()) {
+                EXPECT_EQ(*backup.state, stateOf(backup.reason->kind)) << inWords(*backup.reason);
+            }
+        }
+    }
+    EXPECT_EQ(kinds.size(), 8U);
+    EXPECT_GT(withoutSelection, kRandomCalls / 20);
+}
+
+}  // namespace
