@@ -1,16 +1,15 @@
 #include "cli/base/file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -29,11 +28,16 @@ mode_t modeOfNewFiles() {
     return kAllMayReadAndWrite & ~mask;
 }
 
-// Where a link leads: moving a file onto a link would replace the link.
+// Where a link leads, also when nothing is there yet: moving a file onto a link would replace the link.
 std::string resolved(const std::string& file) {
+    constexpr int kMostLinks = 40;
     std::error_code ignored;
-    const auto target = std::filesystem::canonical(file, ignored);
-    return target.empty() ? file : target.string();
+    std::filesystem::path path = file;
+    for (int i = 0; i < kMostLinks && !exists(path, ignored) && is_symlink(path, ignored); ++i) {
+        path = path.parent_path() / read_symlink(path, ignored);
+    }
+    const auto target = canonical(path, ignored);
+    return target.empty() ? path : target;
 }
 
 std::string parentFolder() {
@@ -68,43 +72,39 @@ std::optional<std::string> readFile(const std::string& file) {
     return stream == nullptr ? std::nullopt : readAll(stream.get());
 }
 
-COutputFile::COutputFile(const std::string& file) : place(resolved(file)) {
+COutputFile::COutputFile(std::string file) : given(std::move(file)), place(resolved(given)) {
     struct stat before {};
     const bool exists = stat(place.c_str(), &before) == 0;
     if (exists && !S_ISREG(before.st_mode)) {
-        descriptor = open(place.c_str(), O_WRONLY | O_CLOEXEC);
-    } else if (exists && access(place.c_str(), W_OK) != 0) {
-        fail();
-    } else {
+        content.reset(std::fopen(place.c_str(), "we"));
+    } else if (!place.empty() && (!exists || access(place.c_str(), W_OK) == 0)) {
         temporary = place + ".XXXXXX";
-        descriptor = mkstemp(temporary.data());
+        const int descriptor = mkstemp(temporary.data());
+        content.reset(descriptor == -1 ? nullptr : fdopen(descriptor, "w"));
     }
-    if (descriptor == -1) {
+    if (content == nullptr) {
         fail();
     }
     if (!temporary.empty()) {
-        fchmod(descriptor, exists ? before.st_mode : modeOfNewFiles());
+        fchmod(fileno(content.get()), exists ? before.st_mode : modeOfNewFiles());
     }
 }
 
 COutputFile::~COutputFile() {
-    close(descriptor);
     if (!temporary.empty()) {
         unlink(temporary.c_str());
     }
 }
 
-void COutputFile::write(std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written == -1 && errno != EINTR) {
-            fail();
-        }
-        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+void COutputFile::commit() {
+    const bool isBroken = std::ferror(content.get()) != 0;
+    if (std::fclose(content.release()) != 0) {
+        fail();
     }
-}
-
-void COutputFile::keep() {
+    if (isBroken) {
+        // What errno said of the write that failed is gone.
+        throw std::system_error(EIO, std::generic_category());
+    }
     if (!temporary.empty() && std::rename(temporary.c_str(), place.c_str()) != 0) {
         fail();
     }

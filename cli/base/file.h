@@ -27,21 +27,27 @@ std::optional<std::string> readFile(const std::string& file);
 class COutputFile {
 public:
     // Throws std::system_error when it cannot be written.
-    explicit COutputFile(const std::string& file);
-    // Without keep() the file is as it was before.
+    explicit COutputFile(std::string file);
+    // Without commit() the file is as it was before.
     ~COutputFile();
     COutputFile(const COutputFile&) = delete;
     COutputFile& operator=(const COutputFile&) = delete;
 
-    // Throws std::system_error when it cannot be written whole.
-    void write(std::string_view text);
-    void keep();
+    // As it was given.
+    const std::string& name() const { return given; }
+
+    // Takes the content, to be written as it comes; whether all of it could be is for commit() to find out.
+    std::FILE* stream() const { return content.get(); }
+
+    // Moves the file to its place. Throws std::system_error when it could not be written whole.
+    void commit();
 
 private:
+    std::string given;
     std::string place;
     // Empty when it is written in place.
     std::string temporary;
-    int descriptor = -1;
+    CFile content;
 };
 
 // A folder for files that nobody keeps, in memory where the system offers that; removed with all that is in

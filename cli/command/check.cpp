@@ -85,8 +85,7 @@ std::string paragraphOn(const std::string& name) {
 }
 
 int print(const std::string& text, int exitStatus) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    return isWritten(stdout, "standard output") ? exitStatus : kExitUnfinished;
+    return printOrReport(text) ? exitStatus : kExitUnfinished;
 }
 
 int runCheck(const SOptions& options) {
@@ -99,7 +98,7 @@ int runCheck(const SOptions& options) {
         return print(options.json ? toJson(found) : toText(found), exitStatusOf(countAll(found)));
     } catch (const std::exception& error) {
         // Its exit status must not be taken for that of warnings.
-        say(error.what());
+        printError(error.what());
         return kExitUnfinished;
     }
 }

@@ -2,9 +2,11 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -50,16 +52,21 @@ bool wantsColour() {
     return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
 }
 
-void say(const std::string& message) {
+void printError(const std::string& message) {
     fmt::print(stderr, "fi-rotate: {}\n", asPrintable(message));
 }
 
-bool isWritten(std::FILE* stream, const std::string& name) {
-    const bool written = std::fflush(stream) == 0 && std::ferror(stream) == 0;
-    if (!written) {
-        say("cannot write " + name + ": " + errorText());
+bool flushOrReport() {
+    const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!isWritten) {
+        printError("cannot write standard output: " + errorText());
     }
-    return written;
+    return isWritten;
+}
+
+bool printOrReport(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    return flushOrReport();
 }
 
 std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::optional<std::string>& file) {
@@ -73,13 +80,13 @@ std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::op
     }
 }
 
-bool keep(COutputFile& file, const std::string& text, const std::string& name) {
+bool commitOrReport(COutputFile& file, const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), file.stream());
     try {
-        file.write(text);
-        file.keep();
+        file.commit();
         return true;
     } catch (const std::system_error& error) {
-        say("cannot write " + name + ": " + error.code().message());
+        printError("cannot write " + file.name() + ": " + error.code().message());
         return false;
     }
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,16 +36,21 @@ SCall readRequestFile(const std::string& file);
 bool wantsColour();
 
 // Writes a line to standard error.
-void say(const std::string& message);
+void printError(const std::string& message);
 
-// Flushes what was written to `stream`, called `name`; false, with a message, when a write failed.
-bool isWritten(std::FILE* stream, const std::string& name);
+// Writes `text` to standard output and flushes it; false, with a message, when something that was written
+// there is lost.
+bool printOrReport(const std::string& text);
+
+// The same of what was written there before.
+bool flushOrReport();
 
 // Before the work that fills it, so that a file that cannot be written is refused at once: throws
 // CLI::ValidationError. Null without a file.
 std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::optional<std::string>& file);
 
-// Writes the file, called `name`, and keeps it; false, with a message, when it could not be written whole.
-bool keep(COutputFile& file, const std::string& text, const std::string& name);
+// Writes `text`, behind what its stream took before, and commits the file; false, with a message, when it
+// could not be written whole.
+bool commitOrReport(COutputFile& file, const std::string& text = "");
 
 }  // namespace fi_rotate

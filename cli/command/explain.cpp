@@ -76,12 +76,12 @@ std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls, std::option
     return {std::move(calls[*number - 1])};
 }
 
-void sayNoCall(const SOptions& options, std::size_t count) {
+void reportNoCall(const SOptions& options, std::size_t count) {
     const std::string log = options.log == "-" ? "standard input" : quoted(options.log);
     if (count == 0) {
-        say("no call of the library in " + log);
+        printError("no call of the library in " + log);
     } else {
-        say(fmt::format("no call {} in {}, which has {}", *options.call, log, count));
+        printError(fmt::format("no call {} in {}, which has {}", *options.call, log, count));
     }
 }
 
@@ -98,15 +98,13 @@ int runExplain(const SOptions& options) {
     const std::size_t count = all.size();
     std::vector<SLoggedCall> calls = chosenCalls(std::move(all), options.call);
     if (calls.empty()) {
-        sayNoCall(options, count);
+        reportNoCall(options, count);
         return kExitNoSelection;
     }
     for (SLoggedCall& call : calls) {
         call.outcome = onlyShown(std::move(call.outcome), options.shownStates);
     }
-    const std::string shown = options.json ? toJson(calls) : toTables(calls);
-    std::fwrite(shown.data(), 1, shown.size(), stdout);
-    return isWritten(stdout, "standard output") ? kExitSelection : kExitNotShown;
+    return printOrReport(options.json ? toJson(calls) : toTables(calls)) ? kExitSelection : kExitNotShown;
 }
 
 }  // namespace

@@ -132,31 +132,31 @@ SCall callOf(const SOptions& options) {
     return call;
 }
 
-void sayNotLoaded(const std::vector<SBackup>& backups) {
+void reportNotLoaded(const std::vector<SBackup>& backups) {
     const auto isNotLoaded = [](const SBackup& backup) { return !backup.loaded; };
     const auto first = std::find_if(backups.begin(), backups.end(), isNotLoaded);
     if (first == backups.end()) {
         return;
     }
     const auto others = std::count_if(first + 1, backups.end(), isNotLoaded);
-    say("not loaded: \"" + first->file + "\"" + (others == 0 ? "" : fmt::format(" and {} more", others)) +
-        "; took no part in the rotation");
+    printError("not loaded: \"" + first->file + "\"" +
+               (others == 0 ? "" : fmt::format(" and {} more", others)) + "; took no part in the rotation");
 }
 
-void sayWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
+void reportWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
     if (!isTraceShown) {
-        std::for_each(outcome.messages.begin(), outcome.messages.end(), say);
+        std::for_each(outcome.messages.begin(), outcome.messages.end(), printError);
     }
     if (outcome.exception.has_value()) {
         const SException& exception = *outcome.exception;
-        say(exception.identifier.has_value()
-                ? fmt::format("malformed identifier \"{}\": {}", *exception.identifier, exception.reason)
-                : "an exception left the library: " + exception.reason);
+        printError(exception.identifier.has_value() ? fmt::format("malformed identifier \"{}\": {}",
+                                                                  *exception.identifier, exception.reason)
+                                                    : "an exception left the library: " + exception.reason);
         return;
     }
-    sayNotLoaded(outcome.backups);
+    reportNotLoaded(outcome.backups);
     if (!outcome.selection.has_value()) {
-        say("no selection: at least one configuration has no free target");
+        printError("no selection: at least one configuration has no free target");
     }
 }
 
@@ -167,48 +167,42 @@ int exitStatusOf(const SOutcome& outcome) {
     return outcome.selection.has_value() ? kExitSelection : kExitNoSelection;
 }
 
-CFile openForWriting(const std::string& option, const std::string& file) {
-    CFile stream(std::fopen(file.c_str(), "w"));
-    if (stream == nullptr) {
-        throw CLI::ValidationError(option, "cannot write " + quoted(file) + ": " + errorText());
+// Nothing to do without a file; false, with a message, when it could not be written whole.
+bool saveRequest(const SCall& call, const std::optional<std::string>& file) {
+    if (!file.has_value()) {
+        return true;
     }
-    return stream;
-}
-
-// False, with a message, when it could not be written whole.
-bool saveRequest(const SCall& call, const std::string& file) {
     std::string text;
     try {
         text = toRequest(call);
     } catch (const std::invalid_argument& fault) {
         throw CLI::ValidationError("--save-request", std::string("cannot save: ") + fault.what());
     }
-    const CFile stream = openForWriting("--save-request", file);
-    std::fwrite(text.data(), 1, text.size(), stream.get());
-    return isWritten(stream.get(), file);
+    return commitOrReport(*openOutput("--save-request", file), text);
 }
 
 int runSelect(const SOptions& options) {
     SCall call = callOf(options);
+    const auto trace = openOutput("--trace-file", options.traceFile);
+    const auto svg = openOutput("--svg", options.svgFile);
+    if (!saveRequest(call, options.savedRequest)) {
+        return kExitNotShown;
+    }
+
     std::vector<std::FILE*> traceOutputs;
     if (options.trace) {
         traceOutputs.push_back(stderr);
     }
-    CFile traceFile;
-    if (options.traceFile.has_value()) {
-        traceFile = openForWriting("--trace-file", *options.traceFile);
-        traceOutputs.push_back(traceFile.get());
+    if (trace != nullptr) {
+        traceOutputs.push_back(trace->stream());
     }
-    if (options.savedRequest.has_value() && !saveRequest(call, *options.savedRequest)) {
+    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain || svg != nullptr);
+    readTimeStamps(outcome.backups);
+    const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
+    if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {
         return kExitNotShown;
     }
 
-    const auto svg = openOutput("--svg", options.svgFile);
-    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain || svg != nullptr);
-    readTimeStamps(outcome.backups);
-    if (svg != nullptr && !keep(*svg, toSvg(pictureOf(outcome)), *options.svgFile)) {
-        return kExitNotShown;
-    }
     if (!options.explain) {
         outcome.account.reset();
     }
@@ -216,11 +210,8 @@ int runSelect(const SOptions& options) {
     const std::string shown =
         options.json ? toJson(selected) : toTables(selected, widthOfOutput(), wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
-    sayWhatWentWrong(outcome, options.trace);
-
-    const bool outputWritten = isWritten(stdout, "standard output");
-    const bool traceWritten = traceFile == nullptr || isWritten(traceFile.get(), *options.traceFile);
-    return outputWritten && traceWritten ? exitStatusOf(outcome) : kExitNotShown;
+    reportWhatWentWrong(outcome, options.trace);
+    return flushOrReport() && isTraceWritten ? exitStatusOf(outcome) : kExitNotShown;
 }
 
 }  // namespace

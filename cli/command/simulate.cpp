@@ -142,13 +142,11 @@ int runSimulate(const SOptions& options) {
     const auto csv = openOutput("--csv", options.csvFile);
     const auto svg = openOutput("--svg", options.svgFile);
     const SSimulationReport report = makeReport(options, interrupt);
-    if ((csv != nullptr && !keep(*csv, toCsv(report.simulation), *options.csvFile)) ||
-        (svg != nullptr && !keep(*svg, toSvg(pictureOf(report.simulation)), *options.svgFile))) {
+    if ((csv != nullptr && !commitOrReport(*csv, toCsv(report.simulation))) ||
+        (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(report.simulation))))) {
         return kExitNotShown;
     }
-    const std::string shown = options.json ? toJson(report) : toText(report);
-    std::fwrite(shown.data(), 1, shown.size(), stdout);
-    if (!isWritten(stdout, "standard output")) {
+    if (!printOrReport(options.json ? toJson(report) : toText(report))) {
         return kExitNotShown;
     }
     const auto signal = interrupt.signal();
@@ -205,7 +203,7 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         try {
             exitStatus = runSimulate(*options);
         } catch (const CLibraryFailure& failure) {
-            say(failure.what());
+            printError(failure.what());
             exitStatus = kExitException;
         }
     });

@@ -1,9 +1,11 @@
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "cli/base/file.h"
 #include "tests/cli/Program.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -12,6 +14,7 @@ namespace {
 using fi_test::runFiRotate;
 using testing::HasSubstr;
 using testing::StartsWith;
+using testing::UnorderedElementsAre;
 
 TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
     const struct {
@@ -94,6 +97,34 @@ TEST(FiRotateUsage, FlagWordsAndExclusionsReachTheLibrary) {
                                         "] exclude rotation flag [4] \n"
                                         "3 fi_process_backups :  Fiid [" +
                                         a + "] exclude rotation flag [-2147483644] \n"));
+}
+
+TEST(FiRotateUsage, EveryOutputFileIsReplacedAsAWhole) {
+    const std::vector<std::string> select{"select", "--config", "encA##lun1;snap1"};
+    const std::vector<std::string> simulate{"simulate", "--config", "encA##lun1;snap1", "--rounds",  "2",
+                                            "--every",  "24h",      "--start",          "2026-10-01"};
+    const struct {
+        std::vector<std::string> arguments;
+        const char* option;
+    } rows[] = {{select, "--save-request"},
+                {select, "--trace-file"},
+                {select, "--svg"},
+                {simulate, "--csv"},
+                {simulate, "--svg"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.arguments.front() + " " + row.option);
+        const fi_test::TemporaryFolder folder;
+        const std::string file = folder.write("file", "old");
+        const std::string same = folder.path("same");
+        std::filesystem::create_hard_link(file, same);
+        auto arguments = row.arguments;
+        arguments.insert(arguments.end(), {row.option, file});
+        EXPECT_EQ(runFiRotate(arguments).exitStatus, 0);
+        // Whoever has the old file open keeps it.
+        EXPECT_EQ(fi_rotate::readFile(same), "old");
+        EXPECT_NE(fi_rotate::readFile(file), "old");
+        EXPECT_THAT(folder.entries(), UnorderedElementsAre("file", "same"));
+    }
 }
 
 TEST(FiRotateUsage, ExitsWith1WhenTheOutcomeCannotBeWritten) {

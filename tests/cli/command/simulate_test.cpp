@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -241,20 +240,6 @@ TEST(FiRotateSimulate, ExitsWith1WhenAFileCannotBeWrittenWhole) {
     const auto result = runFiRotate(daily("encA##lun1;s1", "3", {"--csv", "/dev/full"}));
     EXPECT_EQ(result.exitStatus, 1);
     EXPECT_EQ(result.error, "fi-rotate: cannot write /dev/full: No space left on device\n");
-}
-
-TEST(FiRotateSimulate, KeepsTheLinkAndTheRightsOfTheFileItReplaces) {
-    const TemporaryFolder folder;
-    const std::string file = folder.write("rounds.csv", "");
-    const std::string link = folder.path("link.csv");
-    std::filesystem::permissions(file,
-                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-    std::filesystem::create_symlink("rounds.csv", link);
-    EXPECT_EQ(runFiRotate(daily("encA##lun1;s1", "1", {"--csv", link})).exitStatus, 0);
-    EXPECT_TRUE(std::filesystem::is_symlink(link));
-    EXPECT_THAT(contentOf(file), StartsWith("round,"));
-    EXPECT_EQ(std::filesystem::status(file).permissions(),
-              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
 TEST(FiRotateSimulate, OnATerminalTheSummarysHeadingIsBoldUnlessColourIsUnwanted) {
