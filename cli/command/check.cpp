@@ -41,29 +41,27 @@ enum ECheckExit : int {
 };
 
 struct SOptions {
-    // Exactly one of the four is given.
-    std::optional<std::string> configuration;
-    std::optional<std::string> configurationFile;
-    std::optional<std::string> request;
+    // Of the call, unless a hazard is to be explained.
+    SCallOptions call;
     std::optional<std::string> explained;
     bool json = false;
     std::vector<std::string> files;
 };
 
-SInputs inputsOf(const SOptions& options) {
+std::string configurationName(const SCallOptions& options) {
     if (options.request.has_value()) {
-        const SCall call = readRequestFile(*options.request);
-        SInputs inputs{call.configuration, *options.request + " (configuration)", {}};
-        for (const SBackup& backup : call.backups) {
-            inputs.files.push_back(backup.file);
-        }
-        return inputs;
+        return *options.request + " (configuration)";
     }
-    if (options.configuration.has_value()) {
-        return {*options.configuration, "--config", options.files};
+    return options.configuration.has_value() ? "--config" : *options.configurationFile;
+}
+
+SInputs inputsOf(const SOptions& options) {
+    const SCall call = readCall(options.call);
+    SInputs inputs{call.configuration, configurationName(options.call), options.files};
+    for (const SBackup& backup : call.backups) {
+        inputs.files.push_back(backup.file);
     }
-    return {readFileOf("--config-file", *options.configurationFile), *options.configurationFile,
-            options.files};
+    return inputs;
 }
 
 int exitStatusOf(const SCounts& counts) {
@@ -111,16 +109,11 @@ void addCheck(CLI::App& app, int& exitStatus) {
         *app.add_subcommand("check", "Say what in the inputs of a call is not what it looks like");
     check.footer(kFooter);
 
-    CLI::Option_group& input = *check.add_option_group("input");
-    input.add_option("--config", options->configuration, "The resource configuration")->type_name("TEXT");
-    input.add_option("--config-file", options->configurationFile, "A file that holds it")->type_name("FILE");
-    CLI::Option* const request =
-        input.add_option("--request", options->request, "The whole call, as one JSON document")
-            ->type_name("FILE");
+    CLI::Option_group& input = addConfigurationOptions(check, "input", options->call);
+    CLI::Option* const request = addRequestOption(input, options->call);
     CLI::Option* const explained =
         input.add_option("--explain", options->explained, "Say what a hazard means, and check nothing")
             ->type_name("NAME");
-    input.require_option(1);
     check.add_flag("--json", options->json, "Show the findings as one JSON document")->excludes(explained);
     check.add_option("FIID", options->files, "Documents of the earlier backups")
         ->type_name("")

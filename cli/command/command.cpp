@@ -4,23 +4,18 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include "cli/base/file.h"
 #include "cli/base/text.h"
 #include "cli/outcome/request.h"
 
 namespace fi_rotate {
-
-std::string quoted(const std::string& text) {
-    return '"' + asPrintable(text) + '"';
-}
+namespace {
 
 std::string readFileOf(const std::string& option, const std::string& file) {
     std::optional<std::string> text = readFile(file);
@@ -30,22 +25,61 @@ std::string readFileOf(const std::string& option, const std::string& file) {
     return *std::move(text);
 }
 
-std::string readConfigurationFile(const std::string& file) {
-    std::string text = readFileOf("--config-file", file);
-    // The library would take the text before it for the whole.
-    if (text.find('\0') != std::string::npos) {
-        throw CLI::ValidationError("--config-file", quoted(file) + " holds a NUL byte");
-    }
-    return text;
-}
-
-SCall readRequestFile(const std::string& file) {
+SCall readRequest(const std::string& file) {
     const std::string text = readFileOf("--request", file);
     try {
         return parseRequest(text);
     } catch (const std::invalid_argument& fault) {
         throw CLI::ValidationError("--request", quoted(file) + " is no request: " + fault.what());
     }
+}
+
+}  // namespace
+
+std::string quoted(const std::string& text) {
+    return '"' + asPrintable(text) + '"';
+}
+
+CLI::Option_group& addConfigurationOptions(CLI::App& subcommand, const std::string& group,
+                                           SCallOptions& options) {
+    CLI::Option_group& added = *subcommand.add_option_group(group);
+    added.add_option("--config", options.configuration, "The resource configuration")->type_name("TEXT");
+    added.add_option("--config-file", options.configurationFile, "A file that holds it")->type_name("FILE");
+    added.require_option(1);
+    return added;
+}
+
+CLI::Option* addRequestOption(CLI::Option_group& group, SCallOptions& options) {
+    return group.add_option("--request", options.request, "The whole call, as one JSON document")
+        ->type_name("FILE");
+}
+
+SCall readCall(const SCallOptions& options) {
+    if (options.request.has_value()) {
+        return readRequest(*options.request);
+    }
+    SCall call;
+    call.configuration = options.configuration.has_value()
+                             ? *options.configuration
+                             : readFileOf("--config-file", *options.configurationFile);
+    return call;
+}
+
+SCall readCallWithoutNul(const SCallOptions& options) {
+    SCall call = readCall(options);
+    // Neither an argument nor a request can hold one.
+    if (call.configuration.find('\0') != std::string::npos) {
+        throw CLI::ValidationError("--config-file", quoted(*options.configurationFile) + " holds a NUL byte");
+    }
+    return call;
+}
+
+void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states) {
+    subcommand.add_option("--only", states, "Show only the backups of these states, separated by commas")
+        ->type_name("STATE")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(kStateWords));
 }
 
 bool wantsColour() {

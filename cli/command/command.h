@@ -2,7 +2,10 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+
+#include <CLI/CLI.hpp>
 
 #include "cli/base/file.h"
 #include "host/library_call.h"
@@ -23,14 +26,30 @@ enum EExit : int {
 // In quotation marks, on one line.
 std::string quoted(const std::string& text);
 
-// The bytes of `file`, which was given with `option`. Throws CLI::ValidationError when it cannot be read.
-std::string readFileOf(const std::string& option, const std::string& file);
+// Which call is meant: exactly one is given.
+struct SCallOptions {
+    std::optional<std::string> configuration;
+    std::optional<std::string> configurationFile;
+    std::optional<std::string> request;
+};
 
-// Throws CLI::ValidationError when it cannot be read, or when the library would not read it whole.
-std::string readConfigurationFile(const std::string& file);
+// Adds --config and --config-file in a group of which exactly one option must be given.
+CLI::Option_group& addConfigurationOptions(CLI::App& subcommand, const std::string& group,
+                                           SCallOptions& options);
 
-// Throws CLI::ValidationError when it cannot be read or is no request.
-SCall readRequestFile(const std::string& file);
+// Adds --request to that group.
+CLI::Option* addRequestOption(CLI::Option_group& group, SCallOptions& options);
+
+// The call that the options name; it has backups when a request lists them. Throws CLI::ValidationError when
+// it cannot be read or the request is none.
+SCall readCall(const SCallOptions& options);
+
+// The same for the library, which would take a configuration up to its first NUL for the whole: throws
+// CLI::ValidationError when it holds one.
+SCall readCallWithoutNul(const SCallOptions& options);
+
+// Adds --only, which fills `states`.
+void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states);
 
 // Standard output is a terminal, and nobody asked for no colour.
 bool wantsColour();

@@ -116,13 +116,7 @@ void addExplain(CLI::App& app, int& exitStatus) {
     explain.add_option("LOG", options->log, "The log; - or nothing for standard input")->type_name("");
     explain.add_option("--call", options->call, "Show only this call; they are numbered from 1")
         ->type_name("N");
-    explain
-        .add_option("--only", options->shownStates,
-                    "Show only the backups of these states, separated by commas")
-        ->type_name("STATE")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(CLI::IsMember(kStateWords));
+    addOnlyOption(explain, options->shownStates);
     explain.add_flag("--json", options->json, "Show the calls as one JSON document");
     explain.callback([options, &exitStatus] { exitStatus = runExplain(*options); });
 }

@@ -57,10 +57,7 @@ Exit status: 0 a selection, 3 none, 4 an exception left the library, 2 wrong usa
 not be written.)";
 
 struct SOptions {
-    // Exactly one of the three is given.
-    std::optional<std::string> configuration;
-    std::optional<std::string> configurationFile;
-    std::optional<std::string> request;
+    SCallOptions call;
     std::optional<std::string> savedRequest;
     // States of the backups to show; all when there is none.
     std::set<std::string> shownStates;
@@ -121,14 +118,10 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
 }
 
 SCall callOf(const SOptions& options) {
-    if (options.request.has_value()) {
-        return readRequestFile(*options.request);
+    SCall call = readCallWithoutNul(options.call);
+    if (!options.call.request.has_value()) {
+        call.backups = backupsOf(options);
     }
-    SCall call;
-    call.configuration = options.configuration.has_value()
-                             ? *options.configuration
-                             : readConfigurationFile(*options.configurationFile);
-    call.backups = backupsOf(options);
     return call;
 }
 
@@ -222,15 +215,8 @@ void addSelect(CLI::App& app, int& exitStatus) {
         "select", "Choose the targets for a new backup and show what becomes of the others");
     select.footer(kFooter);
 
-    CLI::Option_group& configuration = *select.add_option_group("configuration");
-    configuration.add_option("--config", options->configuration, "The resource configuration")
-        ->type_name("TEXT");
-    configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
-        ->type_name("FILE");
-    CLI::Option* const request =
-        configuration.add_option("--request", options->request, "The whole call, as one JSON document")
-            ->type_name("FILE");
-    configuration.require_option(1);
+    CLI::Option_group& configuration = addConfigurationOptions(select, "configuration", options->call);
+    CLI::Option* const request = addRequestOption(configuration, options->call);
     select
         .add_option("--save-request", options->savedRequest,
                     "Write the whole call to a file, to be made again with --request")
@@ -244,13 +230,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->type_name("FILE=N")
         ->allow_extra_args(false)
         ->excludes(request);
-    select
-        .add_option("--only", options->shownStates,
-                    "Show only the backups of these states, separated by commas")
-        ->type_name("STATE")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->check(CLI::IsMember(kStateWords));
+    addOnlyOption(select, options->shownStates);
     select.add_flag("--explain", options->explain,
                     "Say why each backup came to its state and, without a selection, what is short");
     select.add_flag("--json", options->json, "Show the outcome as one JSON document");

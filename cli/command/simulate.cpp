@@ -39,9 +39,7 @@ outcome could not be written, 130 after Ctrl-C, which shows the rounds that were
 constexpr int kExitSignal = 128;
 
 struct SOptions {
-    // Exactly one of the two is given.
-    std::optional<std::string> configuration;
-    std::optional<std::string> configurationFile;
+    SCallOptions call;
     std::size_t rounds = 0;
     std::string every;
     std::string start;
@@ -66,9 +64,7 @@ constexpr const char* kDuration = "a whole number with one of the units s, m, h,
 
 SPlan planOf(const SOptions& options) {
     SPlan plan;
-    plan.configuration = options.configuration.has_value()
-                             ? *options.configuration
-                             : readConfigurationFile(*options.configurationFile);
+    plan.configuration = readCallWithoutNul(options.call).configuration;
     plan.rounds = options.rounds;
     plan.every = valueOf("--every", options.every, parseDuration(options.every), kDuration);
     plan.start = valueOf("--start", options.start, parseTime(options.start),
@@ -103,7 +99,7 @@ SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan, const G
     try {
         return simulate(plan, goOn);
     } catch (const std::invalid_argument& fault) {
-        throw CLI::ValidationError(options.configuration.has_value() ? "--config" : "--config-file",
+        throw CLI::ValidationError(options.call.configuration.has_value() ? "--config" : "--config-file",
                                    fault.what());
     }
 }
@@ -161,12 +157,7 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         *app.add_subcommand("simulate", "Run many rounds and show how long targets keep their snapshots");
     simulate.footer(kFooter);
 
-    CLI::Option_group& configuration = *simulate.add_option_group("configuration");
-    configuration.add_option("--config", options->configuration, "The resource configuration")
-        ->type_name("TEXT");
-    configuration.add_option("--config-file", options->configurationFile, "A file that holds it")
-        ->type_name("FILE");
-    configuration.require_option(1);
+    addConfigurationOptions(simulate, "configuration", options->call);
 
     constexpr std::size_t kMostRounds = 100000000;
     simulate.add_option("--rounds", options->rounds, "How many rounds")
