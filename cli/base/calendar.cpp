@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -11,6 +10,8 @@
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+
+#include "cli/base/text.h"
 
 namespace fi_rotate {
 namespace {
@@ -107,8 +108,7 @@ std::string toShownDuration(std::int64_t seconds) {
 
 std::optional<int> parseWeekday(std::string_view text) {
     std::string name(text);
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    std::transform(name.begin(), name.end(), name.begin(), lowerCase<char>);
     for (std::size_t day = 0; day < kWeekdays.size(); ++day) {
         if (name == kWeekdays[day] || name == kWeekdays[day].substr(0, 3)) {
             return static_cast<int>(day);

@@ -26,6 +26,12 @@ std::size_t characterCount(std::string_view text);
 // Where the character that holds the byte at `offset` begins.
 std::size_t characterStart(std::string_view text, std::size_t offset);
 
+// An ASCII capital letter as a small one, any other unit of a text as it is; of bytes or of UTF-16.
+template <typename Unit>
+constexpr Unit lowerCase(Unit unit) {
+    return unit >= Unit{'A'} && unit <= Unit{'Z'} ? static_cast<Unit>(unit - 'A' + 'a') : unit;
+}
+
 inline bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }

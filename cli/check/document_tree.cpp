@@ -13,6 +13,7 @@
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/XMLString.hpp>
 
+#include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
 #include "cli/check/document_text.h"
 
@@ -67,13 +68,9 @@ constexpr SName kNames[] = {
     {EElement::kTimeStamp, u"timeStamp", "timeStamp"},
 };
 
-char16_t inSmall(char16_t letter) {
-    return letter >= u'A' && letter <= u'Z' ? static_cast<char16_t>(letter - u'A' + u'a') : letter;
-}
-
 bool isSameButForCase(std::u16string_view left, std::u16string_view right) {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char16_t a, char16_t b) { return inSmall(a) == inSmall(b); });
+                      [](char16_t a, char16_t b) { return lowerCase(a) == lowerCase(b); });
 }
 
 const SName* meant(std::u16string_view qname) {

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "cli/base/text.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -16,10 +18,6 @@ std::string_view trimmed(std::string_view text) {
     const std::size_t begin = std::min(text.find_first_not_of(kWhiteSpace), text.size());
     const std::size_t end = text.find_last_not_of(kWhiteSpace) + 1;
     return begin < end ? text.substr(begin, end - begin) : std::string_view();
-}
-
-char inSmall(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 }  // namespace
@@ -40,7 +38,7 @@ std::size_t distance(std::string_view left, std::string_view right, std::size_t 
         std::size_t diagonal = distances[0];
         distances[0] = i + 1;
         for (std::size_t j = 0; j < right.size(); ++j) {
-            const std::size_t replaced = diagonal + (inSmall(left[i]) == inSmall(right[j]) ? 0 : 1);
+            const std::size_t replaced = diagonal + (lowerCase(left[i]) == lowerCase(right[j]) ? 0 : 1);
             diagonal = distances[j + 1];
             distances[j + 1] = std::min({replaced, diagonal + 1, distances[j] + 1});
         }

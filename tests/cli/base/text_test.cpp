@@ -1,5 +1,6 @@
 #include "cli/base/text.h"
 
+#include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -47,6 +48,17 @@ TEST(FiRotatePrintable, ShowsControlCharactersInHexadecimalOnTerminals) {
     for (const SRow& row : kRows) {
         EXPECT_EQ(fi_rotate::asPrintable(row.text), row.asPrintable) << row.description;
     }
+}
+
+TEST(FiRotateLowerCase, ChangesTheCapitalLettersOfAsciiAndNothingElse) {
+    const std::string bytes = "@AMZ[`amz{09 \xC3\x84\xDF";
+    std::string small = bytes;
+    std::transform(small.begin(), small.end(), small.begin(), fi_rotate::lowerCase<char>);
+    EXPECT_EQ(small, "@amz[`amz{09 \xC3\x84\xDF");
+    EXPECT_EQ(fi_rotate::lowerCase(u'Z'), u'z');
+    EXPECT_EQ(fi_rotate::lowerCase(u'\u00C4'), u'\u00C4');
+    // Its lower byte is that of a capital A.
+    EXPECT_EQ(fi_rotate::lowerCase(u'\u0141'), u'\u0141');
 }
 
 }  // namespace
