@@ -144,7 +144,7 @@ constexpr bool isInOrder(const Kinds& kinds) {
     }
     return true;
 }
-static_assert(isInOrder(kKinds), "rows stand in the order of EHazard");
+static_assert(isInOrder(kKinds), "each hazard of EHazard has a row, in the order of EHazard");
 
 }  // namespace
 

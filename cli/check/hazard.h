@@ -46,8 +46,10 @@ enum class EHazard {
     kSameObjid,
     kPairMatchesNothing,
     kTargetHeldTwice,
+    // None, but how many there are.
+    kCount,
 };
-constexpr std::size_t kHazardCount = static_cast<std::size_t>(EHazard::kTargetHeldTwice) + 1;
+constexpr auto kHazardCount = static_cast<std::size_t>(EHazard::kCount);
 
 enum class ESeverity {
     // It may be meant, but it is not what it looks like.
