@@ -1,14 +1,10 @@
-#include <cstdio>
 #include <exception>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
-#include "cli/command/check.h"
 #include "cli/command/command.h"
-#include "cli/command/explain.h"
-#include "cli/command/select.h"
-#include "cli/command/simulate.h"
+#include "cli/command/subcommands.h"
 
 namespace {
 
@@ -24,19 +20,14 @@ std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
 int run(int argc, char** argv) {
     int exitStatus = fi_rotate::kExitUsage;
     CLI::App app("Runs rotations of snapshot targets by hand.", "fi-rotate");
-    app.set_version_flag("--version", FI_ROTATION_VERSION);
-    app.require_subcommand(1);
     app.failure_message(failureMessage);
-    fi_rotate::addSelect(app, exitStatus);
-    fi_rotate::addCheck(app, exitStatus);
-    fi_rotate::addExplain(app, exitStatus);
-    fi_rotate::addSimulate(app, exitStatus);
+    fi_rotate::addSubcommands(app, exitStatus);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help and version arrive as errors with status 0; all others are wrong usage.
         const bool isWrong = app.exit(error) != 0;
-        return isWrong ? fi_rotate::kExitUsage : fi_rotate::kExitSelection;
+        return isWrong ? fi_rotate::kExitUsage : fi_rotate::kExitDone;
     }
     return exitStatus;
 }
@@ -47,7 +38,7 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "fi-rotate: %s\n", error.what());
-        return fi_rotate::kExitNotShown;
+        fi_rotate::printError(error.what());
+        return fi_rotate::kExitNotWritten;
     }
 }

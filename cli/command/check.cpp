@@ -1,7 +1,4 @@
-#include "cli/command/check.h"
-
 #include <cstdio>
-#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +10,7 @@
 #include "cli/check/hazard.h"
 #include "cli/check/report.h"
 #include "cli/command/command.h"
+#include "cli/command/subcommands.h"
 
 namespace fi_rotate {
 namespace {
@@ -28,17 +26,7 @@ configuration's text. Of one hazard in one input the first 20 are shown and the 
 the documents is opened, whatever they ask for. --explain with a name that is not known lists all names.
 
 JSON keys: findings (file, line, column, severity, name, text, count), errors, warnings, documents.
-A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits.
-
-Exit status: 0 nothing was found, 1 warnings only, 3 errors, 2 wrong usage, 4 the check could not be finished
-or its report not be written.)";
-
-enum ECheckExit : int {
-    kExitClean = 0,
-    kExitWarnings = 1,
-    kExitErrors = 3,
-    kExitUnfinished = 4,
-};
+A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits.)";
 
 struct SOptions {
     // Of the call, unless a hazard is to be explained.
@@ -66,9 +54,9 @@ SInputs inputsOf(const SOptions& options) {
 
 int exitStatusOf(const SCounts& counts) {
     if (counts.errors > 0) {
-        return kExitErrors;
+        return kExitNegative;
     }
-    return counts.warnings > 0 ? kExitWarnings : kExitClean;
+    return counts.warnings > 0 ? kExitWarnings : kExitDone;
 }
 
 std::string paragraphOn(const std::string& name) {
@@ -82,23 +70,13 @@ std::string paragraphOn(const std::string& name) {
     throw CLI::ValidationError("--explain", "no hazard is called " + quoted(name) + "; these are:" + names);
 }
 
-int print(const std::string& text, int exitStatus) {
-    return printOrReport(text) ? exitStatus : kExitUnfinished;
-}
-
 int runCheck(const SOptions& options) {
     if (options.explained.has_value()) {
-        return print(paragraphOn(*options.explained), kExitClean);
+        return printOrReport(paragraphOn(*options.explained)) ? kExitDone : kExitNotWritten;
     }
-    const SInputs inputs = inputsOf(options);
-    try {
-        const std::vector<CFindings> found = checkCall(inputs);
-        return print(options.json ? toJson(found) : toText(found), exitStatusOf(countAll(found)));
-    } catch (const std::exception& error) {
-        // Its exit status must not be taken for that of warnings.
-        printError(error.what());
-        return kExitUnfinished;
-    }
+    const std::vector<CFindings> found = checkCall(inputsOf(options));
+    const bool isWritten = printOrReport(options.json ? toJson(found) : toText(found));
+    return isWritten ? exitStatusOf(countAll(found)) : kExitNotWritten;
 }
 
 }  // namespace
@@ -107,7 +85,7 @@ void addCheck(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
     CLI::App& check =
         *app.add_subcommand("check", "Say what in the inputs of a call is not what it looks like");
-    check.footer(kFooter);
+    setFooter(check, kFooter);
 
     CLI::Option_group& input = addConfigurationOptions(check, "input", options->call);
     CLI::Option* const request = addRequestOption(input, options->call);

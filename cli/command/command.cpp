@@ -36,6 +36,16 @@ SCall readRequest(const std::string& file) {
 
 }  // namespace
 
+void setFooter(CLI::App& subcommand, const std::string& text) {
+    std::string footer = text + "\n\nExit status:";
+    for (const SExitStatus& row : kExitStatuses) {
+        if (row.subcommand == subcommand.get_name() || row.subcommand == "all") {
+            footer += fmt::format("\n{:>5}  {}", row.status, row.meaning);
+        }
+    }
+    subcommand.footer(footer);
+}
+
 std::string quoted(const std::string& text) {
     return '"' + asPrintable(text) + '"';
 }

@@ -8,20 +8,14 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/base/file.h"
+#include "cli/command/exit_status.h"
 #include "host/library_call.h"
 
 // What the subcommands have in common.
 namespace fi_rotate {
 
-// Exit statuses of the program.
-enum EExit : int {
-    kExitSelection = 0,
-    // The outcome could not be shown: a write failed or memory ran out.
-    kExitNotShown = 1,
-    kExitUsage = 2,
-    kExitNoSelection = 3,
-    kExitException = 4,
-};
+// Ends the help of a subcommand with `text` and its exit statuses.
+void setFooter(CLI::App& subcommand, const std::string& text);
 
 // In quotation marks, on one line.
 std::string quoted(const std::string& text);

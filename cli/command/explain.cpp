@@ -1,5 +1,3 @@
-#include "cli/command/explain.h"
-
 #include <cstddef>
 #include <cstdio>
 #include <fstream>
@@ -16,6 +14,7 @@
 #include "cli/base/file.h"
 #include "cli/base/terminal.h"
 #include "cli/command/command.h"
+#include "cli/command/subcommands.h"
 #include "cli/explain/log.h"
 #include "cli/outcome/json.h"
 #include "cli/outcome/table.h"
@@ -32,9 +31,7 @@ what is known is shown and what is missing is said; no reason is given that coul
 
 A trace does not tell the selection of a first backup, nor the time stamp of a backup that failed the check.
 
-JSON keys: calls, each with number, first_line, last_line, missing (texts), outcome (as select --explain shows it).
-
-Exit status: 0 shown, 3 no such call in the log, 2 wrong usage, 1 the outcome could not be written.)";
+JSON keys: calls, each with number, first_line, last_line, missing (texts), outcome (as select --explain shows it).)";
 
 struct SOptions {
     std::string log = "-";
@@ -99,12 +96,12 @@ int runExplain(const SOptions& options) {
     std::vector<SLoggedCall> calls = chosenCalls(std::move(all), options.call);
     if (calls.empty()) {
         reportNoCall(options, count);
-        return kExitNoSelection;
+        return kExitNegative;
     }
     for (SLoggedCall& call : calls) {
         call.outcome = onlyShown(std::move(call.outcome), options.shownStates);
     }
-    return printOrReport(options.json ? toJson(calls) : toTables(calls)) ? kExitSelection : kExitNotShown;
+    return printOrReport(options.json ? toJson(calls) : toTables(calls)) ? kExitDone : kExitNotWritten;
 }
 
 }  // namespace
@@ -112,7 +109,7 @@ int runExplain(const SOptions& options) {
 void addExplain(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
     CLI::App& explain = *app.add_subcommand("explain", "Show from a log what calls came to, and why");
-    explain.footer(kFooter);
+    setFooter(explain, kFooter);
     explain.add_option("LOG", options->log, "The log; - or nothing for standard input")->type_name("");
     explain.add_option("--call", options->call, "Show only this call; they are numbered from 1")
         ->type_name("N");

@@ -1,5 +1,3 @@
-#include "cli/command/select.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -24,6 +22,7 @@
 #include "cli/base/terminal.h"
 #include "cli/base/text.h"
 #include "cli/command/command.h"
+#include "cli/command/subcommands.h"
 #include "cli/outcome/json.h"
 #include "cli/outcome/picture.h"
 #include "cli/outcome/request.h"
@@ -51,10 +50,7 @@ taken as they stand, so relative ones are looked for from where fi-rotate runs.
 JSON keys: status (null when an exception left the library), selection, configurations (first, chosen;
 null without a selection, and when names hold "][" so that the selection cannot be taken apart), backups
 (file, time_stamp, flag_word, excluded, state; with --explain reason), exception (identifier, code, reason; or null), messages; with --explain shortages (configuration, targets).
-A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.
-
-Exit status: 0 a selection, 3 none, 4 an exception left the library, 2 wrong usage, 1 the outcome could
-not be written.)";
+A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.)";
 
 struct SOptions {
     SCallOptions call;
@@ -157,7 +153,7 @@ int exitStatusOf(const SOutcome& outcome) {
     if (outcome.exception.has_value()) {
         return kExitException;
     }
-    return outcome.selection.has_value() ? kExitSelection : kExitNoSelection;
+    return outcome.selection.has_value() ? kExitDone : kExitNegative;
 }
 
 // Nothing to do without a file; false, with a message, when it could not be written whole.
@@ -179,7 +175,7 @@ int runSelect(const SOptions& options) {
     const auto trace = openOutput("--trace-file", options.traceFile);
     const auto svg = openOutput("--svg", options.svgFile);
     if (!saveRequest(call, options.savedRequest)) {
-        return kExitNotShown;
+        return kExitNotWritten;
     }
 
     std::vector<std::FILE*> traceOutputs;
@@ -193,7 +189,7 @@ int runSelect(const SOptions& options) {
     readTimeStamps(outcome.backups);
     const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
     if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {
-        return kExitNotShown;
+        return kExitNotWritten;
     }
 
     if (!options.explain) {
@@ -204,7 +200,7 @@ int runSelect(const SOptions& options) {
         options.json ? toJson(selected) : toTables(selected, widthOfOutput(), wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
     reportWhatWentWrong(outcome, options.trace);
-    return flushOrReport() && isTraceWritten ? exitStatusOf(outcome) : kExitNotShown;
+    return flushOrReport() && isTraceWritten ? exitStatusOf(outcome) : kExitNotWritten;
 }
 
 }  // namespace
@@ -213,7 +209,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
     CLI::App& select = *app.add_subcommand(
         "select", "Choose the targets for a new backup and show what becomes of the others");
-    select.footer(kFooter);
+    setFooter(select, kFooter);
 
     CLI::Option_group& configuration = addConfigurationOptions(select, "configuration", options->call);
     CLI::Option* const request = addRequestOption(configuration, options->call);

@@ -1,5 +1,3 @@
-#include "cli/command/simulate.h"
-
 #include <unistd.h>
 
 #include <cerrno>
@@ -14,6 +12,7 @@
 #include "cli/base/calendar.h"
 #include "cli/base/terminal.h"
 #include "cli/command/command.h"
+#include "cli/command/subcommands.h"
 #include "cli/picture/svg.h"
 #include "cli/simulate/csv.h"
 #include "cli/simulate/json.h"
@@ -30,13 +29,7 @@ constexpr const char* kFooter = R"(Example:
 
 Each round is one call of the library with all backups that hold their targets still; then a new backup is taken on
 the targets it chose. A backup that is rotated is gone; one that is excluded stays for good. docs/simulate.md has
-more.
-
-Exit status: 0 the rounds were run, whatever they found; 2 wrong usage, 4 an exception left the library, 1 the
-outcome could not be written, 130 after Ctrl-C, which shows the rounds that were finished.)";
-
-// As shells tell of a program that a signal ended.
-constexpr int kExitSignal = 128;
+more.)";
 
 struct SOptions {
     SCallOptions call;
@@ -140,13 +133,13 @@ int runSimulate(const SOptions& options) {
     const SSimulationReport report = makeReport(options, interrupt);
     if ((csv != nullptr && !commitOrReport(*csv, toCsv(report.simulation))) ||
         (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(report.simulation))))) {
-        return kExitNotShown;
+        return kExitNotWritten;
     }
     if (!printOrReport(options.json ? toJson(report) : toText(report))) {
-        return kExitNotShown;
+        return kExitNotWritten;
     }
     const auto signal = interrupt.signal();
-    return signal.has_value() ? kExitSignal + *signal : kExitSelection;
+    return signal.has_value() ? kExitSignal + *signal : kExitDone;
 }
 
 }  // namespace
@@ -155,7 +148,7 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
     CLI::App& simulate =
         *app.add_subcommand("simulate", "Run many rounds and show how long targets keep their snapshots");
-    simulate.footer(kFooter);
+    setFooter(simulate, kFooter);
 
     addConfigurationOptions(simulate, "configuration", options->call);
 

@@ -17,6 +17,7 @@ using fi_test::example;
 using fi_test::exampleBackups;
 using fi_test::runFiRotate;
 using fi_test::TemporaryFolder;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -48,9 +49,9 @@ TEST(FiRotateCheck, IsSilentAndSucceedsOnCleanInputs) {
     EXPECT_EQ(result.output, "no errors, no warnings; checked the configuration and no documents\n");
 }
 
-TEST(FiRotateCheck, EndsWithOneWhenThereAreWarningsOnly) {
+TEST(FiRotateCheck, EndsWithFiveWhenThereAreWarningsOnly) {
     const auto result = runFiRotate({"check", "--config", "encA##lun1;snap1; snap2"});
-    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.exitStatus, 5);
     EXPECT_EQ(result.output,
               "--config:1:18: warning: \"encA## snap2\" has a blank at the start or end of a name "
               "[blank-in-target]\n"
@@ -83,7 +84,7 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
 
 TEST(FiRotateCheck, EndsAlikeInJsonAndInWords) {
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1;snap1"}).exitStatus, 0);
-    EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1; snap1"}).exitStatus, 1);
+    EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1; snap1"}).exitStatus, 5);
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1"}).exitStatus, 3);
 }
 
@@ -135,7 +136,7 @@ TEST(FiRotateCheck, ShowsTwentyOfAHazardAndCountsTheOthers) {
     }
     const std::string file = folder.write("d.xml", document + "</Node>");
     const auto result = runFiRotate({"check", "--config", "e##l;s", file});
-    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.exitStatus, 5);
     EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: type is empty"));
     EXPECT_THAT(result.output, Not(HasSubstr(file + ":22:1:")));
     EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: and 3 more of these [empty-element]\n"));
@@ -193,19 +194,25 @@ TEST(FiRotateCheck, WrongUsageEndsWithTwo) {
     }
 }
 
-TEST(FiRotateCheck, HelpShowsAnExampleAndTheExitStatuses) {
+TEST(FiRotateCheck, HelpShowsAnExampleAndItsOwnExitStatuses) {
     const auto help = runFiRotate({"check", "--help"});
     EXPECT_EQ(help.exitStatus, 0);
     EXPECT_EQ(help.error, "");
     for (const char* text : {"Example:", "fi-rotate check --config-file", "--explain NAME", "--json",
-                             "--request FILE", "Exit status:", "FIID"}) {
+                             "--request FILE", "FIID"}) {
         EXPECT_THAT(help.output, HasSubstr(text));
     }
+    EXPECT_THAT(help.output, EndsWith("\n\nExit status:\n"
+                                      "    0  no errors and no warnings\n"
+                                      "    1  the output could not be written, or the work not be finished\n"
+                                      "    2  wrong usage; nothing was done\n"
+                                      "    3  errors were found\n"
+                                      "    5  warnings were found, but no errors\n"));
 }
 
 TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {
     const auto result = fi_test::runFiRotateTo("/dev/full", {"check", "--config", "encA##lun1;snap1"});
-    EXPECT_EQ(result.exitStatus, 4);
+    EXPECT_EQ(result.exitStatus, 1);
     EXPECT_THAT(result.error, HasSubstr("cannot write standard output"));
 }
 

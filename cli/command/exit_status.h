@@ -1,0 +1,44 @@
+#pragma once
+
+#include <csignal>
+#include <string_view>
+
+namespace fi_rotate {
+
+// How fi-rotate ends, whichever subcommand it ran.
+enum EExit : int {
+    kExitDone = 0,
+    kExitNotWritten = 1,
+    kExitUsage = 2,
+    kExitNegative = 3,
+    kExitException = 4,
+    kExitWarnings = 5,
+    // Plus the number of the signal, as shells tell of a program that a signal ended.
+    kExitSignal = 128,
+};
+
+struct SExitStatus {
+    int status;
+    // The one that gives it; "all" when each does.
+    std::string_view subcommand;
+    std::string_view meaning;
+};
+
+// In the order of the statuses. The manual page fi-rotate(1) has the same rows; a test compares them.
+constexpr SExitStatus kExitStatuses[] = {
+    {kExitDone, "select", "there is a selection"},
+    {kExitDone, "check", "no errors and no warnings"},
+    {kExitDone, "explain", "what was asked for is shown"},
+    {kExitDone, "simulate", "the rounds were run, whatever they found"},
+    {kExitNotWritten, "all", "the output could not be written, or the work not be finished"},
+    {kExitUsage, "all", "wrong usage; nothing was done"},
+    {kExitNegative, "select", "there is no selection"},
+    {kExitNegative, "check", "errors were found"},
+    {kExitNegative, "explain", "the log has no such call"},
+    {kExitException, "select", "an exception left the library"},
+    {kExitException, "simulate", "an exception left the library"},
+    {kExitWarnings, "check", "warnings were found, but no errors"},
+    {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},
+};
+
+}  // namespace fi_rotate
