@@ -2,28 +2,24 @@
 
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
-#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-using xercesc::XMLString;
 using xercesc::XMLUni;
 
 namespace {
 
 // The reader makes a fatal error of the document out of it.
-[[noreturn]] void refuse() {
-    ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
-                       xercesc::XMLPlatformUtils::fgMemoryManager);
-}
-
-bool isLong(const XMLCh* text) {
-    return XMLString::stringLen(text) > CFiXmlLimits::kLongestText;
+void refuseIf(CFiDtdLimits::EExcess excess) {
+    if (excess != CFiDtdLimits::EExcess::kNone) {
+        ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
+                           xercesc::XMLPlatformUtils::fgMemoryManager);
+    }
 }
 
 }  // namespace
 
 CFiXmlLimits::CFiXmlLimits() {
-    references.setEntityExpansionLimit(kMostReferences);
+    references.setEntityExpansionLimit(CFiDtdLimits::kMostReferences);
 }
 
 void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
@@ -34,11 +30,7 @@ void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
 
 void CFiXmlLimits::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
                                  const XMLCh* /*mode*/, const XMLCh* value) {
-    ++attributes;
-    // Every element gets the default anew.
-    if (attributes > kMostAttributes || isLong(value)) {
-        refuse();
-    }
+    refuseIf(dtd.declareAttribute(value));
 }
 
 void CFiXmlLimits::elementDecl(const XMLCh* /*name*/, const XMLCh* /*model*/) {}
@@ -49,9 +41,5 @@ void CFiXmlLimits::externalEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publ
 }
 
 void CFiXmlLimits::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
-    const bool isParameterEntity = name[0] == u'%';
-    const bool refersToEntity = XMLString::indexOf(value, u'&') >= 0;
-    if (isParameterEntity || refersToEntity || isLong(value)) {
-        refuse();
-    }
+    refuseIf(CFiDtdLimits::declareEntity(name, value));
 }

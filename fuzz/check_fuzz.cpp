@@ -144,7 +144,7 @@ void requireTree(const std::string& bytes) {
                 document.content() == content,
             "the content is that of the library");
     CFindings findings("");
-    const fi_rotate::SDocumentTree tree = readTree(document, findings);
+    const fi_rotate::SDocumentTree tree = readTree(document, fi_rotate::EForeign::kReadAsEmpty, findings);
     if (has(findings, EHazard::kDoctype)) {
         return;
     }

@@ -18,6 +18,8 @@ namespace {
 
 using fi_rotate::SLoggedCall;
 
+const fi_rotate::SView kWithReasons{{}, true};
+
 void requireOrder(const std::vector<SLoggedCall>& calls) {
     std::size_t last = 0;
     for (std::size_t i = 0; i < calls.size(); ++i) {
@@ -48,11 +50,11 @@ void requireReasons(const SLoggedCall& call) {
 }
 
 void requireReadable(const std::vector<SLoggedCall>& calls) {
-    require(nlohmann::json::parse(toJson(calls))["calls"].size() == calls.size(),
+    require(nlohmann::json::parse(toJson(calls, kWithReasons))["calls"].size() == calls.size(),
             "every call is in the JSON");
     for (const SLoggedCall& call : calls) {
         constexpr std::size_t kWidth = 80;
-        for (const char character : toTables(call, kWidth, false)) {
+        for (const char character : toTables(call, kWithReasons, kWidth, false)) {
             require(static_cast<unsigned char>(character) >= ' ' || character == '\n',
                     "no control character is shown");
         }

@@ -1,62 +1,54 @@
 #include "host/account.h"
 
+#include <array>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include "host/rows.h"
 
 namespace fi_rotate {
 namespace {
 
-std::string listed(const std::vector<std::string>& names) {
-    return fmt::format("{}", fmt::join(names, ", "));
+struct SReasonKind {
+    EReason kind;
+    std::string_view name;
+    // With the reason's fields in braces.
+    std::string_view words;
+};
+
+constexpr std::size_t kReasonCount = static_cast<std::size_t>(EReason::kCount);
+
+constexpr std::array<SReasonKind, kReasonCount> kKinds{{
+    {EReason::kNewestHolder, "newest_holder", "the newest that holds {targets}"},
+    {EReason::kHoldsNothing, "holds_nothing", "holds no target"},
+    {EReason::kExcluded, "excluded", "excluded from rotation, although {configuration} had no free target"},
+    {EReason::kRotationStopped, "rotation_stopped", "rotation stopped before it; holds {targets}"},
+    {EReason::kNeeded, "needed",
+     "{configuration} had no free target, and this was the oldest that could be released"},
+    {EReason::kUnknownTarget, "unknown_target", "{objid} with {altobjid} names no target of {configuration}"},
+    {EReason::kUnknownConfiguration, "unknown_configuration", "{objid} names no configuration"},
+    {EReason::kHeldAlready, "held_already", "{target} of {configuration} was already held by {backup}"},
+}};
+
+static_assert(areInOrder(kKinds, &SReasonKind::kind), "a row for each EReason, in that order");
+
+const SReasonKind& rowOf(EReason kind) {
+    return kKinds.at(static_cast<std::size_t>(kind));
 }
 
 }  // namespace
 
 std::string_view nameOf(EReason kind) {
-    switch (kind) {
-        case EReason::kNewestHolder:
-            return "newest_holder";
-        case EReason::kHoldsNothing:
-            return "holds_nothing";
-        case EReason::kExcluded:
-            return "excluded";
-        case EReason::kRotationStopped:
-            return "rotation_stopped";
-        case EReason::kNeeded:
-            return "needed";
-        case EReason::kUnknownTarget:
-            return "unknown_target";
-        case EReason::kUnknownConfiguration:
-            return "unknown_configuration";
-        case EReason::kHeldAlready:
-            return "held_already";
-    }
-    return "";
+    return rowOf(kind).name;
 }
 
 std::string inWords(const SReason& reason) {
-    switch (reason.kind) {
-        case EReason::kNewestHolder:
-            return "the newest that holds " + listed(reason.targets);
-        case EReason::kHoldsNothing:
-            return "holds no target";
-        case EReason::kExcluded:
-            return "excluded from rotation, although " + reason.configuration + " had no free target";
-        case EReason::kRotationStopped:
-            return "rotation stopped before it; holds " + listed(reason.targets);
-        case EReason::kNeeded:
-            return reason.configuration +
-                   " had no free target, and this was the oldest that could be released";
-        case EReason::kUnknownTarget:
-            return fmt::format("{} with {} names no target of {}", reason.objid, reason.altobjid,
-                               reason.configuration);
-        case EReason::kUnknownConfiguration:
-            return fmt::format("{} names no configuration", reason.objid);
-        case EReason::kHeldAlready:
-            return fmt::format("{} of {} was already held by {}", reason.target, reason.configuration,
-                               reason.backup.empty() ? "another of its pairs" : reason.backup);
-    }
-    return "";
+    const std::string holder = reason.backup.empty() ? "another of its pairs" : reason.backup;
+    return fmt::format(
+        fmt::runtime(rowOf(reason.kind).words), fmt::arg("targets", fmt::join(reason.targets, ", ")),
+        fmt::arg("configuration", reason.configuration), fmt::arg("target", reason.target),
+        fmt::arg("objid", reason.objid), fmt::arg("altobjid", reason.altobjid), fmt::arg("backup", holder));
 }
 
 }  // namespace fi_rotate

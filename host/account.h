@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -17,6 +18,7 @@ struct SAccountConfiguration {
     std::vector<std::string> targets;
 };
 
+// Each has a row in account.cpp, in this order.
 enum class EReason {
     // Nothing had to be released, and it is the newest that holds its targets.
     kNewestHolder,
@@ -36,6 +38,7 @@ enum class EReason {
     // is
     // empty.
     kHeldAlready,
+    kCount,
 };
 
 struct SReason {
@@ -62,15 +65,18 @@ struct SAccountBackup {
 };
 
 struct SHeldTarget {
-    std::string target;
-    std::string holder;
+    // Places in the targets of its configuration and in SAccount::backups.
+    std::size_t target = 0;
+    std::size_t holder = 0;
     // The holder is excluded from rotation; otherwise it is invalid and never released.
     bool isExcluded = false;
 };
 
 // A configuration that has no free target in the end.
 struct SShortage {
-    std::string configuration;
+    // Its place in SAccount::configurations.
+    std::size_t configuration = 0;
+    // All that it has, in order.
     std::vector<SHeldTarget> targets;
 };
 

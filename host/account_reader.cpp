@@ -7,25 +7,21 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "host/trace_text.h"
+
 namespace fi_rotate {
 namespace {
 
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
+std::int32_t numberIn(std::string_view text) {
+    std::int32_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
 }
 
-bool endsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-// What stands between `start` and `end`; nothing when the text is not of that form.
-std::optional<std::string_view> between(std::string_view text, std::string_view start, std::string_view end) {
-    if (!startsWith(text, start) || !endsWith(text, end) || text.size() < start.size() + end.size()) {
-        return std::nullopt;
-    }
-    text.remove_prefix(start.size());
-    text.remove_suffix(end.size());
-    return text;
+// What a line with one argument holds.
+std::optional<std::string_view> nameIn(ETraceText kind, std::string_view text) {
+    const auto arguments = argumentsOf(kind, text);
+    return arguments.has_value() ? std::optional(arguments->front()) : std::nullopt;
 }
 
 }  // namespace
@@ -40,8 +36,8 @@ void CAccountReader::read(std::string_view text) {
     isInTree = false;
     // Each is asked in turn until one knows the line.
     static_cast<void>(readConfiguration(text) || readPrintedSet(text) || readFlagWord(text) ||
-                      readLoaded(text) || readCheck(text) || readRotation(text) || readClaim(text) ||
-                      readMalformed(text));
+                      readFinalState(text) || readParsed(text) || readCheck(text) || readRotation(text) ||
+                      readClaim(text) || readMalformed(text));
 }
 
 std::vector<std::string> CAccountReader::gaps() const {
@@ -108,21 +104,19 @@ bool CAccountReader::isEnded() const {
 }
 
 bool CAccountReader::readTree(std::string_view text) {
-    std::string_view line = text;
-    line.remove_prefix(std::min(line.find_first_not_of('\t'), line.size()));
-    if (const auto first = between(line, " [", "]")) {
+    if (const auto first = nodeTextIn(ETraceText::kNodeObjid, text)) {
         follow(ETreeLine::kObjid, ETreeLine::kAltobjid, text);
         objid = *first;
         return true;
     }
-    if (const auto second = between(line, " {", "}")) {
+    if (const auto second = nodeTextIn(ETraceText::kNodeAltobjid, text)) {
         follow(ETreeLine::kAltobjid, ETreeLine::kType, text);
         if (objid.find("UDID##") != std::string::npos) {
             account.backups.back().pairs[objid] = *second;
         }
         return true;
     }
-    if (between(line, " <", ">").has_value()) {
+    if (nodeTextIn(ETraceText::kNodeType, text).has_value()) {
         follow(ETreeLine::kType, ETreeLine::kObjid, text);
         return true;
     }
@@ -137,23 +131,20 @@ void CAccountReader::follow(ETreeLine line, ETreeLine next, std::string_view tex
 }
 
 bool CAccountReader::readConfiguration(std::string_view text) {
-    if (!startsWith(text, "CFiResourceParser::parse : ")) {
-        return false;
+    if (const auto target = argumentsOf(ETraceText::kTarget, text)) {
+        parsedTargets.push_back({std::string(target->at(0)), std::string(target->at(1))});
+        return true;
     }
-    isBegun = isBegun || startsWith(text, kParsedConfiguration) || startsWith(text, kNoConfiguration);
-    isRejected = isRejected || endsWith(text, " specified.");
-    if (const auto target = between(text, "CFiResourceParser::parse : [", "]")) {
-        const std::size_t separator = target->find("][");
-        if (separator != std::string_view::npos) {
-            parsedTargets.push_back(
-                {std::string(target->substr(0, separator)), std::string(target->substr(separator + 2))});
-        }
-    }
-    return true;
+    const bool isFirst =
+        startsAs(ETraceText::kConfiguration, text) || startsAs(ETraceText::kNoConfiguration, text);
+    isBegun = isBegun || isFirst;
+    const bool rejects = rejectsConfiguration(text);
+    isRejected = isRejected || rejects;
+    return isFirst || rejects;
 }
 
 bool CAccountReader::readPrintedSet(std::string_view text) {
-    if (text == "CFiResourceManager::print : printing resource set") {
+    if (text == formatOf(ETraceText::kResourceSet)) {
         ++printedSets;
         return true;
     }
@@ -162,18 +153,20 @@ bool CAccountReader::readPrintedSet(std::string_view text) {
     if (printedSets != 1) {
         return false;
     }
-    if (const auto first = between(text, "[", "](Available)")) {
-        readPrintedTarget(true, *first);
+    const auto first = argumentsOf(ETraceText::kFirstTarget, text);
+    if (first.has_value() && first->back() == kAvailable) {
+        readPrintedTarget(true, fmt::format("{}:{}", first->at(0), first->at(1)));
         return true;
     }
-    if (const auto further = between(text, "{", ",Available}")) {
-        readPrintedTarget(false, *further);
+    const auto further = argumentsOf(ETraceText::kFurtherTarget, text);
+    if (further.has_value() && further->back() == kAvailable) {
+        readPrintedTarget(false, std::string(further->front()));
         return true;
     }
     return false;
 }
 
-void CAccountReader::readPrintedTarget(bool isFirst, std::string_view printed) {
+void CAccountReader::readPrintedTarget(bool isFirst, const std::string& printed) {
     if (usedTargets == parsedTargets.size()) {
         contradict(printed);
         return;
@@ -193,28 +186,19 @@ void CAccountReader::readPrintedTarget(bool isFirst, std::string_view printed) {
 }
 
 bool CAccountReader::readFlagWord(std::string_view text) {
-    constexpr std::string_view kStart = "fi_process_backups :  Fiid [";
-    constexpr std::string_view kBetween = "] exclude rotation flag [";
-    const std::size_t end = text.rfind(kBetween);
-    if (!startsWith(text, kStart) || end == std::string_view::npos) {
+    const auto listed = argumentsOf(ETraceText::kFlagWord, text);
+    if (!listed.has_value()) {
         return false;
     }
-    const std::string_view number = text.substr(end + kBetween.size());
-    std::int32_t flagWord = 0;
-    std::from_chars(number.data(), number.data() + number.size(), flagWord);
-    flagWords.emplace_back(text.substr(kStart.size(), end - kStart.size()), flagWord);
-    lastFlagWords[flagWords.back().first] = flagWord;
+    flagWords.emplace_back(listed->at(0), numberIn(listed->at(1)));
+    lastFlagWords[flagWords.back().first] = flagWords.back().second;
     return true;
 }
 
-bool CAccountReader::readLoaded(std::string_view text) {
-    const auto file = between(text, "fi_process_backups : parsed [", "]");
-    if (!file.has_value()) {
+bool CAccountReader::readParsed(std::string_view text) {
+    const auto file = nameIn(ETraceText::kParsed, text);
+    if (!file.has_value() || account.selection.has_value()) {
         return false;
-    }
-    if (account.selection.has_value()) {
-        readFinalState(*file);
-        return true;
     }
     SAccountBackup backup;
     backup.file = *file;
@@ -225,27 +209,26 @@ bool CAccountReader::readLoaded(std::string_view text) {
     return true;
 }
 
-void CAccountReader::readFinalState(std::string_view text) {
-    constexpr std::string_view kBetween = "] state=[";
-    const std::size_t end = text.rfind(kBetween);
-    if (end == std::string_view::npos) {
-        return;
+bool CAccountReader::readFinalState(std::string_view text) {
+    const auto backup =
+        account.selection.has_value() ? argumentsOf(ETraceText::kFinalState, text) : std::nullopt;
+    if (!backup.has_value()) {
+        return false;
     }
-    const auto place = next("final", text.substr(0, end));
-    const std::string_view state = text.substr(end + kBetween.size());
-    if (place.has_value()) {
-        std::from_chars(state.data(), state.data() + state.size(), account.backups[*place].state);
+    if (const auto place = next("final", backup->at(0))) {
+        account.backups[*place].state = numberIn(backup->at(1));
         oldestFirst.push_back(*place);
     }
+    return true;
 }
 
 bool CAccountReader::readCheck(std::string_view text) {
-    if (const auto file = between(text, "fi_process_backups : [RESOURCES MATCH] [", "]")) {
+    if (const auto file = nameIn(ETraceText::kCheckPassed, text)) {
         ++checked;
         next("check", *file);
         return true;
     }
-    const auto file = between(text, "fi_process_backups : [INVALID RESOURCES] [", "]");
+    const auto file = nameIn(ETraceText::kCheckFailed, text);
     if (file.has_value()) {
         ++checked;
         if (const auto place = next("check", *file)) {
@@ -257,17 +240,17 @@ bool CAccountReader::readCheck(std::string_view text) {
 }
 
 bool CAccountReader::readRotation(std::string_view text) {
-    if (const auto file = between(text, "fi_process_backups : Skipped Rotation for fiid [", "]")) {
+    if (const auto file = nameIn(ETraceText::kSkipped, text)) {
         if (const auto place = next("rotation", *file)) {
             skipped.insert(*place);
         }
         return true;
     }
-    if (const auto result = between(text, "fi_process_backups : resource_config_string [", "] ")) {
+    if (const auto result = nameIn(ETraceText::kSelection, text)) {
         account.selection = *result;
         return true;
     }
-    if (startsWith(text, "fi_process_backups : Resources not availabe")) {
+    if (startsAs(ETraceText::kNotAvailable, text)) {
         isWithoutSelection = true;
         return true;
     }
@@ -275,20 +258,14 @@ bool CAccountReader::readRotation(std::string_view text) {
 }
 
 bool CAccountReader::readClaim(std::string_view text) {
-    constexpr std::string_view kGood = "fi_process_backups : [RESERVE GOOD] ";
-    constexpr std::string_view kBad = "fi_process_backups : ";
-    constexpr std::string_view kBeforeTimeStamp = " - T: ";
-    const bool isGood = startsWith(text, kGood);
-    if (!isGood && !startsWith(text, kBad)) {
+    const auto claimed = argumentsOf(ETraceText::kClaimed, text);
+    const bool isGood = claimed.has_value();
+    const auto backup = isGood ? claimed : argumentsOf(ETraceText::kNotClaimed, text);
+    if (!backup.has_value()) {
         return false;
     }
-    const std::string_view rest = text.substr(isGood ? kGood.size() : kBad.size());
-    const std::size_t end = rest.rfind(kBeforeTimeStamp);
-    if (end == std::string_view::npos) {
-        return false;
-    }
-    if (const auto place = next("claim", rest.substr(0, end))) {
-        account.backups[*place].timeStamp = rest.substr(end + kBeforeTimeStamp.size());
+    if (const auto place = next("claim", backup->at(0))) {
+        account.backups[*place].timeStamp = backup->at(1);
         claims.emplace_back(*place, isGood);
         if (!isGood) {
             account.backups[*place].state = FI_BACKUP_INVALID;
@@ -314,11 +291,11 @@ std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::stri
 }
 
 bool CAccountReader::readMalformed(std::string_view text) {
-    constexpr std::string_view kError = "ERROR: ";
-    if (!startsWith(text, kError) || !isNamed(text.substr(kError.size()))) {
+    const auto identifier = nameIn(ETraceText::kMalformedIdentifier, text);
+    if (!identifier.has_value() || !isNamed(*identifier)) {
         return false;
     }
-    malformed = text.substr(kError.size());
+    malformed = *identifier;
     return true;
 }
 

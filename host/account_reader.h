@@ -15,10 +15,6 @@
 
 namespace fi_rotate {
 
-// How the first line of a call begins that has any configuration, and of one that has none.
-constexpr std::string_view kParsedConfiguration = "CFiResourceParser::parse : Resource specification [";
-constexpr std::string_view kNoConfiguration = "CFiResourceParser::parse : Invalid resource specification [";
-
 // Takes the lines of one call in and keeps what each pass did, in order. Lines that are not the library's are
 // passed over.
 class CAccountReader {
@@ -65,14 +61,14 @@ private:
     bool readConfiguration(std::string_view text);
     bool readPrintedSet(std::string_view text);
     bool readFlagWord(std::string_view text);
-    bool readLoaded(std::string_view text);
+    bool readParsed(std::string_view text);
+    bool readFinalState(std::string_view text);
     bool readCheck(std::string_view text);
     bool readClaim(std::string_view text);
     bool readRotation(std::string_view text);
     bool readMalformed(std::string_view text);
-    void readFinalState(std::string_view text);
 
-    void readPrintedTarget(bool isFirst, std::string_view printed);
+    void readPrintedTarget(bool isFirst, const std::string& printed);
     void contradict(std::string_view text);
 
     // The next backup of this name in this pass. A name listed twice stands for two backups with one content,

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -50,7 +49,10 @@ public:
 
     bool isConfigured(const std::string& objid) const { return byFirst.count(targetOf(objid)) != 0; }
 
-    std::string& holder(const SPlace& place) { return holders[place.configuration][place.target]; }
+    // The place of the backup that holds a target; nothing when it is free.
+    using Holder = std::optional<std::size_t>;
+
+    Holder& holder(const SPlace& place) { return holders[place.configuration][place.target]; }
 
     // The first configuration without a free target.
     std::optional<std::size_t> firstShort() const {
@@ -64,18 +66,16 @@ public:
 
     bool isShort(std::size_t configuration) const {
         const auto& row = holders[configuration];
-        return std::none_of(row.begin(), row.end(), [](const std::string& holder) { return holder.empty(); });
+        return std::none_of(row.begin(), row.end(), [](const Holder& holder) { return !holder.has_value(); });
     }
 
-    const std::vector<std::string>& holdersOf(std::size_t configuration) const {
-        return holders[configuration];
-    }
+    const std::vector<Holder>& holdersOf(std::size_t configuration) const { return holders[configuration]; }
 
 private:
     const std::vector<SAccountConfiguration>& configurations;
     std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
-    // By configuration and target; an empty name when it is free.
-    std::vector<std::vector<std::string>> holders;
+    // By configuration and target.
+    std::vector<std::vector<Holder>> holders;
 };
 
 // Goes through the passes again and writes down why each backup came to its state.
@@ -125,22 +125,20 @@ private:
 
     void explainClaims() {
         for (const auto& [place, isGood] : passes.claims) {
-            std::set<const std::string*> own;
             for (const auto& [objid, altobjid] : backup(place).pairs) {
                 const auto found = holders.find(objid, altobjid);
                 if (!found.has_value()) {
                     continue;
                 }
-                std::string& holder = holders.holder(*found);
-                if (holder.empty()) {
-                    holder = backup(place).file;
-                    own.insert(&holder);
+                CHolders::Holder& holder = holders.holder(*found);
+                if (!holder.has_value()) {
+                    holder = place;
                 } else if (!isGood && !backup(place).reason.has_value()) {
                     SReason reason;
                     reason.kind = EReason::kHeldAlready;
                     reason.configuration = nameOf(found->configuration);
                     reason.target = targetOf(altobjid);
-                    reason.backup = own.count(&holder) != 0 ? "" : holder;
+                    reason.backup = *holder == place ? "" : backup(*holder).file;
                     backup(place).reason = reason;
                 }
             }
@@ -201,7 +199,7 @@ private:
     void release(std::size_t place) {
         for (const auto& [objid, altobjid] : backup(place).pairs) {
             if (const auto found = holders.find(objid, altobjid)) {
-                holders.holder(*found).clear();
+                holders.holder(*found).reset();
             }
         }
     }
@@ -212,14 +210,10 @@ private:
                 continue;
             }
             SShortage shortage;
-            shortage.configuration = nameOf(i);
-            const auto& targets = passes.account.configurations[i].targets;
-            for (std::size_t target = 0; target < targets.size(); ++target) {
-                const std::string& holder = holders.holdersOf(i)[target];
-                const bool isExcluded =
-                    std::any_of(passes.skipped.begin(), passes.skipped.end(),
-                                [&](std::size_t place) { return backup(place).file == holder; });
-                shortage.targets.push_back({targets[target], holder, isExcluded});
+            shortage.configuration = i;
+            for (const CHolders::Holder& holder : holders.holdersOf(i)) {
+                shortage.targets.push_back(
+                    {shortage.targets.size(), *holder, passes.skipped.count(*holder) != 0});
             }
             passes.account.shortages.push_back(std::move(shortage));
         }

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <set>
@@ -21,6 +20,7 @@
 
 #include "host/explanation.h"
 #include "host/identifier.h"
+#include "host/trace_text.h"
 
 namespace fi_rotate {
 namespace {
@@ -82,13 +82,6 @@ void callLibrary(const SCall& call, std::vector<std::int32_t>& flags, SOutcome& 
 }
 
 constexpr int kFailureLevel = 3;
-// A line at the level of failures that reports none.
-constexpr const char* kFlagLine = "fi_process_backups :  Fiid [%s] exclude rotation flag [%d] ";
-constexpr const char* kLoadedLine = "fi_process_backups : parsed [%s]";
-
-bool isLine(const char* format, const char* line) {
-    return std::strcmp(format, line) == 0;
-}
 
 std::string formatted(const char* format, std::va_list arguments) {
     std::va_list again;
@@ -104,28 +97,6 @@ std::string formatted(const char* format, std::va_list arguments) {
     return text;
 }
 
-// On one line, reversibly.
-std::string onOneLine(const std::string& text) {
-    std::string line;
-    line.reserve(text.size());
-    for (const char character : text) {
-        switch (character) {
-            case '\n':
-                line += "\\n";
-                break;
-            case '\r':
-                line += "\\r";
-                break;
-            case '\\':
-                line += "\\\\";
-                break;
-            default:
-                line += character;
-        }
-    }
-    return line;
-}
-
 std::string withoutLineEnd(std::string text) {
     if (!text.empty() && text.back() == '\n') {
         text.pop_back();
@@ -138,9 +109,8 @@ std::string withoutLineEnd(std::string text) {
 // size.
 class CTraceReceiver {
 public:
-    // Each call is written to every stream of `streams`, which are borrowed, as one line: the level, a
-    // space and the text without its line end; line breaks and backslashes within it become \n, \r, \\.
-    // `reader`, which is borrowed and may be null, gets each text without its line end.
+    // Each call is written to every stream of `streams`, which are borrowed. `reader`, which is borrowed and
+    // may be null, gets each text without its line end.
     CTraceReceiver(std::vector<std::FILE*> streams, CAccountReader* reader);
     ~CTraceReceiver();
     CTraceReceiver(const CTraceReceiver&) = delete;
@@ -174,8 +144,8 @@ CTraceReceiver::~CTraceReceiver() {
 }
 
 void CTraceReceiver::receive(int level, const char* format, std::va_list arguments) {
-    const bool isFailure = level == kFailureLevel && !isLine(format, kFlagLine);
-    const bool isLoaded = isLine(format, kLoadedLine);
+    const bool isFailure = level == kFailureLevel && format != formatOf(ETraceText::kFlagWord);
+    const bool isLoaded = format == formatOf(ETraceText::kParsed);
     if (outputs.empty() && account == nullptr && !isFailure && !isLoaded) {
         return;
     }
@@ -192,8 +162,9 @@ void CTraceReceiver::receive(int level, const char* format, std::va_list argumen
     if (account != nullptr) {
         account->read(text);
     }
-    for (std::FILE* output : outputs) {
-        std::fprintf(output, "%d %s\n", level, onOneLine(text).c_str());
+    const std::string line = outputs.empty() ? "" : toTraceLine(level, text);
+    for (std::FILE* const output : outputs) {
+        std::fwrite(line.data(), 1, line.size(), output);
     }
 }
 
@@ -205,7 +176,7 @@ void forward(int level, const char* format, std::va_list arguments) {
 
 }  // namespace
 
-SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs, bool wantsAccount) {
+SOutcome runCall(const SCall& call, const std::vector<std::FILE*>& traceOutputs, bool wantsAccount) {
     std::vector<std::int32_t> flags;
     for (const SBackup& backup : call.backups) {
         flags.push_back(backup.flagWord);
@@ -224,11 +195,11 @@ SOutcome runCall(SCall call, const std::vector<std::FILE*>& traceOutputs, bool w
         }
     }
 
-    outcome.backups = std::move(call.backups);
     for (std::size_t i = 0; i < flags.size(); ++i) {
-        SBackup& backup = outcome.backups[i];
-        backup.loaded = loaded.count(backup.file) != 0;
-        if (backup.loaded && outcome.status == FI_STATUS_SUCCESS) {
+        SBackupOutcome& backup = outcome.backups.emplace_back();
+        backup.given = call.backups[i];
+        backup.isLoaded = loaded.count(backup.given.file) != 0;
+        if (backup.isLoaded && outcome.status == FI_STATUS_SUCCESS) {
             backup.state = flags[i];
         }
     }

@@ -1,8 +1,6 @@
 #include "host/outcome.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <iterator>
 #include <unordered_map>
 
 #include <fi_rotation/fi_process_backups.h>
@@ -39,8 +37,8 @@ void giveReasons(SOutcome& outcome) {
     for (const SAccountBackup& backup : outcome.account->backups) {
         known[backup.file].push_back(&backup);
     }
-    for (SBackup& backup : outcome.backups) {
-        for (const SAccountBackup* const candidate : known[backup.file]) {
+    for (SBackupOutcome& backup : outcome.backups) {
+        for (const SAccountBackup* const candidate : known[backup.given.file]) {
             const bool isOfState = !backup.state.has_value() || candidate->state == *backup.state;
             if (isOfState && !backup.reason.has_value()) {
                 backup.reason = candidate->reason;
@@ -49,38 +47,19 @@ void giveReasons(SOutcome& outcome) {
     }
 }
 
-std::optional<std::string_view> stateWord(const SBackup& backup) {
-    if (!backup.loaded) {
-        return "not loaded";
-    }
-    if (!backup.state.has_value()) {
-        return std::nullopt;
-    }
-    switch (*backup.state) {
-        case FI_BACKUP_KEPT:
-            return "kept";
-        case FI_BACKUP_INVALID:
-            return "invalid";
-        case FI_BACKUP_ROTATED:
-            return "rotated";
-        default:
-            return "unknown";
-    }
+static_assert(FI_BACKUP_KEPT == 0 && FI_BACKUP_INVALID == 1 && FI_BACKUP_ROTATED == 2,
+              "kStateWords begins with the words for these, in that order");
+
+std::string_view stateWord(std::int32_t state) {
+    const bool isKnown = state >= FI_BACKUP_KEPT && state <= FI_BACKUP_ROTATED;
+    return isKnown ? kStateWords.at(static_cast<std::size_t>(state)) : "unknown";
 }
 
-SOutcome onlyShown(SOutcome outcome, const std::set<std::string>& states) {
-    if (states.empty()) {
-        return outcome;
+std::optional<std::string_view> stateWord(const SBackupOutcome& backup) {
+    if (!backup.isLoaded) {
+        return kNotLoaded;
     }
-    const auto isHidden = [&states](const SBackup& backup) {
-        const auto word = stateWord(backup);
-        return !word.has_value() || states.count(std::string(*word)) == 0;
-    };
-    auto& backups = outcome.backups;
-    const auto hidden = std::remove_if(backups.begin(), backups.end(), isHidden);
-    outcome.hiddenBackups = static_cast<std::size_t>(std::distance(hidden, backups.end()));
-    backups.erase(hidden, backups.end());
-    return outcome;
+    return backup.state.has_value() ? std::optional(stateWord(*backup.state)) : std::nullopt;
 }
 
 }  // namespace fi_rotate

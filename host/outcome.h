@@ -1,25 +1,25 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/account.h"
+#include "host/call.h"
 
 // What one call of the library came to, as facts that every renderer shows alike.
 namespace fi_rotate {
 
-struct SBackup {
-    std::string file;
-    std::int32_t flagWord = 0;
-    // As the library reads it; empty when the document has none or was not loaded.
+// What became of an earlier backup.
+struct SBackupOutcome {
+    SBackup given;
+    // As the library reads it; empty when the document has none, was not loaded, or was not looked into: the
+    // library tells it of few backups only.
     std::string timeStamp;
-    bool loaded = false;
+    bool isLoaded = false;
     // FI_BACKUP_...; nothing when the library handed no state back.
     std::optional<std::int32_t> state;
     // Why it came to its state; nothing unless asked for and known.
@@ -40,9 +40,8 @@ struct SOutcome {
     // The selection string; nothing when there is none.
     std::optional<std::string> selection;
     std::optional<SException> exception;
-    // In the order given, but for those that are not to be shown.
-    std::vector<SBackup> backups;
-    std::size_t hiddenBackups = 0;
+    // In the order given.
+    std::vector<SBackupOutcome> backups;
     // Failures that the library traced, in order.
     std::vector<std::string> messages;
     // What its trace says; nothing unless asked for.
@@ -62,13 +61,14 @@ std::optional<std::vector<SChoice>> choices(std::string_view selection);
 // Gives each backup the reason that the account has for it.
 void giveReasons(SOutcome& outcome);
 
-// "kept", "invalid", "rotated", "not loaded"; nothing when the library handed no state back.
-std::optional<std::string_view> stateWord(const SBackup& backup);
+// What became of a backup, in a word. They are also the words in which people ask for backups.
+constexpr std::string_view kNotLoaded = "not loaded";
+constexpr std::array<std::string_view, 4> kStateWords{"kept", "invalid", "rotated", kNotLoaded};
 
-// All state words of the library's.
-constexpr std::array<const char*, 4> kStateWords{"kept", "invalid", "rotated", "not loaded"};
+// The word for a state, FI_BACKUP_...
+std::string_view stateWord(std::int32_t state);
 
-// `outcome` with only the backups whose state word is among `states`; whole when that is empty.
-SOutcome onlyShown(SOutcome outcome, const std::set<std::string>& states);
+// Nothing when the library handed no state back.
+std::optional<std::string_view> stateWord(const SBackupOutcome& backup);
 
 }  // namespace fi_rotate

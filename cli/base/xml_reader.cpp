@@ -14,6 +14,8 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "common/CFiDtdLimits.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -40,7 +42,7 @@ void readDocument(const std::string& document, xercesc::DefaultHandler& handler)
     const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()),
                                             document.size(), "fi-rotate");
     xercesc::SecurityManager references;
-    references.setEntityExpansionLimit(kMostReferences);
+    references.setEntityExpansionLimit(CFiDtdLimits::kMostReferences);
     const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
     reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
     reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);

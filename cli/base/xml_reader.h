@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 
 #include <xercesc/sax2/DefaultHandler.hpp>
@@ -19,13 +18,6 @@ public:
 };
 
 std::string toLocalCodePage(const XMLCh* text);
-
-// References to entities, the five predefined ones not counted, after which a document is not read on.
-constexpr XMLSize_t kMostReferences = 100;
-// Characters that an entity or the default of an attribute may have, and attributes that a DTD may declare,
-// for a document to be read on: each reference, or each element, gets them anew. Handlers see to it.
-constexpr XMLSize_t kLongestEntity = 256;
-constexpr std::size_t kMostAttributes = 256;
 
 // For a handler that will not have the document read on: the reader makes a fatal error of it.
 [[noreturn]] void refuseDocument();

@@ -159,7 +159,7 @@ private:
         if (!document.check(findings)) {
             return;
         }
-        const SDocumentTree tree = readTree(document, findings);
+        const SDocumentTree tree = readTree(document, EForeign::kReadAsEmpty, findings);
         devices.check(tree, document, findings);
         if (tree.timeStamp.has_value() && !tree.timeStamp->text.empty()) {
             stamps.push_back(

@@ -11,16 +11,16 @@
 #include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
-#include <xercesc/util/XMLString.hpp>
 
 #include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
 #include "cli/check/document_text.h"
+#include "common/CFiDtdLimits.h"
 
 namespace fi_rotate {
 namespace {
 
-using xercesc::XMLString;
+using EExcess = CFiDtdLimits::EExcess;
 
 // The XML library delivers longer runs of text in pieces.
 constexpr std::size_t kLongestRun = 1 << 20;
@@ -35,9 +35,9 @@ std::size_t deviceCount(const std::vector<SNode>& nodes) {
 
 // The XML library has no other sign for it. Messages of other faults end with what the document holds.
 bool isExpansionLimit(const std::string& message) {
-    return message.rfind(
-               fmt::format("parser has encountered more than '{}' entity expansions", kMostReferences), 0) ==
-           0;
+    return message.rfind(fmt::format("parser has encountered more than '{}' entity expansions",
+                                     CFiDtdLimits::kMostReferences),
+                         0) == 0;
 }
 
 // What an element is to the library.
@@ -110,7 +110,8 @@ struct SSite {
 // Builds the tree as the library does.
 class CTreeReader : public xercesc::DefaultHandler {
 public:
-    CTreeReader(const CDocumentText& source, CFindings& receiver) : document(source), findings(receiver) {}
+    CTreeReader(const CDocumentText& source, EForeign whatIsForeign, CFindings& receiver)
+        : document(source), foreign(whatIsForeign), findings(receiver) {}
 
     // To be called when the document has been read.
     SDocumentTree finish();
@@ -145,6 +146,7 @@ private:
     [[nodiscard]] std::size_t offsetOf(const SSite& site) const;
     void report(EHazard hazard, const SSite& site, std::string what);
     [[noreturn]] void stop(EHazard hazard, const SSite& site, std::string what);
+    void stopAt(EExcess excess, const std::string& name);
 
     void openNode();
     void checkText(const SOpenData& data, const std::string& name);
@@ -154,6 +156,7 @@ private:
     void finishRoots();
 
     const CDocumentText& document;
+    EForeign foreign;
     CFindings& findings;
     const xercesc::Locator* locator = nullptr;
 
@@ -166,7 +169,7 @@ private:
     std::size_t length = 0;
     int openEntities = 0;
     bool isInDtd = false;
-    std::size_t attributes = 0;
+    CFiDtdLimits limits;
 
     SSite root;
     // Those that a later one replaced.
@@ -312,34 +315,42 @@ void CTreeReader::startDTD(const XMLCh* /*name*/, const XMLCh* /*publicId*/, con
 
 void CTreeReader::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
                                 const XMLCh* /*mode*/, const XMLCh* value) {
-    ++attributes;
-    if (attributes > kMostAttributes || XMLString::stringLen(value) > kLongestEntity) {
-        stop(EHazard::kExpansionLimit, {here(), "<"},
-             attributes > kMostAttributes ? "too many attributes to be read on"
-                                          : "the default of an attribute is too long to be read on");
-    }
+    stopAt(limits.declareAttribute(value), "");
 }
 
 void CTreeReader::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
+    stopAt(CFiDtdLimits::declareEntity(name, value), toLocalCodePage(name));
+}
+
+void CTreeReader::stopAt(EExcess excess, const std::string& name) {
     const SSite site{here(), "<"};
-    if (name[0] == u'%') {
-        stop(EHazard::kExpansionLimit, site, "a parameter entity is not followed");
-    }
-    if (XMLString::indexOf(value, u'&') >= 0) {
-        stop(EHazard::kNestedEntities, site,
-             fmt::format("the entity {} refers to another one; the document is not read on",
-                         inQuotes(toLocalCodePage(name))));
-    }
-    if (XMLString::stringLen(value) > kLongestEntity) {
-        stop(EHazard::kExpansionLimit, site,
-             fmt::format("the entity {} is too long to be read on", inQuotes(toLocalCodePage(name))));
+    switch (excess) {
+        case EExcess::kNone:
+            return;
+        case EExcess::kAttributes:
+            stop(EHazard::kExpansionLimit, site, "too many attributes to be read on");
+        case EExcess::kLongDefault:
+            stop(EHazard::kExpansionLimit, site, "the default of an attribute is too long to be read on");
+        case EExcess::kParameterEntity:
+            stop(EHazard::kExpansionLimit, site, "a parameter entity is not followed");
+        case EExcess::kNestedEntity:
+            stop(EHazard::kNestedEntities, site,
+                 fmt::format("the entity {} refers to another one; the document is not read on",
+                             inQuotes(name)));
+        case EExcess::kLongEntity:
+            stop(EHazard::kExpansionLimit, site,
+                 fmt::format("the entity {} is too long to be read on", inQuotes(name)));
     }
 }
 
 xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, const XMLCh* systemId) {
-    report(EHazard::kExternalEntity, {here(), isInDtd ? "<!DOCTYPE" : "&"},
-           fmt::format("the document refers to {}, which is not opened here",
-                       inQuotes(toLocalCodePage(systemId))));
+    const SSite site{here(), isInDtd ? "<!DOCTYPE" : "&"};
+    std::string what = fmt::format("the document refers to {}, which is not opened here",
+                                   inQuotes(toLocalCodePage(systemId)));
+    if (foreign == EForeign::kStop) {
+        stop(EHazard::kExternalEntity, site, std::move(what));
+    }
+    report(EHazard::kExternalEntity, site, std::move(what));
     static constexpr XMLByte kNothing[] = {0};
     // The reader deletes it.
     return new xercesc::MemBufInputSource(kNothing, 0, "nothing");
@@ -352,9 +363,9 @@ void CTreeReader::finishFault() {
     const SSite site{fault->place, ""};
     if (isExpansionLimit(fault->text)) {
         tree.isCutShort = true;
-        report(
-            EHazard::kExpansionLimit, site,
-            fmt::format("more than {} references to entities; the document is not read on", kMostReferences));
+        report(EHazard::kExpansionLimit, site,
+               fmt::format("more than {} references to entities; the document is not read on",
+                           CFiDtdLimits::kMostReferences));
         return;
     }
     report(EHazard::kMalformedXml, site,
@@ -396,15 +407,21 @@ bool isDevice(const SNode& node) {
     return node.objid.has_value() && node.objid->text.find("UDID##") != std::string::npos;
 }
 
-SDocumentTree readTree(const CDocumentText& document, CFindings& findings) {
+SDocumentTree readTree(const CDocumentText& document, EForeign foreign, CFindings& findings) {
     // The XML library tells only of those that declare something.
     if (const auto doctype = doctypeIn(document.content())) {
         findings.add({EHazard::kDoctype, document.spotAt(*doctype),
                       "the document has a DOCTYPE; the entities that it declares are expanded"});
     }
-    CTreeReader reader(document, findings);
+    CTreeReader reader(document, foreign, findings);
     readDocument(document.content(), reader);
     return reader.finish();
+}
+
+std::string readTimeStamp(std::string bytes) {
+    CFindings ignored("");
+    const SDocumentTree tree = readTree(CDocumentText(std::move(bytes)), EForeign::kStop, ignored);
+    return tree.timeStamp.has_value() ? tree.timeStamp->text : "";
 }
 
 }  // namespace fi_rotate

@@ -34,7 +34,18 @@ struct SDocumentTree {
 // The library takes such Nodes for devices.
 bool isDevice(const SNode& node);
 
+// What is outside a document is opened by nobody here. Whether the library can open it is not known.
+enum class EForeign {
+    // Where the document refers to it, its tree ends.
+    kStop,
+    kReadAsEmpty,
+};
+
 // Reads `document` while a CXmlLibrary lives. What is wrong with its form is added to `findings`.
-SDocumentTree readTree(const CDocumentText& document, CFindings& findings);
+SDocumentTree readTree(const CDocumentText& document, EForeign foreign, CFindings& findings);
+
+// The time stamp of the backup that `bytes` are the document of, as the library reads it at least; empty
+// when there is none. A CXmlLibrary must live.
+std::string readTimeStamp(std::string bytes);
 
 }  // namespace fi_rotate

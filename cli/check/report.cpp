@@ -1,15 +1,13 @@
 #include "cli/check/report.h"
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 #include "cli/base/columns.h"
+#include "cli/base/json.h"
 #include "cli/base/text.h"
 
 namespace fi_rotate {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string countOf(std::size_t count, const char* thing) {
     return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing, count == 1 ? "" : "s");

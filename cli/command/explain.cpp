@@ -82,10 +82,10 @@ void reportNoCall(const SOptions& options, std::size_t count) {
     }
 }
 
-std::string toTables(const std::vector<SLoggedCall>& calls) {
+std::string toTables(const std::vector<SLoggedCall>& calls, const SView& view) {
     std::string text;
     for (const SLoggedCall& call : calls) {
-        text += (text.empty() ? "" : "\n") + toTables(call, widthOfOutput(), wantsColour());
+        text += (text.empty() ? "" : "\n") + toTables(call, view, widthOfOutput(), wantsColour());
     }
     return text;
 }
@@ -93,15 +93,13 @@ std::string toTables(const std::vector<SLoggedCall>& calls) {
 int runExplain(const SOptions& options) {
     std::vector<SLoggedCall> all = readCalls(options.log);
     const std::size_t count = all.size();
-    std::vector<SLoggedCall> calls = chosenCalls(std::move(all), options.call);
+    const std::vector<SLoggedCall> calls = chosenCalls(std::move(all), options.call);
     if (calls.empty()) {
         reportNoCall(options, count);
         return kExitNegative;
     }
-    for (SLoggedCall& call : calls) {
-        call.outcome = onlyShown(std::move(call.outcome), options.shownStates);
-    }
-    return printOrReport(options.json ? toJson(calls) : toTables(calls)) ? kExitDone : kExitNotWritten;
+    const SView view{options.shownStates, true};
+    return printOrReport(options.json ? toJson(calls, view) : toTables(calls, view)) ? kExitDone : kExitNotWritten;
 }
 
 }  // namespace

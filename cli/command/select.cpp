@@ -21,13 +21,14 @@
 #include "cli/base/file.h"
 #include "cli/base/terminal.h"
 #include "cli/base/text.h"
+#include "cli/base/xml_reader.h"
+#include "cli/check/document_tree.h"
 #include "cli/command/command.h"
 #include "cli/command/subcommands.h"
 #include "cli/outcome/json.h"
 #include "cli/outcome/picture.h"
 #include "cli/outcome/request.h"
 #include "cli/outcome/table.h"
-#include "cli/outcome/time_stamp.h"
 #include "cli/picture/svg.h"
 #include "host/library_call.h"
 #include "host/outcome.h"
@@ -104,11 +105,8 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
 
     std::vector<SBackup> backups;
     for (const std::string& file : options.files) {
-        SBackup backup;
-        backup.file = file;
         const auto found = flagWords.find(file);
-        backup.flagWord = found != flagWords.end() ? found->second : 0;
-        backups.push_back(std::move(backup));
+        backups.push_back({file, found != flagWords.end() ? found->second : 0});
     }
     return backups;
 }
@@ -121,14 +119,14 @@ SCall callOf(const SOptions& options) {
     return call;
 }
 
-void reportNotLoaded(const std::vector<SBackup>& backups) {
-    const auto isNotLoaded = [](const SBackup& backup) { return !backup.loaded; };
+void reportNotLoaded(const std::vector<SBackupOutcome>& backups) {
+    const auto isNotLoaded = [](const SBackupOutcome& backup) { return !backup.isLoaded; };
     const auto first = std::find_if(backups.begin(), backups.end(), isNotLoaded);
     if (first == backups.end()) {
         return;
     }
     const auto others = std::count_if(first + 1, backups.end(), isNotLoaded);
-    printError("not loaded: \"" + first->file + "\"" +
+    printError("not loaded: \"" + first->given.file + "\"" +
                (others == 0 ? "" : fmt::format(" and {} more", others)) + "; took no part in the rotation");
 }
 
@@ -156,6 +154,16 @@ int exitStatusOf(const SOutcome& outcome) {
     return outcome.selection.has_value() ? kExitDone : kExitNegative;
 }
 
+// The library tells the time stamps of few backups; people look for the others too.
+void readTimeStamps(std::vector<SBackupOutcome>& backups) {
+    const CXmlLibrary library;
+    for (SBackupOutcome& backup : backups) {
+        if (backup.isLoaded) {
+            backup.timeStamp = readTimeStamp(readFile(backup.given.file).value_or(""));
+        }
+    }
+}
+
 // Nothing to do without a file; false, with a message, when it could not be written whole.
 bool saveRequest(const SCall& call, const std::optional<std::string>& file) {
     if (!file.has_value()) {
@@ -171,7 +179,7 @@ bool saveRequest(const SCall& call, const std::optional<std::string>& file) {
 }
 
 int runSelect(const SOptions& options) {
-    SCall call = callOf(options);
+    const SCall call = callOf(options);
     const auto trace = openOutput("--trace-file", options.traceFile);
     const auto svg = openOutput("--svg", options.svgFile);
     if (!saveRequest(call, options.savedRequest)) {
@@ -185,19 +193,15 @@ int runSelect(const SOptions& options) {
     if (trace != nullptr) {
         traceOutputs.push_back(trace->stream());
     }
-    SOutcome outcome = runCall(std::move(call), traceOutputs, options.explain || svg != nullptr);
+    SOutcome outcome = runCall(call, traceOutputs, options.explain || svg != nullptr);
     readTimeStamps(outcome.backups);
     const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
     if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {
         return kExitNotWritten;
     }
-
-    if (!options.explain) {
-        outcome.account.reset();
-    }
-    const SOutcome selected = onlyShown(outcome, options.shownStates);
+    const SView view{options.shownStates, options.explain};
     const std::string shown =
-        options.json ? toJson(selected) : toTables(selected, widthOfOutput(), wantsColour());
+        options.json ? toJson(outcome, view) : toTables(outcome, view, widthOfOutput(), wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
     reportWhatWentWrong(outcome, options.trace);
     return flushOrReport() && isTraceWritten ? exitStatusOf(outcome) : kExitNotWritten;

@@ -1,7 +1,6 @@
 #include "cli/explain/log.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstddef>
 #include <optional>
@@ -13,27 +12,11 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
-#include "cli/base/text.h"
 #include "host/explanation.h"
+#include "host/trace_text.h"
 
 namespace fi_rotate {
 namespace {
-
-constexpr std::string_view kRefused = "fi_process_backups : Invalid/empty parameter";
-constexpr std::string_view kFirstBackup =
-    "fi_process_backups : fiidListSize empty, no previous backups to process";
-constexpr std::string_view kNoResource = "fi_process_backups : no resource is available";
-
-// What the library traces as a failure; the level stands in the host's prefix, if anywhere.
-bool isFailure(std::string_view text) {
-    constexpr std::array<std::string_view, 5> kFailures{kRefused, kNoResource, kNoConfiguration,
-                                                        "fi_process_backups : Resources not availabe",
-                                                        "CFiFiidLoader::load: ERROR: "};
-    constexpr std::string_view kRejected = "CFiResourceParser::parse : resource configuration \"";
-    return startsWith(text, kRejected) ||
-           std::any_of(kFailures.begin(), kFailures.end(),
-                       [text](std::string_view failure) { return startsWith(text, failure); });
-}
 
 std::optional<std::int32_t> statusOf(const CAccountReader& account) {
     if (account.account.selection.has_value()) {
@@ -43,7 +26,7 @@ std::optional<std::int32_t> statusOf(const CAccountReader& account) {
 }
 
 std::int32_t firstBackupStatus(const std::vector<std::string>& messages) {
-    const bool isShort = !messages.empty() && messages.back() == kNoResource;
+    const bool isShort = !messages.empty() && messages.back() == formatOf(ETraceText::kNoResource);
     return isShort ? FI_STATUS_FAILURE : FI_STATUS_SUCCESS;
 }
 
@@ -61,7 +44,7 @@ States finalStates(const CAccountReader& account) {
 
 // The backups whose flag words are known; the others are missing. Where loading was not seen to its end,
 // nothing tells that one was left out.
-std::vector<SBackup> backupsOf(const CAccountReader& account, std::vector<std::string>& missing) {
+std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, std::vector<std::string>& missing) {
     const bool isLoadingKnown = missing.empty() && account.isLoadingOver();
     const States states = finalStates(account);
     std::unordered_map<std::string, std::string> loaded;
@@ -69,15 +52,14 @@ std::vector<SBackup> backupsOf(const CAccountReader& account, std::vector<std::s
         loaded[backup.file] = backup.timeStamp;
     }
     std::set<std::string> known;
-    std::vector<SBackup> backups;
+    std::vector<SBackupOutcome> backups;
     for (const auto& [file, flagWord] : account.flagWords) {
         known.insert(file);
-        SBackup backup;
-        backup.file = file;
-        backup.flagWord = flagWord;
-        backup.loaded = !isLoadingKnown;
+        SBackupOutcome backup;
+        backup.given = {file, flagWord};
+        backup.isLoaded = !isLoadingKnown;
         if (const auto found = loaded.find(file); found != loaded.end()) {
-            backup.loaded = true;
+            backup.isLoaded = true;
             backup.timeStamp = found->second;
         }
         if (const auto state = states.find(file); state != states.end()) {
@@ -93,16 +75,9 @@ std::vector<SBackup> backupsOf(const CAccountReader& account, std::vector<std::s
     return backups;
 }
 
-constexpr std::array<std::string_view, 4> kNames{
-    "fi_process_backups : ",
-    "CFiResourceParser::parse : ",
-    "CFiResourceManager::print : ",
-    "CFiFiidLoader::load: ERROR: ",
-};
-
 std::size_t findName(std::string_view line) {
     std::size_t place = std::string_view::npos;
-    for (const std::string_view name : kNames) {
+    for (const std::string_view name : kOperations) {
         place = std::min(place, line.find(name));
     }
     return place;
@@ -138,58 +113,6 @@ std::string shapeOf(std::string_view prefix) {
     return shape.text();
 }
 
-bool hasEnds(std::string_view text, std::string_view start, std::string_view end) {
-    return text.size() >= start.size() + end.size() && text.substr(0, start.size()) == start &&
-           text.substr(text.size() - end.size()) == end;
-}
-
-bool isTreeLine(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of('\t'), text.size()));
-    return hasEnds(text, " [", "]") || hasEnds(text, " {", "}") || hasEnds(text, " <", ">");
-}
-
-bool isPrintedTarget(std::string_view text) {
-    constexpr std::array<std::string_view, 4> kFirst{"](Available)", "](Used)", "](Invalid)", "](Unknown)"};
-    constexpr std::array<std::string_view, 4> kFurther{",Available}", ",Used}", ",Invalid}", ",Unknown}"};
-    const auto endsIn = [text](std::string_view start, const auto& ends) {
-        return std::any_of(ends.begin(), ends.end(),
-                           [text, start](std::string_view end) { return hasEnds(text, start, end); });
-    };
-    return endsIn("[", kFirst) || endsIn("{", kFurther);
-}
-
-bool isUnnamed(std::string_view text) {
-    return isTreeLine(text) || isPrintedTarget(text) || hasEnds(text, "ERROR: ", "");
-}
-
-// Nothing but a level and a blank is the prefix that fi-rotate writes; it also escapes line breaks.
-bool isOwnPrefix(std::string_view prefix) {
-    return prefix == "3 " || prefix == "4 ";
-}
-
-std::string unescaped(std::string_view text) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char next = text[i] == '\\' && i + 1 < text.size() ? text[i + 1] : '\0';
-        switch (next) {
-            case 'n':
-                result += '\n';
-                break;
-            case 'r':
-                result += '\r';
-                break;
-            case '\\':
-                result += '\\';
-                break;
-            default:
-                result += text[i];
-                continue;
-        }
-        ++i;
-    }
-    return result;
-}
-
 }  // namespace
 
 void CLogReader::read(std::string_view line) {
@@ -214,11 +137,13 @@ void CLogReader::read(std::string_view line) {
 // Whether `text` is the first one of a call: because no call has it elsewhere, or because the one before is
 // over.
 bool CLogReader::begins(const std::string& text) const {
-    const auto starts = [&text](std::string_view start) { return startsWith(text, start); };
-    const bool isFirst = starts(kParsedConfiguration) || starts(kNoConfiguration) || text == kRefused;
+    const bool isFirst = startsAs(ETraceText::kConfiguration, text) ||
+                         startsAs(ETraceText::kNoConfiguration, text) ||
+                         text == formatOf(ETraceText::kInvalidParameter);
     // Lines of the last pass can be surplus when others were lost.
-    const bool isOfAnyPass = starts("fi_process_backups : parsed [") || starts("CFiResourceManager::");
-    const bool isNamed = starts("fi_process_backups : ") || starts("CFi");
+    const bool isOfAnyPass =
+        startsAs(ETraceText::kParsed, text) || text == formatOf(ETraceText::kResourceSet);
+    const bool isNamed = findName(text) == 0;
     const bool isOver = account.isEnded() || isRefused;
     return isFirst || (isOver && isNamed && !isOfAnyPass);
 }
@@ -227,8 +152,8 @@ void CLogReader::readText(const std::string& text) {
     if (isFailure(text)) {
         call.outcome.messages.push_back(text);
     }
-    isRefused = isRefused || text == kRefused;
-    isFirstBackup = isFirstBackup || text == kFirstBackup;
+    isRefused = isRefused || text == formatOf(ETraceText::kInvalidParameter);
+    isFirstBackup = isFirstBackup || text == formatOf(ETraceText::kFirstBackup);
     const bool wasMalformed = account.malformed.has_value();
     account.read(text);
     if (account.malformed.has_value() && !wasMalformed) {
@@ -287,7 +212,7 @@ std::optional<std::string> CLogText::find(std::string_view line) {
         return std::nullopt;
     }
     const std::string_view prefix = line.substr(0, line.size() - text.size());
-    return isOwnPrefix(prefix) ? unescaped(text) : std::string(text);
+    return isOwnPrefix(prefix) ? withLineBreaks(text) : std::string(text);
 }
 
 std::optional<std::string_view> CLogText::findUnnamed(std::string_view line) const {

@@ -1,25 +1,11 @@
 #include "cli/outcome/json.h"
 
-#include <nlohmann/json.hpp>
-
 #include <fi_rotation/fi_process_backups.h>
 
-#include "cli/base/text.h"
+#include "cli/base/json.h"
 
 namespace fi_rotate {
 namespace {
-
-// Keys in the order in which they are set.
-using Json = nlohmann::ordered_json;
-
-template <typename Value>
-Json orNull(const std::optional<Value>& value) {
-    return value.has_value() ? Json(*value) : Json(nullptr);
-}
-
-Json orNull(const std::optional<std::string>& text) {
-    return text.has_value() ? Json(asUtf8(*text)) : Json(nullptr);
-}
 
 Json configurationsOf(const std::optional<std::string>& selection) {
     const auto chosen = selection.has_value() ? choices(*selection) : std::nullopt;
@@ -31,14 +17,6 @@ Json configurationsOf(const std::optional<std::string>& selection) {
         rows.push_back({{"first", asUtf8(choice.first)}, {"chosen", asUtf8(choice.chosen)}});
     }
     return rows;
-}
-
-Json listOf(const std::vector<std::string>& texts) {
-    Json list = Json::array();
-    for (const std::string& text : texts) {
-        list.push_back(asUtf8(text));
-    }
-    return list;
 }
 
 Json orNullIfEmpty(const std::string& text) {
@@ -61,31 +39,35 @@ Json reasonJson(const std::optional<SReason>& reason) {
     };
 }
 
-Json shortagesOf(const std::vector<SShortage>& shortages) {
+Json shortagesOf(const SAccount& account) {
     Json rows = Json::array();
-    for (const SShortage& shortage : shortages) {
+    for (const SShortage& shortage : account.shortages) {
+        const SAccountConfiguration& configuration = account.configurations[shortage.configuration];
         Json targets = Json::array();
         for (const SHeldTarget& held : shortage.targets) {
-            targets.push_back({{"target", asUtf8(held.target)},
-                               {"holder", asUtf8(held.holder)},
+            targets.push_back({{"target", asUtf8(configuration.targets[held.target])},
+                               {"holder", asUtf8(account.backups[held.holder].file)},
                                {"excluded", held.isExcluded}});
         }
-        rows.push_back({{"configuration", asUtf8(shortage.configuration)}, {"targets", targets}});
+        rows.push_back({{"configuration", asUtf8(configuration.first)}, {"targets", targets}});
     }
     return rows;
 }
 
-Json backupsOf(const SOutcome& outcome) {
+Json backupsOf(const SOutcome& outcome, const SView& view, bool hasReasons) {
     Json rows = Json::array();
-    for (const SBackup& backup : outcome.backups) {
+    for (const SBackupOutcome& backup : outcome.backups) {
+        if (!view.shows(backup)) {
+            continue;
+        }
         rows.push_back({
-            {"file", asUtf8(backup.file)},
-            {"time_stamp", backup.timeStamp.empty() ? Json(nullptr) : Json(asUtf8(backup.timeStamp))},
-            {"flag_word", backup.flagWord},
-            {"excluded", (backup.flagWord & FI_EXCLUDE_ROTATION) != 0},
+            {"file", asUtf8(backup.given.file)},
+            {"time_stamp", orNullIfEmpty(backup.timeStamp)},
+            {"flag_word", backup.given.flagWord},
+            {"excluded", (backup.given.flagWord & FI_EXCLUDE_ROTATION) != 0},
             {"state", orNull(stateWord(backup))},
         });
-        if (outcome.account.has_value()) {
+        if (hasReasons) {
             rows.back()["reason"] = reasonJson(backup.reason);
         }
     }
@@ -103,35 +85,36 @@ Json exceptionOf(const std::optional<SException>& exception) {
     };
 }
 
-Json documentOf(const SOutcome& outcome) {
+Json documentOf(const SOutcome& outcome, const SView& view) {
+    const bool hasReasons = view.withReasons && outcome.account.has_value();
     Json document = {
         {"status", orNull(outcome.status)},
         {"selection", orNull(outcome.selection)},
         {"configurations", configurationsOf(outcome.selection)},
-        {"backups", backupsOf(outcome)},
+        {"backups", backupsOf(outcome, view, hasReasons)},
         {"exception", exceptionOf(outcome.exception)},
         {"messages", listOf(outcome.messages)},
     };
-    if (outcome.account.has_value()) {
-        document["shortages"] = shortagesOf(outcome.account->shortages);
+    if (hasReasons) {
+        document["shortages"] = shortagesOf(*outcome.account);
     }
     return document;
 }
 
 }  // namespace
 
-std::string toJson(const SOutcome& outcome) {
-    return documentOf(outcome).dump(2) + "\n";
+std::string toJson(const SOutcome& outcome, const SView& view) {
+    return documentOf(outcome, view).dump(2) + "\n";
 }
 
-std::string toJson(const std::vector<SLoggedCall>& calls) {
+std::string toJson(const std::vector<SLoggedCall>& calls, const SView& view) {
     Json rows = Json::array();
     for (const SLoggedCall& call : calls) {
         rows.push_back({{"number", call.number},
                         {"first_line", call.firstLine},
                         {"last_line", call.lastLine},
                         {"missing", listOf(call.missing)},
-                        {"outcome", documentOf(call.outcome)}});
+                        {"outcome", documentOf(call.outcome, view)}});
     }
     return Json{{"calls", rows}}.dump(2) + "\n";
 }

@@ -4,14 +4,15 @@
 #include <vector>
 
 #include "cli/explain/log.h"
+#include "cli/outcome/view.h"
 #include "host/outcome.h"
 
 namespace fi_rotate {
 
-// The outcome as one JSON document with a line end.
-std::string toJson(const SOutcome& outcome);
+// What `view` shows of the outcome, as one JSON document with a line end.
+std::string toJson(const SOutcome& outcome, const SView& view);
 
 // The same of the calls of a log.
-std::string toJson(const std::vector<SLoggedCall>& calls);
+std::string toJson(const std::vector<SLoggedCall>& calls, const SView& view);
 
 }  // namespace fi_rotate

@@ -24,7 +24,7 @@ namespace {
 // Where the time stamps lie on the axis.
 class CScale {
 public:
-    explicit CScale(const std::vector<SBackup>& backups)
+    explicit CScale(const std::vector<SBackupOutcome>& backups)
         : stamps(stampsOf(backups)), isTime(areTimes(stamps)) {}
 
     [[nodiscard]] double at(const std::string& stamp) const {
@@ -54,10 +54,10 @@ public:
     }
 
 private:
-    static std::set<std::string> stampsOf(const std::vector<SBackup>& backups) {
+    static std::set<std::string> stampsOf(const std::vector<SBackupOutcome>& backups) {
         std::set<std::string> found;
-        for (const SBackup& backup : backups) {
-            if (backup.loaded) {
+        for (const SBackupOutcome& backup : backups) {
+            if (backup.isLoaded) {
                 found.insert(backup.timeStamp);
             }
         }
@@ -144,25 +144,14 @@ std::string fileName(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-const char* wordOf(std::int32_t state) {
-    switch (state) {
-        case FI_BACKUP_KEPT:
-            return "kept";
-        case FI_BACKUP_INVALID:
-            return "invalid";
-        default:
-            return "rotated";
-    }
-}
-
 // The backup as it was handed over. A name that is listed twice has the flag word of its last entry.
-const SBackup& handedOver(const SOutcome& outcome, const std::string& file) {
+const SBackupOutcome& handedOver(const SOutcome& outcome, const std::string& file) {
     return *std::find_if(outcome.backups.rbegin(), outcome.backups.rend(),
-                         [&file](const SBackup& each) { return each.file == file; });
+                         [&file](const SBackupOutcome& each) { return each.given.file == file; });
 }
 
 void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, const SAccountBackup& backup) {
-    const SBackup& given = handedOver(outcome, backup.file);
+    const SBackupOutcome& listed = handedOver(outcome, backup.file);
     for (const auto& [objid, altobjid] : backup.pairs) {
         const auto place = placeOf(picture, targetOf(objid), targetOf(altobjid));
         if (!place.has_value()) {
@@ -173,22 +162,17 @@ void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, co
         SBar bar;
         bar.group = place->first;
         bar.row = place->second;
-        bar.from = scale.at(given.timeStamp);
+        bar.from = scale.at(listed.timeStamp);
         bar.to = picture.to;
-        bar.kind = kindOf(backup, given.flagWord);
+        bar.kind = kindOf(backup, listed.given.flagWord);
         bar.isOpen = backup.state != FI_BACKUP_ROTATED;
         bar.name = fileName(backup.file);
-        bar.title =
-            fmt::format("{}, time stamp {}: {}", backup.file, given.timeStamp,
-                        backup.reason.has_value() ? wordOf(backup.state) + (": " + inWords(*backup.reason))
-                                                  : "the call ended before its state was known");
+        bar.title = fmt::format("{}, time stamp {}: {}", backup.file, listed.timeStamp,
+                                backup.reason.has_value()
+                                    ? fmt::format("{}: {}", stateWord(backup.state), inWords(*backup.reason))
+                                    : "the call ended before its state was known");
         picture.bars.push_back(std::move(bar));
     }
-}
-
-bool hasKind(const SPicture& picture, EBar kind) {
-    return std::any_of(picture.bars.begin(), picture.bars.end(),
-                       [kind](const SBar& bar) { return bar.kind == kind; });
 }
 
 std::string remarkOn(const SOutcome& outcome) {
@@ -217,10 +201,10 @@ SPicture pictureOf(const SOutcome& outcome) {
     }
     picture.lineAt = picture.to;
     picture.lineLabel = "now";
-    picture.plainMeaning = hasKind(picture, EBar::kPlain) ? "a backup, from its time stamp on" : "";
-    picture.rotatedMeaning = hasKind(picture, EBar::kRotated) ? "rotated: it ends now" : "";
-    picture.excludedMeaning = hasKind(picture, EBar::kExcluded) ? "excluded from rotation" : "";
-    picture.invalidMeaning = hasKind(picture, EBar::kInvalid) ? "invalid" : "";
+    picture.plainMeaning = picture.has(EBar::kPlain) ? "a backup, from its time stamp on" : "";
+    picture.rotatedMeaning = picture.has(EBar::kRotated) ? "rotated: it ends now" : "";
+    picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
+    picture.invalidMeaning = picture.has(EBar::kInvalid) ? "invalid" : "";
     return picture;
 }
 

@@ -9,14 +9,12 @@
 #include <vector>
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
+#include "cli/base/json.h"
 #include "cli/base/text.h"
 
 namespace fi_rotate {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 [[noreturn]] void reject(const std::string& fault) {
     throw std::invalid_argument(fault);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/library_call.h"
+#include "host/call.h"
 
 // A whole call as one JSON document, so that it can be made again elsewhere.
 namespace fi_rotate {

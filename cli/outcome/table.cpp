@@ -55,20 +55,32 @@ std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colo
     return "Selection\n" + toTableOrLists(rows, width, colour);
 }
 
-std::string backupTable(const SOutcome& outcome, std::size_t width, bool colour) {
-    const std::size_t hidden = outcome.hiddenBackups;
-    if (outcome.backups.empty() && hidden != 0) {
+using Backups = std::vector<const SBackupOutcome*>;
+
+Backups shownBackups(const SOutcome& outcome, const SView& view) {
+    Backups shown;
+    for (const SBackupOutcome& backup : outcome.backups) {
+        if (view.shows(backup)) {
+            shown.push_back(&backup);
+        }
+    }
+    return shown;
+}
+
+std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size_t width, bool colour) {
+    const std::size_t hidden = outcome.backups.size() - shown.size();
+    if (shown.empty() && hidden != 0) {
         return fmt::format("Backups: none in these states, {} in others\n", hidden);
     }
-    if (outcome.backups.empty()) {
+    if (shown.empty()) {
         return isOver(outcome) ? "Backups: none, this is the first\n" : "Backups: none known\n";
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
-    for (const SBackup& backup : outcome.backups) {
-        Row row =
-            toRow({asPrintable(backup.file), backup.timeStamp.empty() ? "-" : asPrintable(backup.timeStamp),
-                   fmt::to_string(backup.flagWord)});
-        const auto state = stateWord(backup);
+    for (const SBackupOutcome* const backup : shown) {
+        Row row = toRow({asPrintable(backup->given.file),
+                         backup->timeStamp.empty() ? "-" : asPrintable(backup->timeStamp),
+                         fmt::to_string(backup->given.flagWord)});
+        const auto state = stateWord(*backup);
         row.push_back(state.has_value() ? SCell{std::string(*state), styleOf(*state)} : SCell{"-", {}});
         rows.push_back(std::move(row));
     }
@@ -76,33 +88,35 @@ std::string backupTable(const SOutcome& outcome, std::size_t width, bool colour)
            (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden));
 }
 
-const char* withoutReason(const SBackup& backup) {
-    return backup.loaded ? "not known" : "took no part";
+std::string reasonFor(const SBackupOutcome& backup) {
+    if (!backup.reason.has_value()) {
+        return backup.isLoaded ? "not known" : "took no part";
+    }
+    return asPrintable(inWords(*backup.reason));
 }
 
-std::string reasonTable(const SOutcome& outcome) {
+std::string reasonTable(const Backups& shown) {
     std::string text = "Reasons\n";
-    for (const SBackup& backup : outcome.backups) {
-        const std::optional<SReason>& reason = backup.reason;
-        text += fmt::format("  {}\n    {}: {}\n", asPrintable(backup.file),
-                            stateWord(backup).value_or("no state"),
-                            !reason.has_value() ? withoutReason(backup) : asPrintable(inWords(*reason)));
+    for (const SBackupOutcome* const backup : shown) {
+        text += fmt::format("  {}\n    {}: {}\n", asPrintable(backup->given.file),
+                            stateWord(*backup).value_or("no state"), reasonFor(*backup));
     }
     return text;
 }
 
-std::string shortageTable(const std::vector<SShortage>& shortages) {
+std::string shortageTable(const SAccount& account) {
     std::string text;
-    for (const SShortage& shortage : shortages) {
-        text += fmt::format("\n{} has no free target\n", asPrintable(shortage.configuration));
+    for (const SShortage& shortage : account.shortages) {
+        const SAccountConfiguration& configuration = account.configurations[shortage.configuration];
+        text += fmt::format("\n{} has no free target\n", asPrintable(configuration.first));
         if (shortage.targets.empty()) {
             text += "  it has no further targets at all; one must be added\n";
         }
         for (const SHeldTarget& held : shortage.targets) {
-            text +=
-                fmt::format("  {} is held by {}, {}\n", asPrintable(held.target), asPrintable(held.holder),
-                            held.isExcluded ? "which is excluded; without that it would be rotated"
-                                            : "which is invalid; it is free when that backup is gone");
+            text += fmt::format("  {} is held by {}, {}\n", asPrintable(configuration.targets[held.target]),
+                                asPrintable(account.backups[held.holder].file),
+                                held.isExcluded ? "which is excluded; without that it would be rotated"
+                                                : "which is invalid; it is free when that backup is gone");
         }
     }
     return text;
@@ -118,18 +132,20 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
 
 }  // namespace
 
-std::string toTables(const SOutcome& outcome, std::size_t width, bool colour) {
-    std::string text = selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, width, colour);
-    if (outcome.account.has_value() && !outcome.backups.empty()) {
-        text += "\n" + reasonTable(outcome) + shortageTable(outcome.account->shortages);
+std::string toTables(const SOutcome& outcome, const SView& view, std::size_t width, bool colour) {
+    const Backups shown = shownBackups(outcome, view);
+    std::string text =
+        selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, shown, width, colour);
+    if (view.withReasons && outcome.account.has_value() && !shown.empty()) {
+        text += "\n" + reasonTable(shown) + shortageTable(*outcome.account);
     }
     return text;
 }
 
-std::string toTables(const SLoggedCall& call, std::size_t width, bool colour) {
+std::string toTables(const SLoggedCall& call, const SView& view, std::size_t width, bool colour) {
     const SOutcome& outcome = call.outcome;
     return fmt::format("Call {}, lines {} to {}\n\n", call.number, call.firstLine, call.lastLine) +
-           (outcome.account.has_value() ? toTables(outcome, width, colour) : "Selection: none\n") +
+           (outcome.account.has_value() ? toTables(outcome, view, width, colour) : "Selection: none\n") +
            toList("Messages", outcome.messages) + toList("Missing from the log", call.missing);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -72,6 +73,10 @@ struct SPicture {
     // A line across all rows; none without a label.
     double lineAt = 0;
     std::string lineLabel;
+
+    [[nodiscard]] bool has(EBar kind) const {
+        return std::any_of(bars.begin(), bars.end(), [kind](const SBar& bar) { return bar.kind == kind; });
+    }
 };
 
 }  // namespace fi_rotate

@@ -1,15 +1,10 @@
 #include "cli/simulate/json.h"
 
-#include <nlohmann/json.hpp>
-
 #include "cli/base/calendar.h"
-#include "cli/base/text.h"
+#include "cli/base/json.h"
 
 namespace fi_rotate {
 namespace {
-
-// Keys in the order in which they are set.
-using Json = nlohmann::ordered_json;
 
 Json agesOf(const std::optional<SAges>& ages) {
     if (!ages.has_value()) {
@@ -18,18 +13,18 @@ Json agesOf(const std::optional<SAges>& ages) {
     return {{"minimum", ages->minimum}, {"median", ages->median}, {"maximum", ages->maximum}};
 }
 
-Json shortageOf(const SConfigurationSummary& summary) {
+Json shortageOf(const SConfigurationSummary& summary, const SAccountConfiguration& configuration) {
     if (summary.roundsShort == 0) {
         return nullptr;
     }
     Json targets = Json::array();
-    for (const SHeldTarget& held : summary.shortage.targets) {
-        targets.push_back({{"target", asUtf8(held.target)},
-                           {"holder_round", std::stoul(held.holder)},
+    for (const SHeldByRound& held : summary.holders) {
+        targets.push_back({{"target", asUtf8(configuration.targets[held.target])},
+                           {"holder_round", held.round},
                            {"excluded", held.isExcluded}});
     }
     return {
-        {"rounds", summary.roundsShort}, {"words", shortageInWords(summary.shortage)}, {"targets", targets}};
+        {"rounds", summary.roundsShort}, {"words", shortageInWords(summary.holders)}, {"targets", targets}};
 }
 
 Json leastOf(const SLeastTargets& least) {
@@ -48,28 +43,19 @@ Json configurationsOf(const SSimulationReport& report) {
     Json rows = Json::array();
     for (std::size_t i = 0; i < report.summaries.size(); ++i) {
         const SConfigurationSummary& summary = report.summaries[i];
-        Json targets = Json::array();
-        for (const std::string& target : report.simulation.configurations[i].targets) {
-            targets.push_back(asUtf8(target));
-        }
         rows.push_back({
             {"first", asUtf8(summary.first)},
-            {"targets", targets},
+            {"targets", listOf(report.simulation.configurations[i].targets)},
             {"taken", summary.taken},
             {"rotated", summary.rotated},
             {"held", summary.held},
             {"lost", summary.lost},
             {"seconds_until_rotated", agesOf(summary.ages)},
-            {"shortage", shortageOf(summary)},
+            {"shortage", shortageOf(summary, report.simulation.configurations[i])},
             {"least_targets", report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
         });
     }
     return rows;
-}
-
-template <typename Value>
-Json orNull(const std::optional<Value>& value) {
-    return value.has_value() ? Json(*value) : Json(nullptr);
 }
 
 }  // namespace

@@ -73,11 +73,6 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t la
     return remarks;
 }
 
-bool hasKind(const SPicture& picture, EBar kind) {
-    return std::any_of(picture.bars.begin(), picture.bars.end(),
-                       [kind](const SBar& bar) { return bar.kind == kind; });
-}
-
 }  // namespace
 
 SPicture pictureOf(const SSimulation& simulation) {
@@ -103,11 +98,9 @@ SPicture pictureOf(const SSimulation& simulation) {
     for (const SSnapshot& snapshot : simulation.snapshots) {
         picture.bars.push_back(barOf(simulation, snapshot, picture.to));
     }
-    picture.plainMeaning =
-        hasKind(picture, EBar::kPlain) ? "a snapshot, from its taking to its rotation" : "";
-    picture.excludedMeaning = hasKind(picture, EBar::kExcluded) ? "excluded from rotation" : "";
-    picture.invalidMeaning =
-        hasKind(picture, EBar::kInvalid) ? "lost: a later round was given its target" : "";
+    picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, from its taking to its rotation" : "";
+    picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
+    picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: a later round was given its target" : "";
     picture.openMeaning = picture.bars.empty() ? "" : "still held in the end";
     if (simulation.standstill.has_value()) {
         picture.lineAt = static_cast<double>(timeOf(plan, simulation.standstill->first));

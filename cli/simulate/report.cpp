@@ -17,14 +17,6 @@ std::optional<SAges> agesOf(std::vector<std::int64_t> ages) {
     return SAges{ages.front(), below + (above - below) / 2, ages.back()};
 }
 
-// Shortages come in the order of the configurations, of which several may have one first target.
-SConfigurationSummary& rowOf(std::vector<SConfigurationSummary>& rows, const SShortage& shortage) {
-    return *std::find_if(rows.begin(), rows.end(), [&shortage](const SConfigurationSummary& row) {
-        return row.roundsShort == 0 && row.first == shortage.configuration &&
-               row.targets == shortage.targets.size();
-    });
-}
-
 }  // namespace
 
 std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
@@ -51,25 +43,24 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
     }
 
     if (simulation.standstill.has_value()) {
-        for (const SShortage& shortage : simulation.standstill->shortages) {
-            SConfigurationSummary& row = rowOf(rows, shortage);
+        for (const SShortConfiguration& shortage : simulation.standstill->shortages) {
+            SConfigurationSummary& row = rows[shortage.configuration];
             row.roundsShort = simulation.finishedRounds + 1 - simulation.standstill->first;
-            row.shortage = shortage;
+            row.holders = shortage.targets;
         }
     }
     return rows;
 }
 
-std::string shortageInWords(const SShortage& shortage) {
-    const auto& targets = shortage.targets;
-    const auto excluded = std::count_if(targets.begin(), targets.end(),
-                                        [](const SHeldTarget& held) { return held.isExcluded; });
-    if (targets.empty()) {
+std::string shortageInWords(const std::vector<SHeldByRound>& holders) {
+    const auto excluded = std::count_if(holders.begin(), holders.end(),
+                                        [](const SHeldByRound& held) { return held.isExcluded; });
+    if (holders.empty()) {
         return "it has no further targets";
     }
     const std::string whole =
-        targets.size() == 1 ? "its only target is" : fmt::format("all {} targets are", targets.size());
-    if (excluded == static_cast<std::ptrdiff_t>(targets.size())) {
+        holders.size() == 1 ? "its only target is" : fmt::format("all {} targets are", holders.size());
+    if (excluded == static_cast<std::ptrdiff_t>(holders.size())) {
         return whole + " held by excluded backups";
     }
     return fmt::format("{} held, {} by excluded backups, the others by invalid ones", whole, excluded);

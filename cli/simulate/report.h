@@ -30,14 +30,14 @@ struct SConfigurationSummary {
     std::optional<SAges> ages;
     // Rounds in which this configuration was short.
     std::size_t roundsShort = 0;
-    // Why; its target list is empty when it was never short or has no further targets.
-    SShortage shortage;
+    // Who held its targets then; empty when it was never short or has no further targets.
+    std::vector<SHeldByRound> holders;
 };
 
 std::vector<SConfigurationSummary> summarise(const SSimulation& simulation);
 
 // A shortage as a sentence without a full stop: "all 10 targets are held by excluded backups".
-std::string shortageInWords(const SShortage& shortage);
+std::string shortageInWords(const std::vector<SHeldByRound>& holders);
 
 // What every form of output of `simulate` shows.
 struct SSimulationReport {

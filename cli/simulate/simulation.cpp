@@ -15,6 +15,7 @@
 #include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
 #include "host/library_call.h"
+#include "host/trace_text.h"
 
 namespace fi_rotate {
 namespace {
@@ -22,8 +23,8 @@ namespace {
 // Without a Node it takes no part; but a call that is handed a document traces its configuration.
 constexpr const char* kDocumentWithoutNode = "<snapshotBackup/>\n";
 
-SOutcome call(SCall arguments, bool wantsAccount) {
-    SOutcome outcome = runCall(std::move(arguments), {}, wantsAccount);
+SOutcome call(const SCall& arguments, bool wantsAccount) {
+    SOutcome outcome = runCall(arguments, {}, wantsAccount);
     if (outcome.exception.has_value()) {
         throw CLibraryFailure("an exception left the library: " + outcome.exception->reason);
     }
@@ -34,10 +35,10 @@ SOutcome call(SCall arguments, bool wantsAccount) {
 SAccount accountOfFirstCall(const std::string& configuration, const CTemporaryFolder& folder) {
     SCall arguments;
     arguments.configuration = configuration;
-    arguments.backups.emplace_back().file = folder.write("none.xml", kDocumentWithoutNode);
-    SOutcome outcome = call(std::move(arguments), true);
+    arguments.backups.push_back({folder.write("none.xml", kDocumentWithoutNode), 0});
+    SOutcome outcome = call(arguments, true);
     for (const std::string& message : outcome.messages) {
-        if (startsWith(message, "CFiResourceParser")) {
+        if (isOfParser(message)) {
             throw std::invalid_argument(asPrintable(message));
         }
     }
@@ -72,10 +73,9 @@ private:
         SCall arguments;
         arguments.configuration = simulation.plan.configuration;
         for (const SLiveBackup& backup : live) {
-            SBackup& handedOver = arguments.backups.emplace_back();
-            handedOver.file = backup.file;
             // A call overwrites the word with the state, so it is set again for each.
-            handedOver.flagWord = isExcluded(simulation.plan, backup.round) ? FI_EXCLUDE_ROTATION : 0;
+            arguments.backups.push_back(
+                {backup.file, isExcluded(simulation.plan, backup.round) ? FI_EXCLUDE_ROTATION : 0});
         }
         return arguments;
     }
@@ -96,17 +96,15 @@ private:
         take(*chosen, round);
     }
 
-    [[nodiscard]] std::vector<SShortage> shortages() const {
-        if (live.empty()) {
-            return firstCall.shortages;
-        }
-        std::vector<SShortage> found = call(callOfLive(), true).account->shortages;
-        for (SShortage& shortage : found) {
-            for (SHeldTarget& held : shortage.targets) {
-                const auto holder =
-                    std::find_if(live.begin(), live.end(),
-                                 [&held](const SLiveBackup& backup) { return backup.file == held.holder; });
-                held.holder = holder != live.end() ? fmt::to_string(holder->round) : held.holder;
+    [[nodiscard]] std::vector<SShortConfiguration> shortages() const {
+        const SAccount account = live.empty() ? firstCall : *call(callOfLive(), true).account;
+        std::vector<SShortConfiguration> found;
+        for (const SShortage& shortage : account.shortages) {
+            SShortConfiguration& row = found.emplace_back();
+            row.configuration = shortage.configuration;
+            for (const SHeldTarget& held : shortage.targets) {
+                // The account has the backups in the order in which they were handed over.
+                row.targets.push_back({held.target, live.at(held.holder).round, held.isExcluded});
             }
         }
         return found;

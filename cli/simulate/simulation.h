@@ -49,12 +49,24 @@ struct SSnapshot {
     EEnd end = EEnd::kHeld;
 };
 
+// A target of a configuration, and the round whose backup holds it.
+struct SHeldByRound {
+    std::size_t target = 0;
+    std::size_t round = 0;
+    bool isExcluded = false;
+};
+
+// A configuration, by its place in SSimulation::configurations, and who holds its targets.
+struct SShortConfiguration {
+    std::size_t configuration = 0;
+    std::vector<SHeldByRound> targets;
+};
+
 // A call without a selection leaves every backup as it was, so the next round finds the same: from the first
 // round without a target on there is none in any round.
 struct SStandstill {
     std::size_t first = 0;
-    // A holder in it is the number of its round.
-    std::vector<SShortage> shortages;
+    std::vector<SShortConfiguration> shortages;
 };
 
 struct SSimulation {

@@ -95,7 +95,7 @@ std::string standstillLines(const SSimulationReport& report) {
                     toShownTime(timeOf(simulation.plan, first)), count, simulation.finishedRounds);
     for (const SConfigurationSummary& summary : report.summaries) {
         if (summary.roundsShort != 0) {
-            text += fmt::format("  {}: {}\n", asPrintable(summary.first), shortageInWords(summary.shortage));
+            text += fmt::format("  {}: {}\n", asPrintable(summary.first), shortageInWords(summary.holders));
         }
     }
     return text;

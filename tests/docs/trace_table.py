@@ -1,7 +1,8 @@
 """Usage: trace_table.py PROJECT
 
 The guide for hosts lists every message that the library's sources write, at its level, and every operation
-that an entry or exit line names; and none that they do not write.
+that an entry or exit line names; and none that they do not write. The table of host/trace_text.cpp, by which
+traces are read, lists every message too, but for entry and exit lines.
 """
 
 import pathlib
@@ -17,6 +18,8 @@ OPERATION = re.compile(r'\btrace(?:Entering|Exiting)\((?:"([^"]*)"|kNoName)\)')
 LEVELS = {"kTraceFailure": "3", "kTraceProgress": "4"}
 
 MESSAGE_ROW = re.compile(r"^\| (3|4|output) \| `(.*)` \| .+ \|$", re.MULTILINE)
+TABLE_ROW = re.compile(r"\{ETraceText::k\w+,\s*ELevel::k(\w+),\s*" + LITERALS)
+TABLE_LEVELS = {"Failure": "3", "Progress": "4"}
 OPERATION_ROW = re.compile(r"^\| `(CFi\w+::[^`]+| )` \| .+ \|$", re.MULTILINE)
 
 
@@ -40,6 +43,19 @@ def listed(guide):
     return set(MESSAGE_ROW.findall(guide)), {name.strip() for name in OPERATION_ROW.findall(guide)}
 
 
+def read_back(table):
+    return {(TABLE_LEVELS[level], text_of(literals)) for level, literals in TABLE_ROW.findall(table)}
+
+
+def differences_of_table(code, table):
+    messages = {(level, text) for level, text in written(code)[0]
+                if level != "output" and not text.startswith(("Entering ", "Exiting "))}
+    for missing in sorted(messages - read_back(table)):
+        yield f"host/trace_text.cpp does not list the message {missing}"
+    for surplus in sorted(read_back(table) - messages):
+        yield f"the sources do not write what host/trace_text.cpp lists: {surplus}"
+
+
 def differences(code, guide):
     if len(MESSAGE.findall(code)) != len(CALL.findall(code)):
         yield "a call of mofi_tracelog has a format that is not written out"
@@ -47,15 +63,17 @@ def differences(code, guide):
         if not in_code:
             yield f"no {what} found in the sources"
         for missing in sorted(in_code - in_guide):
-            yield f"the guide does not list the {what} {missing}"
+            yield f"docs/host-guide.md does not list the {what} {missing}"
         for surplus in sorted(in_guide - in_code):
-            yield f"the sources do not write the {what} {surplus}"
+            yield f"the sources do not write what docs/host-guide.md lists, the {what} {surplus}"
 
 
 def main():
     project = pathlib.Path(sys.argv[1])
-    faults = list(differences(sources(project), (project / "docs/host-guide.md").read_text()))
-    print("\n".join(faults) or "the guide lists every message")
+    code = sources(project)
+    faults = list(differences(code, (project / "docs/host-guide.md").read_text()))
+    faults += differences_of_table(code, (project / "host/trace_text.cpp").read_text())
+    print("\n".join(faults) or "the guide and the table list every message")
     return 1 if faults else 0
 
 

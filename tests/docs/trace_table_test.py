@@ -28,6 +28,11 @@ GUIDE = '''
 | ` ` | nameless |
 | `CFiX::f` | f |
 '''
+TABLE = '''
+    {ETraceText::kOne, ELevel::kFailure, "one \\"%s\\" "
+     "two\\n"},
+    {ETraceText::kThree, ELevel::kProgress, "three", ESplit::kFirst},
+'''
 
 
 class TraceTable(unittest.TestCase):
@@ -43,6 +48,14 @@ class TraceTable(unittest.TestCase):
         for row in rows:
             with self.subTest(row):
                 self.assertEqual(len(self.faults(guide=GUIDE.replace(row + "\n", ""))), 1)
+
+    def test_a_table_that_lists_all_is_accepted(self):
+        self.assertEqual(list(trace_table.differences_of_table(CODE, TABLE)), [])
+
+    def test_a_table_that_lacks_a_message_or_has_another_is_noticed(self):
+        for change in ("three", "five"), ("kProgress", "kFailure"):
+            with self.subTest(change):
+                self.assertEqual(len(list(trace_table.differences_of_table(CODE, TABLE.replace(*change)))), 2)
 
     def test_a_row_of_nothing_is_noticed(self):
         self.assertEqual(len(self.faults(guide=GUIDE + "| 4 | `five` | nothing |\n")), 1)

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/library_call.h"
+#include "host/call.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace fi_test {

@@ -22,7 +22,7 @@ namespace {
 using fi_rotate::EReason;
 using fi_rotate::runCall;
 using fi_rotate::SAccountBackup;
-using fi_rotate::SBackup;
+using fi_rotate::SBackupOutcome;
 using fi_rotate::SCall;
 using fi_rotate::SOutcome;
 using fi_rotate::SReason;
@@ -36,11 +36,8 @@ class HostExplanation : public testing::Test {
 protected:
     std::string give(const std::string& name, const std::string& timeStamp, const std::vector<SPair>& pairs,
                      std::int32_t flagWord = 0) {
-        SBackup backup;
-        backup.file = folder.write(name, document(timeStamp, pairs));
-        backup.flagWord = flagWord;
-        call.backups.push_back(backup);
-        return backup.file;
+        call.backups.push_back({folder.write(name, document(timeStamp, pairs)), flagWord});
+        return call.backups.back().file;
     }
 
     SOutcome explained(const std::string& configuration) {
@@ -141,31 +138,30 @@ TEST_F(HostExplanation, InvalidBecauseTwoOfItsPairsNameOneTarget) {
 }
 
 TEST_F(HostExplanation, HasNoReasonForABackupThatWasNotLoaded) {
-    SBackup missing;
-    missing.file = folder.path("missing");
-    call.backups.push_back(missing);
+    call.backups.push_back({folder.path("missing"), 0});
     const SOutcome outcome = explained("A##x;1");
     EXPECT_FALSE(outcome.backups[0].reason.has_value());
 }
 
 TEST_F(HostExplanation, NamesWhatIsShortWithoutASelectionAndWhoHoldsIt) {
-    const std::string excluded = give("excluded", "1", {{"A##x", "A##1"}}, 4);
+    give("excluded", "1", {{"A##x", "A##1"}}, 4);
     give("holder", "3", {{"A##y", "A##3"}});
-    const std::string invalid = give("invalid", "2", {{"A##x", "A##2"}, {"A##y", "A##3"}});
+    give("invalid", "2", {{"A##x", "A##2"}, {"A##y", "A##3"}});
     const SOutcome outcome = explained("A##x;1;2&A##y;3&A##z");
     EXPECT_FALSE(outcome.selection.has_value());
     ASSERT_TRUE(outcome.account.has_value());
     const auto& shortages = outcome.account->shortages;
     ASSERT_EQ(shortages.size(), 2U);
-    EXPECT_EQ(shortages[0].configuration, "A##x");
+    // The first configuration and its targets 1 and 2, held by the first and the third backup.
+    EXPECT_EQ(shortages[0].configuration, 0U);
     ASSERT_EQ(shortages[0].targets.size(), 2U);
-    EXPECT_EQ(shortages[0].targets[0].target, "A##1");
-    EXPECT_EQ(shortages[0].targets[0].holder, excluded);
+    EXPECT_EQ(shortages[0].targets[0].target, 0U);
+    EXPECT_EQ(shortages[0].targets[0].holder, 0U);
     EXPECT_TRUE(shortages[0].targets[0].isExcluded);
-    EXPECT_EQ(shortages[0].targets[1].target, "A##2");
-    EXPECT_EQ(shortages[0].targets[1].holder, invalid);
+    EXPECT_EQ(shortages[0].targets[1].target, 1U);
+    EXPECT_EQ(shortages[0].targets[1].holder, 2U);
     EXPECT_FALSE(shortages[0].targets[1].isExcluded);
-    EXPECT_EQ(shortages[1].configuration, "A##z");
+    EXPECT_EQ(shortages[1].configuration, 2U);
     EXPECT_TRUE(shortages[1].targets.empty());
 }
 
@@ -212,8 +208,8 @@ TEST_F(HostExplanation, AgreesWithTheLibraryOnRandomCalls) {
             EXPECT_EQ(backup.state, stateOf(backup.reason->kind)) << inWords(*backup.reason);
             kinds.insert(backup.reason->kind);
         }
-        for (const SBackup& backup : outcome.backups) {
-            ASSERT_EQ(backup.reason.has_value(), backup.loaded) << backup.file;
+        for (const SBackupOutcome& backup : outcome.backups) {
+            ASSERT_EQ(backup.reason.has_value(), backup.isLoaded) << backup.given.file;
             if (backup.reason.has_value() && backup.state.has_value()) {
                 EXPECT_EQ(*backup.state, stateOf(backup.reason->kind)) << inWords(*backup.reason);
             }

@@ -10,7 +10,7 @@
 
 namespace {
 
-using fi_rotate::SBackup;
+using fi_rotate::SBackupOutcome;
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 std::optional<Pairs> pairsOf(const std::string& selection) {
@@ -46,9 +46,9 @@ TEST(HostOutcome, RefusesToGuessWhereAConfigurationEnds) {
 }
 
 TEST(HostOutcome, NamesStatesInWords) {
-    SBackup backup;
+    SBackupOutcome backup;
     EXPECT_EQ(fi_rotate::stateWord(backup), "not loaded");
-    backup.loaded = true;
+    backup.isLoaded = true;
     EXPECT_EQ(fi_rotate::stateWord(backup), std::nullopt);
     backup.state = FI_BACKUP_KEPT;
     EXPECT_EQ(fi_rotate::stateWord(backup), "kept");

@@ -50,14 +50,15 @@ std::string told(const SOutcome& outcome) {
         text += message + '\n';
     }
     for (const auto& backup : outcome.backups) {
-        text += backup.file + ' ' + std::to_string(backup.flagWord) + ' ' +
+        text += backup.given.file + ' ' + std::to_string(backup.given.flagWord) + ' ' +
                 std::string(stateWord(backup).value_or("-")) + ' ' +
                 (backup.reason.has_value() ? inWords(*backup.reason) : "-") + '\n';
     }
     for (const auto& shortage : outcome.account.value().shortages) {
-        text += shortage.configuration + " is short\n";
+        text += std::to_string(shortage.configuration) + " is short\n";
         for (const auto& held : shortage.targets) {
-            text += held.target + ' ' + held.holder + (held.isExcluded ? " excluded\n" : "\n");
+            text += std::to_string(held.target) + ' ' + outcome.account->backups[held.holder].file +
+                    (held.isExcluded ? " excluded\n" : "\n");
         }
     }
     return text;
@@ -253,11 +254,11 @@ TEST_F(FiRotateLog, GivesNoReasonWhereTwoCallsAreMixed) {
 void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
     for (const auto& backup : logged.outcome.backups) {
         const auto same = [&backup](const auto& other) {
-            return other.file == backup.file &&
+            return other.given.file == backup.given.file &&
                    (!backup.reason.has_value() || inWords(*backup.reason) == inWords(*other.reason));
         };
         EXPECT_TRUE(std::any_of(outcome.backups.begin(), outcome.backups.end(), same))
-            << backup.file << ' ' << (backup.reason ? inWords(*backup.reason) : "");
+            << backup.given.file << ' ' << (backup.reason ? inWords(*backup.reason) : "");
     }
     if (logged.outcome.selection.has_value()) {
         EXPECT_EQ(logged.outcome.selection, outcome.selection);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include <fi_rotation/fi_process_backups.h>
@@ -10,17 +11,12 @@
 
 namespace {
 
-using fi_rotate::SBackup;
+using fi_rotate::SBackupOutcome;
 using fi_rotate::SOutcome;
+using fi_rotate::SView;
 
-SBackup backup(const std::string& file, const std::string& timeStamp, int flagWord, int state) {
-    SBackup result;
-    result.file = file;
-    result.timeStamp = timeStamp;
-    result.flagWord = flagWord;
-    result.loaded = true;
-    result.state = state;
-    return result;
+SBackupOutcome backup(const std::string& file, const std::string& timeStamp, int flagWord, int state) {
+    return {{file, flagWord}, timeStamp, true, state, std::nullopt};
 }
 
 constexpr std::size_t kAnyWidth = std::numeric_limits<std::size_t>::max();
@@ -32,12 +28,12 @@ SOutcome someOutcome() {
     outcome.backups = {backup("a.xml", "20260101", 4, FI_BACKUP_KEPT),
                        backup("a much longer name.xml", "", -12, FI_BACKUP_ROTATED)};
     outcome.backups.emplace_back();
-    outcome.backups.back().file = "gone.xml";
+    outcome.backups.back().given.file = "gone.xml";
     return outcome;
 }
 
 TEST(FiRotateTable, AlignsColumnsAndCutsNothing) {
-    EXPECT_EQ(fi_rotate::toTables(someOutcome(), kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(someOutcome(), {}, kAnyWidth, false),
               "Selection\n"
               "  first target     chosen target\n"
               "  encA##lun1       encA##snap1\n"
@@ -54,7 +50,7 @@ TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("\xC3\xA4.xml", "1", 0, FI_BACKUP_KEPT),
                        backup("\xE6\x97\xA5\xE6\x9C\xAC.xml", "2", 0, FI_BACKUP_INVALID)};
-    const std::string tables = fi_rotate::toTables(outcome, kAnyWidth, false);
+    const std::string tables = fi_rotate::toTables(outcome, {}, kAnyWidth, false);
     EXPECT_NE(tables.find("  file      time stamp"), std::string::npos) << tables;
     EXPECT_NE(tables.find("  \xC3\xA4.xml     1 "), std::string::npos) << tables;
     EXPECT_NE(tables.find("  \xE6\x97\xA5\xE6\x9C\xAC.xml  2 "), std::string::npos) << tables;
@@ -63,17 +59,18 @@ TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
 TEST(FiRotateTable, KeepsANameWithALineBreakOnItsLine) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("a\nb.xml", "1", 0, FI_BACKUP_KEPT)};
-    EXPECT_NE(fi_rotate::toTables(outcome, kAnyWidth, false).find("  a\\x0Ab.xml  1 "), std::string::npos);
+    EXPECT_NE(fi_rotate::toTables(outcome, {}, kAnyWidth, false).find("  a\\x0Ab.xml  1 "),
+              std::string::npos);
 }
 
 TEST(FiRotateTable, SaysWhyThereAreNoRows) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
-    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, kAnyWidth, false),
               "Selection: none\n\nBackups: none, this is the first\n");
     outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "";
-    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, kAnyWidth, false),
               "Selection: empty, since there is no configuration\n\n"
               "Backups: none, this is the first\n");
 }
@@ -81,12 +78,12 @@ TEST(FiRotateTable, SaysWhyThereAreNoRows) {
 TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
-    outcome.hiddenBackups = 2;
-    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
+    outcome.backups = {backup("b.xml", "", 0, FI_BACKUP_KEPT), backup("c.xml", "", 0, FI_BACKUP_ROTATED)};
+    const SView view{{"not loaded"}, false};
+    EXPECT_EQ(fi_rotate::toTables(outcome, view, kAnyWidth, false),
               "Selection: none\n\nBackups: none in these states, 2 in others\n");
-    outcome.backups.resize(1);
-    outcome.backups[0].file = "a.xml";
-    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
+    outcome.backups.emplace_back().given.file = "a.xml";
+    EXPECT_EQ(fi_rotate::toTables(outcome, view, kAnyWidth, false),
               "Selection: none\n\nBackups\n"
               "  file   time stamp  flags  state\n"
               "  a.xml  -           0      not loaded\n"
@@ -97,31 +94,26 @@ TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
     SOutcome outcome = someOutcome();
     outcome.backups.clear();
     outcome.selection = "[A##x][1;B##2]";
-    EXPECT_EQ(fi_rotate::toTables(outcome, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, kAnyWidth, false),
               "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");
 }
 
 // Colour adds to what is there: without its escape sequences the text is the same.
 TEST(FiRotateTable, ColourChangesNoText) {
-    std::string coloured = fi_rotate::toTables(someOutcome(), kAnyWidth, true);
+    std::string coloured = fi_rotate::toTables(someOutcome(), {}, kAnyWidth, true);
     EXPECT_NE(coloured.find("\x1B["), std::string::npos);
     for (std::size_t start = 0; (start = coloured.find("\x1B[")) != std::string::npos;) {
         coloured.erase(start, coloured.find('m', start) - start + 1);
     }
-    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), kAnyWidth, false));
+    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), {}, kAnyWidth, false));
 }
 
 TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
     SOutcome outcome = someOutcome();
     outcome.selection = "[enclosure-0001##lun-0001;enclosure-0002##snapshot-000000001]";
-    SBackup backup;
-    backup.file = "/backups/2026/11/monday-the-second.xml";
-    backup.timeStamp = "20261102";
-    backup.loaded = true;
-    backup.state = FI_BACKUP_KEPT;
-    outcome.backups = {backup};
+    outcome.backups = {backup("/backups/2026/11/monday-the-second.xml", "20261102", 0, FI_BACKUP_KEPT)};
     // A row of the selection takes 62 columns, one of the backups 66.
-    EXPECT_EQ(fi_rotate::toTables(outcome, 65, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, 65, false),
               "Selection\n"
               "  first target              chosen target\n"
               "  enclosure-0001##lun-0001  enclosure-0002##snapshot-000000001\n"
@@ -131,7 +123,7 @@ TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
               "    time stamp: 20261102\n"
               "    flags: 0\n"
               "    state: kept\n");
-    EXPECT_THAT(fi_rotate::toTables(outcome, 61, false),
+    EXPECT_THAT(fi_rotate::toTables(outcome, {}, 61, false),
                 testing::StartsWith("Selection\n"
                                     "  enclosure-0001##lun-0001\n"
                                     "    chosen target: enclosure-0002##snapshot-000000001\n"));

@@ -89,12 +89,12 @@ TEST(FiRotateSimulation, ExcludedBackupsKeepTheirTargetsUntilNoneIsLeft) {
     EXPECT_EQ(simulation.standstill->first, 7);
     ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
     const auto& shortage = simulation.standstill->shortages.front();
-    EXPECT_EQ(shortage.configuration, "encA##lun1");
+    EXPECT_EQ(shortage.configuration, 0U);
     ASSERT_THAT(shortage.targets, SizeIs(3));
-    EXPECT_EQ(shortage.targets[0].target, "encA##s1");
-    EXPECT_EQ(shortage.targets[0].holder, "4");
-    EXPECT_EQ(shortage.targets[1].holder, "2");
-    EXPECT_EQ(shortage.targets[2].holder, "6");
+    EXPECT_EQ(shortage.targets[0].target, 0U);
+    EXPECT_EQ(shortage.targets[0].round, 4U);
+    EXPECT_EQ(shortage.targets[1].round, 2U);
+    EXPECT_EQ(shortage.targets[2].round, 6U);
     EXPECT_TRUE(shortage.targets[2].isExcluded);
 }
 
@@ -123,7 +123,7 @@ TEST(FiRotateSimulation, OnlyConfigurationsThatAreShortAreSaidToBe) {
     ASSERT_TRUE(simulation.standstill.has_value());
     EXPECT_EQ(simulation.standstill->first, 2);
     ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
-    EXPECT_EQ(simulation.standstill->shortages[0].configuration, "encA##lun1");
+    EXPECT_EQ(simulation.standstill->shortages[0].configuration, 0U);
 }
 
 TEST(FiRotateSimulation, AConfigurationWithoutFurtherTargetsIsShortFromTheFirstRoundOn) {

@@ -1,14 +1,16 @@
-#include "cli/outcome/time_stamp.h"
+#include "cli/check/document_tree.h"
 
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "tests/cli/Program.h"
+#include "cli/base/xml_reader.h"
+#include "host/library_call.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
+
+using fi_rotate::readTimeStamp;
 
 struct SRow {
     const char* description;
@@ -33,19 +35,19 @@ const SRow kRows[] = {
      "<!DOCTYPE Node [<!ENTITY e 'x'><!ATTLIST Node a CDATA 'b'>]>"
      "<Node><timeStamp>20260101</timeStamp></Node>",
      "20260101"},
+    {"behind a NUL, up to which a line is read",
+     std::string("<Node>\n<x>") + '\0' + "junk</x>\n<timeStamp>20260101</timeStamp>", "20260101"},
+    {"behind a reference to a file that is missing",
+     "<!DOCTYPE Node [<!ENTITY e SYSTEM 'missing'>]><Node>&e;<timeStamp>9</timeStamp></Node>", ""},
     {"before a fault", "<Node><timeStamp>10</timeStamp><Node>", "10"},
     {"in another encoding",
      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><Node><timeStamp>\xE4</timeStamp></Node>", "\xC3\xA4"},
 };
 
 TEST(FiRotateTimeStamp, IsReadAsTheDocumentRulesSay) {
+    const fi_rotate::CXmlLibrary library;
     for (const SRow& row : kRows) {
-        const fi_test::TemporaryFolder folder;
-        std::vector<fi_rotate::SBackup> backups(1);
-        backups[0].file = folder.write("backup.xml", row.document);
-        backups[0].loaded = true;
-        fi_rotate::readTimeStamps(backups);
-        EXPECT_EQ(backups[0].timeStamp, row.timeStamp) << row.description;
+        EXPECT_EQ(readTimeStamp(row.document), row.timeStamp) << row.description;
     }
 }
 
@@ -54,28 +56,24 @@ TEST(FiRotateTimeStamp, AgreesWithWhatTheLibraryTraces) {
     for (const SRow& row : kRows) {
         const fi_test::TemporaryFolder folder;
         const std::string file = folder.write("backup.xml", row.document);
-        const auto result = fi_test::runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", file});
-        EXPECT_NE(result.error.find("4 fi_process_backups : [RESERVE GOOD] " + file +
-                                    " - T: " + row.timeStamp + "\n"),
-                  std::string::npos)
-            << row.description << '\n'
-            << result.error;
+        const auto outcome = fi_rotate::runCall({"encA##lun1;snap1", {{file, 0}}}, {}, true);
+        ASSERT_EQ(outcome.account.value().backups.size(), 1U) << row.description;
+        EXPECT_EQ(outcome.account->backups[0].timeStamp, row.timeStamp) << row.description;
     }
 }
 
 // The library may open what a document names; a program for looking at documents must not.
 TEST(FiRotateTimeStamp, IsNotTakenFromAForeignFile) {
+    const fi_rotate::CXmlLibrary library;
     const fi_test::TemporaryFolder folder;
     const std::string foreign = folder.write("foreign", "20260101");
-    std::vector<fi_rotate::SBackup> backups(1);
-    backups[0].file = folder.write("backup.xml", "<!DOCTYPE Node [<!ENTITY e SYSTEM '" + foreign +
-                                                     "'>]><Node><timeStamp>&e;</timeStamp></Node>");
-    backups[0].loaded = true;
-    fi_rotate::readTimeStamps(backups);
-    EXPECT_EQ(backups[0].timeStamp, "");
+    EXPECT_EQ(readTimeStamp("<!DOCTYPE Node [<!ENTITY e SYSTEM '" + foreign +
+                            "'>]><Node><timeStamp>&e;</timeStamp></Node>"),
+              "");
 }
 
 TEST(FiRotateTimeStamp, IsNotReadWhereADtdLetsTheDocumentGrow) {
+    const fi_rotate::CXmlLibrary library;
     std::string attributes;
     for (int i = 0; i < 257; ++i) {
         attributes += " a" + std::to_string(i) + " CDATA 'x'";
@@ -88,22 +86,10 @@ TEST(FiRotateTimeStamp, IsNotReadWhereADtdLetsTheDocumentGrow) {
         "<!ATTLIST Node" + attributes + ">",
     };
     for (const std::string& dtd : dtds) {
-        const fi_test::TemporaryFolder folder;
-        std::vector<fi_rotate::SBackup> backups(1);
-        backups[0].file = folder.write(
-            "backup.xml", "<!DOCTYPE Node [" + dtd + "]><Node><timeStamp>20260101</timeStamp></Node>");
-        backups[0].loaded = true;
-        fi_rotate::readTimeStamps(backups);
-        EXPECT_EQ(backups[0].timeStamp, "") << dtd;
+        EXPECT_EQ(readTimeStamp("<!DOCTYPE Node [" + dtd + "]><Node><timeStamp>20260101</timeStamp></Node>"),
+                  "")
+            << dtd;
     }
-}
-
-TEST(FiRotateTimeStamp, IsNotLookedForInADocumentThatWasNotLoaded) {
-    const fi_test::TemporaryFolder folder;
-    std::vector<fi_rotate::SBackup> backups(1);
-    backups[0].file = folder.write("backup.xml", "<Node><timeStamp>1</timeStamp></Node>");
-    fi_rotate::readTimeStamps(backups);
-    EXPECT_EQ(backups[0].timeStamp, "");
 }
 
 }  // namespace
