@@ -60,13 +60,11 @@ if(FI_ROTATION_BUILD_CLI)
     # bash looks for the completions of a command under its name; where zsh looks differs between systems.
     set(FI_ROTATION_ZSH_COMPLETIONS "${CMAKE_INSTALL_DATADIR}/zsh/site-functions"
         CACHE STRING "Where completions for zsh are installed")
-    set(completions "${PROJECT_SOURCE_DIR}/completions")
-    if(EXISTS "${completions}")
-        install(FILES "${completions}/fi-rotate.bash" RENAME fi-rotate
-            DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
-        install(FILES "${completions}/_fi-rotate"
-            DESTINATION "${FI_ROTATION_ZSH_COMPLETIONS}" COMPONENT tools)
-    endif()
+    set(completions "${PROJECT_BINARY_DIR}/completions")
+    install(FILES "${completions}/fi-rotate.bash" RENAME fi-rotate
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
+    install(FILES "${completions}/_fi-rotate"
+        DESTINATION "${FI_ROTATION_ZSH_COMPLETIONS}" COMPONENT tools)
 endif()
 
 # The manual pages that docs/man rendered; none when scdoc is missing. Section 3 is for those who build hosts.

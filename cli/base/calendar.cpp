@@ -1,7 +1,6 @@
 #include "cli/base/calendar.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -15,9 +14,6 @@
 
 namespace fi_rotate {
 namespace {
-
-constexpr std::array<std::string_view, 7> kWeekdays = {"sunday",   "monday", "tuesday", "wednesday",
-                                                       "thursday", "friday", "saturday"};
 
 struct SUnit {
     char letter;
@@ -127,10 +123,6 @@ std::string toTimeStamp(std::int64_t time) {
 
 std::string toIsoTime(std::int64_t time) {
     return fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", calendarTime(time));
-}
-
-std::string_view weekdayName(int day) {
-    return kWeekdays.at(static_cast<std::size_t>(day));
 }
 
 std::string toShownTime(std::int64_t time) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +10,10 @@
 namespace fi_rotate {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
+
+// The first is 0.
+constexpr std::array<std::string_view, 7> kWeekdays = {"sunday",   "monday", "tuesday", "wednesday",
+                                                       "thursday", "friday", "saturday"};
 
 // YYYY-MM-DD, or YYYY-MM-DDThh:mm with or without :ss; nothing when `text` is no such time.
 std::optional<std::int64_t> parseTime(std::string_view text);
@@ -22,7 +27,7 @@ std::optional<std::int64_t> parseDuration(std::string_view text);
 // The same in its largest unit that is whole: "24h" is shown as "1d".
 std::string toShownDuration(std::int64_t seconds);
 
-// Days since Sunday, from the English name of a day or its first three letters.
+// A day by its name or the first three letters of it.
 std::optional<int> parseWeekday(std::string_view text);
 
 int weekdayOf(std::int64_t time);
@@ -32,9 +37,6 @@ std::string toTimeStamp(std::int64_t time);
 
 // YYYY-MM-DDThh:mm:ssZ.
 std::string toIsoTime(std::int64_t time);
-
-// "sunday" and so on.
-std::string_view weekdayName(int day);
 
 // YYYY-MM-DD hh:mm, with :ss where there are seconds.
 std::string toShownTime(std::int64_t time);

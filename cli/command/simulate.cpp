@@ -157,8 +157,8 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         ->type_name("N")
         ->required()
         ->check(CLI::Range(std::size_t{1}, kMostRounds));
-    simulate.add_option("--every", options->every, "The time between two rounds")
-        ->type_name("24h")
+    simulate.add_option("--every", options->every, "The time between two rounds, like 24h")
+        ->type_name("TIME")
         ->required();
     simulate.add_option("--start", options->start, "The time of the first round, in UTC")
         ->type_name("DATE")
@@ -171,7 +171,7 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     simulate
         .add_option("--exclude-weekday", options->excludedWeekday,
                     "Exclude the rounds of this day of the week from rotation")
-        ->type_name("D")
+        ->type_name("DAY")
         ->excludes(every);
     simulate
         .add_option("--keep-days", options->goal,

@@ -70,8 +70,9 @@ std::string toJson(const SSimulationReport& report) {
         {"start", toIsoTime(plan.start)},
         {"every_seconds", plan.every},
         {"exclude_every", orNull(plan.excludedEvery)},
-        {"exclude_weekday",
-         plan.excludedWeekday.has_value() ? Json(weekdayName(*plan.excludedWeekday)) : Json(nullptr)},
+        {"exclude_weekday", plan.excludedWeekday.has_value()
+                                ? Json(kWeekdays.at(static_cast<std::size_t>(*plan.excludedWeekday)))
+                                : Json(nullptr)},
         {"keep_seconds", orNull(report.goal)},
         {"first_round_without_target", standstill.has_value() ? Json(standstill->first) : Json(nullptr)},
         {"configurations", configurationsOf(report)},

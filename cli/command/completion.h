@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace fi_rotate {
+
+// An option as the help shows it.
+struct SOption {
+    // With its dashes.
+    std::string name;
+    // What its value is called; empty when it takes none.
+    std::string value;
+    std::string description;
+    // Of which its value is one; empty when others are possible too.
+    std::vector<std::string> words;
+};
+
+// The options of the program or of a subcommand, those in groups too.
+std::vector<SOption> optionsOf(const CLI::App& app);
+
+// A function for bash and zsh that says what may stand at a place of a command line, by calling functions of
+// the script that it becomes part of:
+//   _fi_rotate_words ''                     subcommands, and options of the program
+//   _fi_rotate_words 'SUBCOMMAND'           its options
+//   _fi_rotate_words 'SUBCOMMAND OPTION'    values of an option; fails when it takes none
+std::string completionFunction(const CLI::App& program);
+
+}  // namespace fi_rotate
