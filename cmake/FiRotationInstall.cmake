@@ -1,7 +1,7 @@
 # What `cmake --install` puts where, in three components:
 #   runtime      the library under its soname: all that a linked or loading program needs to run
 #   development  what a host is built with: headers, CMake package, pkg-config file, manual of the call
-#   tools        fi-rotate, its manual and completions, and the manual of the files that it reads
+#   tools        fi-rotate, its manual, completions and schemas, and the manual of the files that it reads
 # Every path is found relative to the file that names it, so that an installed tree can be moved, unless the
 # builder chose absolute folders.
 include(GNUInstallDirs)
@@ -65,6 +65,10 @@ if(FI_ROTATION_BUILD_CLI)
         DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
     install(FILES "${completions}/_fi-rotate"
         DESTINATION "${FI_ROTATION_ZSH_COMPLETIONS}" COMPONENT tools)
+
+    # Where the manual page of fi-rotate says.
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/schema"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/fi-rotate" COMPONENT tools)
 endif()
 
 # The manual pages that docs/man rendered; none when scdoc is missing. Section 3 is for those who build hosts.

@@ -20,13 +20,11 @@ constexpr const char* kFooter = R"(Example:
 
   fi-rotate check --explain split-value
 
-Looks at what a call would be given and makes no call. Prints a line for each hazard, and the line of the input
-under it: FILE:LINE:COLUMN: error|warning: TEXT [NAME]. In a request lines and columns are those of the
-configuration's text. Of one hazard in one input the first 20 are shown and the others counted. Nothing outside
-the documents is opened, whatever they ask for. --explain with a name that is not known lists all names.
-
-JSON keys: findings (file, line, column, severity, name, text, count), errors, warnings, documents.
-A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits.)";
+Looks at what a call would be given and makes no call. Prints a line for each hazard, and the line of the
+input under it: FILE:LINE:COLUMN: error|warning: TEXT [NAME]. In a request lines and columns are those of the
+configuration's text. Of one hazard in one input the first 20 are shown and the others counted. Nothing
+outside the documents is opened, whatever they ask for. --explain with a name that is not known lists all
+names.)";
 
 struct SOptions {
     // Of the call, unless a hazard is to be explained.

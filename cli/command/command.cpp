@@ -37,7 +37,13 @@ SCall readRequest(const std::string& file) {
 }  // namespace
 
 void setFooter(CLI::App& subcommand, const std::string& text) {
-    std::string footer = text + "\n\nExit status:";
+    std::string footer = fmt::format(R"({}
+
+The schema fi-rotate-{}.json describes the JSON document; fi-rotate(1) says where it is. A byte that is not
+valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.
+
+Exit status:)",
+                                     text, subcommand.get_name());
     for (const SExitStatus& row : kExitStatuses) {
         if (row.subcommand == subcommand.get_name() || row.subcommand == "all") {
             footer += fmt::format("\n{:>5}  {}", row.status, row.meaning);

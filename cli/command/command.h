@@ -14,7 +14,7 @@
 // What the subcommands have in common.
 namespace fi_rotate {
 
-// Ends the help of a subcommand with `text` and its exit statuses.
+// Ends the help of a subcommand with `text`, its JSON schema and its exit statuses.
 void setFooter(CLI::App& subcommand, const std::string& text);
 
 // In quotation marks, on one line.

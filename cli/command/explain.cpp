@@ -26,12 +26,10 @@ constexpr const char* kFooter = R"(Example:
   fi-rotate explain --only rotated,invalid /var/log/backup.log
 
 The log is what --trace-file of select writes, or any log in which each of the library's lines stands behind a
-prefix of the host's (time, process, level). Other lines may stand in between. Where lines of a call are missing,
-what is known is shown and what is missing is said; no reason is given that could be wrong for it.
+prefix of the host's (time, process, level). Other lines may stand in between. Where lines of a call are
+missing, what is known is shown and what is missing is said; no reason is given that could be wrong for it.
 
-A trace does not tell the selection of a first backup, nor the time stamp of a backup that failed the check.
-
-JSON keys: calls, each with number, first_line, last_line, missing (texts), outcome (as select --explain shows it).)";
+A trace does not tell the selection of a first backup, nor the time stamp of a backup that failed the check.)";
 
 struct SOptions {
     std::string log = "-";

@@ -41,17 +41,12 @@ constexpr const char* kFooter = R"(Example:
 
   fi-rotate select --request call.json --only rotated,invalid
 
-Without FIID this is a first backup. Documents are loaded in the order given, up to the first that
-cannot be opened; that one and those after it are "not loaded" and take no part, like a document without
-a Node. State "-" (null in JSON): the library handed no states back, because there is no selection.
+Without FIID this is a first backup. Documents are loaded in the order given, up to the first that cannot be
+opened; that one and those after it are "not loaded" and take no part, like a document without a Node.
+State "-" (null in JSON): the library handed no states back, because there is no selection.
 
-A request is a whole call as JSON: configuration, and backups (file, flag_word) in order. File names in it are
-taken as they stand, so relative ones are looked for from where fi-rotate runs.
-
-JSON keys: status (null when an exception left the library), selection, configurations (first, chosen;
-null without a selection, and when names hold "][" so that the selection cannot be taken apart), backups
-(file, time_stamp, flag_word, excluded, state; with --explain reason), exception (identifier, code, reason; or null), messages; with --explain shortages (configuration, targets).
-A byte that is not valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.)";
+A request is a whole call as JSON, configuration and backups; the schema fi-rotate-request.json describes it.
+File names in it are taken as they stand, so relative ones are looked for from where fi-rotate runs.)";
 
 struct SOptions {
     SCallOptions call;

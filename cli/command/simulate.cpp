@@ -25,11 +25,12 @@ namespace fi_rotate {
 namespace {
 
 constexpr const char* kFooter = R"(Example:
-  fi-rotate simulate --config-file examples/resource.conf --rounds 90 --every 24h --start 2026-10-01 --exclude-every 7
+  fi-rotate simulate --config-file examples/resource.conf --rounds 90 --every 24h --start 2026-10-01 \
+      --exclude-every 7
 
-Each round is one call of the library with all backups that hold their targets still; then a new backup is taken on
-the targets it chose. A backup that is rotated is gone; one that is excluded stays for good. docs/simulate.md has
-more.)";
+Each round is one call of the library with all backups that hold their targets still; then a new backup is
+taken on the targets it chose. A backup that is rotated is gone; one that is excluded stays for good.
+docs/simulate.md has more.)";
 
 struct SOptions {
     SCallOptions call;
