@@ -1,19 +1,30 @@
-// What the manual page fi-rotate(1) says again of the program is what the program knows.
+// What the manual page fi-rotate(1) and the schemas list is what the program knows: nothing is missing on
+// either side.
 
 #include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
+#include "cli/base/calendar.h"
 #include "cli/base/file.h"
 #include "cli/base/text.h"
+#include "cli/check/hazard.h"
+#include "cli/command/completion.h"
 #include "cli/command/exit_status.h"
+#include "cli/command/subcommands.h"
+#include "host/account.h"
+#include "host/outcome.h"
 
 namespace {
 
@@ -24,17 +35,6 @@ constexpr const char* kPage = "docs/man/fi-rotate.1.scd";
 std::string contentOf(const std::string& file) {
     const auto content = fi_rotate::readFile(std::string(FI_ROTATION_SOURCE "/") + file);
     return content.has_value() ? *content : throw std::runtime_error("cannot read " + file);
-}
-
-// A line of the page as readers see it, without the marks of emphasis.
-std::string plain(std::string line) {
-    const auto isMark = [](char character) { return character == '*' || character == '_'; };
-    const std::size_t begin = line.find_first_not_of(" :|");
-    line.erase(0, std::min(begin, line.size()));
-    if (!line.empty() && isMark(line.front()) && isMark(line.back())) {
-        return line.substr(1, line.size() - 2);
-    }
-    return line;
 }
 
 // The lines of the page below a heading, up to the next one.
@@ -52,26 +52,56 @@ Words linesBelow(const std::string& heading) {
     return lines;
 }
 
-// The rows of the table below a heading, each as its first `columns` cells.
-std::vector<Words> rowsBelow(const std::string& heading, std::size_t columns) {
-    std::vector<Words> rows;
+bool isMark(char character) {
+    return character == '*' || character == '_';
+}
+
+// A text without the marks that emphasise it as a whole.
+std::string plain(const std::string& text) {
+    const bool isMarked = text.size() > 2 && isMark(text.front()) && isMark(text.back());
+    return isMarked ? text.substr(1, text.size() - 2) : text;
+}
+
+// The rows of the table below a heading, each as the first lines of so many cells.
+Words rowsBelow(const std::string& heading, std::size_t columns) {
+    Words rows;
+    std::size_t cells = 0;
     for (const std::string& line : linesBelow(heading)) {
         if (fi_rotate::startsWith(line, "|  ")) {
-            rows.push_back({plain(line)});
-        } else if (!rows.empty() && fi_rotate::startsWith(line, ":  ") && rows.back().size() < columns) {
-            rows.back().push_back(plain(line));
+            rows.push_back(plain(line.substr(3)));
+            cells = 1;
+        } else if (!rows.empty() && fi_rotate::startsWith(line, ":  ") && cells < columns) {
+            rows.back() += " | " + plain(line.substr(3));
+            ++cells;
         }
     }
     return rows;
 }
 
-// The same, the cells of a row behind one another.
-Words rowTextsBelow(const std::string& heading, std::size_t columns) {
-    Words texts;
-    for (const Words& row : rowsBelow(heading, columns)) {
-        texts.push_back(fmt::format("{}", fmt::join(row, " | ")));
+// Whatever fits `term` in the lines below a heading that begin with `start`, without marks.
+Words termsBelow(const std::string& heading, const std::string& start, const std::regex& term) {
+    Words terms;
+    for (const std::string& line : linesBelow(heading)) {
+        const bool begins = fi_rotate::startsWith(line, start);
+        for (std::sregex_iterator at(line.begin(), line.end(), term), end; begins && at != end; ++at) {
+            std::string text = at->str();
+            text.erase(std::remove_if(text.begin(), text.end(), isMark), text.end());
+            terms.push_back(text);
+        }
     }
-    return texts;
+    return terms;
+}
+
+// The words at `place` of a schema that one can choose from, null apart.
+Words choicesOf(const std::string& schema, const std::string& place) {
+    const nlohmann::json document = nlohmann::json::parse(contentOf(schema));
+    Words words;
+    for (const nlohmann::json& word : document.at(nlohmann::json::json_pointer(place))) {
+        if (!word.is_null()) {
+            words.push_back(word);
+        }
+    }
+    return words;
 }
 
 void expectAll(const std::string& list, const Words& listed, const std::string& source, const Words& known) {
@@ -91,13 +121,94 @@ void expectSame(const std::string& list, const Words& listed, const std::string&
         << list << " says something twice";
 }
 
+std::string onPage(const std::string& heading) {
+    return std::string(kPage) + " under " + heading;
+}
+
+constexpr const char* kSelectSchema = "docs/schema/fi-rotate-select.json";
+
 TEST(Docs, PageListsEveryExitStatus) {
     Words known;
     for (const fi_rotate::SExitStatus& row : fi_rotate::kExitStatuses) {
         known.push_back(fmt::format("{} | {} | {}", row.status, row.subcommand, row.meaning));
     }
-    expectSame(std::string(kPage) + ", EXIT STATUS", rowTextsBelow("EXIT STATUS", 3),
-               "cli/command/exit_status.h", known);
+    expectSame(onPage("EXIT STATUS"), rowsBelow("EXIT STATUS", 3), "cli/command/exit_status.h", known);
+}
+
+TEST(Docs, PageListsEveryHazard) {
+    Words known;
+    for (const fi_rotate::SHazardKind& kind : fi_rotate::hazardKinds()) {
+        known.push_back(fmt::format("{} | {}", kind.name, nameOf(kind.severity)));
+    }
+    expectSame(onPage("HAZARDS"), rowsBelow("HAZARDS", 2), "cli/check/hazard.cpp", known);
+    EXPECT_TRUE(HasFailure() || rowsBelow("HAZARDS", 2) == known)
+        << "the rows of " << onPage("HAZARDS") << " are not in the order of cli/check/hazard.cpp";
+}
+
+TEST(Docs, PageAndSchemaListEveryReason) {
+    Words known;
+    for (int i = 0; !nameOf(fi_rotate::EReason(i)).empty(); ++i) {
+        known.emplace_back(nameOf(fi_rotate::EReason(i)));
+    }
+    expectSame(onPage("REASONS"), rowsBelow("REASONS", 1), "host/account.cpp", known);
+    expectSame(kSelectSchema,
+               choicesOf(kSelectSchema, "/properties/backups/items/properties/reason/properties/name/enum"),
+               "host/account.cpp", known);
+}
+
+TEST(Docs, PageAndSchemaListEveryState) {
+    const Words known(fi_rotate::kStateWords.begin(), fi_rotate::kStateWords.end());
+    expectSame(onPage("SELECT"), termsBelow("SELECT", "*", std::regex("^\\*[a-z ]+\\*$")), "host/outcome.h",
+               known);
+    expectSame(kSelectSchema, choicesOf(kSelectSchema, "/properties/backups/items/properties/state/enum"),
+               "host/outcome.h", known);
+}
+
+TEST(Docs, SchemaListsEveryDayOfTheWeek) {
+    const std::string schema = "docs/schema/fi-rotate-simulate.json";
+    expectSame(schema, choicesOf(schema, "/properties/exclude_weekday/enum"), "cli/base/calendar.h",
+               Words(fi_rotate::kWeekdays.begin(), fi_rotate::kWeekdays.end()));
+}
+
+class SubcommandDocs : public testing::Test {
+protected:
+    void SetUp() override {
+        fi_rotate::addSubcommands(program, exitStatus);
+        subcommands = program.get_subcommands([](CLI::App*) { return true; });
+        ASSERT_FALSE(subcommands.empty());
+    }
+
+    int exitStatus = 0;
+    CLI::App program;
+    std::vector<CLI::App*> subcommands;
+};
+
+// The page describes each in a section of its own, by the names that the help gives to options and their
+// values.
+TEST_F(SubcommandDocs, PageListsEveryOption) {
+    for (const CLI::App* const subcommand : subcommands) {
+        const std::string name = subcommand->get_name();
+        std::string heading = name;
+        std::transform(name.begin(), name.end(), heading.begin(),
+                       [](unsigned char each) { return std::toupper(each); });
+        Words known;
+        for (const fi_rotate::SOption& option : fi_rotate::optionsOf(*subcommand)) {
+            known.push_back(option.name + (option.value.empty() ? "" : " " + option.value));
+        }
+        const Words described = termsBelow(heading, "*-", std::regex("\\*--[a-z-]+\\*( _[^ ,[]+)?"));
+        expectSame(onPage(heading), described, "fi-rotate " + name + " --help", known);
+    }
+}
+
+TEST_F(SubcommandDocs, PageAndHelpNameEverySchema) {
+    Words known{"a request | fi-rotate-request.json"};
+    for (const CLI::App* const subcommand : subcommands) {
+        const std::string schema = "fi-rotate-" + subcommand->get_name() + ".json";
+        known.push_back(subcommand->get_name() + " --json | " + schema);
+        EXPECT_NE(subcommand->get_footer().find(schema), std::string::npos)
+            << "fi-rotate " << subcommand->get_name() << " --help does not name " << schema;
+    }
+    expectSame(onPage("JSON"), rowsBelow("JSON", 2), "fi-rotate", known);
 }
 
 }  // namespace
