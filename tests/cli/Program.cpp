@@ -7,9 +7,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <cstring>
 #include <string_view>
 #include <system_error>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/TemporaryFolder.h"
 
@@ -79,12 +81,6 @@ pid_t start(std::vector<std::string> arguments, const std::vector<std::string>& 
     return process;
 }
 
-int waitFor(pid_t process) {
-    int status = 0;
-    waitpid(process, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 // Until the end of the file; a terminal ends with an error when its last writer has gone.
 std::string readAll(int descriptor) {
     std::string text;
@@ -100,6 +96,21 @@ std::string readBack(const CDescriptor& file) {
     return readAll(file.get());
 }
 
+// Waits for the process and takes its exit status and what it wrote to `error`. The test fails when a signal
+// ended it.
+void finish(SProgramResult& result, pid_t process, const CDescriptor& error) {
+    int status = 0;
+    waitpid(process, &status, 0);
+    result.error = readBack(error);
+    if (WIFEXITED(status)) {
+        result.exitStatus = WEXITSTATUS(status);
+    } else {
+        ADD_FAILURE() << "fi-rotate was ended by signal " << WTERMSIG(status) << " ("
+                      << strsignal(WTERMSIG(status)) << "); its standard error:\n"
+                      << result.error;
+    }
+}
+
 CDescriptor scratchFile(const TemporaryFolder& folder, const std::string& name) {
     return CDescriptor(open(folder.path(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
 }
@@ -112,9 +123,8 @@ SProgramResult runFiRotate(const std::vector<std::string>& arguments,
     const CDescriptor output = scratchFile(folder, "output");
     const CDescriptor error = scratchFile(folder, "error");
     SProgramResult result;
-    result.exitStatus = waitFor(start(arguments, environment, output.get(), error.get()));
+    finish(result, start(arguments, environment, output.get(), error.get()), error);
     result.output = readBack(output);
-    result.error = readBack(error);
     return result;
 }
 
@@ -123,8 +133,7 @@ SProgramResult runFiRotateTo(const std::string& file, const std::vector<std::str
     const CDescriptor output(open(file.c_str(), O_WRONLY | O_CLOEXEC));
     const CDescriptor error = scratchFile(folder, "error");
     SProgramResult result;
-    result.exitStatus = waitFor(start(arguments, {}, output.get(), error.get()));
-    result.error = readBack(error);
+    finish(result, start(arguments, {}, output.get(), error.get()), error);
     return result;
 }
 
@@ -143,8 +152,7 @@ SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
     theirs.close();
     SProgramResult result;
     result.output = readAll(ours.get());
-    result.exitStatus = waitFor(process);
-    result.error = readBack(error);
+    finish(result, process, error);
     return result;
 }
 

@@ -11,8 +11,8 @@ struct SProgramResult {
     std::string error;
 };
 
-// Runs fi-rotate with `arguments` to its end. `environment` entries (NAME=VALUE) are added to ours,
-// from which NO_COLOR is taken away.
+// Runs fi-rotate with `arguments` to its end; the test fails when a signal ends it. `environment` entries
+// (NAME=VALUE) are added to ours, from which NO_COLOR is taken away.
 SProgramResult runFiRotate(const std::vector<std::string>& arguments,
                            const std::vector<std::string>& environment = {});
 
