@@ -87,6 +87,15 @@ std::string asPrintable(std::string_view text) {
     return converted(text, true);
 }
 
+std::string quoted(std::string_view text, std::size_t longest) {
+    return text.size() <= longest ? fmt::format("\"{}\"", text)
+                                  : fmt::format("\"{}...\"", text.substr(0, characterStart(text, longest)));
+}
+
+std::string quotedPrintable(std::string_view text) {
+    return quoted(asPrintable(text));
+}
+
 std::size_t utf8Length(std::string_view text) {
     std::size_t length = 0;
     while (length < text.size()) {

@@ -14,6 +14,13 @@ std::string asUtf8(std::string_view text);
 // terminal alone.
 std::string asPrintable(std::string_view text);
 
+// `text` in quotation marks; of one with more bytes than `longest` the start, which cuts no character, and
+// dots.
+std::string quoted(std::string_view text, std::size_t longest = std::string_view::npos);
+
+// The same of a printable text.
+std::string quotedPrintable(std::string_view text);
+
 // Bytes at the start of `text` up to the first that is not part of valid UTF-8.
 std::size_t utf8Length(std::string_view text);
 

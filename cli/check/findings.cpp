@@ -71,10 +71,7 @@ std::vector<SFinding> CFindings::inOrder() const {
 }
 
 std::string inQuotes(std::string_view text) {
-    if (text.size() <= kLongestQuotation) {
-        return fmt::format("\"{}\"", text);
-    }
-    return fmt::format("\"{}...\"", text.substr(0, characterStart(text, kLongestQuotation)));
+    return quoted(text, kLongestQuotation);
 }
 
 CLines::CLines(std::string_view borrowed) : text(borrowed), starts{0} {

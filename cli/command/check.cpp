@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/base/text.h"
 #include "cli/check/call_check.h"
 #include "cli/check/hazard.h"
 #include "cli/check/report.h"
@@ -65,7 +66,8 @@ std::string paragraphOn(const std::string& name) {
     for (const SHazardKind& kind : hazardKinds()) {
         names += fmt::format("\n  {}", kind.name);
     }
-    throw CLI::ValidationError("--explain", "no hazard is called " + quoted(name) + "; these are:" + names);
+    throw CLI::ValidationError("--explain",
+                               "no hazard is called " + quotedPrintable(name) + "; these are:" + names);
 }
 
 int runCheck(const SOptions& options) {

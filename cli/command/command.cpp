@@ -20,7 +20,7 @@ namespace {
 std::string readFileOf(const std::string& option, const std::string& file) {
     std::optional<std::string> text = readFile(file);
     if (!text.has_value()) {
-        throw CLI::ValidationError(option, "cannot read " + quoted(file) + ": " + errorText());
+        throw CLI::ValidationError(option, "cannot read " + quotedPrintable(file) + ": " + errorText());
     }
     return *std::move(text);
 }
@@ -30,7 +30,7 @@ SCall readRequest(const std::string& file) {
     try {
         return parseRequest(text);
     } catch (const std::invalid_argument& fault) {
-        throw CLI::ValidationError("--request", quoted(file) + " is no request: " + fault.what());
+        throw CLI::ValidationError("--request", quotedPrintable(file) + " is no request: " + fault.what());
     }
 }
 
@@ -50,10 +50,6 @@ Exit status:)",
         }
     }
     subcommand.footer(footer);
-}
-
-std::string quoted(const std::string& text) {
-    return '"' + asPrintable(text) + '"';
 }
 
 CLI::Option_group& addConfigurationOptions(CLI::App& subcommand, const std::string& group,
@@ -85,7 +81,8 @@ SCall readCallWithoutNul(const SCallOptions& options) {
     SCall call = readCall(options);
     // Neither an argument nor a request can hold one.
     if (call.configuration.find('\0') != std::string::npos) {
-        throw CLI::ValidationError("--config-file", quoted(*options.configurationFile) + " holds a NUL byte");
+        throw CLI::ValidationError("--config-file",
+                                   quotedPrintable(*options.configurationFile) + " holds a NUL byte");
     }
     return call;
 }
@@ -126,7 +123,8 @@ std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::op
     try {
         return std::make_unique<COutputFile>(*file);
     } catch (const std::system_error& error) {
-        throw CLI::ValidationError(option, "cannot write " + quoted(*file) + ": " + error.code().message());
+        throw CLI::ValidationError(option,
+                                   "cannot write " + quotedPrintable(*file) + ": " + error.code().message());
     }
 }
 

@@ -17,9 +17,6 @@ namespace fi_rotate {
 // Ends the help of a subcommand with `text`, its JSON schema and its exit statuses.
 void setFooter(CLI::App& subcommand, const std::string& text);
 
-// In quotation marks, on one line.
-std::string quoted(const std::string& text);
-
 // Which call is meant: exactly one is given.
 struct SCallOptions {
     std::optional<std::string> configuration;

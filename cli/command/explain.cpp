@@ -13,6 +13,7 @@
 
 #include "cli/base/file.h"
 #include "cli/base/terminal.h"
+#include "cli/base/text.h"
 #include "cli/command/command.h"
 #include "cli/command/subcommands.h"
 #include "cli/explain/log.h"
@@ -45,7 +46,7 @@ std::vector<SLoggedCall> readCalls(std::istream& log, const std::string& name) {
         reader.read(line);
     }
     if (log.bad()) {
-        throw CLI::ValidationError("LOG", "cannot read " + quoted(name) + ": " + errorText());
+        throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
     }
     return reader.finish();
 }
@@ -56,7 +57,7 @@ std::vector<SLoggedCall> readCalls(const std::string& name) {
     }
     std::ifstream log(name, std::ios::binary);
     if (!log) {
-        throw CLI::ValidationError("LOG", "cannot read " + quoted(name) + ": " + errorText());
+        throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
     }
     return readCalls(log, name);
 }
@@ -72,7 +73,7 @@ std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls, std::option
 }
 
 void reportNoCall(const SOptions& options, std::size_t count) {
-    const std::string log = options.log == "-" ? "standard input" : quoted(options.log);
+    const std::string log = options.log == "-" ? "standard input" : quotedPrintable(options.log);
     if (count == 0) {
         printError("no call of the library in " + log);
     } else {
@@ -97,7 +98,8 @@ int runExplain(const SOptions& options) {
         return kExitNegative;
     }
     const SView view{options.shownStates, true};
-    return printOrReport(options.json ? toJson(calls, view) : toTables(calls, view)) ? kExitDone : kExitNotWritten;
+    return printOrReport(options.json ? toJson(calls, view) : toTables(calls, view)) ? kExitDone
+                                                                                     : kExitNotWritten;
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ struct SOptions {
 
 void requireListed(const std::string& option, const std::string& file, const std::set<std::string>& listed) {
     if (listed.count(file) == 0) {
-        throw CLI::ValidationError(option, quoted(file) + " is not among the FIIDs given");
+        throw CLI::ValidationError(option, quotedPrintable(file) + " is not among the FIIDs given");
     }
 }
 
@@ -80,7 +80,8 @@ std::pair<std::string, std::int32_t> parseFlagWord(const std::string& text) {
             return {text.substr(0, separator), flagWord};
         }
     }
-    throw CLI::ValidationError("--flags", quoted(text) + " is not FILE=N with N a whole number of 32 bits");
+    throw CLI::ValidationError("--flags",
+                               quotedPrintable(text) + " is not FILE=N with N a whole number of 32 bits");
 }
 
 std::vector<SBackup> backupsOf(const SOptions& options) {
@@ -90,7 +91,7 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
         const auto [file, flagWord] = parseFlagWord(text);
         requireListed("--flags", file, listed);
         if (!flagWords.emplace(file, flagWord).second) {
-            throw CLI::ValidationError("--flags", quoted(file) + " has a flag word already");
+            throw CLI::ValidationError("--flags", quotedPrintable(file) + " has a flag word already");
         }
     }
     for (const std::string& file : options.excluded) {

@@ -11,6 +11,7 @@
 
 #include "cli/base/calendar.h"
 #include "cli/base/terminal.h"
+#include "cli/base/text.h"
 #include "cli/command/command.h"
 #include "cli/command/subcommands.h"
 #include "cli/picture/svg.h"
@@ -49,7 +50,7 @@ template <typename Value>
 Value valueOf(const std::string& option, const std::string& text, const std::optional<Value>& value,
               const char* wanted) {
     if (!value.has_value()) {
-        throw CLI::ValidationError(option, quoted(text) + " is not " + wanted);
+        throw CLI::ValidationError(option, quotedPrintable(text) + " is not " + wanted);
     }
     return *value;
 }
@@ -82,8 +83,8 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
     const std::int64_t days =
         valueOf("--keep-days", *options.goal, parseDuration(*options.goal + "d"), "a whole number of days");
     if (days > timeOf(plan, plan.rounds) - plan.start) {
-        throw CLI::ValidationError(
-            "--keep-days", quoted(*options.goal) + " is more than all rounds last; give more --rounds");
+        throw CLI::ValidationError("--keep-days", quotedPrintable(*options.goal) +
+                                                      " is more than all rounds last; give more --rounds");
     }
     return days;
 }
