@@ -21,10 +21,14 @@
 #include "fiid/SAscendingDateSort.h"
 #include "fiid/SDescendingDateSort.h"
 #include "resource/CFiResourceManager.h"
+#include "resource/CFiTargetIndex.h"
 
 namespace {
 
 using Backups = std::vector<CFiFiidNode*>;
+// Of each backup that passed the check. Until the end of the call no tree changes, and of the configuration
+// the states only.
+using TargetsOfBackups = std::unordered_map<const CFiFiidNode*, BackupTargets>;
 // By file name: 0, or FI_EXCLUDE_ROTATION for a backup that must keep its targets.
 using ExcludeMap = std::map<std::string, std::int32_t>;
 
@@ -48,9 +52,13 @@ void printLoaded(const Backups& backups) {
     }
 }
 
-void checkBackups(CFiResourceManager& manager, const Backups& backups) {
+TargetsOfBackups checkBackups(std::vector<SFiResourceList>& resourceSet, const Backups& backups) {
+    const CFiTargetIndex index(resourceSet);
+    TargetsOfBackups targetsOf;
     for (CFiFiidNode* backup : backups) {
-        if (manager.validateResources(backup, CFiResourceManager::kCheck)) {
+        std::optional<BackupTargets> targets = findTargets(*backup, index);
+        if (targets.has_value()) {
+            targetsOf.emplace(backup, *std::move(targets));
             mofi_tracelog(kTraceProgress, "fi_process_backups : [RESOURCES MATCH] [%s]",
                           backup->fiidFile.c_str());
             backup->state = FI_BACKUP_KEPT;
@@ -60,15 +68,16 @@ void checkBackups(CFiResourceManager& manager, const Backups& backups) {
             backup->state = FI_BACKUP_INVALID;
         }
     }
+    return targetsOf;
 }
 
 // `backups` newest first: of two that hold the same target the newer one keeps it.
-void claimTargets(CFiResourceManager& manager, const Backups& backups) {
+void claimTargets(const TargetsOfBackups& targetsOf, const Backups& backups) {
     for (CFiFiidNode* backup : backups) {
         if (backup->state != FI_BACKUP_KEPT) {
             continue;
         }
-        if (manager.validateResources(backup, CFiResourceManager::kClaim)) {
+        if (claim(targetsOf.at(backup))) {
             mofi_tracelog(kTraceProgress, "fi_process_backups : [RESERVE GOOD] %s - T: %s",
                           backup->fiidFile.c_str(), backup->timeStamp.c_str());
         } else {
@@ -100,8 +109,9 @@ private:
 
 // `backups` oldest first. No more are released than needed, since every release is preceded by the
 // test.
-void releaseOldest(CFiResourceManager& manager, const Backups& backups, ExcludeMap& excludeMap) {
-    CFiExhaustedLists exhausted(manager.resourceSet);
+void releaseOldest(const std::vector<SFiResourceList>& resourceSet, const TargetsOfBackups& targetsOf,
+                   const Backups& backups, ExcludeMap& excludeMap) {
+    CFiExhaustedLists exhausted(resourceSet);
     for (CFiFiidNode* backup : backups) {
         if (exhausted.areNone()) {
             return;
@@ -110,8 +120,8 @@ void releaseOldest(CFiResourceManager& manager, const Backups& backups, ExcludeM
             continue;
         }
         if (excludeMap[backup->fiidFile] == 0) {
-            const bool released = manager.validateResources(backup, CFiResourceManager::kRelease);
-            backup->state = released ? FI_BACKUP_ROTATED : FI_BACKUP_INVALID;
+            release(targetsOf.at(backup));
+            backup->state = FI_BACKUP_ROTATED;
         } else {
             mofi_tracelog(kTraceProgress, "fi_process_backups : Skipped Rotation for fiid [%s]",
                           backup->fiidFile.c_str());
@@ -163,11 +173,11 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
 
     printLoaded(backups);
     manager.print();
-    checkBackups(manager, backups);
+    const TargetsOfBackups targetsOf = checkBackups(manager.resourceSet, backups);
     std::sort(backups.begin(), backups.end(), SDescendingDateSort());
-    claimTargets(manager, backups);
+    claimTargets(targetsOf, backups);
     std::sort(backups.begin(), backups.end(), SAscendingDateSort());
-    releaseOldest(manager, backups, excludeMap);
+    releaseOldest(manager.resourceSet, targetsOf, backups, excludeMap);
 
     const std::optional<std::string> selection = buildSelection(manager.resourceSet);
     if (!selection.has_value()) {

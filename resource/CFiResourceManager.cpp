@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <unordered_map>
 
 #include "common/mofi_tracelog.h"
 #include "fiid/CFiFiidNode.h"
@@ -17,7 +17,7 @@ constexpr const char* kDeviceIdentifierMark = "UDID##";
 // The targets of all identifier pairs of the tree under `root`, in no particular order; nothing when a
 // pair is malformed or matches no target. Of Nodes with the same objid the last one counts, as it does
 // in the map that CFiFiidNode::getNodes fills.
-std::optional<std::vector<STargetPlace>> matchAll(const CFiFiidNode& root, const CFiTargetIndex& index) {
+std::optional<BackupTargets> matchAll(const CFiFiidNode& root, const CFiTargetIndex& index) {
     const std::vector<const CFiFiidNode*> nodes = root.findNodes(kDeviceIdentifierMark);
     std::unordered_map<std::string_view, const CFiFiidNode*> lastNodes;
     lastNodes.reserve(nodes.size());
@@ -25,8 +25,8 @@ std::optional<std::vector<STargetPlace>> matchAll(const CFiFiidNode& root, const
         lastNodes[node->objid] = node;
     }
 
-    std::vector<STargetPlace> places;
-    places.reserve(lastNodes.size());
+    BackupTargets targets;
+    targets.reserve(lastNodes.size());
     CFiUdid key;
     CFiUdid value;
     try {
@@ -37,12 +37,12 @@ std::optional<std::vector<STargetPlace>> matchAll(const CFiFiidNode& root, const
             if (place.resource == nullptr) {
                 return std::nullopt;
             }
-            places.push_back(place);
+            targets.push_back(place);
         }
     } catch (const CFiUdidException&) {
         return std::nullopt;
     }
-    return places;
+    return targets;
 }
 
 // Returns false when the target cannot be claimed.
@@ -61,33 +61,9 @@ bool applyMode(const STargetPlace& place, int mode) {
     return true;
 }
 
-bool applyMode(const std::vector<STargetPlace>& places, int mode) {
-    bool result = true;
-    for (const STargetPlace& place : places) {
-        result = applyMode(place, mode) && result;
-    }
-    return result;
-}
-
-}  // namespace
-
-bool CFiResourceManager::validateResources(CFiFiidNode* node, int mode) {
-    if (!index.has_value()) {
-        index.emplace(resourceSet);
-    }
-    auto known = matched.find(node);
-    if (known == matched.end()) {
-        std::optional<std::vector<STargetPlace>> places = matchAll(*node, *index);
-        if (!places.has_value()) {
-            return validateInOrder(*node, mode);
-        }
-        known = matched.emplace(node, *std::move(places)).first;
-    }
-    // All pairs match, so none ends the visit, and the outcome does not depend on its order.
-    return applyMode(known->second, mode);
-}
-
-bool CFiResourceManager::validateInOrder(const CFiFiidNode& node, int mode) {
+// In ascending order of objid, which decides what is thrown, traced and changed when a pair is malformed or
+// matches no target.
+bool validateInOrder(const CFiFiidNode& node, const CFiTargetIndex& index, int mode) {
     std::map<std::string, std::string> pairs;
     node.getNodes(kDeviceIdentifierMark, pairs);
 
@@ -98,13 +74,13 @@ bool CFiResourceManager::validateInOrder(const CFiFiidNode& node, int mode) {
         for (const auto& [objid, altobjid] : pairs) {
             key.parse(objid);
             value.parse(altobjid);
-            const STargetPlace place = index->find(key, value);
+            const STargetPlace place = index.find(key, value);
             if (place.resource != nullptr) {
                 result = applyMode(place, mode) && result;
                 continue;
             }
             result = false;
-            if (mode == kCheck) {
+            if (mode == CFiResourceManager::kCheck) {
                 return false;
             }
         }
@@ -113,6 +89,12 @@ bool CFiResourceManager::validateInOrder(const CFiFiidNode& node, int mode) {
         throw CFiUdidException{malformed.identifier, malformed.code};
     }
     return result;
+}
+
+}  // namespace
+
+bool CFiResourceManager::validateResources(CFiFiidNode* node, int mode) {
+    return validateInOrder(*node, CFiTargetIndex(resourceSet), mode);
 }
 
 void CFiResourceManager::print() const {
@@ -124,5 +106,29 @@ void CFiResourceManager::print() const {
             mofi_tracelog(kTraceProgress, "{%s,%s}", resource.device.c_str(),
                           resourceStateName(resource.state));
         }
+    }
+}
+
+std::optional<BackupTargets> findTargets(const CFiFiidNode& root, const CFiTargetIndex& index) {
+    std::optional<BackupTargets> targets = matchAll(root, index);
+    if (!targets.has_value()) {
+        // Throws unless a pair without a target comes before the malformed ones.
+        validateInOrder(root, index, CFiResourceManager::kCheck);
+    }
+    return targets;
+}
+
+// All pairs of the backup matched, so the outcome of a claim does not depend on their order.
+bool claim(const BackupTargets& targets) {
+    bool result = true;
+    for (const STargetPlace& target : targets) {
+        result = applyMode(target, CFiResourceManager::kClaim) && result;
+    }
+    return result;
+}
+
+void release(const BackupTargets& targets) {
+    for (const STargetPlace& target : targets) {
+        applyMode(target, CFiResourceManager::kRelease);
     }
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include "resource/CFiTargetIndex.h"
@@ -11,9 +10,6 @@ class CFiFiidNode;
 
 // Holds the targets of one call and says of each earlier backup whether its devices agree with
 // them.
-//
-// From the first validateResources on, the records of `resourceSet` and the trees given to it must
-// stay as they are, but for the records' states: what was found once is not looked for again.
 class CFiResourceManager {
 public:
     enum EMode : int {
@@ -41,15 +37,20 @@ public:
 
     // In configuration order. validateResources changes states only, never the records' order.
     std::vector<SFiResourceList> resourceSet;
-
-private:
-    // For a backup with a pair that is malformed or matches nothing: which pair is met first decides
-    // what comes of it.
-    bool validateInOrder(const CFiFiidNode& node, int mode);
-
-    // Made by the first validateResources.
-    std::optional<CFiTargetIndex> index;
-    // The targets of each backup that matched whole. It would match the same again, since matching
-    // depends on names only.
-    std::unordered_map<const CFiFiidNode*, std::vector<STargetPlace>> matched;
 };
+
+// The targets of one backup, where they stand in a resource set; the set's records must stay where they are.
+using BackupTargets = std::vector<STargetPlace>;
+
+// validateResources for a caller that changes no record, but for its state, and no tree between the check of
+// a backup, its claim and its release: its targets are found once, in the check, through an index that serves
+// all backups.
+//
+// The check: the targets of all identifier pairs under `root`, in no particular order; nothing when a pair
+// matches no target. Traces and throws as validateResources does.
+std::optional<BackupTargets> findTargets(const CFiFiidNode& root, const CFiTargetIndex& index);
+
+// Returns whether none of the targets was Used.
+bool claim(const BackupTargets& targets);
+
+void release(const BackupTargets& targets);

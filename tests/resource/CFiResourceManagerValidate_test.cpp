@@ -1,7 +1,5 @@
 #include "resource/CFiResourceManager.h"
 
-#include <initializer_list>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -10,61 +8,21 @@
 #include <gtest/gtest.h>
 
 #include "fiid/CFiFiidNode.h"
-#include "resource/CFiResourceParser.h"
 #include "resource/CFiUdidException.h"
+#include "tests/resource/Backup.h"
 #include "tests/support/TraceRecorder.h"
 
 namespace {
+
+using fi_test::CBackup;
+using fi_test::managerOf;
+using fi_test::states;
+using fi_test::udid;
 
 constexpr int kCheck = 0;
 constexpr int kClaim = 1;
 constexpr int kRelease = 2;
 constexpr int kAnotherMode = 7;
-
-// A root without identifiers and one child for each pair of objid and altobjid.
-class CBackup {
-public:
-    CBackup(std::initializer_list<std::pair<std::string, std::string>> pairs) {
-        for (const auto& [objid, altobjid] : pairs) {
-            auto node = std::make_unique<CFiFiidNode>();
-            node->objid = objid;
-            node->altobjid = altobjid;
-            node->parent = &root;
-            root.children.push_back(node.get());
-            nodes.push_back(std::move(node));
-        }
-    }
-    CFiFiidNode* get() { return &root; }
-
-private:
-    CFiFiidNode root;
-    std::vector<std::unique_ptr<CFiFiidNode>> nodes;
-};
-
-std::string udid(const std::string& target) {
-    return "UDID##v##m##" + target;
-}
-
-CFiResourceManager managerOf(const char* configuration) {
-    CFiResourceParser parser;
-    EXPECT_EQ(parser.parse(configuration), 0);
-    CFiResourceManager manager;
-    manager.resourceSet = parser.configurations;
-    return manager;
-}
-
-// States of lists and their targets: "1:0,1 0:0" is a Used list with an Available and a Used target, then
-// an Available list with an Available target.
-std::string states(const CFiResourceManager& manager) {
-    std::string text;
-    for (const SFiResourceList& list : manager.resourceSet) {
-        text += (text.empty() ? "" : " ") + std::to_string(list.state) + ':';
-        for (const SFiResource& resource : list.resources) {
-            text += (text.back() == ':' ? "" : ",") + std::to_string(resource.state);
-        }
-    }
-    return text;
-}
 
 std::optional<CFiUdidException> thrownBy(CFiResourceManager& manager, CBackup& backup, int mode) {
     try {
@@ -321,6 +279,71 @@ TEST(CFiResourceManagerValidate, FindsPairsAtEveryDepthAndInTheNodeItself) {
     grandchild.altobjid = udid("encA##snap3");
     EXPECT_TRUE(manager.validateResources(&root, kClaim));
     EXPECT_EQ(states(manager), "1:1 1:1 1:1");
+}
+
+TEST(CFiResourceManagerValidate, RecordsRenamedBetweenCheckAndClaimAreMatchedByTheirNewNames) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    std::swap(manager.resourceSet[0].resources[0].device, manager.resourceSet[0].resources[1].device);
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "1:0,1");
+    manager.resourceSet[0].device = "lun2";
+    EXPECT_FALSE(manager.validateResources(backup.get(), kRelease));
+    EXPECT_EQ(states(manager), "1:0,1");
+}
+
+TEST(CFiResourceManagerValidate, RecordsReplacedBetweenCheckAndClaimAreNotLookedAtAgain) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    const std::vector<SFiResourceList> former = std::move(manager.resourceSet);
+    manager.resourceSet = managerOf("encB##lun2;snap2&encA##lun1;snap2;snap1").resourceSet;
+    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(manager), "0:0 1:0,1");
+    EXPECT_EQ(former[0].resources[0].state, 0);
+}
+
+TEST(CFiResourceManagerValidate, CopyOfAManagerChangesItsOwnRecordsOnly) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1");
+    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
+    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    CFiResourceManager copy = manager;
+    EXPECT_TRUE(copy.validateResources(backup.get(), kClaim));
+    EXPECT_EQ(states(copy), "1:1");
+    EXPECT_EQ(states(manager), "0:0");
+}
+
+TEST(CFiResourceManagerValidate, TreeChangedBetweenTwoCallsIsMatchedAsItStands) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encB##lun2;snap3");
+    CFiFiidNode root;
+    root.objid = udid("encA##lun1");
+    root.altobjid = udid("encA##snap1");
+    EXPECT_TRUE(manager.validateResources(&root, kCheck));
+    CFiFiidNode child;
+    child.objid = udid("encB##lun2");
+    child.altobjid = udid("encB##snap3");
+    root.altobjid = udid("encA##snap2");
+    root.children = {&child};
+    EXPECT_TRUE(manager.validateResources(&root, kClaim));
+    EXPECT_EQ(states(manager), "1:0,1 1:1");
+    child.altobjid = udid("encB##snap9");
+    EXPECT_FALSE(manager.validateResources(&root, kCheck));
+}
+
+TEST(CFiResourceManagerValidate, NodeInThePlaceOfAFreedOneIsMatchedForItself) {
+    CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2");
+    std::optional<CFiFiidNode> node(std::in_place);
+    const CFiFiidNode* const place = &*node;
+    node->objid = udid("encA##lun1");
+    node->altobjid = udid("encA##snap1");
+    EXPECT_TRUE(manager.validateResources(&*node, kClaim));
+    node.emplace();
+    ASSERT_EQ(&*node, place);
+    node->objid = udid("encA##lun1");
+    node->altobjid = udid("encA##snap2");
+    EXPECT_TRUE(manager.validateResources(&*node, kClaim));
+    EXPECT_EQ(states(manager), "1:1,1");
 }
 
 TEST(CFiResourceManagerValidate, WritesNoTraceLinesOtherwise) {
