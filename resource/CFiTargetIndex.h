@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "resource/SFiResourceList.h"
@@ -27,46 +27,13 @@ public:
     [[nodiscard]] STargetPlace find(const CFiUdid& key, const CFiUdid& value) const;
 
 private:
-    struct SName {
-        std::string_view device;
-        std::string_view enclosure;
-
-        bool operator==(const SName& other) const {
-            return device == other.device && enclosure == other.enclosure;
-        }
-    };
+    // Device and enclosure.
+    using Name = std::pair<std::string_view, std::string_view>;
     struct SNameHash {
-        std::size_t operator()(const SName& name) const;
+        std::size_t operator()(const Name& name) const;
     };
+    using Targets = std::unordered_map<Name, STargetPlace, SNameHash>;
 
-    // The number of a place in `places`, counted from 1; 0 for an empty slot. The hash saves most looks
-    // at places that are not the one.
-    struct SSlot {
-        std::uint32_t hash = 0;
-        std::uint32_t number = 0;
-    };
-
-    // The slots for all configurations with one first target, so that a table is filled while it is in
-    // the cache: `size` slots from `start` on, a power of two, never more than half of them taken.
-    struct STable {
-        std::size_t targets = 0;
-        std::size_t start = 0;
-        std::size_t size = 0;
-    };
-
-    // The name of a record or an identifier.
-    template <typename Named>
-    static SName nameOf(const Named& named) {
-        return {named.device, named.enclosure};
-    }
-
-    void layOutTables(const std::vector<SFiResourceList>& resourceSet);
-    void insert(const STable& table, const STargetPlace& place);
-
-    // The slot of the target of this name, or the empty one where it belongs.
-    [[nodiscard]] std::size_t slotOf(const STable& table, const SName& name, std::uint32_t hash) const;
-
-    std::unordered_map<SName, STable, SNameHash> tables;
-    std::vector<STargetPlace> places;
-    std::vector<SSlot> slots;
+    // By first target, since one table for all would be too large to stay in the cache while it is filled.
+    std::unordered_map<Name, Targets, SNameHash> tables;
 };
