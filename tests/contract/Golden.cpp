@@ -8,6 +8,8 @@
 namespace fi_test {
 namespace {
 
+const std::string kEntering = "Entering ";
+
 std::string escaped(const std::string& text) {
     std::string line;
     for (const char c : text) {
@@ -20,6 +22,12 @@ std::string escaped(const std::string& text) {
         }
     }
     return line;
+}
+
+// Whether `line` is the entry of an operation and `next` the exit of the same one.
+bool areEntryAndExit(const TraceLine& line, const TraceLine& next) {
+    return line.text.compare(0, kEntering.size(), kEntering) == 0 && next.level == line.level &&
+           next.text == "Exiting " + line.text.substr(kEntering.size());
 }
 
 std::string withoutFolder(std::string text, const std::string& folder) {
@@ -42,9 +50,13 @@ std::string goldenText(const std::string& name) {
 
 std::string asGoldenText(const Trace& trace, const std::string& folder) {
     std::string text;
-    for (const TraceLine& line : trace) {
-        text += std::to_string(line.level) + ' ';
-        text += withoutFolder(escaped(line.text), folder) + '\n';
+    for (std::size_t i = 0; i < trace.size(); ++i) {
+        std::string line = trace[i].text;
+        if (i + 1 < trace.size() && areEntryAndExit(trace[i], trace[i + 1])) {
+            line = "Entering and exiting " + line.substr(kEntering.size());
+            ++i;
+        }
+        text += std::to_string(trace[i].level) + ' ' + withoutFolder(escaped(line), folder) + '\n';
     }
     return text;
 }

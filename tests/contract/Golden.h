@@ -4,8 +4,9 @@
 
 #include "tests/support/TraceRecorder.h"
 
-// Complete traces spelled out in golden/, one line a trace call: level and text. In a text a line end stands
-// as \n, a backslash as \\ and the folder of the documents as {dir}.
+// Complete traces spelled out in golden/, one line a trace call: level and text. The entry of an operation
+// and its exit in the next call share a line, "Entering and exiting NAME". In a text a line end stands as \n,
+// a backslash as \\ and the folder of the documents as {dir}.
 namespace fi_test {
 
 // The file golden/NAME.trace.
