@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -37,10 +38,27 @@ constexpr const char* kNested =
     "<altobjid>UDID##v##m##encA##snap1</altobjid></Node><Node><objid>disk</objid></Node></Node>"
     "<end/></backup>";
 
+// A backup of `first` that holds `further`.
+std::string holder(const std::string& timeStamp, const std::string& first, const std::string& further) {
+    return "<Node><objid>UDID##v##m##" + first + "</objid><altobjid>UDID##v##m##" + further +
+           "</altobjid><timeStamp>" + timeStamp + "</timeStamp></Node>";
+}
+
+// Claims t1 and then finds s3 used.
+const std::string kPartly =
+    "<Node><timeStamp>3</timeStamp><Node><objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##s3"
+    "</altobjid></Node><Node><objid>UDID##v##m##encB##lun2</objid><altobjid>UDID##v##m##encB##t1</altobjid>"
+    "</Node></Node>";
+const std::string kPercent =
+    "<Node><timeStamp>99%s</timeStamp><splitType>%s%n</splitType><objid>UDID##v##m##encA%s##lun%n</objid>"
+    "<altobjid>UDID##v##m##encA%s##snap%d</altobjid></Node>";
+const std::string kInvalidPercent =
+    "<Node><objid>UDID##v##m##%s##%n</objid><altobjid>UDID##%d##%5$s##%n##%s</altobjid></Node>";
+
 struct SDocument {
     const char* name;
-    // Null for a file that is not there.
-    const char* content;
+    // Nothing for a file that is not there.
+    std::optional<std::string> content;
     std::int32_t flagWord;
 };
 
@@ -48,6 +66,8 @@ struct SGolden {
     const char* name;
     const char* configuration;
     std::vector<SDocument> documents;
+    // That of the list when there is none.
+    std::optional<std::int32_t> size = std::nullopt;
 };
 
 // Shown by the test framework in place of its bytes.
@@ -61,10 +81,11 @@ TEST_P(GoldenTrace, IsWhatTheCallTraces) {
     std::vector<fi_test::SListed> backups;
     for (const SDocument& document : GetParam().documents) {
         const std::string file =
-            document.content == nullptr ? path(document.name) : write(document.name, document.content);
+            document.content ? write(document.name, *document.content) : path(document.name);
         backups.push_back({file, document.flagWord});
     }
-    const fi_test::SObserved observed = fi_test::call(GetParam().configuration, backups);
+    const auto size = GetParam().size.value_or(static_cast<std::int32_t>(backups.size()));
+    const fi_test::SObserved observed = fi_test::callWithSize(GetParam().configuration, backups, size);
     EXPECT_EQ(fi_test::asGoldenText(observed.trace, path("")), fi_test::goldenText(GetParam().name));
 }
 
@@ -76,7 +97,7 @@ const SGolden kGolden[] = {
     {"target-held-twice", "encA##lun1;snap1", {{"a.xml", kHolder, 0}, {"b.xml", kNewerHolder, 0}}},
     {"missing-file-in-the-middle",
      "encA##lun1;snap1;snap2",
-     {{"a.xml", kHolder, 0}, {"missing.xml", nullptr, 0}, {"b.xml", kHolder, 0}}},
+     {{"a.xml", kHolder, 0}, {"missing.xml", std::nullopt, 0}, {"b.xml", kHolder, 0}}},
     {"malformed-identifier", "encA##lun1;snap1", {{"a.xml", kHolder, 0}, {"bad.xml", kMalformed, 0}}},
     {"ill-formed-document", "encA##lun1;snap1", {{"ill.xml", kIllFormed, 0}}},
     {"documents-without-a-node",
@@ -84,6 +105,32 @@ const SGolden kGolden[] = {
      {{"empty.xml", "", 9}, {"other.xml", "<other><x:Node/></other>", 9}, {"a.xml", kHolder, 0}}},
     {"document-vocabulary", "encA##lun1;snap1", {{"words.xml", kVocabulary, 0}}},
     {"nested-document-kept", "encA##lun1;snap1;snap2", {{"n.xml", kNested, 4}}},
+    {"every-state",
+     "encA##lun1;s1;s2;s3&encB##lun2;t1;t2",
+     {{"kept.xml", holder("5", "encA##lun1", "encA##s3"), 0},
+      {"invalid.xml", holder("1", "encZ##gone", "encA##s2"), 0},
+      {"released.xml", holder("4", "encA##lun1", "encA##s2"), 1},
+      {"partly.xml", kPartly, 0},
+      {"excluded.xml", holder("2", "encA##lun1", "encA##s1"), 4}}},
+    {"percent-signs",
+     "encA%s##lun%n;snap%d;%x",
+     {{"a%s%n.xml", kPercent, 0},
+      {"b%d.xml", holder("98%s", "encA%s##lun%n", "encA%s##%x"), 4},
+      {"c%x.xml", kInvalidPercent, 0},
+      {"missing%s.xml", std::nullopt, 0}}},
+    {"missing-first-file", "encA##lun1;snap1", {{"missing.xml", std::nullopt, 9}, {"a.xml", kHolder, 4}}},
+    {"missing-file-without-a-target", "encA##lun1", {{"missing.xml", std::nullopt, 9}}},
+    {"negative-size", "encA##lun1;snap1", {{"a.xml", kHolder, 5}}, -1},
+    {"negative-size-without-a-target", "encA##lun1", {{"a.xml", kHolder, 5}}, -1},
+    {"null-configuration", nullptr, {{"a.xml", kHolder, 0}}},
+    {"no-configuration", "&\n", {{"a.xml", "<Node><objid>disk</objid></Node>", 5}}},
+    {"no-configuration-without-backups", "&\n", {}},
+    {"configuration-rejected-in-part",
+     "encA##lun1;snap1&lun2;t1&encB##lun2;t1",
+     {{"a.xml", holder("1", "encA##lun1", "encA##snap1"), 0}}},
+    {"configuration-rejected-without-a-device", "encA##lun1;snap1\nencB##lun2;encB##\nencC##lun3;snap3", {}},
+    {"configuration-rejected-without-targets", "encA##lun1;snap1&;;&encC##lun3;snap3", {}},
+    {"configuration-with-references", "&\n&encA##&lt;lun&gt;;snap&#39;1&amp;encB##lun2;&quot;&", {}},
 };
 
 std::string testName(const testing::TestParamInfo<SGolden>& golden) {

@@ -15,11 +15,10 @@ struct SFree {
 }  // namespace
 
 SObserved call(const std::string& configuration, const std::vector<SListed>& backups) {
-    return callWithSize(configuration, backups, static_cast<std::int32_t>(backups.size()));
+    return callWithSize(configuration.c_str(), backups, static_cast<std::int32_t>(backups.size()));
 }
 
-SObserved callWithSize(const std::string& configuration, const std::vector<SListed>& backups,
-                       std::int32_t size) {
+SObserved callWithSize(const char* configuration, const std::vector<SListed>& backups, std::int32_t size) {
     std::vector<const char*> files;
     std::vector<std::int32_t> words{kGuard};
     for (const SListed& backup : backups) {
@@ -35,7 +34,7 @@ SObserved callWithSize(const std::string& configuration, const std::vector<SList
     TraceRecorder recorder;
     testing::internal::CaptureStdout();
     try {
-        observed.status = process(files.data(), configuration.c_str(), words.data() + 1, size, &result);
+        observed.status = process(files.data(), configuration, words.data() + 1, size, &result);
     } catch (const CFiUdidException& malformed) {
         observed.exception = malformed;
     }

@@ -34,9 +34,8 @@ struct SObserved {
 // Calls the library with the words around the flag array guarded.
 SObserved call(const std::string& configuration, const std::vector<SListed>& backups);
 
-// The same with another size than that of the list.
-SObserved callWithSize(const std::string& configuration, const std::vector<SListed>& backups,
-                       std::int32_t size);
+// The same with any configuration, null too, and another size than that of the list.
+SObserved callWithSize(const char* configuration, const std::vector<SListed>& backups, std::int32_t size);
 
 // A test with documents in a folder of its own.
 class CContractTest : public testing::Test {
