@@ -1,4 +1,4 @@
-#include "Answer.h"
+#include "tests/model/Answer.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -11,7 +11,7 @@ std::string pairOf(const std::string& subject, const std::string& expected, cons
     return subject + "\n  model:   " + expected + "\n  library: " + actual + "\n";
 }
 
-std::string describe(const std::vector<TraceLine>& trace, std::size_t index) {
+std::string describe(const fi_test::Trace& trace, std::size_t index) {
     if (index >= trace.size()) {
         return "(no line)";
     }
@@ -50,13 +50,6 @@ std::string traceDifference(const Answer& expected, const Answer& actual) {
     return "";
 }
 
-bool sameTrace(const std::vector<TraceLine>& left, const std::vector<TraceLine>& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](const TraceLine& one, const TraceLine& other) {
-                          return one.level == other.level && one.text == other.text;
-                      });
-}
-
 }  // namespace
 
 std::string asLiteral(const std::string& text) {
@@ -81,7 +74,7 @@ std::string asLiteral(const std::string& text) {
 }
 
 std::string firstDifference(const Answer& expected, const Answer& actual) {
-    if (!sameTrace(expected.trace, actual.trace)) {
+    if (expected.trace != actual.trace) {
         return traceDifference(expected, actual);
     }
     if (describe(expected.malformed) != describe(actual.malformed)) {

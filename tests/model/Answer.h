@@ -6,12 +6,9 @@
 #include <string>
 #include <vector>
 
-namespace fi_model {
+#include "tests/support/TraceRecorder.h"
 
-struct TraceLine {
-    int level = 0;
-    std::string text;
-};
+namespace fi_model {
 
 struct Malformed {
     std::string identifier;
@@ -21,7 +18,7 @@ struct Malformed {
 // All that a caller and a host can see of one call. The library's answer and the model's have the
 // same shape, so that they can be compared field by field.
 struct Answer {
-    std::vector<TraceLine> trace;
+    fi_test::Trace trace;
     std::string standardOutput;
     // Set when the call ended with an exception; the status then means nothing.
     std::optional<Malformed> malformed;

@@ -1,10 +1,10 @@
-#include "Comparison.h"
+#include "tests/model/Comparison.h"
 
 #include <algorithm>
 #include <map>
 #include <numeric>
 
-#include "Model.h"
+#include "tests/model/Model.h"
 
 namespace fi_model {
 

@@ -1,4 +1,4 @@
-#include "ConfigurationGenerator.h"
+#include "tests/model/ConfigurationGenerator.h"
 
 namespace fi_model {
 

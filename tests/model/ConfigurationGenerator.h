@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Random.h"
+#include "tests/model/Random.h"
 
 namespace fi_model {
 

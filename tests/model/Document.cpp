@@ -1,4 +1,4 @@
-#include "Document.h"
+#include "tests/model/Document.h"
 
 namespace fi_model {
 

@@ -1,4 +1,4 @@
-#include "DocumentGenerator.h"
+#include "tests/model/DocumentGenerator.h"
 
 #include <cstddef>
 #include <utility>

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "Document.h"
-#include "Random.h"
+#include "tests/model/Document.h"
+#include "tests/model/Random.h"
 
 namespace fi_model {
 

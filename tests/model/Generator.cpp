@@ -1,4 +1,4 @@
-#include "Generator.h"
+#include "tests/model/Generator.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "Comparison.h"
-#include "ConfigurationGenerator.h"
-#include "DocumentGenerator.h"
-#include "Model.h"
-#include "PairGenerator.h"
-#include "Random.h"
+#include "tests/model/Comparison.h"
+#include "tests/model/ConfigurationGenerator.h"
+#include "tests/model/DocumentGenerator.h"
+#include "tests/model/Model.h"
+#include "tests/model/PairGenerator.h"
+#include "tests/model/Random.h"
 
 namespace fi_model {
 

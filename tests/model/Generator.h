@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "Call.h"
+#include "tests/model/Call.h"
 
 namespace fi_model {
 

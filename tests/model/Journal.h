@@ -2,16 +2,15 @@
 #define FI_MODEL_JOURNAL_H
 
 #include <string>
-#include <vector>
 
-#include "Answer.h"
-#include "Outcome.h"
+#include "tests/model/Answer.h"
+#include "tests/model/Outcome.h"
 
 namespace fi_model {
 
 // What the model writes down on its way through a call.
 struct Journal {
-    std::vector<TraceLine> trace;
+    fi_test::Trace trace;
     std::string standardOutput;
     Tally tally;
 

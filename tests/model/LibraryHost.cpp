@@ -1,42 +1,17 @@
-#include "LibraryHost.h"
+#include "tests/model/LibraryHost.h"
 
-#include <fcntl.h>
-#include <fi_rotation/CFiUdidException.h>
-#include <fi_rotation/fi_process_backups.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <system_error>
 #include <vector>
 
-namespace {
-
-// Where the lines of the running call go. The trace facility has no argument of ours, so this is
-// the one thing that has to be global.
-std::vector<fi_model::TraceLine>* activeTrace = nullptr;
-
-}  // namespace
-
-extern "C" __attribute__((visibility("default"), format(printf, 2, 3))) void mofi_tracelog(int level,
-                                                                                           const char* format,
-                                                                                           ...) {
-    if (activeTrace == nullptr) {
-        return;
-    }
-    char* text = nullptr;
-    va_list arguments;
-    va_start(arguments, format);
-    const int length = vasprintf(&text, format, arguments);
-    va_end(arguments);
-    if (length >= 0) {
-        activeTrace->push_back({level, std::string(text, static_cast<std::size_t>(length))});
-        std::free(text);
-    }
-}
+#include <fi_rotation/CFiUdidException.h>
+#include <fi_rotation/fi_process_backups.h>
 
 namespace fi_model {
 
@@ -48,35 +23,43 @@ void require(bool condition, const char* what) {
     }
 }
 
-std::string makeFolder() {
-    std::string path = access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
-    path += "/fi_model_XXXXXX";
-    require(mkdtemp(path.data()) != nullptr, "no folder for the documents");
-    return path;
+// In memory where that can be: documents are many and live shortly.
+std::filesystem::path parentOfFolder() {
+    return access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path();
 }
 
-void writeFile(const std::string& name, const std::string& text) {
-    const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    require(file >= 0, "a document cannot be created");
-    const ssize_t written = write(file, text.data(), text.size());
-    close(file);
-    require(written == static_cast<ssize_t>(text.size()), "a document cannot be written");
-}
+// Makes a folder the process's working folder while it lives.
+class WorkingFolder {
+public:
+    explicit WorkingFolder(const std::string& folder) : former_(std::filesystem::current_path()) {
+        std::filesystem::current_path(folder);
+    }
+    ~WorkingFolder() {
+        std::error_code ignored;
+        std::filesystem::current_path(former_, ignored);
+    }
+    WorkingFolder(const WorkingFolder&) = delete;
+    WorkingFolder& operator=(const WorkingFolder&) = delete;
+
+private:
+    std::filesystem::path former_;
+};
 
 // The documents of one call, there while the call runs.
 class Documents {
 public:
-    explicit Documents(const std::map<std::string, Document>& files) : files_(files) {
+    Documents(const fi_test::TemporaryFolder& folder, const std::map<std::string, Document>& files)
+        : folder_(folder), files_(files) {
         for (const auto& [name, document] : files_) {
             if (!document.isDirectory) {
-                writeFile(name, xmlText(document));
+                folder_.write(name, xmlText(document));
             }
         }
     }
     ~Documents() {
         for (const auto& [name, document] : files_) {
             if (!document.isDirectory) {
-                unlink(name.c_str());
+                unlink(folder_.path(name).c_str());
             }
         }
     }
@@ -84,6 +67,7 @@ public:
     Documents& operator=(const Documents&) = delete;
 
 private:
+    const fi_test::TemporaryFolder& folder_;
     const std::map<std::string, Document>& files_;
 };
 
@@ -117,14 +101,6 @@ std::string takeText(int file) {
     return text;
 }
 
-class TraceRecording {
-public:
-    explicit TraceRecording(std::vector<TraceLine>& trace) { activeTrace = &trace; }
-    ~TraceRecording() { activeTrace = nullptr; }
-    TraceRecording(const TraceRecording&) = delete;
-    TraceRecording& operator=(const TraceRecording&) = delete;
-};
-
 // The call as such. The caller's pointer is filled beforehand, to tell whether it was written.
 void callLibrary(const Call& call, Answer& answer) {
     std::vector<const char*> names;
@@ -155,27 +131,23 @@ void callLibrary(const Call& call, Answer& answer) {
 }  // namespace
 
 LibraryHost::LibraryHost()
-    : folder_(makeFolder()),
-      formerFolder_(std::filesystem::current_path().string()),
-      captureFile_(memfd_create("fi_model_output", MFD_CLOEXEC)) {
+    : folder_(parentOfFolder()), captureFile_(memfd_create("fi_model_output", MFD_CLOEXEC)) {
     require(captureFile_ >= 0, "no file for the captured output");
-    std::filesystem::current_path(folder_);
 }
 
 LibraryHost::~LibraryHost() {
-    std::error_code ignored;
-    std::filesystem::current_path(formerFolder_, ignored);
-    std::filesystem::remove_all(folder_, ignored);
     close(captureFile_);
 }
 
 Answer LibraryHost::run(const Call& call) {
     Answer answer;
-    const Documents documents(call.files);
+    const WorkingFolder inFolder(folder_.path(""));
+    const Documents documents(folder_, call.files);
     {
-        const TraceRecording recording(answer.trace);
+        fi_test::TraceRecorder recorder;
         const OutputCapture capture(captureFile_);
         callLibrary(call, answer);
+        answer.trace = recorder.take();
     }
     answer.standardOutput = takeText(captureFile_);
     return answer;

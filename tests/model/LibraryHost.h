@@ -1,16 +1,15 @@
 #ifndef FI_MODEL_LIBRARY_HOST_H
 #define FI_MODEL_LIBRARY_HOST_H
 
-#include <string>
-
-#include "Answer.h"
-#include "Call.h"
+#include "tests/model/Answer.h"
+#include "tests/model/Call.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace fi_model {
 
-// The host's side of a call: a folder for the documents, the trace facility and the standard
-// output. While it lives, its folder is the process's working folder, so that documents have short
-// names which are the same in every run. One at a time.
+// The host's side of a call: a folder for the documents, the trace facility and the standard output. While a
+// call runs, the folder is the process's working folder, so that documents have short names which are the
+// same in every run. One at a time.
 class LibraryHost {
 public:
     LibraryHost();
@@ -22,8 +21,7 @@ public:
     Answer run(const Call& call);
 
 private:
-    std::string folder_;
-    std::string formerFolder_;
+    fi_test::TemporaryFolder folder_;
     int captureFile_ = -1;
 };
 

@@ -1,4 +1,4 @@
-#include "Model.h"
+#include "tests/model/Model.h"
 
 #include <algorithm>
 #include <map>
@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
-#include "Journal.h"
-#include "ModelResources.h"
+#include "tests/model/Journal.h"
+#include "tests/model/ModelResources.h"
 
 namespace fi_model {
 

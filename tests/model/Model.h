@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "Answer.h"
-#include "Call.h"
-#include "Outcome.h"
+#include "tests/model/Answer.h"
+#include "tests/model/Call.h"
+#include "tests/model/Outcome.h"
 
 namespace fi_model {
 

@@ -1,4 +1,4 @@
-#include "ModelConfiguration.h"
+#include "tests/model/ModelConfiguration.h"
 
 #include <cstddef>
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Journal.h"
+#include "tests/model/Journal.h"
 
 namespace fi_model {
 

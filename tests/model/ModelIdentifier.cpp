@@ -1,4 +1,4 @@
-#include "ModelIdentifier.h"
+#include "tests/model/ModelIdentifier.h"
 
 #include <cstddef>
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "Journal.h"
+#include "tests/model/Journal.h"
 
 namespace fi_model {
 

@@ -7,12 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include "Journal.h"
-#include "ModelConfiguration.h"
-#include "ModelIdentifier.h"
-#include "ModelReader.h"
-#include "ModelTestSupport.h"
-#include "ModelTree.h"
+#include "tests/model/Journal.h"
+#include "tests/model/ModelConfiguration.h"
+#include "tests/model/ModelIdentifier.h"
+#include "tests/model/ModelReader.h"
+#include "tests/model/ModelTestSupport.h"
+#include "tests/model/ModelTree.h"
 
 // The model's parts by themselves, each against what was worked out by hand.
 

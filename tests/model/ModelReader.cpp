@@ -1,4 +1,4 @@
-#include "ModelReader.h"
+#include "tests/model/ModelReader.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Document.h"
+#include "tests/model/Document.h"
 
 namespace fi_model {
 

@@ -1,8 +1,8 @@
-#include "ModelResources.h"
+#include "tests/model/ModelResources.h"
 
 #include <map>
 
-#include "ModelIdentifier.h"
+#include "tests/model/ModelIdentifier.h"
 
 namespace fi_model {
 

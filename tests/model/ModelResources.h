@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
-#include "Journal.h"
-#include "ModelConfiguration.h"
-#include "ModelTree.h"
+#include "tests/model/Journal.h"
+#include "tests/model/ModelConfiguration.h"
+#include "tests/model/ModelTree.h"
 
 namespace fi_model {
 

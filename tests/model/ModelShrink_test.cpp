@@ -1,4 +1,4 @@
-#include "Shrink.h"
+#include "tests/model/Shrink.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,9 +8,9 @@
 #include <functional>
 #include <string>
 
-#include "Comparison.h"
-#include "Generator.h"
-#include "Model.h"
+#include "tests/model/Comparison.h"
+#include "tests/model/Generator.h"
+#include "tests/model/Model.h"
 
 namespace fi_model {
 namespace {
@@ -123,7 +123,7 @@ TEST(Comparison, AcceptsNoOtherOrderOfBackupsWithDifferentTimeStamps) {
     }
     const Subject swapped = [](const Call& asked) {
         Answer answer = predict(asked).answer;
-        const auto reserves = [](const TraceLine& line) {
+        const auto reserves = [](const fi_test::TraceLine& line) {
             return line.text.find("[RESERVE GOOD]") != std::string::npos;
         };
         const auto first = std::find_if(answer.trace.begin(), answer.trace.end(), reserves);

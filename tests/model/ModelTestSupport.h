@@ -4,17 +4,17 @@
 #include <string>
 #include <vector>
 
-#include "Answer.h"
-#include "Document.h"
+#include "tests/model/Answer.h"
+#include "tests/model/Document.h"
 
 // Short ways to write documents and to look at traces in the model's tests.
 
 namespace fi_model {
 
-inline std::vector<std::string> textsOf(const std::vector<TraceLine>& trace) {
+inline std::vector<std::string> textsOf(const fi_test::Trace& trace) {
     std::vector<std::string> texts;
     texts.reserve(trace.size());
-    for (const TraceLine& line : trace) {
+    for (const fi_test::TraceLine& line : trace) {
         texts.push_back(line.text);
     }
     return texts;

@@ -1,10 +1,10 @@
-#include "ModelTree.h"
+#include "tests/model/ModelTree.h"
 
 #include <cstddef>
 #include <limits>
 #include <optional>
 
-#include "ModelReader.h"
+#include "tests/model/ModelReader.h"
 
 namespace fi_model {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "Call.h"
-#include "Journal.h"
+#include "tests/model/Call.h"
+#include "tests/model/Journal.h"
 
 namespace fi_model {
 

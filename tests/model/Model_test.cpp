@@ -1,4 +1,4 @@
-#include "Model.h"
+#include "tests/model/Model.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "ModelTestSupport.h"
+#include "tests/model/ModelTestSupport.h"
 
 // What the model answers, worked out by hand. Were the model wrong in the same way as the library,
 // a comparison of the two would not show it.

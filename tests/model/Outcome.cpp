@@ -1,4 +1,4 @@
-#include "Outcome.h"
+#include "tests/model/Outcome.h"
 
 namespace fi_model {
 

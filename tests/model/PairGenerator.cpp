@@ -1,4 +1,4 @@
-#include "PairGenerator.h"
+#include "tests/model/PairGenerator.h"
 
 #include <string>
 

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "ConfigurationGenerator.h"
-#include "DocumentGenerator.h"
-#include "Random.h"
+#include "tests/model/ConfigurationGenerator.h"
+#include "tests/model/DocumentGenerator.h"
+#include "tests/model/Random.h"
 
 namespace fi_model {
 

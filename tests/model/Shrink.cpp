@@ -1,10 +1,10 @@
-#include "Shrink.h"
+#include "tests/model/Shrink.h"
 
 #include <cstddef>
 #include <utility>
 #include <vector>
 
-#include "Answer.h"
+#include "tests/model/Answer.h"
 
 namespace fi_model {
 

@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
-#include "Call.h"
-#include "Comparison.h"
+#include "tests/model/Call.h"
+#include "tests/model/Comparison.h"
 
 namespace fi_model {
 

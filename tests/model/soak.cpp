@@ -8,11 +8,11 @@
 #include <exception>
 #include <string>
 
-#include "Comparison.h"
-#include "Generator.h"
-#include "LibraryHost.h"
-#include "Outcome.h"
-#include "Shrink.h"
+#include "tests/model/Comparison.h"
+#include "tests/model/Generator.h"
+#include "tests/model/LibraryHost.h"
+#include "tests/model/Outcome.h"
+#include "tests/model/Shrink.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 
 namespace fi_test {
 
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "fi-rotation-XXXXXX").string();
+TemporaryFolder::TemporaryFolder(const std::filesystem::path& parent) {
+    std::string pattern = (parent / "fi-rotation-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), pattern);
     }

@@ -10,7 +10,7 @@ namespace fi_test {
 // A folder of its own for one test, removed with all that is in it.
 class TemporaryFolder {
 public:
-    TemporaryFolder();
+    explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
     ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
