@@ -148,6 +148,7 @@ Answer LibraryHost::run(const Call& call) {
         const OutputCapture capture(captureFile_);
         callLibrary(call, answer);
         answer.trace = recorder.take();
+        formats_.insert(recorder.formats().begin(), recorder.formats().end());
     }
     answer.standardOutput = takeText(captureFile_);
     return answer;

@@ -4,6 +4,7 @@
 #include "tests/model/Answer.h"
 #include "tests/model/Call.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceRecorder.h"
 
 namespace fi_model {
 
@@ -20,9 +21,13 @@ public:
     // Writes the documents, calls the library, and removes the documents.
     Answer run(const Call& call);
 
+    // The formats that the library has traced with, each with its level.
+    const fi_test::Formats& formats() const { return formats_; }
+
 private:
     fi_test::TemporaryFolder folder_;
     int captureFile_ = -1;
+    fi_test::Formats formats_;
 };
 
 }  // namespace fi_model

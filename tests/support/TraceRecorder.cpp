@@ -44,7 +44,10 @@ Trace TraceRecorder::take() {
     return std::exchange(lines, {});
 }
 
-void TraceRecorder::add(TraceLine line) {
+void TraceRecorder::add(TraceLine line, const char* format) {
+    if (seenFormats.find(format) == seenFormats.end()) {
+        seenFormats.emplace(format, line.level);
+    }
     lines.push_back(std::move(line));
 }
 
@@ -58,5 +61,5 @@ extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int level, 
     va_start(arguments, format);
     std::string text = fi_test::formatted(format, arguments);
     va_end(arguments);
-    fi_test::activeRecorder->add({level, std::move(text)});
+    fi_test::activeRecorder->add({level, std::move(text)}, format);
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,9 @@ std::ostream& operator<<(std::ostream& out, const TraceLine& line);
 
 using Trace = std::vector<TraceLine>;
 
+// Levels by format.
+using Formats = std::map<std::string, int, std::less<>>;
+
 // Collects the calls of mofi_tracelog, formatted, from its construction to its destruction. At most
 // one exists at a time; without one the calls are dropped.
 class TraceRecorder {
@@ -30,10 +35,14 @@ public:
     // The lines since the last take.
     Trace take();
 
-    void add(TraceLine line);
+    // The formats since its construction, each with its level.
+    const Formats& formats() const { return seenFormats; }
+
+    void add(TraceLine line, const char* format);
 
 private:
     Trace lines;
+    Formats seenFormats;
 };
 
 }  // namespace fi_test
