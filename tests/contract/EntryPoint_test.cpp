@@ -8,28 +8,28 @@
 #include <fi_rotation/fi_process_backups.h>
 #include <gtest/gtest.h>
 
-#include "tests/contract/RotationLines.h"
+#include "tests/contract/Decision.h"
 
 // What a call says of its arguments and its configuration, and the whole of a call without backups.
 namespace {
 
 using fi_test::backup;
-using fi_test::call;
 using fi_test::callWithSize;
-using fi_test::closingLines;
-using fi_test::configurationLines;
+using fi_test::decided;
+using fi_test::decisionIn;
+using fi_test::decisionOf;
 using fi_test::entryPoint;
 using fi_test::failure;
-using fi_test::listed;
-using fi_test::matchLine;
-using fi_test::openingLines;
+using fi_test::Flags;
+using fi_test::matched;
 using fi_test::progress;
-using fi_test::reservedLine;
+using fi_test::rejected;
+using fi_test::reserved;
 using fi_test::SBackup;
+using fi_test::selected;
 using fi_test::SNode;
 using fi_test::SObserved;
 using fi_test::Trace;
-using Flags = std::vector<std::int32_t>;
 
 static_assert(std::is_same_v<decltype(&fi_process_backups), fi_test::EntryPoint>,
               "the declared function is the one that these tests call");
@@ -37,6 +37,11 @@ static_assert(std::is_same_v<decltype(&fi_process_backups), fi_test::EntryPoint>
 const Trace kInvalid = failure("fi_process_backups : Invalid/empty parameter");
 const Trace kNoPrevious =
     progress({"fi_process_backups : fiidListSize empty, no previous backups to process"});
+
+// A call without backups, the rejections of its configuration first.
+SObserved firstBackup(const std::string& selection, const Trace& rejections = {}) {
+    return {0, std::nullopt, selection, {}, rejections + kNoPrevious, ""};
+}
 
 class EntryPoint : public fi_test::CRotationTest {};
 
@@ -55,8 +60,7 @@ TEST_F(EntryPoint, AcceptsNullFlagsWithoutBackups) {
     EXPECT_EQ(entryPoint()(nullptr, "encA##lun1;snap1", nullptr, 0, &result), 0);
     EXPECT_STREQ(result, "[encA##lun1;encA##snap1]");
     std::free(result);
-    EXPECT_EQ(recorder.take(),
-              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) + kNoPrevious);
+    EXPECT_EQ(decisionIn(recorder.take()), kNoPrevious);
 }
 
 TEST_F(EntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
@@ -66,7 +70,7 @@ TEST_F(EntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
         char* result = &untouched;
         fi_test::TraceRecorder recorder;
         EXPECT_EQ(entryPoint()(files, "encA##lun1;snap1", nullptr, size, &result), 3) << size;
-        EXPECT_EQ(recorder.take(), kInvalid) << size;
+        EXPECT_EQ(decisionIn(recorder.take()), kInvalid) << size;
         EXPECT_EQ(result, &untouched);
     }
 }
@@ -78,7 +82,7 @@ TEST_F(EntryPoint, RejectsANullResultStringWhateverElseIsPassed) {
         for (const char* configuration : {"encA##lun1;snap1", "", static_cast<const char*>(nullptr)}) {
             fi_test::TraceRecorder recorder;
             EXPECT_EQ(entryPoint()(files, configuration, flags, size, nullptr), 3);
-            EXPECT_EQ(recorder.take(), kInvalid);
+            EXPECT_EQ(decisionIn(recorder.take()), kInvalid);
         }
     }
     EXPECT_EQ(flags[0], 7);
@@ -92,7 +96,7 @@ TEST_F(EntryPoint, RejectsANullConfigurationWhateverElseIsPassed) {
         char* result = &untouched;
         fi_test::TraceRecorder recorder;
         EXPECT_EQ(entryPoint()(files, nullptr, flags, size, &result), 3);
-        EXPECT_EQ(recorder.take(), kInvalid);
+        EXPECT_EQ(decisionIn(recorder.take()), kInvalid);
         EXPECT_EQ(result, &untouched);
     }
     EXPECT_EQ(flags[0], 7);
@@ -101,157 +105,82 @@ TEST_F(EntryPoint, RejectsANullConfigurationWhateverElseIsPassed) {
 TEST_F(EntryPoint, TracesARejectionOnceWhenSeveralArgumentsAreBad) {
     fi_test::TraceRecorder recorder;
     EXPECT_EQ(entryPoint()(nullptr, nullptr, nullptr, 1, nullptr), 3);
-    EXPECT_EQ(recorder.take(), kInvalid);
+    EXPECT_EQ(decisionIn(recorder.take()), kInvalid);
 }
 
 TEST_F(EntryPoint, FirstBackupGetsTheFirstTargetOfEachConfigurationWithoutASeparator) {
-    const SObserved observed = call("encA##lun1;encA##snap1;snap2&encB##lun2;encC##snap3", {});
-    EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1][encB##lun2;encC##snap3]");
-    EXPECT_EQ(observed.standardOutput, "");
-    EXPECT_EQ(
-        observed.trace,
-        configurationLines(
-            "encA##lun1;encA##snap1;snap2",
-            {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}, {"encB", "lun2"}, {"encC", "snap3"}}) +
-            kNoPrevious);
+    EXPECT_EQ(decided("encA##lun1;encA##snap1;snap2&encB##lun2;encC##snap3", {}),
+              firstBackup("[encA##lun1;encA##snap1][encB##lun2;encC##snap3]"));
 }
 
 TEST_F(EntryPoint, FirstBackupFailsWhenAnyConfigurationHasNoFurtherTarget) {
-    const SObserved last = call("encA##lun1;snap1&encB##lun2", {});
-    EXPECT_EQ(last.status, 3);
-    EXPECT_EQ(last.selection, std::nullopt);
-    EXPECT_EQ(last.trace, configurationLines("encA##lun1;snap1",
-                                             {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}}) +
-                              kNoPrevious + failure("fi_process_backups : no resource is available"));
-
-    const SObserved first = call("encB##lun2&encA##lun1;snap1", {});
-    EXPECT_EQ(first.status, 3);
-    EXPECT_EQ(first.selection, std::nullopt);
-    EXPECT_EQ(first.trace,
-              configurationLines("encB##lun2", {{"encB", "lun2"}, {"encA", "lun1"}, {"encA", "snap1"}}) +
-                  kNoPrevious + failure("fi_process_backups : no resource is available"));
+    const Trace lines = kNoPrevious + failure("fi_process_backups : no resource is available");
+    for (const char* configuration : {"encA##lun1;snap1&encB##lun2", "encB##lun2&encA##lun1;snap1"}) {
+        EXPECT_EQ(decided(configuration, {}), (SObserved{3, std::nullopt, std::nullopt, {}, lines, ""}));
+    }
 }
 
 // The list may be there all the same; a size of 0 says that it has no entries.
 TEST_F(EntryPoint, FirstBackupLeavesTheFlagsAlone) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##snap1"}}), 7);
-    const SObserved observed = callWithSize("encA##lun1;snap1", listed({a}), 0);
-    EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
-    EXPECT_EQ(observed.flags, Flags{7});
-    EXPECT_EQ(observed.trace,
-              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) + kNoPrevious);
+    SObserved expected = firstBackup("[encA##lun1;encA##snap1]");
+    expected.flags = {7};
+    EXPECT_EQ(decisionOf(callWithSize("encA##lun1;snap1", {a}, 0)), expected);
 }
 
 TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
-    for (const char* configuration : {"", "&", "&\r\n&"}) {
-        SCOPED_TRACE(configuration);
-        const SObserved observed = call(configuration, {});
-        EXPECT_EQ(observed.status, 0);
-        EXPECT_EQ(observed.selection, "");
-        EXPECT_EQ(observed.trace, failure("CFiResourceParser::parse : Invalid resource specification [" +
-                                          std::string(configuration) + "]") +
-                                      kNoPrevious);
+    for (const std::string configuration : {"", "&", "&\r\n&"}) {
+        EXPECT_EQ(decided(configuration, {}),
+                  firstBackup("", failure("CFiResourceParser::parse : Invalid resource specification [" +
+                                          configuration + "]")));
     }
 }
 
 TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithBackups) {
     const SBackup a = given("a.xml", SNode{{{"objid", "disk"}}, {}}, 5);
-    const SObserved observed = call("&\n", listed({a}));
-    EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.selection, "");
-    EXPECT_EQ(observed.flags, Flags{0});
-    EXPECT_EQ(observed.trace, failure("CFiResourceParser::parse : Invalid resource specification [&\n]") +
-                                  openingLines({a}, {}) + matchLine(a) + reservedLine(a) +
-                                  closingLines("", {}, {{a, 0}}));
+    const Trace invalid = failure("CFiResourceParser::parse : Invalid resource specification [&\n]");
+    EXPECT_EQ(decided("&\n", {a}), selected("", {0}, invalid + matched({a}) + reserved({a}), {}, {{a, 0}}));
 }
 
 TEST_F(EntryPoint, RejectedConfigurationDoesNotStopTheCall) {
-    const std::string start = "CFiResourceParser::parse : resource configuration ";
+    const std::string first = "[encA##lun1;encA##snap1]";
     const struct {
-        const char* configuration;
-        Trace lines;
-        const char* selection;
+        std::string configuration, rejected, missing, selection;
     } rows[] = {
-        {"encA##lun1;snap1&lun2;snap2&encC##lun3;snap3",
-         configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}, {"", "lun2"}}) +
-             failure(start + "\"lun2\" has no enclosure data specified."),
-         "[encA##lun1;encA##snap1]"},
-        {"encA##lun1;snap1\nencB##lun2;encB##\nencC##lun3;snap3",
-         configurationLines("encA##lun1;snap1",
-                            {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}, {"encB", ""}}) +
-             failure(start + "\"encB##\" has no device data specified."),
-         "[encA##lun1;encA##snap1]"},
-        {"encA##lun1;snap1&;;&encC##lun3;snap3",
-         configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}}) +
-             failure(start + "\";;\" has no targets specified."),
-         "[encA##lun1;encA##snap1]"},
-        {"##lun1;snap1",
-         configurationLines("##lun1;snap1", {{"", "lun1"}}) +
-             failure(start + "\"##lun1\" has no enclosure data specified."),
-         ""},
-        {"##;snap1",
-         configurationLines("##;snap1", {{"", ""}}) + failure(start + "\"##\" has no device data specified."),
-         ""},
-        {"%s%n",
-         configurationLines("%s%n", {{"", "%s%n"}}) +
-             failure(start + "\"%s%n\" has no enclosure data specified."),
-         ""},
+        {"encA##lun1;snap1&lun2;snap2&encC##lun3;snap3", "lun2", "enclosure data", first},
+        {"encA##lun1;snap1\nencB##lun2;encB##\nencC##lun3;snap3", "encB##", "device data", first},
+        {"encA##lun1;snap1&;;&encC##lun3;snap3", ";;", "targets", first},
+        {"##lun1;snap1", "##lun1", "enclosure data", ""},
+        {"##;snap1", "##", "device data", ""},
+        {"%s%n", "%s%n", "enclosure data", ""},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.configuration);
-        const SObserved observed = call(row.configuration, {});
-        EXPECT_EQ(observed.status, 0);
-        EXPECT_EQ(observed.selection, row.selection);
-        EXPECT_EQ(observed.trace, row.lines + kNoPrevious);
+        EXPECT_EQ(decided(row.configuration, {}),
+                  firstBackup(row.selection, rejected(row.rejected, row.missing)));
     }
 }
 
-TEST_F(EntryPoint, SpecificationLineShowsTheFirstConfigurationOnly) {
-    const SObserved observed = call("&\n&encA##lun1;snap1\r\nencB##lun2;snap2&", {});
-    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1][encB##lun2;encB##snap2]");
-    EXPECT_EQ(observed.trace,
-              configurationLines("&\n&encA##lun1;snap1",
-                                 {{"encA", "lun1"}, {"encA", "snap1"}, {"encB", "lun2"}, {"encB", "snap2"}}) +
-                  kNoPrevious);
+TEST_F(EntryPoint, SeparatorsOfAllKindsPartTheConfigurations) {
+    EXPECT_EQ(decided("&\n&encA##lun1;snap1\r\nencB##lun2;snap2&", {}),
+              firstBackup("[encA##lun1;encA##snap1][encB##lun2;encB##snap2]"));
 }
 
 // The backup's claim marks the configuration itself Used; its second further target is still free.
 TEST_F(EntryPoint, OnlyFurtherTargetsAreSearchedForAFreeOne) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##snap1"}}));
-    const SObserved observed = call("encA##lun1;snap1;snap2", listed({a}));
-    EXPECT_EQ(observed.status, 0);
-    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap2]");
-    EXPECT_EQ(observed.trace,
-              configurationLines("encA##lun1;snap1;snap2",
-                                 {{"encA", "lun1"}, {"encA", "snap1"}, {"encA", "snap2"}}) +
-                  openingLines({a}, {"[encA:lun1](Available)", "{snap1,Available}", "{snap2,Available}"}) +
-                  matchLine(a) + reservedLine(a) +
-                  closingLines("[encA##lun1;encA##snap2]",
-                               {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{a, 0}}));
+    EXPECT_EQ(decided("encA##lun1;snap1;snap2", {a}),
+              selected("[encA##lun1;encA##snap2]", {0}, matched({a}) + reserved({a}),
+                       {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{a, 0}}));
 }
 
 TEST_F(EntryPoint, ReferencesInTheConfigurationAreDecoded) {
-    const SObserved observed = call("encA##&lt;lun&gt;;snap&#39;1&amp;encB##lun2;&quot;&amp;encC##a;b", {});
-    EXPECT_EQ(observed.selection, "[encA##<lun>;encA##snap'1][encB##lun2;encB##\"][encC##a;encC##b]");
-    EXPECT_EQ(observed.trace, configurationLines("encA##<lun>;snap'1", {{"encA", "<lun>"},
-                                                                        {"encA", "snap'1"},
-                                                                        {"encB", "lun2"},
-                                                                        {"encB", "\""},
-                                                                        {"encC", "a"},
-                                                                        {"encC", "b"}}) +
-                                  kNoPrevious);
+    EXPECT_EQ(decided("encA##&lt;lun&gt;;snap&#39;1&amp;encB##lun2;&quot;&amp;encC##a;b", {}),
+              firstBackup("[encA##<lun>;encA##snap'1][encB##lun2;encB##\"][encC##a;encC##b]"));
 }
 
 TEST_F(EntryPoint, ReferenceThatADecodedAmpersandBeginsIsNotDecoded) {
-    const SObserved observed = call("encA##lun1;snap1&amp;lt;", {});
-    EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap1]");
-    EXPECT_EQ(observed.trace,
-              configurationLines("encA##lun1;snap1", {{"encA", "lun1"}, {"encA", "snap1"}, {"", "lt"}}) +
-                  failure("CFiResourceParser::parse : resource configuration \"lt\" has no "
-                          "enclosure data specified.") +
-                  kNoPrevious);
+    EXPECT_EQ(decided("encA##lun1;snap1&amp;lt;", {}),
+              firstBackup("[encA##lun1;encA##snap1]", rejected("lt", "enclosure data")));
 }
 
 TEST_F(EntryPoint, SelectionIsAllocatedAnewForEachCall) {

@@ -78,7 +78,7 @@ void PrintTo(const SGolden& golden, std::ostream* out) {
 class GoldenTrace : public fi_test::CContractTest, public testing::WithParamInterface<SGolden> {};
 
 TEST_P(GoldenTrace, IsWhatTheCallTraces) {
-    std::vector<fi_test::SListed> backups;
+    std::vector<fi_test::SBackup> backups;
     for (const SDocument& document : GetParam().documents) {
         const std::string file =
             document.content ? write(document.name, *document.content) : path(document.name);

@@ -2,6 +2,9 @@
 
 #include <cstdlib>
 #include <memory>
+#include <ostream>
+#include <tuple>
+#include <utility>
 
 namespace fi_test {
 namespace {
@@ -12,16 +15,44 @@ struct SFree {
     void operator()(char* text) const { std::free(text); }
 };
 
+// Of an exception, what a host reads of it.
+std::optional<std::pair<std::string, std::int32_t>> contentOf(const SObserved& observed) {
+    if (!observed.exception.has_value()) {
+        return std::nullopt;
+    }
+    return std::pair(observed.exception->identifier, observed.exception->code);
+}
+
+auto fieldsOf(const SObserved& observed) {
+    return std::tuple(observed.status, contentOf(observed), observed.selection, observed.flags,
+                      observed.trace, observed.standardOutput);
+}
+
 }  // namespace
 
-SObserved call(const std::string& configuration, const std::vector<SListed>& backups) {
+bool operator==(const SObserved& left, const SObserved& right) {
+    return fieldsOf(left) == fieldsOf(right);
+}
+
+std::ostream& operator<<(std::ostream& out, const SObserved& observed) {
+    out << "status " << testing::PrintToString(observed.status) << "\nexception "
+        << testing::PrintToString(contentOf(observed)) << "\nselection "
+        << testing::PrintToString(observed.selection) << "\nflags " << testing::PrintToString(observed.flags)
+        << "\nstandard output " << observed.standardOutput;
+    for (const TraceLine& line : observed.trace) {
+        out << '\n' << line;
+    }
+    return out;
+}
+
+SObserved call(const std::string& configuration, const std::vector<SBackup>& backups) {
     return callWithSize(configuration.c_str(), backups, static_cast<std::int32_t>(backups.size()));
 }
 
-SObserved callWithSize(const char* configuration, const std::vector<SListed>& backups, std::int32_t size) {
+SObserved callWithSize(const char* configuration, const std::vector<SBackup>& backups, std::int32_t size) {
     std::vector<const char*> files;
     std::vector<std::int32_t> words{kGuard};
-    for (const SListed& backup : backups) {
+    for (const SBackup& backup : backups) {
         files.push_back(backup.file.c_str());
         words.push_back(backup.flagWord);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,9 +15,12 @@
 
 namespace fi_test {
 
-struct SListed {
+// An earlier backup as the host lists it.
+struct SBackup {
     std::string file;
     std::int32_t flagWord = 0;
+    // That of its document, for what is traced of it.
+    std::string timeStamp{};
 };
 
 // All that a host sees of one call.
@@ -31,11 +35,14 @@ struct SObserved {
     std::string standardOutput;
 };
 
+bool operator==(const SObserved& left, const SObserved& right);
+std::ostream& operator<<(std::ostream& out, const SObserved& observed);
+
 // Calls the library with the words around the flag array guarded.
-SObserved call(const std::string& configuration, const std::vector<SListed>& backups);
+SObserved call(const std::string& configuration, const std::vector<SBackup>& backups);
 
 // The same with any configuration, null too, and another size than that of the list.
-SObserved callWithSize(const char* configuration, const std::vector<SListed>& backups, std::int32_t size);
+SObserved callWithSize(const char* configuration, const std::vector<SBackup>& backups, std::int32_t size);
 
 // A test with documents in a folder of its own.
 class CContractTest : public testing::Test {
