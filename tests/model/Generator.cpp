@@ -11,7 +11,6 @@
 #include "tests/model/DocumentGenerator.h"
 #include "tests/model/Model.h"
 #include "tests/model/PairGenerator.h"
-#include "tests/model/Random.h"
 
 namespace fi_model {
 
@@ -74,10 +73,7 @@ std::string makeName(std::size_t index, Random& random) {
 // Builds a call step by step, one choice after another.
 class CallMaker {
 public:
-    CallMaker(std::uint64_t seed, std::uint64_t attempt)
-        : random_(seed + attempt * 0x9E3779B97F4A7C15U), stamps_(random_) {
-        call_.seed = seed;
-    }
+    explicit CallMaker(Random& random) : random_(random), stamps_(random) {}
 
     Call make() {
         if (random_.percent(5)) {
@@ -177,7 +173,7 @@ private:
         }
     }
 
-    Random random_;
+    Random& random_;
     TimeStamps stamps_;
     Call call_;
 };
@@ -190,12 +186,18 @@ bool hasTooManyTies(const Call& call) {
 
 }  // namespace
 
-Call makeCall(std::uint64_t seed) {
-    std::uint64_t attempt = 0;
-    Call call = CallMaker(seed, attempt).make();
+Call makeCall(Random& random) {
+    Call call = CallMaker(random).make();
     while (hasTooManyTies(call)) {
-        call = CallMaker(seed, ++attempt).make();
+        call = CallMaker(random).make();
     }
+    return call;
+}
+
+Call makeCall(std::uint64_t seed) {
+    Random random(seed);
+    Call call = makeCall(random);
+    call.seed = seed;
     return call;
 }
 

@@ -4,11 +4,14 @@
 #include <cstdint>
 
 #include "tests/model/Call.h"
+#include "tests/model/Random.h"
 
 namespace fi_model {
 
-// The call that belongs to a seed: ordinary calls, and among them everything that a caller, a
-// configuration or a document can get wrong.
+// Ordinary calls, and among them everything that a caller, a configuration or a document can get wrong.
+Call makeCall(Random& random);
+
+// The call that belongs to a seed.
 Call makeCall(std::uint64_t seed);
 
 }  // namespace fi_model

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <string>
 #include <utility>
@@ -10,14 +11,19 @@
 
 namespace fi_model {
 
-// Random choices that are the same with every implementation of the standard library, which its
-// distributions are not.
+// Choices: random ones, the same with every implementation of the standard library, which its distributions
+// are not; or those of whoever draws the numbers.
 class Random {
 public:
-    explicit Random(std::uint64_t seed) : engine_(seed) {}
+    explicit Random(std::uint64_t seed)
+        : Random([engine = std::mt19937_64(seed)](std::size_t limit) mutable {
+              return static_cast<std::size_t>(engine() % limit);
+          }) {}
+    // `draw` gives a number below the limit that it is called with.
+    explicit Random(std::function<std::size_t(std::size_t)> draw) : draw_(std::move(draw)) {}
 
     // A number from 0 to limit - 1.
-    std::size_t below(std::size_t limit) { return static_cast<std::size_t>(engine_() % limit); }
+    std::size_t below(std::size_t limit) { return draw_(limit); }
     std::size_t between(std::size_t least, std::size_t most) { return least + below(most - least + 1); }
     bool percent(std::size_t chance) { return below(100) < chance; }
     bool perMille(std::size_t chance) { return below(1000) < chance; }
@@ -35,7 +41,7 @@ public:
     }
 
 private:
-    std::mt19937_64 engine_;
+    std::function<std::size_t(std::size_t)> draw_;
 };
 
 }  // namespace fi_model
