@@ -27,6 +27,7 @@
 #include "fiid/CFiXmlLibrary.h"
 #include "fuzz/Document.h"
 #include "fuzz/RootCollector.h"
+#include "fuzz/parts.h"
 #include "fuzz/require.h"
 #include "host/identifier.h"
 #include "resource/CFiResourceParser.h"
@@ -41,19 +42,7 @@ using fi_rotate::SFinding;
 
 using Pairs = std::map<std::string, std::string>;
 
-constexpr std::size_t kMostDocuments = 3;
-
-std::vector<std::string> partsOf(const std::string& bytes) {
-    constexpr std::string_view kSeparator = "\n%%\n";
-    std::vector<std::string> parts;
-    std::size_t begin = 0;
-    while (begin <= bytes.size() && parts.size() <= kMostDocuments) {
-        const std::size_t end = std::min(bytes.find(kSeparator, begin), bytes.size());
-        parts.push_back(bytes.substr(begin, end - begin));
-        begin = end + kSeparator.size();
-    }
-    return parts;
-}
+constexpr std::size_t kMostParts = 4;
 
 std::vector<std::string_view> linesOf(std::string_view text) {
     std::vector<std::string_view> lines{text.substr(0, 0)};
@@ -242,7 +231,8 @@ void requireCall(const fi_rotate::SInputs& inputs, const std::vector<CFindings>&
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Initialising the XML library for every input would take most of the time.
     static const CFiXmlLibrary held;
-    const std::vector<std::string> parts = partsOf(std::string(reinterpret_cast<const char*>(data), size));
+    const std::vector<std::string> parts =
+        partsOf(std::string(reinterpret_cast<const char*>(data), size), kMostParts);
     std::vector<CDocument> documents;
     fi_rotate::SInputs inputs{parts.front(), "configuration", {}};
     for (std::size_t i = 1; i < parts.size(); ++i) {
