@@ -4,7 +4,6 @@
 #include <cstdio>
 
 namespace fi_model {
-
 namespace {
 
 std::string pairOf(const std::string& subject, const std::string& expected, const std::string& actual) {

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_ANSWER_H
-#define FI_MODEL_ANSWER_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -37,5 +36,3 @@ std::string asLiteral(const std::string& text);
 std::string firstDifference(const Answer& expected, const Answer& actual);
 
 }  // namespace fi_model
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_CALL_H
-#define FI_MODEL_CALL_H
+#pragma once
 
 #include <cstdint>
 #include <map>
@@ -33,5 +32,3 @@ struct Call {
 };
 
 }  // namespace fi_model
-
-#endif

@@ -7,7 +7,6 @@
 #include "tests/model/Model.h"
 
 namespace fi_model {
-
 namespace {
 
 // Places in load order, by time stamp.

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_COMPARISON_H
-#define FI_MODEL_COMPARISON_H
+#pragma once
 
 #include <cstddef>
 #include <functional>
@@ -33,5 +32,3 @@ std::size_t countTieRanks(const std::vector<std::string>& timeStamps);
 Comparison compare(const Call& call, const Subject& subject);
 
 }  // namespace fi_model
-
-#endif

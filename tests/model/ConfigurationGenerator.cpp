@@ -1,7 +1,6 @@
 #include "tests/model/ConfigurationGenerator.h"
 
 namespace fi_model {
-
 namespace {
 
 PlannedTarget makeFirst(const Plan& plan, Random& random) {

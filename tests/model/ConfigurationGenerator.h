@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_CONFIGURATION_GENERATOR_H
-#define FI_MODEL_CONFIGURATION_GENERATOR_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -31,5 +30,3 @@ Plan makeLadderPlan(std::size_t size);
 std::string writePlan(const Plan& plan, Random& random);
 
 }  // namespace fi_model
-
-#endif

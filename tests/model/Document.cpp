@@ -1,7 +1,6 @@
 #include "tests/model/Document.h"
 
 namespace fi_model {
-
 namespace {
 
 std::string doctype(const std::string& attributes) {

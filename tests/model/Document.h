@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_DOCUMENT_H
-#define FI_MODEL_DOCUMENT_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -44,5 +43,3 @@ inline constexpr const char* kHostEntityText = "hostname";
 std::string xmlText(const Document& document);
 
 }  // namespace fi_model
-
-#endif

@@ -4,7 +4,6 @@
 #include <utility>
 
 namespace fi_model {
-
 namespace {
 
 using Kind = Token::Kind;

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_DOCUMENT_GENERATOR_H
-#define FI_MODEL_DOCUMENT_GENERATOR_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -20,5 +19,3 @@ struct PlannedPair {
 Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp, Random& random);
 
 }  // namespace fi_model
-
-#endif

@@ -13,7 +13,6 @@
 #include "tests/model/PairGenerator.h"
 
 namespace fi_model {
-
 namespace {
 
 // Time stamps of one call. Equal ones are made now and then and in small groups only, because a

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_GENERATOR_H
-#define FI_MODEL_GENERATOR_H
+#pragma once
 
 #include <cstdint>
 
@@ -15,5 +14,3 @@ Call makeCall(Random& random);
 Call makeCall(std::uint64_t seed);
 
 }  // namespace fi_model
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_JOURNAL_H
-#define FI_MODEL_JOURNAL_H
+#pragma once
 
 #include <string>
 
@@ -27,5 +26,3 @@ struct Journal {
 };
 
 }  // namespace fi_model
-
-#endif

@@ -14,7 +14,6 @@
 #include <fi_rotation/fi_process_backups.h>
 
 namespace fi_model {
-
 namespace {
 
 void require(bool condition, const char* what) {

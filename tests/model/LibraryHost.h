@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_LIBRARY_HOST_H
-#define FI_MODEL_LIBRARY_HOST_H
+#pragma once
 
 #include "tests/model/Answer.h"
 #include "tests/model/Call.h"
@@ -31,5 +30,3 @@ private:
 };
 
 }  // namespace fi_model
-
-#endif

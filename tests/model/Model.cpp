@@ -11,7 +11,6 @@
 #include "tests/model/ModelResources.h"
 
 namespace fi_model {
-
 namespace {
 
 constexpr std::int32_t kSuccess = 0;

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_H
-#define FI_MODEL_MODEL_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -30,5 +29,3 @@ struct Prediction {
 Prediction predict(const Call& call, const TieOrder& ties = {});
 
 }  // namespace fi_model
-
-#endif

@@ -3,7 +3,6 @@
 #include <cstddef>
 
 namespace fi_model {
-
 namespace {
 
 std::string parser() {

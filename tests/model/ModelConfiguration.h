@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_CONFIGURATION_H
-#define FI_MODEL_MODEL_CONFIGURATION_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -35,5 +34,3 @@ std::string decodeReferences(const std::string& text);
 Configurations parseConfigurations(const std::string& text, Journal& journal);
 
 }  // namespace fi_model
-
-#endif

@@ -3,7 +3,6 @@
 #include <cstddef>
 
 namespace fi_model {
-
 namespace {
 
 // Cuts the part before the first "##" off the front of `rest`; false when there is no "##".

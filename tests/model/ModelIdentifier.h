@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_IDENTIFIER_H
-#define FI_MODEL_MODEL_IDENTIFIER_H
+#pragma once
 
 #include <string>
 
@@ -17,5 +16,3 @@ struct Identifier {
 Identifier parseIdentifier(const std::string& text, Journal& journal);
 
 }  // namespace fi_model
-
-#endif

@@ -5,7 +5,6 @@
 #include <map>
 
 namespace fi_model {
-
 namespace {
 
 using Kind = Token::Kind;

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_READER_H
-#define FI_MODEL_MODEL_READER_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -20,5 +19,3 @@ struct Event {
 std::vector<Event> readEvents(const Document& document);
 
 }  // namespace fi_model
-
-#endif

@@ -5,7 +5,6 @@
 #include "tests/model/ModelIdentifier.h"
 
 namespace fi_model {
-
 namespace {
 
 struct Match {

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_RESOURCES_H
-#define FI_MODEL_MODEL_RESOURCES_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -22,5 +21,3 @@ std::optional<std::string> selectionOf(const Configurations& configurations);
 void printResources(const Configurations& configurations, Journal& journal);
 
 }  // namespace fi_model
-
-#endif

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_TEST_SUPPORT_H
-#define FI_MODEL_MODEL_TEST_SUPPORT_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -49,5 +48,3 @@ inline Tokens data(const std::string& name, const std::string& value) {
 }
 
 }  // namespace fi_model
-
-#endif

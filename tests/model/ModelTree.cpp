@@ -7,7 +7,6 @@
 #include "tests/model/ModelReader.h"
 
 namespace fi_model {
-
 namespace {
 
 bool isSpace(char character) {

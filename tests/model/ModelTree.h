@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_MODEL_TREE_H
-#define FI_MODEL_MODEL_TREE_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -44,5 +43,3 @@ void printTree(const Node& node, int level, Journal& journal);
 void collectPairs(const Node& node, std::map<std::string, std::string>& pairs, Journal& journal);
 
 }  // namespace fi_model
-
-#endif

@@ -1,108 +1,42 @@
-#ifndef FI_MODEL_OUTCOME_H
-#define FI_MODEL_OUTCOME_H
+#pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
+#include <string>
+#include <vector>
 
 namespace fi_model {
 
-// Every branch of the decision that a run of calls must have taken.
-enum class Outcome : std::size_t {
-    kNullFlags,
-    kNullResult,
-    kNullConfiguration,
-    kStatusSuccess,
-    kStatusFailure,
-    kException,
-    kReferenceDecoded,
-    kConfigurationAccepted,
-    kConfigurationNone,
-    kConfigurationNoTargets,
-    kConfigurationNoDevice,
-    kConfigurationNoEnclosure,
-    kConfigurationPartlyKept,
-    kEnclosureInherited,
-    kEnclosureEmptyOnLaterTarget,
-    kEnclosureEmptyInherited,
-    kDeviceWithSeparator,
-    kNoFurtherTargets,
-    kFirstTargetShared,
-    kTargetListedTwice,
-    kTargetSharedByConfigurations,
-    kFirstBackupSelected,
-    kFirstBackupNoResource,
-    kNegativeSize,
-    kArraysLongerThanList,
-    kFlagExcluded,
-    kFlagOtherBitsOnly,
-    kNameListedTwice,
-    kNameListedTwiceFlagOverwritten,
-    kMissingFirst,
-    kMissingLater,
-    kFolderAsDocument,
-    kDocumentLoaded,
-    kDocumentWithoutRoot,
-    kDocumentMalformedWithRoot,
-    kDocumentMalformedWithoutRoot,
-    kDocumentWarned,
-    kSeveralTopLevelNodes,
-    kNestedNode,
-    kDataOutsideNode,
-    kTimeStampWithoutRoot,
-    kTimeStampReplaced,
-    kTimeStampFromInnerNode,
-    kTimeStampAfterRoot,
-    kTextFromBefore,
-    kTextLastPieceOnly,
-    kTypeNegative,
-    kTypeTruncated,
-    kPairOverwritten,
-    kBackupWithoutPairs,
-    kIdentifierDeviceFourParts,
-    kIdentifierDeviceThreeParts,
-    kIdentifierEnclosureFourParts,
-    kIdentifierEnclosureThreeParts,
-    kIdentifierPrefixNotAtStart,
-    kMalformedKey,
-    kMalformedValue,
-    kMalformedCode1,
-    kMalformedCode2,
-    kMalformedCode3,
-    kMalformedCode4,
-    kPairMatched,
-    kPairKeyUnknown,
-    kPairValueUnknown,
-    kPairMatchedInLaterConfiguration,
-    kCheckGood,
-    kCheckInvalid,
-    kClaimGood,
-    kClaimLost,
-    kClaimLostInPart,
-    kTimeStampsTied,
-    kRotationNotNeeded,
-    kRotationStopped,
-    kRotationRanOut,
-    kRotationPassedOverInvalid,
-    kRotationSkippedExcluded,
-    kRotationReleasedMany,
-    kReleased,
-    kFinalNoResource,
-    kSelectionEmpty,
-    kSelectionSkippedUsedTarget,
-    kFinalKept,
-    kFinalKeptExcluded,
-    kFinalInvalidByCheck,
-    kFinalInvalidByClaim,
-    kFinalRotated,
-    kFlagNotRewritten,
-    kCount,
-};
+// Every branch of the decision that a run of calls must have taken: the enumerators, and the text that names
+// them.
+#define FI_MODEL_OUTCOMES                                                                                   \
+    kNullFlags, kNullResult, kNullConfiguration, kStatusSuccess, kStatusFailure, kException,                \
+        kReferenceDecoded, kConfigurationAccepted, kConfigurationNone, kConfigurationNoTargets,             \
+        kConfigurationNoDevice, kConfigurationNoEnclosure, kConfigurationPartlyKept, kEnclosureInherited,   \
+        kEnclosureEmptyOnLaterTarget, kEnclosureEmptyInherited, kDeviceWithSeparator, kNoFurtherTargets,    \
+        kFirstTargetShared, kTargetListedTwice, kTargetSharedByConfigurations, kFirstBackupSelected,        \
+        kFirstBackupNoResource, kNegativeSize, kArraysLongerThanList, kFlagExcluded, kFlagOtherBitsOnly,    \
+        kNameListedTwice, kNameListedTwiceFlagOverwritten, kMissingFirst, kMissingLater, kFolderAsDocument, \
+        kDocumentLoaded, kDocumentWithoutRoot, kDocumentMalformedWithRoot, kDocumentMalformedWithoutRoot,   \
+        kDocumentWarned, kSeveralTopLevelNodes, kNestedNode, kDataOutsideNode, kTimeStampWithoutRoot,       \
+        kTimeStampReplaced, kTimeStampFromInnerNode, kTimeStampAfterRoot, kTextFromBefore,                  \
+        kTextLastPieceOnly, kTypeNegative, kTypeTruncated, kPairOverwritten, kBackupWithoutPairs,           \
+        kIdentifierDeviceFourParts, kIdentifierDeviceThreeParts, kIdentifierEnclosureFourParts,             \
+        kIdentifierEnclosureThreeParts, kIdentifierPrefixNotAtStart, kMalformedKey, kMalformedValue,        \
+        kMalformedCode1, kMalformedCode2, kMalformedCode3, kMalformedCode4, kPairMatched, kPairKeyUnknown,  \
+        kPairValueUnknown, kPairMatchedInLaterConfiguration, kCheckGood, kCheckInvalid, kClaimGood,         \
+        kClaimLost, kClaimLostInPart, kTimeStampsTied, kRotationNotNeeded, kRotationStopped,                \
+        kRotationRanOut, kRotationPassedOverInvalid, kRotationSkippedExcluded, kRotationReleasedMany,       \
+        kReleased, kFinalNoResource, kSelectionEmpty, kSelectionSkippedUsedTarget, kFinalKept,              \
+        kFinalKeptExcluded, kFinalInvalidByCheck, kFinalInvalidByClaim, kFinalRotated, kFlagNotRewritten
+
+enum class Outcome : std::size_t { FI_MODEL_OUTCOMES, kCount };
 
 inline constexpr std::size_t kOutcomeCount = static_cast<std::size_t>(Outcome::kCount);
 
-std::string_view outcomeName(Outcome outcome);
+// The names of the enumerators in order.
+std::vector<std::string> outcomeNames();
 
 class Tally {
 public:
@@ -119,5 +53,3 @@ private:
 };
 
 }  // namespace fi_model
-
-#endif

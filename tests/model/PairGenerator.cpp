@@ -3,7 +3,6 @@
 #include <string>
 
 namespace fi_model {
-
 namespace {
 
 std::string identifierOf(const PlannedTarget& target, const std::string& prefix, Random& random) {

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_PAIR_GENERATOR_H
-#define FI_MODEL_PAIR_GENERATOR_H
+#pragma once
 
 #include <cstddef>
 #include <set>
@@ -35,5 +34,3 @@ private:
 };
 
 }  // namespace fi_model
-
-#endif

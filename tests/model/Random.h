@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_RANDOM_H
-#define FI_MODEL_RANDOM_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -45,5 +44,3 @@ private:
 };
 
 }  // namespace fi_model
-
-#endif

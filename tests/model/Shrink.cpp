@@ -7,7 +7,6 @@
 #include "tests/model/Answer.h"
 
 namespace fi_model {
-
 namespace {
 
 using Kind = Token::Kind;

@@ -1,5 +1,4 @@
-#ifndef FI_MODEL_SHRINK_H
-#define FI_MODEL_SHRINK_H
+#pragma once
 
 #include <functional>
 #include <string>
@@ -22,5 +21,3 @@ std::string describe(const Call& call);
 std::string explainDifference(const Call& call, const Subject& subject);
 
 }  // namespace fi_model
-
-#endif

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "tests/model/Comparison.h"
 #include "tests/model/Generator.h"
@@ -31,12 +32,13 @@ void reportProgress(std::uint64_t done, const Options& options) {
 }
 
 bool enoughOfEach(const fi_model::Tally& tally, const Options& options) {
+    const std::vector<std::string> names = fi_model::outcomeNames();
     bool enough = true;
     for (std::size_t index = 0; index < fi_model::kOutcomeCount; ++index) {
         const auto outcome = static_cast<fi_model::Outcome>(index);
         const bool tooFew = tally[outcome] < options.least;
-        std::printf("%12ju  %s%s\n", std::uintmax_t{tally[outcome]},
-                    std::string(fi_model::outcomeName(outcome)).c_str(), tooFew ? "  TOO FEW" : "");
+        std::printf("%12ju  %s%s\n", std::uintmax_t{tally[outcome]}, names[index].c_str(),
+                    tooFew ? "  TOO FEW" : "");
         enough = enough && !tooFew;
     }
     return enough;
