@@ -79,23 +79,6 @@ SObserved decided(const std::string& configuration, const std::vector<SBackup>& 
     return decisionOf(call(configuration, backups));
 }
 
-Trace progress(const std::vector<std::string>& texts) {
-    Trace trace;
-    for (const std::string& text : texts) {
-        trace.push_back({4, text});
-    }
-    return trace;
-}
-
-Trace failure(const std::string& text) {
-    return {{3, text}};
-}
-
-Trace operator+(Trace left, const Trace& right) {
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
-}
-
 Trace rejected(const std::string& text, const std::string& missing) {
     return failure("CFiResourceParser::parse : resource configuration \"" + text + "\" has no " + missing +
                    " specified.");

@@ -29,10 +29,6 @@ Trace decisionIn(const Trace& trace);
 SObserved decisionOf(SObserved observed);
 SObserved decided(const std::string& configuration, const std::vector<SBackup>& backups);
 
-Trace progress(const std::vector<std::string>& texts);
-Trace failure(const std::string& text);
-Trace operator+(Trace left, const Trace& right);
-
 // `text` was rejected because it has no `missing`.
 Trace rejected(const std::string& text, const std::string& missing);
 Trace missingFile();

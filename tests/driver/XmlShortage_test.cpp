@@ -20,6 +20,7 @@
 #include "driver/fi_process_backups.h"
 #include "tests/support/TemporaryFolder.h"
 
+namespace fi_test {
 namespace {
 
 class CFailingMemory : public xercesc::MemoryManager {
@@ -112,7 +113,7 @@ protected:
         EXPECT_GT(number, 100U);
     }
 
-    fi_test::TemporaryFolder folder;
+    TemporaryFolder folder;
     const std::string first =
         folder.write("a.xml",
                      "<?xml version='1.0' encoding='UTF-8'?>\n<Node a='b'><!-- a comment --><objid>"
@@ -143,3 +144,4 @@ TEST_F(XmlShortage, AtEachBlockOfAnEntityThrowsAndTheNextCallWorks) {
 }
 
 }  // namespace
+}  // namespace fi_test

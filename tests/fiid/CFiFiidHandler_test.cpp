@@ -11,16 +11,13 @@
 #include "tests/fiid/Tree.h"
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
 
-using fi_test::dump;
-using fi_test::parseDocument;
-using fi_test::Trace;
-
-const fi_test::TraceLine kEnteringStart{4, "Entering CFiFiidHandler::startElement\n"};
-const fi_test::TraceLine kExitingStart{4, "Exiting CFiFiidHandler::startElement\n"};
-const fi_test::TraceLine kEnteringEnd{4, "Entering CFiFiidHandler::endElement\n"};
-const fi_test::TraceLine kExitingEnd{4, "Exiting CFiFiidHandler::endElement\n"};
+const TraceLine kEnteringStart{4, "Entering CFiFiidHandler::startElement\n"};
+const TraceLine kExitingStart{4, "Exiting CFiFiidHandler::startElement\n"};
+const TraceLine kEnteringEnd{4, "Entering CFiFiidHandler::endElement\n"};
+const TraceLine kExitingEnd{4, "Exiting CFiFiidHandler::endElement\n"};
 
 class NoAttributes : public xercesc::Attributes {
 public:
@@ -57,7 +54,7 @@ protected:
         close(name);
     }
 
-    fi_test::STrees trees;
+    STrees trees;
     CFiFiidParser parser{nullptr};
     CFiFiidHandler handler;
 };
@@ -158,7 +155,7 @@ TEST_F(CFiFiidHandlerEvents, TextOutsideAsciiIsConvertedToTheLocalCodePage) {
 }
 
 TEST_F(CFiFiidHandlerEvents, StartTagsAndEndTagsTraceEntryAndExit) {
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     open(u"Node");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringStart, kExitingStart}));
     open(u"objid");
@@ -172,7 +169,7 @@ TEST_F(CFiFiidHandlerEvents, StartTagsAndEndTagsTraceEntryAndExit) {
 TEST_F(CFiFiidHandlerEvents, ClosingTheOutermostNodeTracesOneMoreExit) {
     open(u"Node");
     open(u"Node");
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     close(u"Node");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringEnd, kExitingEnd}));
     close(u"Node");
@@ -182,7 +179,7 @@ TEST_F(CFiFiidHandlerEvents, ClosingTheOutermostNodeTracesOneMoreExit) {
 TEST_F(CFiFiidHandlerEvents, EveryTagBehindTheOutermostNodeTracesOneMoreExit) {
     open(u"Node");
     close(u"Node");
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     open(u"other");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringStart, kExitingStart, kExitingStart}));
     close(u"other");
@@ -196,7 +193,7 @@ TEST_F(CFiFiidHandlerEvents, ClosingASecondTopLevelNodeTracesTwoMoreExits) {
     open(u"Node");
     close(u"Node");
     open(u"Node");
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     close(u"Node");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringEnd, kExitingEnd, kExitingEnd, kExitingEnd}));
 }
@@ -216,10 +213,9 @@ TEST_F(CFiFiidHandlerEvents, ReportsAreRecordedAndTracedByNameOnly) {
     XMLFileLoc line = 7;
     for (const auto& row : rows) {
         handler.errorSeen = false;
-        fi_test::TraceRecorder recorder;
+        TraceRecorder recorder;
         (handler.*row.callback)(report(u"m", ++line));
-        EXPECT_EQ(recorder.take(),
-                  (Trace{{4, "Entering " + row.name + "\n"}, {4, "Exiting " + row.name + "\n"}}));
+        EXPECT_EQ(recorder.take(), entryAndExit("" + row.name + ""));
         EXPECT_TRUE(handler.errorSeen) << row.name;
         EXPECT_EQ(handler.lastException.getLineNumber(), line) << row.name;
         EXPECT_EQ(std::u16string(handler.lastException.getMessage()), u"m") << row.name;
@@ -228,13 +224,11 @@ TEST_F(CFiFiidHandlerEvents, ReportsAreRecordedAndTracedByNameOnly) {
 
 TEST(CFiFiidHandler, ConstructionAndDestructionTraceEntryAndExit) {
     const CFiFiidParser parser(nullptr);
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     auto handler = std::make_unique<CFiFiidHandler>();
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidHandler::CFiFiidHandler\n"},
-                                      {4, "Exiting CFiFiidHandler::CFiFiidHandler\n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidHandler::CFiFiidHandler"));
     handler.reset();
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidHandler::~CFiFiidHandler\n"},
-                                      {4, "Exiting CFiFiidHandler::~CFiFiidHandler\n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidHandler::~CFiFiidHandler"));
 }
 
 // Which text an element takes: "objid|altobjid" of the root.
@@ -288,3 +282,4 @@ TEST(CFiFiidHandler, GoodDocumentReportsNothing) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -9,9 +9,9 @@
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
 
-using fi_test::Trace;
 using Files = std::vector<std::string>;
 
 constexpr const char* kCannotOpen = "CFiFiidLoader::load: ERROR: failed to load FIID file";
@@ -39,16 +39,16 @@ protected:
         return content;
     }
 
-    fi_test::TemporaryFolder folder;
+    TemporaryFolder folder;
     CFiFiidLoader loader;
     CFiTreeReleaser releaser{loader.nodes};
 };
 
 TEST_F(CFiFiidLoaderTest, EmptyListLoadsNothingAndEmptiesFiles) {
     loader.files = {"old"};
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_EQ(loader.import({}), 0);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"}, {4, "Exiting \n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit(""));
     EXPECT_TRUE(loader.nodes.empty());
     EXPECT_TRUE(loader.files.empty());
 }
@@ -81,12 +81,10 @@ TEST_F(CFiFiidLoaderTest, MissingFileEndsTheImport) {
 
 TEST_F(CFiFiidLoaderTest, MissingFileTracesTheFailureBetweenEntryAndExit) {
     testing::internal::CaptureStdout();
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_EQ(loader.import({folder.path("missing"), document("a", "A")}), 6);
-    EXPECT_EQ(
-        recorder.take(),
-        (Trace{
-            {4, "Entering \n"}, {4, "Entering \n"}, {3, kCannotOpen}, {4, "Exiting \n"}, {4, "Exiting \n"}}));
+    EXPECT_EQ(recorder.take(), progress({"Entering \n", "Entering \n"}) + failure(kCannotOpen) +
+                                   progress({"Exiting \n", "Exiting \n"}));
     testing::internal::GetCapturedStdout();
 }
 
@@ -102,10 +100,10 @@ TEST_F(CFiFiidLoaderTest, LoadOfAMissingFileClearsTheContent) {
 TEST_F(CFiFiidLoaderTest, LoadReplacesTheContentAndTracesEntryAndExit) {
     const std::string file = folder.write("a", "new");
     std::string content = "old";
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_EQ(loader.load(file, content), 0);
     EXPECT_EQ(content, "new");
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"}, {4, "Exiting \n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit(""));
 }
 
 TEST_F(CFiFiidLoaderTest, LinesOfEveryLengthAreReadWholeAndUnchanged) {
@@ -174,41 +172,25 @@ TEST_F(CFiFiidLoaderTest, SecondImportAppendsRootsAndReplacesFiles) {
 
 TEST_F(CFiFiidLoaderTest, OneDocumentTracesLoadParserAndHandlerInTheOrderOfTheirLives) {
     const std::string file = folder.write("a", "<Node><objid>A</objid></Node>");
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_EQ(loader.import({file}), 0);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering \n"},
-                                      {4, "Entering \n"},
-                                      {4, "Exiting \n"},
-                                      {4, "Entering CFiFiidParser::CFiFiidParser\n"},
-                                      {4, "Entering CFiFiidParser::init\n"},
-                                      {4, "Exiting CFiFiidParser::init\n"},
-                                      {4, "Exiting CFiFiidParser::CFiFiidParser\n"},
-                                      {4, "Entering CFiFiidHandler::CFiFiidHandler\n"},
-                                      {4, "Exiting CFiFiidHandler::CFiFiidHandler\n"},
-                                      {4, "Entering CFiFiidParser::setHandler\n"},
-                                      {4, "Exiting CFiFiidParser::setHandler\n"},
-                                      {4, "Entering CFiFiidParser::parse\n"},
-                                      {4, "Entering CFiFiidHandler::startElement\n"},
-                                      {4, "Exiting CFiFiidHandler::startElement\n"},
-                                      {4, "Entering CFiFiidHandler::startElement\n"},
-                                      {4, "Exiting CFiFiidHandler::startElement\n"},
-                                      {4, "Entering CFiFiidHandler::endElement\n"},
-                                      {4, "Exiting CFiFiidHandler::endElement\n"},
-                                      {4, "Entering CFiFiidHandler::endElement\n"},
-                                      {4, "Exiting CFiFiidHandler::endElement\n"},
-                                      {4, "Exiting CFiFiidHandler::endElement\n"},
-                                      {4, "Exiting CFiFiidParser::parse\n"},
-                                      {4, "Entering CFiFiidHandler::~CFiFiidHandler\n"},
-                                      {4, "Exiting CFiFiidHandler::~CFiFiidHandler\n"},
-                                      {4, "Entering CFiFiidParser::~CFiFiidParser\n"},
-                                      {4, "Exiting CFiFiidParser::~CFiFiidParser\n"},
-                                      {4, "Exiting \n"}}));
+    EXPECT_EQ(
+        recorder.take(),
+        progress({"Entering \n"}) + entryAndExit("") + progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
+            entryAndExit("CFiFiidParser::init") + progress({"Exiting CFiFiidParser::CFiFiidParser\n"}) +
+            entryAndExit("CFiFiidHandler::CFiFiidHandler") + entryAndExit("CFiFiidParser::setHandler") +
+            progress({"Entering CFiFiidParser::parse\n"}) + entryAndExit("CFiFiidHandler::startElement") +
+            entryAndExit("CFiFiidHandler::startElement") + entryAndExit("CFiFiidHandler::endElement") +
+            entryAndExit("CFiFiidHandler::endElement") +
+            progress({"Exiting CFiFiidHandler::endElement\n", "Exiting CFiFiidParser::parse\n"}) +
+            entryAndExit("CFiFiidHandler::~CFiFiidHandler") + entryAndExit("CFiFiidParser::~CFiFiidParser") +
+            progress({"Exiting \n"}));
 }
 
 TEST(CFiFiidLoader, DestructionTracesNothingAndDeletesNoNode) {
-    const fi_test::TemporaryFolder folder;
-    fi_test::STrees trees;
-    fi_test::TraceRecorder recorder;
+    const TemporaryFolder folder;
+    STrees trees;
+    TraceRecorder recorder;
     {
         CFiFiidLoader loader;
         EXPECT_EQ(loader.import({folder.write("a", "<Node><objid>A</objid></Node>")}), 0);
@@ -216,7 +198,8 @@ TEST(CFiFiidLoader, DestructionTracesNothingAndDeletesNoNode) {
         recorder.take();
     }
     EXPECT_EQ(recorder.take(), Trace());
-    EXPECT_EQ(fi_test::dump(trees.roots.at(0)), "(A|||0)");
+    EXPECT_EQ(dump(trees.roots.at(0)), "(A|||0)");
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -9,13 +9,14 @@
 #include "tests/fiid/Tree.h"
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
 
 using Pairs = std::map<std::string, std::string>;
 
 // A chain of nodes, each the only child of the one before.
-std::unique_ptr<fi_test::STrees> chain(const std::vector<std::pair<std::string, std::string>>& ids) {
-    auto trees = std::make_unique<fi_test::STrees>();
+std::unique_ptr<STrees> chain(const std::vector<std::pair<std::string, std::string>>& ids) {
+    auto trees = std::make_unique<STrees>();
     CFiFiidNode* parent = nullptr;
     for (const auto& [objid, altobjid] : ids) {
         auto* node = new CFiFiidNode;
@@ -67,7 +68,7 @@ TEST(CFiFiidNodeQuery, FindsANodeDeepInTheTree) {
 }
 
 TEST(CFiFiidNodeQuery, OfNodesWithOneObjidTheLastInPreOrderWins) {
-    const auto siblings = fi_test::parseDocument(
+    const auto siblings = parseDocument(
         "<Node><Node><objid>UDID##x</objid><altobjid>A</altobjid></Node>"
         "<Node><objid>UDID##x</objid><altobjid>B</altobjid></Node></Node>");
     EXPECT_EQ(found(*siblings->root, "UDID##"), (Pairs{{"UDID##x", "B"}}));
@@ -76,7 +77,7 @@ TEST(CFiFiidNodeQuery, OfNodesWithOneObjidTheLastInPreOrderWins) {
     EXPECT_EQ(found(*descendant->roots[0], "UDID##"), (Pairs{{"UDID##x", "B"}}));
 
     // The whole subtree of a sibling comes before the next sibling.
-    const auto subtree = fi_test::parseDocument(
+    const auto subtree = parseDocument(
         "<Node><Node><Node><objid>UDID##x</objid><altobjid>A</altobjid></Node></Node>"
         "<Node><objid>UDID##x</objid><altobjid>B</altobjid></Node></Node>");
     EXPECT_EQ(found(*subtree->root, "UDID##"), (Pairs{{"UDID##x", "B"}}));
@@ -105,9 +106,9 @@ TEST(CFiFiidNodeQuery, SeesTheTreeBelowItsNodeOnly) {
 
 TEST(CFiFiidNodeQuery, WritesNoTraceLines) {
     const auto trees = chain({{"UDID##a", "b"}});
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     found(*trees->roots[0], "UDID##");
-    EXPECT_EQ(recorder.take(), fi_test::Trace());
+    EXPECT_EQ(recorder.take(), Trace());
 }
 
 TEST(CFiFiidNodeQuery, WalksATreeDeeperThanAnyStack) {
@@ -116,3 +117,4 @@ TEST(CFiFiidNodeQuery, WalksATreeDeeperThanAnyStack) {
 }
 
 }  // namespace
+}  // namespace fi_test

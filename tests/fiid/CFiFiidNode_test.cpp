@@ -6,10 +6,8 @@
 
 #include "tests/fiid/Tree.h"
 
+namespace fi_test {
 namespace {
-
-using fi_test::dump;
-using fi_test::parseDocument;
 
 struct SRow {
     const char* document;
@@ -144,3 +142,4 @@ TEST(CFiFiidNode, CommentsInstructionsAndOtherElementsAreIgnored) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -25,7 +25,7 @@
 
 namespace {
 
-std::function<void()> failure;
+std::function<void()> readerFailure;
 bool isMemoryShortBehindADocument = false;
 
 class CReader : public xercesc::SAX2XMLReaderImpl {
@@ -45,31 +45,30 @@ public:
 namespace xercesc_3_2 {
 
 SAX2XMLReader* XMLReaderFactory::createXMLReader(MemoryManager* const manager, XMLGrammarPool* const pool) {
-    if (failure) {
-        failure();
+    if (readerFailure) {
+        readerFailure();
     }
     return new (manager) CReader(manager, pool);
 }
 
 }  // namespace xercesc_3_2
 
+namespace fi_test {
 namespace {
-
-using fi_test::Trace;
 
 class CFiFiidParserWithoutReader : public testing::Test {
 protected:
     CFiFiidParserWithoutReader() {
-        failure = [] {
+        readerFailure = [] {
             ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_NoDTDValidator,
                                xercesc::XMLPlatformUtils::fgMemoryManager);
         };
     }
-    ~CFiFiidParserWithoutReader() override { failure = nullptr; }
+    ~CFiFiidParserWithoutReader() override { readerFailure = nullptr; }
 };
 
 void expectThatParsersWork() {
-    failure = nullptr;
+    readerFailure = nullptr;
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
     parser.setHandler(&handler);
@@ -79,13 +78,12 @@ void expectThatParsersWork() {
 
 TEST_F(CFiFiidParserWithoutReader, InitDropsTheExceptionOfTheXmlLibrary) {
     {
-        fi_test::TraceRecorder recorder;
+        TraceRecorder recorder;
         const CFiFiidParser parser(nullptr);
         EXPECT_EQ(parser.reader, nullptr);
-        EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::CFiFiidParser\n"},
-                                          {4, "Entering CFiFiidParser::init\n"},
-                                          {4, "Exiting CFiFiidParser::init\n"},
-                                          {4, "Exiting CFiFiidParser::CFiFiidParser\n"}}));
+        EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
+                                       entryAndExit("CFiFiidParser::init") +
+                                       progress({"Exiting CFiFiidParser::CFiFiidParser\n"}));
     }
     expectThatParsersWork();
 }
@@ -93,36 +91,33 @@ TEST_F(CFiFiidParserWithoutReader, InitDropsTheExceptionOfTheXmlLibrary) {
 TEST_F(CFiFiidParserWithoutReader, SetHandlerStoresTheHandler) {
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     parser.setHandler(&handler);
     EXPECT_EQ(parser.handler, &handler);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::setHandler\n"},
-                                      {4, "Exiting CFiFiidParser::setHandler\n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::setHandler"));
 }
 
 TEST_F(CFiFiidParserWithoutReader, ParseDoesNothing) {
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
     parser.setHandler(&handler);
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     parser.parse("<Node/>");
     EXPECT_EQ(handler.root, nullptr);
-    EXPECT_EQ(recorder.take(),
-              (Trace{{4, "Entering CFiFiidParser::parse\n"}, {4, "Exiting CFiFiidParser::parse\n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::parse"));
 }
 
 TEST_F(CFiFiidParserWithoutReader, DestructorStillTerminatesTheXmlLibrary) {
     auto parser = std::make_unique<CFiFiidParser>(nullptr);
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     parser.reset();
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::~CFiFiidParser\n"},
-                                      {4, "Exiting CFiFiidParser::~CFiFiidParser\n"}}));
+    EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::~CFiFiidParser"));
     // Initialised as often as terminated: the library's own memory manager is gone.
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
 }
 
 TEST_F(CFiFiidParserWithoutReader, DocumentYieldsNoTreeAndCountsAsLoaded) {
-    const fi_test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     CFiFiidLoader loader;
     EXPECT_EQ(loader.import({folder.write("a.xml", "<Node/>")}), 0);
     EXPECT_TRUE(loader.nodes.empty());
@@ -130,15 +125,15 @@ TEST_F(CFiFiidParserWithoutReader, DocumentYieldsNoTreeAndCountsAsLoaded) {
 
 // What is not an XMLException passes on, and the constructor undoes what it set up.
 TEST_F(CFiFiidParserWithoutReader, OtherExceptionsLeaveTheConstructorWithTheXmlLibraryBalanced) {
-    failure = [] { throw xercesc::OutOfMemoryException(); };
+    readerFailure = [] { throw xercesc::OutOfMemoryException(); };
     EXPECT_THROW(CFiFiidParser(nullptr), xercesc::OutOfMemoryException);
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
 
-    failure = [] { throw std::bad_alloc(); };
-    fi_test::TraceRecorder recorder;
+    readerFailure = [] { throw std::bad_alloc(); };
+    TraceRecorder recorder;
     EXPECT_THROW(CFiFiidParser(nullptr), std::bad_alloc);
     EXPECT_EQ(recorder.take(),
-              (Trace{{4, "Entering CFiFiidParser::CFiFiidParser\n"}, {4, "Entering CFiFiidParser::init\n"}}));
+              progress({"Entering CFiFiidParser::CFiFiidParser\n", "Entering CFiFiidParser::init\n"}));
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
     expectThatParsersWork();
 }
@@ -154,24 +149,24 @@ public:
 TEST(CFiFiidParserThrowing, ParsePassesOnWhatTheReaderThrowsWithoutAnExitLine) {
     CThrowingHandler handler;
     CFiFiidParser parser(&handler);
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_THROW(parser.parse("<a/>"), std::bad_alloc);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::parse\n"}}));
+    EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::parse\n"}));
 }
 
 // The second document's reader fails with what nobody catches.
 TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
-    const fi_test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string good = folder.write("a.xml", "<Node/>");
     int calls = 0;
-    failure = [&calls] {
+    readerFailure = [&calls] {
         if (++calls == 2) {
             throw xercesc::OutOfMemoryException();
         }
     };
     CFiFiidLoader loader;
     EXPECT_THROW(loader.import({good, good, good}), xercesc::OutOfMemoryException);
-    failure = nullptr;
+    readerFailure = nullptr;
     ASSERT_EQ(loader.nodes.size(), 1U);
     CFiTreeReleaser release(loader.nodes);
     EXPECT_EQ(loader.files.size(), 3U);
@@ -180,7 +175,7 @@ TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
 
 // Whoever holds the loader must find the tree to free it.
 TEST(CFiFiidLoaderThrowing, ImportKeepsTheTreeThatWasBuiltBeforeTheReaderFailed) {
-    const fi_test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<Node><objid>x</objid><Node/></Node>");
     CFiFiidLoader loader;
     isMemoryShortBehindADocument = true;
@@ -193,3 +188,4 @@ TEST(CFiFiidLoaderThrowing, ImportKeepsTheTreeThatWasBuiltBeforeTheReaderFailed)
 }
 
 }  // namespace
+}  // namespace fi_test

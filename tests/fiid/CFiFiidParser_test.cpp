@@ -10,14 +10,10 @@
 
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
 
-using fi_test::Trace;
 using xercesc::XMLUni;
-
-Trace entryAndExit(const std::string& name) {
-    return {{4, "Entering " + name + "\n"}, {4, "Exiting " + name + "\n"}};
-}
 
 // Notes the events that it receives: "<a" for a start, ">" for an end, "!" for a report.
 class CEventNotes : public xercesc::DefaultHandler {
@@ -49,26 +45,23 @@ std::string notesOf(const std::string& document) {
 }
 
 TEST(CFiFiidParser, ConstructionWithoutAHandlerInitialisesOnly) {
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     const CFiFiidParser parser(nullptr);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::CFiFiidParser\n"},
-                                      {4, "Entering CFiFiidParser::init\n"},
-                                      {4, "Exiting CFiFiidParser::init\n"},
-                                      {4, "Exiting CFiFiidParser::CFiFiidParser\n"}}));
+    EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
+                                   entryAndExit("CFiFiidParser::init") +
+                                   progress({"Exiting CFiFiidParser::CFiFiidParser\n"}));
     EXPECT_EQ(parser.handler, nullptr);
     EXPECT_NE(parser.reader, nullptr);
 }
 
 TEST(CFiFiidParser, ConstructionWithAHandlerInstallsIt) {
     CEventNotes handler;
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     CFiFiidParser parser(&handler);
-    EXPECT_EQ(recorder.take(), (Trace{{4, "Entering CFiFiidParser::CFiFiidParser\n"},
-                                      {4, "Entering CFiFiidParser::init\n"},
-                                      {4, "Exiting CFiFiidParser::init\n"},
-                                      {4, "Entering CFiFiidParser::setHandler\n"},
-                                      {4, "Exiting CFiFiidParser::setHandler\n"},
-                                      {4, "Exiting CFiFiidParser::CFiFiidParser\n"}}));
+    EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
+                                   entryAndExit("CFiFiidParser::init") +
+                                   entryAndExit("CFiFiidParser::setHandler") +
+                                   progress({"Exiting CFiFiidParser::CFiFiidParser\n"}));
     EXPECT_EQ(parser.handler, &handler);
     parser.parse("<a/>");
     EXPECT_EQ(handler.notes, "<a>");
@@ -77,7 +70,7 @@ TEST(CFiFiidParser, ConstructionWithAHandlerInstallsIt) {
 TEST(CFiFiidParser, SetHandlerInstallsForContentAndErrorsOnly) {
     CFiFiidParser parser(nullptr);
     CEventNotes handler;
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     parser.setHandler(&handler);
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::setHandler"));
     EXPECT_EQ(parser.handler, &handler);
@@ -111,7 +104,7 @@ TEST(CFiFiidParser, SwitchesValidationAndNamespacesOff) {
 
 TEST(CFiFiidParser, ParseTracesEntryAndExit) {
     CFiFiidParser parser(nullptr);
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     parser.parse("<a/>");
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::parse"));
     parser.parse("<a>");
@@ -120,7 +113,7 @@ TEST(CFiFiidParser, ParseTracesEntryAndExit) {
 
 TEST(CFiFiidParser, DestructionTracesEntryAndExit) {
     auto parser = std::make_unique<CFiFiidParser>(nullptr);
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     parser.reset();
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::~CFiFiidParser"));
 }
@@ -172,3 +165,4 @@ TEST(CFiFiidParser, ParsersMayOverlapOnOneThread) {
 }
 
 }  // namespace
+}  // namespace fi_test

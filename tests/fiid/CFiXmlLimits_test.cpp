@@ -11,6 +11,7 @@
 
 #include "tests/support/TemporaryFolder.h"
 
+namespace fi_test {
 namespace {
 
 class CReportCounter : public xercesc::DefaultHandler {
@@ -103,7 +104,7 @@ TEST_F(CFiXmlLimitsTest, AcceptAnExternalEntityThatNobodyRefersTo) {
 }
 
 TEST_F(CFiXmlLimitsTest, RefuseWhatIsExternalAlthoughItIsThere) {
-    const fi_test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string file = folder.write("file", "<!ELEMENT a ANY>");
     EXPECT_TRUE(isRefused("<!DOCTYPE a SYSTEM '" + file + "'><a/>"));
     EXPECT_TRUE(isRefused("<!DOCTYPE a PUBLIC 'name' '" + file + "'><a/>"));
@@ -139,3 +140,4 @@ TEST_F(CFiXmlLimitsTest, RefuseLongTextsOfADeclaration) {
 }
 
 }  // namespace
+}  // namespace fi_test

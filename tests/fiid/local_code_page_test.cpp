@@ -6,12 +6,12 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 #include "fiid/CFiXmlLibrary.h"
 #include "tests/support/TemporaryFolder.h"
 
+namespace fi_test {
 namespace {
 
 std::string transcoded(const std::u16string& text) {
@@ -80,7 +80,7 @@ TEST(LocalCodePage, AgreesWithTheTranscoderInAUtf8Locale) {
 }
 
 TEST(LocalCodePage, AgreesWithTheTranscoderInALatin1Locale) {
-    const fi_test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string command = "localedef -i de_DE -f ISO-8859-1 " + folder.path("de_DE.ISO-8859-1");
     ASSERT_EQ(std::system(command.c_str()), 0);
     setenv("LOCPATH", folder.path("").c_str(), 1);
@@ -100,13 +100,5 @@ TEST(LocalCodePage, TakesATextToItsNul) {
     EXPECT_EQ(result, "ab");
 }
 
-TEST(XmlLibrary, IsHeldForAScope) {
-    {
-        const CFiXmlLibrary outer;
-        { const CFiXmlLibrary inner; }
-        EXPECT_NE(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
-    }
-    EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
-}
-
 }  // namespace
+}  // namespace fi_test

@@ -12,6 +12,7 @@
 #include "tests/resource/Backup.h"
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
 
 using fi_test::CBackup;
@@ -231,12 +232,12 @@ TEST(CFiResourceManagerValidate, MalformedIdentifiersAreTracedAndThrownOn) {
         for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
             CFiResourceManager manager = managerOf("encA##lun1;snap1");
             CBackup backup{{row.objid, row.altobjid}};
-            fi_test::TraceRecorder recorder;
+            TraceRecorder recorder;
             const auto thrown = thrownBy(manager, backup, mode);
             ASSERT_TRUE(thrown.has_value()) << row.objid << ' ' << row.altobjid;
             EXPECT_EQ(thrown->identifier, row.identifier);
             EXPECT_EQ(thrown->code, row.code) << row.identifier;
-            EXPECT_EQ(recorder.take(), (fi_test::Trace{{3, "ERROR: " + row.identifier}}));
+            EXPECT_EQ(recorder.take(), (failure("ERROR: " + row.identifier)));
         }
     }
 }
@@ -350,12 +351,13 @@ TEST(CFiResourceManagerValidate, WritesNoTraceLinesOtherwise) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     CBackup matching{{udid("encA##lun1"), udid("encA##snap1")}};
     CBackup unmatched{{udid("encA##lun9"), udid("encA##snap1")}};
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
         manager.validateResources(matching.get(), mode);
         manager.validateResources(unmatched.get(), mode);
     }
-    EXPECT_EQ(recorder.take(), fi_test::Trace());
+    EXPECT_EQ(recorder.take(), Trace());
 }
 
 }  // namespace
+}  // namespace fi_test

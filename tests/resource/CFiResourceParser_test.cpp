@@ -6,9 +6,8 @@
 
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
-
-using fi_test::Trace;
 
 // One list as "enclosure/device state: enclosure/device state, ...", lists joined by " | ".
 std::string dump(const CFiResourceParser& parser) {
@@ -47,7 +46,7 @@ struct SParsed {
 
 SParsed parsed(const char* specification) {
     CFiResourceParser parser;
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     const std::int32_t status = parser.parse(specification);
     return {status, dump(parser), recorder.take()};
 }
@@ -57,12 +56,10 @@ TEST(CFiResourceParser, ParsesTheWorkedExampleWithItsTrace) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.configurations, "encA/dev1 0: encA/dev2 0 encB/dev3 0 | encC/dev4 0: /dev5 0");
     EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [encA##dev1;dev2;encB##dev3]"},
-                     {4, "CFiResourceParser::parse : [encA][dev1]"},
-                     {4, "CFiResourceParser::parse : [encA][dev2]"},
-                     {4, "CFiResourceParser::parse : [encB][dev3]"},
-                     {4, "CFiResourceParser::parse : [encC][dev4]"},
-                     {4, "CFiResourceParser::parse : [][dev5]"}}));
+              progress({"CFiResourceParser::parse : Resource specification [encA##dev1;dev2;encB##dev3]",
+                        "CFiResourceParser::parse : [encA][dev1]", "CFiResourceParser::parse : [encA][dev2]",
+                        "CFiResourceParser::parse : [encB][dev3]", "CFiResourceParser::parse : [encC][dev4]",
+                        "CFiResourceParser::parse : [][dev5]"}));
 }
 
 TEST(CFiResourceParser, CountsARunOfSeparatorsAsOne) {
@@ -79,8 +76,8 @@ TEST(CFiResourceParser, ShowsLeadingSeparatorsAndTheFirstConfigurationInItsLine)
     const SParsed result = parsed("&&encA##dev1&&");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.configurations, "encA/dev1 0:");
-    EXPECT_EQ(result.trace, (Trace{{4, "CFiResourceParser::parse : Resource specification [&&encA##dev1]"},
-                                   {4, "CFiResourceParser::parse : [encA][dev1]"}}));
+    EXPECT_EQ(result.trace, progress({"CFiResourceParser::parse : Resource specification [&&encA##dev1]",
+                                      "CFiResourceParser::parse : [encA][dev1]"}));
 }
 
 TEST(CFiResourceParser, SplitsATargetAtItsFirstSeparatorOnly) {
@@ -106,13 +103,11 @@ TEST(CFiResourceParser, NeverCarriesAnEnclosureIntoTheNextConfiguration) {
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "encA/dev1 0: encA/dev2 0");
     EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [encA##dev1;dev2]"},
-                     {4, "CFiResourceParser::parse : [encA][dev1]"},
-                     {4, "CFiResourceParser::parse : [encA][dev2]"},
-                     {4, "CFiResourceParser::parse : [][dev3]"},
-                     {3,
-                      "CFiResourceParser::parse : resource configuration \"dev3\" has no enclosure "
-                      "data specified."}}));
+              progress({"CFiResourceParser::parse : Resource specification [encA##dev1;dev2]",
+                        "CFiResourceParser::parse : [encA][dev1]", "CFiResourceParser::parse : [encA][dev2]",
+                        "CFiResourceParser::parse : [][dev3]"}) +
+                  failure("CFiResourceParser::parse : resource configuration \"dev3\" has no enclosure data "
+                          "specified."));
 }
 
 TEST(CFiResourceParser, DecodesReferencesBeforeItSplits) {
@@ -123,49 +118,44 @@ TEST(CFiResourceParser, DecodesReferencesBeforeItSplits) {
     const SParsed result = parsed("encA&amp;encB##dev2");
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "");
-    EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [encA]"},
-                     {4, "CFiResourceParser::parse : [][encA]"},
-                     {3,
-                      "CFiResourceParser::parse : resource configuration \"encA\" has no enclosure "
-                      "data specified."}}));
+    EXPECT_EQ(result.trace, progress({"CFiResourceParser::parse : Resource specification [encA]",
+                                      "CFiResourceParser::parse : [][encA]"}) +
+                                failure("CFiResourceParser::parse : resource configuration \"encA\" has no "
+                                        "enclosure data specified."));
 }
 
 TEST(CFiResourceParser, RejectsANullSpecification) {
     const SParsed result = parsed(nullptr);
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "");
-    EXPECT_EQ(result.trace, (Trace{{3, "CFiResourceParser::parse : Resource specification is null."}}));
+    EXPECT_EQ(result.trace, failure("CFiResourceParser::parse : Resource specification is null."));
 }
 
 TEST(CFiResourceParser, FindsNoConfigurationInAnEmptySpecification) {
     const SParsed result = parsed("");
     EXPECT_EQ(result.status, 6);
     EXPECT_EQ(result.configurations, "");
-    EXPECT_EQ(result.trace, (Trace{{3, "CFiResourceParser::parse : Invalid resource specification []"}}));
+    EXPECT_EQ(result.trace, failure("CFiResourceParser::parse : Invalid resource specification []"));
 }
 
 TEST(CFiResourceParser, FindsNoConfigurationInSeparatorsAndShowsThemUnchanged) {
     const SParsed lineEnd = parsed("\r\n");
     EXPECT_EQ(lineEnd.status, 6);
-    EXPECT_EQ(lineEnd.trace,
-              (Trace{{3, "CFiResourceParser::parse : Invalid resource specification [\r\n]"}}));
+    EXPECT_EQ(lineEnd.trace, failure("CFiResourceParser::parse : Invalid resource specification [\r\n]"));
     const SParsed decoded = parsed("&amp;&\n");
     EXPECT_EQ(decoded.status, 6);
-    EXPECT_EQ(decoded.trace,
-              (Trace{{3, "CFiResourceParser::parse : Invalid resource specification [&&\n]"}}));
+    EXPECT_EQ(decoded.trace, failure("CFiResourceParser::parse : Invalid resource specification [&&\n]"));
 }
 
 TEST(CFiResourceParser, RejectsAConfigurationWithoutTargets) {
     const SParsed result = parsed("a##1&;;;&b##2");
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "a/1 0:");
-    EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [a##1]"},
-                     {4, "CFiResourceParser::parse : [a][1]"},
-                     {3,
-                      "CFiResourceParser::parse : resource configuration \";;;\" has no targets "
-                      "specified."}}));
+    EXPECT_EQ(
+        result.trace,
+        progress({"CFiResourceParser::parse : Resource specification [a##1]",
+                  "CFiResourceParser::parse : [a][1]"}) +
+            failure("CFiResourceParser::parse : resource configuration \";;;\" has no targets specified."));
 }
 
 TEST(CFiResourceParser, RejectsATargetWithoutADeviceAndNamesTheTarget) {
@@ -173,12 +163,10 @@ TEST(CFiResourceParser, RejectsATargetWithoutADeviceAndNamesTheTarget) {
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.configurations, "");
     EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [encB##dev;encA##;dev2]"},
-                     {4, "CFiResourceParser::parse : [encB][dev]"},
-                     {4, "CFiResourceParser::parse : [encA][]"},
-                     {3,
-                      "CFiResourceParser::parse : resource configuration \"encA##\" has no device "
-                      "data specified."}}));
+              progress({"CFiResourceParser::parse : Resource specification [encB##dev;encA##;dev2]",
+                        "CFiResourceParser::parse : [encB][dev]", "CFiResourceParser::parse : [encA][]"}) +
+                  failure("CFiResourceParser::parse : resource configuration \"encA##\" has no device data "
+                          "specified."));
 }
 
 TEST(CFiResourceParser, RejectsAFirstTargetWithoutAnEnclosureAndNamesTheTarget) {
@@ -198,19 +186,19 @@ TEST(CFiResourceParser, RejectsAFirstTargetWithoutAnEnclosureAndNamesTheTarget) 
         EXPECT_EQ(result.status, 3);
         EXPECT_EQ(result.configurations, "");
         EXPECT_EQ(result.trace.size(), 3U) << row.specification;
-        EXPECT_EQ(result.trace.back(), (fi_test::TraceLine{3, row.message}));
+        EXPECT_EQ(result.trace.back(), (TraceLine{3, row.message}));
     }
 }
 
 TEST(CFiResourceParser, MissesTheDeviceBeforeTheEnclosure) {
     const SParsed result = parsed("##");
     EXPECT_EQ(result.status, 3);
-    EXPECT_EQ(result.trace,
-              (Trace{{4, "CFiResourceParser::parse : Resource specification [##]"},
-                     {4, "CFiResourceParser::parse : [][]"},
-                     {3,
-                      "CFiResourceParser::parse : resource configuration \"##\" has no device data "
-                      "specified."}}));
+    EXPECT_EQ(
+        result.trace,
+        progress(
+            {"CFiResourceParser::parse : Resource specification [##]", "CFiResourceParser::parse : [][]"}) +
+            failure(
+                "CFiResourceParser::parse : resource configuration \"##\" has no device data specified."));
 }
 
 TEST(CFiResourceParser, KeepsTheConfigurationsBeforeARejectedOne) {
@@ -237,9 +225,9 @@ TEST(CFiResourceParser, LeavesTheCallersTextAlone) {
 
 TEST(CFiResourceParser, TracesPercentSignsAsTheyStand) {
     const SParsed result = parsed("%s##%n;100%");
-    EXPECT_EQ(result.trace, (Trace{{4, "CFiResourceParser::parse : Resource specification [%s##%n;100%]"},
-                                   {4, "CFiResourceParser::parse : [%s][%n]"},
-                                   {4, "CFiResourceParser::parse : [%s][100%]"}}));
+    EXPECT_EQ(result.trace,
+              progress({"CFiResourceParser::parse : Resource specification [%s##%n;100%]",
+                        "CFiResourceParser::parse : [%s][%n]", "CFiResourceParser::parse : [%s][100%]"}));
 }
 
 TEST(CFiResourceParser, HasNoLimitOnLengthAndNumber) {
@@ -256,3 +244,4 @@ TEST(CFiResourceParser, HasNoLimitOnLengthAndNumber) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -8,6 +8,7 @@
 #include "resource/CFiUdidException.h"
 #include "tests/support/TraceRecorder.h"
 
+namespace fi_test {
 namespace {
 
 // "idPart1|idPart2|enclosure|device|D" or "|E" for an enclosure identifier.
@@ -152,11 +153,12 @@ TEST(CFiUdid, LeavesReservedAsItIs) {
 }
 
 TEST(CFiUdid, WritesNoTraceLines) {
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     CFiUdid udid;
     udid.parse("UDID##a##b##c");
     ASSERT_TRUE(thrownBy(udid, "UDID##a").has_value());
-    EXPECT_EQ(recorder.take(), fi_test::Trace());
+    EXPECT_EQ(recorder.take(), Trace());
 }
 
 }  // namespace
+}  // namespace fi_test

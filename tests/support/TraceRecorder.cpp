@@ -29,6 +29,27 @@ std::ostream& operator<<(std::ostream& out, const TraceLine& line) {
     return out << line.level << ' ' << line.text;
 }
 
+Trace progress(const std::vector<std::string>& texts) {
+    Trace trace;
+    for (const std::string& text : texts) {
+        trace.push_back({4, text});
+    }
+    return trace;
+}
+
+Trace failure(const std::string& text) {
+    return {{3, text}};
+}
+
+Trace entryAndExit(const std::string& operation) {
+    return progress({"Entering " + operation + "\n", "Exiting " + operation + "\n"});
+}
+
+Trace operator+(Trace left, const Trace& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
 TraceRecorder::TraceRecorder() {
     if (activeRecorder != nullptr) {
         throw std::logic_error("a trace recorder exists already");

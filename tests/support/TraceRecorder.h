@@ -20,6 +20,13 @@ std::ostream& operator<<(std::ostream& out, const TraceLine& line);
 
 using Trace = std::vector<TraceLine>;
 
+// Lines that a test expects: at level 4, one at level 3, and the entry of an operation with its exit.
+Trace progress(const std::vector<std::string>& texts);
+Trace failure(const std::string& text);
+Trace entryAndExit(const std::string& operation);
+
+Trace operator+(Trace left, const Trace& right);
+
 // Levels by format.
 using Formats = std::map<std::string, int, std::less<>>;
 
