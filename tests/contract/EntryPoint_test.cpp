@@ -63,49 +63,43 @@ TEST_F(EntryPoint, AcceptsNullFlagsWithoutBackups) {
     EXPECT_EQ(decisionIn(recorder.take()), kNoPrevious);
 }
 
-TEST_F(EntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
+void expectRejection(const char* configuration, std::int32_t* flags, std::int32_t size,
+                     bool hasResult = true) {
     const char* const files[] = {"no such file"};
+    char untouched = 'u';
+    char* result = &untouched;
+    fi_test::TraceRecorder recorder;
+    EXPECT_EQ(entryPoint()(files, configuration, flags, size, hasResult ? &result : nullptr), 3) << size;
+    EXPECT_EQ(decisionIn(recorder.take()), kInvalid) << size;
+    EXPECT_EQ(result, &untouched) << size;
+}
+
+TEST_F(EntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
     for (const std::int32_t size : {1, -1, INT32_MIN}) {
-        char untouched = 'u';
-        char* result = &untouched;
-        fi_test::TraceRecorder recorder;
-        EXPECT_EQ(entryPoint()(files, "encA##lun1;snap1", nullptr, size, &result), 3) << size;
-        EXPECT_EQ(decisionIn(recorder.take()), kInvalid) << size;
-        EXPECT_EQ(result, &untouched);
+        expectRejection("encA##lun1;snap1", nullptr, size);
     }
 }
 
 TEST_F(EntryPoint, RejectsANullResultStringWhateverElseIsPassed) {
-    const char* const files[] = {"no such file"};
     std::int32_t flags[] = {7};
     for (const std::int32_t size : {0, 1, -1}) {
         for (const char* configuration : {"encA##lun1;snap1", "", static_cast<const char*>(nullptr)}) {
-            fi_test::TraceRecorder recorder;
-            EXPECT_EQ(entryPoint()(files, configuration, flags, size, nullptr), 3);
-            EXPECT_EQ(decisionIn(recorder.take()), kInvalid);
+            expectRejection(configuration, flags, size, false);
         }
     }
     EXPECT_EQ(flags[0], 7);
 }
 
 TEST_F(EntryPoint, RejectsANullConfigurationWhateverElseIsPassed) {
-    const char* const files[] = {"no such file"};
     std::int32_t flags[] = {7};
     for (const std::int32_t size : {0, 1, -1}) {
-        char untouched = 'u';
-        char* result = &untouched;
-        fi_test::TraceRecorder recorder;
-        EXPECT_EQ(entryPoint()(files, nullptr, flags, size, &result), 3);
-        EXPECT_EQ(decisionIn(recorder.take()), kInvalid);
-        EXPECT_EQ(result, &untouched);
+        expectRejection(nullptr, flags, size);
     }
     EXPECT_EQ(flags[0], 7);
 }
 
 TEST_F(EntryPoint, TracesARejectionOnceWhenSeveralArgumentsAreBad) {
-    fi_test::TraceRecorder recorder;
-    EXPECT_EQ(entryPoint()(nullptr, nullptr, nullptr, 1, nullptr), 3);
-    EXPECT_EQ(decisionIn(recorder.take()), kInvalid);
+    expectRejection(nullptr, nullptr, 1, false);
 }
 
 TEST_F(EntryPoint, FirstBackupGetsTheFirstTargetOfEachConfigurationWithoutASeparator) {

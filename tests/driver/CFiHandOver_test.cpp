@@ -11,10 +11,14 @@ namespace {
 
 using Flags = std::vector<std::int32_t>;
 
-TEST(CFiHandOver, GivesAtOnce) {
+class CFiHandOverTest : public testing::Test {
+protected:
     char former = 'f';
     char* target = &former;
     Flags flags{4, 5};
+};
+
+TEST_F(CFiHandOverTest, GivesAtOnce) {
     CFiHandOver handOver(&target, flags.data(), flags.size());
     handOver.give(duplicateForCaller("selection"));
     EXPECT_STREQ(target, "selection");
@@ -23,10 +27,7 @@ TEST(CFiHandOver, GivesAtOnce) {
     EXPECT_EQ(flags, (Flags{0, 2}));
 }
 
-TEST(CFiHandOver, LeavesWhatIsKept) {
-    char former = 'f';
-    char* target = &former;
-    Flags flags{4, 5};
+TEST_F(CFiHandOverTest, LeavesWhatIsKept) {
     {
         CFiHandOver handOver(&target, flags.data(), flags.size());
         handOver.give(duplicateForCaller("selection"));
@@ -38,10 +39,7 @@ TEST(CFiHandOver, LeavesWhatIsKept) {
     std::free(target);
 }
 
-TEST(CFiHandOver, TakesBackWhatIsNotKept) {
-    char former = 'f';
-    char* target = &former;
-    Flags flags{4, 5};
+TEST_F(CFiHandOverTest, TakesBackWhatIsNotKept) {
     {
         CFiHandOver handOver(&target, flags.data(), flags.size());
         handOver.give(duplicateForCaller("selection"));
@@ -51,13 +49,10 @@ TEST(CFiHandOver, TakesBackWhatIsNotKept) {
     EXPECT_EQ(flags, (Flags{4, 5}));
 }
 
-TEST(CFiHandOver, TakesNothingBackThatWasNotGiven) {
-    char former = 'f';
-    char* target = &former;
-    Flags flags{4};
+TEST_F(CFiHandOverTest, TakesNothingBackThatWasNotGiven) {
     { const CFiHandOver handOver(&target, flags.data(), flags.size()); }
     EXPECT_EQ(target, &former);
-    EXPECT_EQ(flags, Flags{4});
+    EXPECT_EQ(flags, (Flags{4, 5}));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
-#include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/internal/VecAttributesImpl.hpp>
 
 #include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
@@ -19,29 +19,11 @@ const TraceLine kExitingStart{4, "Exiting CFiFiidHandler::startElement\n"};
 const TraceLine kEnteringEnd{4, "Entering CFiFiidHandler::endElement\n"};
 const TraceLine kExitingEnd{4, "Exiting CFiFiidHandler::endElement\n"};
 
-class NoAttributes : public xercesc::Attributes {
-public:
-    XMLSize_t getLength() const override { return 0; }
-    const XMLCh* getURI(XMLSize_t) const override { return nullptr; }
-    const XMLCh* getLocalName(XMLSize_t) const override { return nullptr; }
-    const XMLCh* getQName(XMLSize_t) const override { return nullptr; }
-    const XMLCh* getType(XMLSize_t) const override { return nullptr; }
-    const XMLCh* getValue(XMLSize_t) const override { return nullptr; }
-    bool getIndex(const XMLCh*, const XMLCh*, XMLSize_t&) const override { return false; }
-    int getIndex(const XMLCh*, const XMLCh*) const override { return -1; }
-    bool getIndex(const XMLCh*, XMLSize_t&) const override { return false; }
-    int getIndex(const XMLCh*) const override { return -1; }
-    const XMLCh* getType(const XMLCh*, const XMLCh*) const override { return nullptr; }
-    const XMLCh* getType(const XMLCh*) const override { return nullptr; }
-    const XMLCh* getValue(const XMLCh*, const XMLCh*) const override { return nullptr; }
-    const XMLCh* getValue(const XMLCh*) const override { return nullptr; }
-};
-
 // A handler whose callbacks the test calls itself, in the life of a parser as the XML library needs it.
 class CFiFiidHandlerEvents : public testing::Test {
 protected:
     void open(const XMLCh* name) {
-        handler.startElement(u"", u"", name, NoAttributes());
+        handler.startElement(u"", u"", name, xercesc::VecAttributesImpl());
         if (handler.root != nullptr && (trees.roots.empty() || trees.roots.back() != handler.root)) {
             trees.roots.push_back(handler.root);
         }
