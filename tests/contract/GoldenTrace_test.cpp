@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/contract/Golden.h"
 #include "tests/contract/Host.h"
+#include "tests/support/Golden.h"
 
 // Calls whose complete trace is spelled out.
 namespace {

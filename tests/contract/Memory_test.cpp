@@ -11,9 +11,9 @@
 #include <gtest/gtest.h>
 
 #include "tests/contract/Document.h"
-#include "tests/contract/Golden.h"
 #include "tests/contract/Host.h"
 #include "tests/contract/Ledger.h"
+#include "tests/support/Golden.h"
 
 namespace {
 

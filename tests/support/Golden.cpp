@@ -1,4 +1,4 @@
-#include "tests/contract/Golden.h"
+#include "tests/support/Golden.h"
 
 #include <cstddef>
 #include <fstream>
