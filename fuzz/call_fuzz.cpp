@@ -33,14 +33,14 @@ extern "C" __attribute__((weak)) void __lsan_enable();
 
 namespace {
 
-using fi_model::Answer;
-using fi_model::Backup;
-using fi_model::Call;
-using fi_model::Configuration;
 using fi_model::Configurations;
-using fi_model::Journal;
-using fi_model::Prediction;
-using fi_model::Target;
+using fi_model::SAnswer;
+using fi_model::SBackup;
+using fi_model::SCall;
+using fi_model::SConfiguration;
+using fi_model::SJournal;
+using fi_model::SPrediction;
+using fi_model::STarget;
 
 constexpr std::size_t kMostParts = 5;
 
@@ -68,24 +68,24 @@ private:
 };
 
 struct SScenario {
-    Call call;
+    SCall call;
     // Names of the documents that are bytes from the input.
     std::set<std::string> raw;
     // What the model says, which knows nothing of those.
-    Prediction expected;
+    SPrediction expected;
 };
 
 // Of several top-level Nodes in a document all but the last stay allocated, which a leak checker takes for a
 // finding.
-bool leavesRoots(const Prediction& prediction) {
-    return prediction.tally[fi_model::Outcome::kSeveralTopLevelNodes] > 0;
+bool leavesRoots(const SPrediction& prediction) {
+    return prediction.tally[fi_model::EOutcome::kSeveralTopLevelNodes] > 0;
 }
 
 SScenario choose(const std::string& input) {
     const std::vector<std::string> parts = partsOf(input, kMostParts);
-    fi_model::Random random{CChoices(parts[0])};
+    fi_model::CRandom random{CChoices(parts[0])};
     SScenario scenario;
-    Call& call = scenario.call;
+    SCall& call = scenario.call;
     do {
         call = makeCall(random);
         if (parts.size() > 1 && call.configuration.has_value()) {
@@ -97,7 +97,7 @@ SScenario choose(const std::string& input) {
     for (std::size_t i = 2; i < parts.size() && i - 2 < call.entries.size(); ++i) {
         const std::string& name = call.entries[i - 2].name;
         if (call.files.count(name) == 1 && !call.files[name].isDirectory) {
-            call.files[name].tokens = {{fi_model::Token::Kind::kText, parts[i], ""}};
+            call.files[name].tokens = {{fi_model::SToken::EKind::kText, parts[i], ""}};
             scenario.raw.insert(name);
         }
     }
@@ -120,7 +120,7 @@ public:
     CWithoutLeakCheck& operator=(const CWithoutLeakCheck&) = delete;
 };
 
-Answer run(fi_model::LibraryHost& host, const SScenario& scenario) {
+SAnswer run(fi_model::CLibraryHost& host, const SScenario& scenario) {
     if (scenario.raw.empty()) {
         return host.run(scenario.call);
     }
@@ -129,15 +129,15 @@ Answer run(fi_model::LibraryHost& host, const SScenario& scenario) {
     return host.run(scenario.call);
 }
 
-std::vector<std::int32_t> flagsOf(const Call& call) {
+std::vector<std::int32_t> flagsOf(const SCall& call) {
     std::vector<std::int32_t> flags;
-    for (const fi_model::Entry& entry : call.entries) {
+    for (const fi_model::SEntry& entry : call.entries) {
         flags.push_back(entry.flag);
     }
     return flags;
 }
 
-void requireEnd(const Call& call, const Answer& answer) {
+void requireEnd(const SCall& call, const SAnswer& answer) {
     if (answer.malformed.has_value()) {
         require(answer.malformed->code >= 1 && answer.malformed->code <= 4, "the reason exists");
     } else {
@@ -150,7 +150,7 @@ void requireEnd(const Call& call, const Answer& answer) {
 }
 
 // The names that are listed, as many as the size says.
-std::vector<std::string> namesOf(const Call& call) {
+std::vector<std::string> namesOf(const SCall& call) {
     std::vector<std::string> names;
     for (std::int32_t i = 0; i < call.listSize; ++i) {
         names.push_back(call.entries[static_cast<std::size_t>(i)].name);
@@ -158,15 +158,15 @@ std::vector<std::string> namesOf(const Call& call) {
     return names;
 }
 
-bool isListedOnce(const Call& call, const std::string& name) {
+bool isListedOnce(const SCall& call, const std::string& name) {
     const std::vector<std::string> names = namesOf(call);
     return std::count(names.begin(), names.end(), name) == 1;
 }
 
-void requireStates(const Call& call, const Answer& answer) {
+void requireStates(const SCall& call, const SAnswer& answer) {
     bool isReached = true;
     for (std::size_t i = 0; i < call.entries.size(); ++i) {
-        const fi_model::Entry& entry = call.entries[i];
+        const fi_model::SEntry& entry = call.entries[i];
         const std::int32_t after = answer.flags[i];
         const bool isListed = call.listSize > 0 && i < static_cast<std::size_t>(call.listSize);
         isReached = isReached && isListed && call.files.count(entry.name) == 1;
@@ -190,13 +190,13 @@ std::string nameOf(const std::string& enclosure, const std::string& device) {
 std::vector<std::string> requireTargets(const Configurations& configurations, const std::string& selection) {
     std::vector<std::string> targets;
     std::size_t position = 0;
-    for (const Configuration& configuration : configurations) {
+    for (const SConfiguration& configuration : configurations) {
         const std::string start = "[" + nameOf(configuration.enclosure, configuration.device) + ";";
         require(selection.compare(position, start.size(), start) == 0,
                 "the configurations are selected in order");
         position += start.size();
         const auto chosen = std::find_if(
-            configuration.targets.begin(), configuration.targets.end(), [&](const Target& target) {
+            configuration.targets.begin(), configuration.targets.end(), [&](const STarget& target) {
                 const std::string text = nameOf(target.enclosure, target.device) + "]";
                 return selection.compare(position, text.size(), text) == 0;
             });
@@ -209,8 +209,8 @@ std::vector<std::string> requireTargets(const Configurations& configurations, co
 }
 
 std::string targetOf(const std::string& text) {
-    Journal ignored;
-    const fi_model::Identifier identifier = parseIdentifier(text, ignored);
+    SJournal ignored;
+    const fi_model::SIdentifier identifier = parseIdentifier(text, ignored);
     return nameOf(identifier.enclosure, identifier.device);
 }
 
@@ -218,10 +218,10 @@ std::string targetOf(const std::string& text) {
 // a configuration string repeats names, a kept backup says nothing of the others.
 bool holdsNamesOnce(const Configurations& configurations) {
     std::vector<std::string> names;
-    for (const Configuration& configuration : configurations) {
+    for (const SConfiguration& configuration : configurations) {
         const std::string first = nameOf(configuration.enclosure, configuration.device);
         names.push_back(first);
-        for (const Target& target : configuration.targets) {
+        for (const STarget& target : configuration.targets) {
             names.push_back(first + ";" + nameOf(target.enclosure, target.device));
         }
     }
@@ -229,11 +229,11 @@ bool holdsNamesOnce(const Configurations& configurations) {
     return std::adjacent_find(names.begin(), names.end()) == names.end();
 }
 
-void requireKeptTargets(const SScenario& scenario, const Answer& answer, const Configurations& configurations,
-                        const std::vector<std::string>& targets) {
-    Journal ignored;
+void requireKeptTargets(const SScenario& scenario, const SAnswer& answer,
+                        const Configurations& configurations, const std::vector<std::string>& targets) {
+    SJournal ignored;
     const std::vector<std::string> names = namesOf(scenario.call);
-    for (const Backup& backup : loadBackups(names, scenario.call.files, ignored)) {
+    for (const SBackup& backup : loadBackups(names, scenario.call.files, ignored)) {
         const auto place = std::find(names.begin(), names.end(), backup.name) - names.begin();
         if (answer.flags[static_cast<std::size_t>(place)] != FI_BACKUP_KEPT ||
             !isListedOnce(scenario.call, backup.name) || scenario.raw.count(backup.name) == 1) {
@@ -252,13 +252,13 @@ void requireKeptTargets(const SScenario& scenario, const Answer& answer, const C
     }
 }
 
-void requireSelection(const SScenario& scenario, const Answer& answer) {
+void requireSelection(const SScenario& scenario, const SAnswer& answer) {
     requireStates(scenario.call, answer);
     // A device that ends like a group of the selection could be read in two ways.
     if (scenario.call.configuration->find(']') != std::string::npos) {
         return;
     }
-    Journal ignored;
+    SJournal ignored;
     const Configurations configurations = parseConfigurations(*scenario.call.configuration, ignored);
     const std::vector<std::string> targets = requireTargets(configurations, *answer.selection);
     if (holdsNamesOnce(configurations)) {
@@ -266,15 +266,15 @@ void requireSelection(const SScenario& scenario, const Answer& answer) {
     }
 }
 
-void requireAgreement(fi_model::LibraryHost& host, const SScenario& scenario, const Answer& answer) {
+void requireAgreement(fi_model::CLibraryHost& host, const SScenario& scenario, const SAnswer& answer) {
     if (firstDifference(scenario.expected.answer, answer).empty()) {
         return;
     }
     // Backups of equal time stamps may be in another order than the model's first.
-    const Call& call = scenario.call;
-    const bool agrees = compare(call, [&](const Call&) { return answer; }).difference.empty();
+    const SCall& call = scenario.call;
+    const bool agrees = compare(call, [&](const SCall&) { return answer; }).difference.empty();
     if (!agrees) {
-        const auto library = [&](const Call& smaller) { return host.run(smaller); };
+        const auto library = [&](const SCall& smaller) { return host.run(smaller); };
         std::fprintf(stderr, "%s\n", explainDifference(call, library).c_str());
     }
     require(agrees, "the answer is the model's");
@@ -285,9 +285,9 @@ void requireAgreement(fi_model::LibraryHost& host, const SScenario& scenario, co
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Initialising the XML library for every input would take most of the time.
     static const CFiXmlLibrary held;
-    static fi_model::LibraryHost host;
+    static fi_model::CLibraryHost host;
     const SScenario scenario = choose(std::string(reinterpret_cast<const char*>(data), size));
-    const Answer answer = run(host, scenario);
+    const SAnswer answer = run(host, scenario);
     requireEnd(scenario.call, answer);
     if (answer.selection.has_value()) {
         requireSelection(scenario, answer);

@@ -17,7 +17,7 @@ std::string describe(const fi_test::Trace& trace, std::size_t index) {
     return std::to_string(trace[index].level) + " " + asLiteral(trace[index].text);
 }
 
-std::string describe(const std::optional<Malformed>& malformed) {
+std::string describe(const std::optional<SMalformed>& malformed) {
     if (!malformed) {
         return "(no exception)";
     }
@@ -36,7 +36,7 @@ std::string describe(const std::vector<std::int32_t>& flags) {
     return text + " }";
 }
 
-std::string traceDifference(const Answer& expected, const Answer& actual) {
+std::string traceDifference(const SAnswer& expected, const SAnswer& actual) {
     const std::size_t lines = std::max(expected.trace.size(), actual.trace.size());
     for (std::size_t index = 0; index < lines; ++index) {
         const std::string ours = describe(expected.trace, index);
@@ -72,7 +72,7 @@ std::string asLiteral(const std::string& text) {
     return literal + "\"";
 }
 
-std::string firstDifference(const Answer& expected, const Answer& actual) {
+std::string firstDifference(const SAnswer& expected, const SAnswer& actual) {
     if (expected.trace != actual.trace) {
         return traceDifference(expected, actual);
     }

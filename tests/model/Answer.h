@@ -9,18 +9,18 @@
 
 namespace fi_model {
 
-struct Malformed {
+struct SMalformed {
     std::string identifier;
     std::int32_t code = 0;
 };
 
 // All that a caller and a host can see of one call. The library's answer and the model's have the
 // same shape, so that they can be compared field by field.
-struct Answer {
+struct SAnswer {
     fi_test::Trace trace;
     std::string standardOutput;
     // Set when the call ended with an exception; the status then means nothing.
-    std::optional<Malformed> malformed;
+    std::optional<SMalformed> malformed;
     std::int32_t status = 0;
     // Empty when the caller's pointer was left as it was.
     std::optional<std::string> selection;
@@ -33,6 +33,6 @@ std::string asLiteral(const std::string& text);
 
 // What is different first, or an empty text. The trace comes first because it shows the earliest
 // point at which the two went apart.
-std::string firstDifference(const Answer& expected, const Answer& actual);
+std::string firstDifference(const SAnswer& expected, const SAnswer& actual);
 
 }  // namespace fi_model

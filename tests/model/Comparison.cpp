@@ -18,12 +18,12 @@ std::map<std::string, std::vector<std::size_t>> groupsOf(const std::vector<std::
     return groups;
 }
 
-bool agreesUnderSomeOrder(const Call& call, const Answer& actual,
+bool agreesUnderSomeOrder(const SCall& call, const SAnswer& actual,
                           const std::vector<std::string>& timeStamps) {
     const auto ranks = tieRanks(timeStamps);
     for (const auto& newestFirst : ranks) {
         for (const auto& oldestFirst : ranks) {
-            const Answer expected = predict(call, {newestFirst, oldestFirst}).answer;
+            const SAnswer expected = predict(call, {newestFirst, oldestFirst}).answer;
             if (firstDifference(expected, actual).empty()) {
                 return true;
             }
@@ -65,10 +65,10 @@ std::vector<std::vector<std::size_t>> tieRanks(const std::vector<std::string>& t
     return all;
 }
 
-Comparison compare(const Call& call, const Subject& subject) {
-    const Prediction prediction = predict(call);
-    const Answer actual = subject(call);
-    Comparison comparison;
+SComparison compare(const SCall& call, const Subject& subject) {
+    const SPrediction prediction = predict(call);
+    const SAnswer actual = subject(call);
+    SComparison comparison;
     comparison.tally = prediction.tally;
     comparison.difference = firstDifference(prediction.answer, actual);
     if (!comparison.difference.empty() && countTieRanks(prediction.timeStamps) > 1 &&

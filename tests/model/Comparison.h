@@ -12,13 +12,13 @@
 namespace fi_model {
 
 // What answers calls: the library, or in a test something that errs on purpose.
-using Subject = std::function<Answer(const Call&)>;
+using Subject = std::function<SAnswer(const SCall&)>;
 
-struct Comparison {
+struct SComparison {
     // Empty when the answers agree.
     std::string difference;
     // What the model counted.
-    Tally tally;
+    CTally tally;
 };
 
 // Every order of equal time stamps, as ranks by load order; the load order itself is the first.
@@ -29,6 +29,6 @@ std::size_t countTieRanks(const std::vector<std::string>& timeStamps);
 
 // Asks the model and the subject. Where time stamps are equal, any order of theirs is right, and
 // the answers agree when the model gives the subject's answer under one of them.
-Comparison compare(const Call& call, const Subject& subject);
+SComparison compare(const SCall& call, const Subject& subject);
 
 }  // namespace fi_model

@@ -3,7 +3,7 @@
 namespace fi_model {
 namespace {
 
-PlannedTarget makeFirst(const Plan& plan, Random& random) {
+SPlannedTarget makeFirst(const Plan& plan, CRandom& random) {
     if (!plan.empty() && random.percent(15)) {
         return random.pick(plan).first;
     }
@@ -14,16 +14,16 @@ PlannedTarget makeFirst(const Plan& plan, Random& random) {
     return {random.pick(kEnclosures), random.pick(kDevices)};
 }
 
-std::vector<PlannedTarget> allFurther(const Plan& plan) {
-    std::vector<PlannedTarget> all;
-    for (const PlannedConfiguration& configuration : plan) {
+std::vector<SPlannedTarget> allFurther(const Plan& plan) {
+    std::vector<SPlannedTarget> all;
+    for (const SPlannedConfiguration& configuration : plan) {
         all.insert(all.end(), configuration.further.begin(), configuration.further.end());
     }
     return all;
 }
 
-PlannedTarget makeFurther(const Plan& plan, const PlannedConfiguration& own, Random& random) {
-    const std::vector<PlannedTarget> others = allFurther(plan);
+SPlannedTarget makeFurther(const Plan& plan, const SPlannedConfiguration& own, CRandom& random) {
+    const std::vector<SPlannedTarget> others = allFurther(plan);
     if (!others.empty() && random.percent(12)) {
         return random.pick(others);
     }
@@ -39,7 +39,7 @@ PlannedTarget makeFurther(const Plan& plan, const PlannedConfiguration& own, Ran
     return {enclosure, random.pick(kDevices)};
 }
 
-std::size_t furtherCount(Random& random) {
+std::size_t furtherCount(CRandom& random) {
     if (random.percent(4)) {
         return 0;
     }
@@ -47,7 +47,7 @@ std::size_t furtherCount(Random& random) {
 }
 
 // The characters that have a reference, with or without it.
-std::string escaped(const std::string& text, Random& random) {
+std::string escaped(const std::string& text, CRandom& random) {
     std::string result;
     for (const char character : text) {
         const bool escape = random.percent(50);
@@ -66,27 +66,27 @@ std::string escaped(const std::string& text, Random& random) {
     return result;
 }
 
-std::string writeTarget(const PlannedTarget& target, const std::string& carried, bool isFirst,
-                        Random& random) {
+std::string writeTarget(const SPlannedTarget& target, const std::string& carried, bool isFirst,
+                        CRandom& random) {
     const bool canInherit =
         !isFirst && target.enclosure == carried && target.device.find("##") == std::string::npos;
     const std::string device = escaped(target.device, random);
     return canInherit && random.percent(70) ? device : escaped(target.enclosure, random) + "##" + device;
 }
 
-std::string writeConfiguration(const PlannedConfiguration& configuration, Random& random) {
+std::string writeConfiguration(const SPlannedConfiguration& configuration, CRandom& random) {
     static const std::vector<std::string> kSeparators = {";", ";", ";", ";", ";;", ";;;"};
     std::string text = random.percent(3) ? ";" : "";
     text += writeTarget(configuration.first, "", true, random);
     std::string carried = configuration.first.enclosure;
-    for (const PlannedTarget& target : configuration.further) {
+    for (const SPlannedTarget& target : configuration.further) {
         text += random.pick(kSeparators) + writeTarget(target, carried, false, random);
         carried = target.enclosure;
     }
     return text + (random.percent(5) ? ";" : "");
 }
 
-std::string flawedConfiguration(const Plan& plan, Random& random) {
+std::string flawedConfiguration(const Plan& plan, CRandom& random) {
     static const std::vector<std::string> kFlaws = {
         ";",      ";;", ";;;;",        "encQ##",     "encQ##;dev1",        "dev1",  "dev1;encQ##d2",
         "##dev1", "##", "##;encQ##d1", "&apos;x##y", "encQ&amp;lt;##dev1", "&#34;", "encQ##dev1;##"};
@@ -97,7 +97,7 @@ std::string flawedConfiguration(const Plan& plan, Random& random) {
     return random.pick(kFlaws);
 }
 
-std::string garbage(Random& random) {
+std::string garbage(CRandom& random) {
     static const std::vector<std::string> kPieces = {
         "encA", "dev1", "##", "#", ";",      "&",     "\n",    "\r",       "&amp;",
         "&lt;", "<",    "'",  " ", "&quot;", "&#39;", "&apos", "&amp;lt;", "\xC3\xA9"};
@@ -108,18 +108,18 @@ std::string garbage(Random& random) {
     return text;
 }
 
-std::string separatorsOnly(Random& random) {
+std::string separatorsOnly(CRandom& random) {
     static const std::vector<std::string> kTexts = {"", "", "&", "\r\n", "&amp;&\n", "&&&"};
     return random.pick(kTexts);
 }
 
 }  // namespace
 
-Plan makePlan(Random& random) {
+Plan makePlan(CRandom& random) {
     Plan plan;
     std::size_t size = random.percent(75) ? random.between(1, 3) : random.between(2, 7);
     while (size-- > 0) {
-        PlannedConfiguration configuration;
+        SPlannedConfiguration configuration;
         configuration.first = makeFirst(plan, random);
         for (std::size_t count = furtherCount(random); count > 0; --count) {
             configuration.further.push_back(makeFurther(plan, configuration, random));
@@ -138,7 +138,7 @@ Plan makeLadderPlan(std::size_t size) {
     return plan;
 }
 
-std::string writePlan(const Plan& plan, Random& random) {
+std::string writePlan(const Plan& plan, CRandom& random) {
     if (random.perMille(15)) {
         return separatorsOnly(random);
     }

@@ -7,34 +7,34 @@ std::string doctype(const std::string& attributes) {
     return "<!DOCTYPE fiid [<!ENTITY host \"" + std::string(kHostEntityText) + "\">" + attributes + "]>";
 }
 
-std::string xmlText(const Token& token) {
-    using Kind = Token::Kind;
+std::string xmlText(const SToken& token) {
+    using EKind = SToken::EKind;
     switch (token.kind) {
-        case Kind::kDeclaration:
-        case Kind::kText:
-        case Kind::kDamage:
+        case EKind::kDeclaration:
+        case EKind::kText:
+        case EKind::kDamage:
             return token.text;
-        case Kind::kDoctype:
+        case EKind::kDoctype:
             return doctype("");
-        case Kind::kDoctypeTwice:
+        case EKind::kDoctypeTwice:
             return doctype("<!ATTLIST fiid a CDATA #IMPLIED a CDATA #IMPLIED>");
-        case Kind::kOpen:
+        case EKind::kOpen:
             return "<" + token.text + token.attributes + ">";
-        case Kind::kClose:
+        case EKind::kClose:
             return "</" + token.text + ">";
-        case Kind::kEmpty:
+        case EKind::kEmpty:
             return "<" + token.text + token.attributes + "/>";
-        case Kind::kReference:
+        case EKind::kReference:
             return "&" + token.text + ";";
-        case Kind::kCdata:
+        case EKind::kCdata:
             return "<![CDATA[" + token.text + "]]>";
-        case Kind::kComment:
+        case EKind::kComment:
             return "<!--" + token.text + "-->";
-        case Kind::kInstruction:
+        case EKind::kInstruction:
             return "<?" + token.text + "?>";
-        case Kind::kNulLine:
+        case EKind::kNulLine:
             return std::string("\n\0", 2) + token.text + "\n";
-        case Kind::kInvalidByte:
+        case EKind::kInvalidByte:
             // At the very end the byte would pass for a character that was cut off, and what
             // stands before it would be read.
             return "\xFF (no UTF-8)";
@@ -44,9 +44,9 @@ std::string xmlText(const Token& token) {
 
 }  // namespace
 
-std::string xmlText(const Document& document) {
+std::string xmlText(const SDocument& document) {
     std::string text;
-    for (const Token& token : document.tokens) {
+    for (const SToken& token : document.tokens) {
         text += xmlText(token);
     }
     return text;

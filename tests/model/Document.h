@@ -7,8 +7,8 @@ namespace fi_model {
 
 // One piece of markup or text, as the document's author wrote it. A list of tokens need not be
 // well-formed: a list that ends too early is a document that was cut off.
-struct Token {
-    enum class Kind {
+struct SToken {
+    enum class EKind {
         kDeclaration,   // the XML declaration, text as it stands
         kDoctype,       // declares the entity "host"
         kDoctypeTwice,  // the same, and declares an attribute twice, which gives one warning
@@ -24,14 +24,14 @@ struct Token {
         kDamage,        // ill-formed markup, text as it stands
         kInvalidByte,   // a byte that is no UTF-8; only in documents of less than one block
     };
-    Kind kind = Kind::kText;
+    EKind kind = EKind::kText;
     std::string text;
     // Of kOpen and kEmpty, with the space before it.
     std::string attributes;
 };
 
-struct Document {
-    std::vector<Token> tokens;
+struct SDocument {
+    std::vector<SToken> tokens;
     // The name is that of a folder, which opens and reads as an empty text.
     bool isDirectory = false;
 };
@@ -40,6 +40,6 @@ struct Document {
 inline constexpr const char* kHostEntityText = "hostname";
 
 // The bytes of the file.
-std::string xmlText(const Document& document);
+std::string xmlText(const SDocument& document);
 
 }  // namespace fi_model

@@ -9,13 +9,13 @@
 namespace fi_model {
 
 // objid and altobjid of one Node.
-struct PlannedPair {
+struct SPlannedPair {
     std::string objid;
     std::string altobjid;
 };
 
 // The document of an earlier backup that used these devices. Most documents say so in an ordinary
 // way; the others try what a document may or may not hold.
-Document makeDocument(const std::vector<PlannedPair>& pairs, const std::string& timeStamp, Random& random);
+SDocument makeDocument(const std::vector<SPlannedPair>& pairs, const std::string& timeStamp, CRandom& random);
 
 }  // namespace fi_model

@@ -34,7 +34,7 @@ Formats listedFormats() {
 }
 
 TEST(Formats, OfRandomCallsAreThoseThatTheGuideLists) {
-    LibraryHost host;
+    CLibraryHost host;
     for (std::uint64_t seed = 1; seed <= 1000; ++seed) {
         host.run(makeCall(seed));
     }

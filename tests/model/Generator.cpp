@@ -17,41 +17,41 @@ namespace {
 
 // Time stamps of one call. Equal ones are made now and then and in small groups only, because a
 // comparison has to go through all their orders.
-class TimeStamps {
+class CTimeStamps {
 public:
-    explicit TimeStamps(Random& random) : random_(random) {}
+    explicit CTimeStamps(CRandom& choices) : random(choices) {}
 
     std::string next() {
-        if (!made_.empty() && ties_ < 3 && random_.percent(5)) {
-            ++ties_;
-            return random_.pick(made_);
+        if (!made.empty() && ties < 3 && random.percent(5)) {
+            ++ties;
+            return random.pick(made);
         }
         std::string stamp = fresh();
-        while (std::find(made_.begin(), made_.end(), stamp) != made_.end()) {
+        while (std::find(made.begin(), made.end(), stamp) != made.end()) {
             stamp = fresh();
         }
-        made_.push_back(stamp);
+        made.push_back(stamp);
         return stamp;
     }
 
 private:
     std::string fresh() {
-        const std::string number = std::to_string(random_.below(1000000));
-        if (random_.percent(8)) {
-            return std::to_string(random_.below(1200));
+        const std::string number = std::to_string(random.below(1000000));
+        if (random.percent(8)) {
+            return std::to_string(random.below(1200));
         }
-        if (random_.percent(5)) {
+        if (random.percent(5)) {
             return "\xC3\xA9" + number;
         }
-        return "20240" + std::to_string(random_.between(1, 9)) + number;
+        return "20240" + std::to_string(random.between(1, 9)) + number;
     }
 
-    Random& random_;
-    std::vector<std::string> made_;
-    int ties_ = 0;
+    CRandom& random;
+    std::vector<std::string> made;
+    int ties = 0;
 };
 
-std::int32_t makeFlag(Random& random) {
+std::int32_t makeFlag(CRandom& random) {
     static const std::vector<std::int32_t> kExcluded = {4, 4, 4, 5, 12, 7, -1};
     static const std::vector<std::int32_t> kOthers = {
         1, 2, 3, 8, 11, -5, std::numeric_limits<std::int32_t>::min()};
@@ -61,7 +61,7 @@ std::int32_t makeFlag(Random& random) {
     return random.percent(15) ? random.pick(kOthers) : 0;
 }
 
-std::string makeName(std::size_t index, Random& random) {
+std::string makeName(std::size_t index, CRandom& random) {
     static const std::vector<std::string> kSpecial = {"100%s%d ",
                                                       "b\xC3\xA4"
                                                       "ckup",
@@ -70,132 +70,132 @@ std::string makeName(std::size_t index, Random& random) {
 }
 
 // Builds a call step by step, one choice after another.
-class CallMaker {
+class CCallMaker {
 public:
-    explicit CallMaker(Random& random) : random_(random), stamps_(random) {}
+    explicit CCallMaker(CRandom& choices) : random(choices), stamps(choices) {}
 
-    Call make() {
-        if (random_.percent(5)) {
+    SCall make() {
+        if (random.percent(5)) {
             ladder();
         } else {
             mixed();
         }
-        call_.listSize = static_cast<std::int32_t>(call_.entries.size());
+        call.listSize = static_cast<std::int32_t>(call.entries.size());
         unusual();
-        return call_;
+        return call;
     }
 
 private:
     void mixed() {
-        const Plan plan = makePlan(random_);
-        call_.configuration = writePlan(plan, random_);
-        PairGenerator pairs(plan, random_);
-        std::size_t count = random_.between(1, 4);
-        count += random_.percent(10) ? random_.between(1, 6) : 0;
-        count += random_.perMille(3) ? random_.between(10, 30) : 0;
+        const Plan plan = makePlan(random);
+        call.configuration = writePlan(plan, random);
+        CPairGenerator pairs(plan, random);
+        std::size_t count = random.between(1, 4);
+        count += random.percent(10) ? random.between(1, 6) : 0;
+        count += random.perMille(3) ? random.between(10, 30) : 0;
         for (std::size_t index = 0; index < count; ++index) {
-            addBackup(makeDocument(pairs.next(), stamps_.next(), random_));
+            addBackup(makeDocument(pairs.next(), stamps.next(), random));
         }
     }
 
     // Every configuration has one target, and every backup holds one of them: the rotation has to
     // release all backups before every configuration has a free target.
     void ladder() {
-        const std::size_t size = random_.between(3, random_.percent(20) ? 30 : 12);
+        const std::size_t size = random.between(3, random.percent(20) ? 30 : 12);
         const Plan plan = makeLadderPlan(size);
-        call_.configuration = writePlan(plan, random_);
-        PairGenerator pairs(plan, random_);
-        const bool withFlags = random_.percent(20);
+        call.configuration = writePlan(plan, random);
+        CPairGenerator pairs(plan, random);
+        const bool withFlags = random.percent(20);
         for (std::size_t index = 0; index < size; ++index) {
-            addBackup(makeDocument({pairs.holding(index)}, stamps_.next(), random_));
-            call_.entries.back().flag = withFlags ? call_.entries.back().flag : 0;
+            addBackup(makeDocument({pairs.holding(index)}, stamps.next(), random));
+            call.entries.back().flag = withFlags ? call.entries.back().flag : 0;
         }
-        random_.shuffle(call_.entries);
+        random.shuffle(call.entries);
     }
 
-    void addBackup(const Document& document) {
-        if (!call_.entries.empty() && random_.percent(3)) {
-            call_.entries.push_back({random_.pick(call_.entries).name, makeFlag(random_)});
+    void addBackup(const SDocument& document) {
+        if (!call.entries.empty() && random.percent(3)) {
+            call.entries.push_back({random.pick(call.entries).name, makeFlag(random)});
             return;
         }
-        const std::string name = makeName(call_.entries.size(), random_);
-        call_.entries.push_back({name, makeFlag(random_)});
-        call_.files[name] = document;
+        const std::string name = makeName(call.entries.size(), random);
+        call.entries.push_back({name, makeFlag(random)});
+        call.files[name] = document;
     }
 
     // What few calls have, tried after the rest so that it meets every kind of call.
     void unusual() {
-        if (random_.percent(4)) {
-            insertEntry(random_.percent(50) ? "missing.xml" : "", false);
+        if (random.percent(4)) {
+            insertEntry(random.percent(50) ? "missing.xml" : "", false);
         }
-        if (random_.percent(1)) {
+        if (random.percent(1)) {
             insertEntry(".", true);
         }
-        if (random_.percent(4)) {
+        if (random.percent(4)) {
             firstBackup();
-        } else if (random_.percent(2)) {
-            call_.listSize = random_.percent(50) ? -1 : std::numeric_limits<std::int32_t>::min();
-        } else if (random_.percent(2)) {
-            call_.listSize = static_cast<std::int32_t>(random_.below(call_.entries.size() + 1));
+        } else if (random.percent(2)) {
+            call.listSize = random.percent(50) ? -1 : std::numeric_limits<std::int32_t>::min();
+        } else if (random.percent(2)) {
+            call.listSize = static_cast<std::int32_t>(random.below(call.entries.size() + 1));
         }
         nullArguments();
     }
 
     void insertEntry(const std::string& name, bool isDirectory) {
-        const std::size_t place = random_.below(call_.entries.size() + 1);
-        call_.entries.insert(call_.entries.begin() + static_cast<std::ptrdiff_t>(place),
-                             {name, makeFlag(random_)});
+        const std::size_t place = random.below(call.entries.size() + 1);
+        call.entries.insert(call.entries.begin() + static_cast<std::ptrdiff_t>(place),
+                            {name, makeFlag(random)});
         if (isDirectory) {
-            call_.files[name].isDirectory = true;
+            call.files[name].isDirectory = true;
         }
-        ++call_.listSize;
+        ++call.listSize;
     }
 
     void firstBackup() {
-        call_.listSize = 0;
-        call_.hasFlags = random_.percent(50);
-        if (random_.percent(50)) {
-            call_.entries.clear();
-            call_.files.clear();
+        call.listSize = 0;
+        call.hasFlags = random.percent(50);
+        if (random.percent(50)) {
+            call.entries.clear();
+            call.files.clear();
         }
     }
 
     void nullArguments() {
-        if (random_.perMille(4)) {
-            call_.hasFlags = false;
+        if (random.perMille(4)) {
+            call.hasFlags = false;
         }
-        if (random_.perMille(4)) {
-            call_.hasResult = false;
+        if (random.perMille(4)) {
+            call.hasResult = false;
         }
-        if (random_.perMille(4)) {
-            call_.configuration.reset();
+        if (random.perMille(4)) {
+            call.configuration.reset();
         }
     }
 
-    Random& random_;
-    TimeStamps stamps_;
-    Call call_;
+    CRandom& random;
+    CTimeStamps stamps;
+    SCall call;
 };
 
 // Documents without a usable time stamp are tied with one another, more often than is meant.
-bool hasTooManyTies(const Call& call) {
+bool hasTooManyTies(const SCall& call) {
     constexpr std::size_t kMostOrders = 24;
     return call.entries.size() > 4 && countTieRanks(predict(call).timeStamps) > kMostOrders;
 }
 
 }  // namespace
 
-Call makeCall(Random& random) {
-    Call call = CallMaker(random).make();
+SCall makeCall(CRandom& random) {
+    SCall call = CCallMaker(random).make();
     while (hasTooManyTies(call)) {
-        call = CallMaker(random).make();
+        call = CCallMaker(random).make();
     }
     return call;
 }
 
-Call makeCall(std::uint64_t seed) {
-    Random random(seed);
-    Call call = makeCall(random);
+SCall makeCall(std::uint64_t seed) {
+    CRandom random(seed);
+    SCall call = makeCall(random);
     call.seed = seed;
     return call;
 }

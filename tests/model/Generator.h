@@ -8,9 +8,9 @@
 namespace fi_model {
 
 // Ordinary calls, and among them everything that a caller, a configuration or a document can get wrong.
-Call makeCall(Random& random);
+SCall makeCall(CRandom& random);
 
 // The call that belongs to a seed.
-Call makeCall(std::uint64_t seed);
+SCall makeCall(std::uint64_t seed);
 
 }  // namespace fi_model

@@ -8,17 +8,17 @@
 namespace fi_model {
 
 // What the model writes down on its way through a call.
-struct Journal {
+struct SJournal {
     fi_test::Trace trace;
     std::string standardOutput;
-    Tally tally;
+    CTally tally;
 
     void failure(const std::string& text) { trace.push_back({3, text}); }
     void progress(const std::string& text) { trace.push_back({4, text}); }
     void entering(const std::string& operation) { progress("Entering " + operation + "\n"); }
     void exiting(const std::string& operation) { progress("Exiting " + operation + "\n"); }
-    void note(Outcome outcome) { tally.note(outcome); }
-    void noteIf(bool happened, Outcome outcome) {
+    void note(EOutcome outcome) { tally.note(outcome); }
+    void noteIf(bool happened, EOutcome outcome) {
         if (happened) {
             tally.note(outcome);
         }

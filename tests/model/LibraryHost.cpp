@@ -28,66 +28,66 @@ std::filesystem::path parentOfFolder() {
 }
 
 // Makes a folder the process's working folder while it lives.
-class WorkingFolder {
+class CWorkingFolder {
 public:
-    explicit WorkingFolder(const std::string& folder) : former_(std::filesystem::current_path()) {
+    explicit CWorkingFolder(const std::string& folder) : former(std::filesystem::current_path()) {
         std::filesystem::current_path(folder);
     }
-    ~WorkingFolder() {
+    ~CWorkingFolder() {
         std::error_code ignored;
-        std::filesystem::current_path(former_, ignored);
+        std::filesystem::current_path(former, ignored);
     }
-    WorkingFolder(const WorkingFolder&) = delete;
-    WorkingFolder& operator=(const WorkingFolder&) = delete;
+    CWorkingFolder(const CWorkingFolder&) = delete;
+    CWorkingFolder& operator=(const CWorkingFolder&) = delete;
 
 private:
-    std::filesystem::path former_;
+    std::filesystem::path former;
 };
 
 // The documents of one call, there while the call runs.
-class Documents {
+class CDocuments {
 public:
-    Documents(const fi_test::TemporaryFolder& folder, const std::map<std::string, Document>& files)
-        : folder_(folder), files_(files) {
-        for (const auto& [name, document] : files_) {
+    CDocuments(const fi_test::TemporaryFolder& place, const std::map<std::string, SDocument>& contents)
+        : folder(place), files(contents) {
+        for (const auto& [name, document] : files) {
             if (!document.isDirectory) {
-                folder_.write(name, xmlText(document));
+                folder.write(name, xmlText(document));
             }
         }
     }
-    ~Documents() {
-        for (const auto& [name, document] : files_) {
+    ~CDocuments() {
+        for (const auto& [name, document] : files) {
             if (!document.isDirectory) {
-                unlink(folder_.path(name).c_str());
+                unlink(folder.path(name).c_str());
             }
         }
     }
-    Documents(const Documents&) = delete;
-    Documents& operator=(const Documents&) = delete;
+    CDocuments(const CDocuments&) = delete;
+    CDocuments& operator=(const CDocuments&) = delete;
 
 private:
-    const fi_test::TemporaryFolder& folder_;
-    const std::map<std::string, Document>& files_;
+    const fi_test::TemporaryFolder& folder;
+    const std::map<std::string, SDocument>& files;
 };
 
 // Sends the standard output into a file while it lives. The descriptor is exchanged, because the
 // library may print in any way.
-class OutputCapture {
+class COutputCapture {
 public:
-    explicit OutputCapture(int file) : former_(dup(STDOUT_FILENO)) {
+    explicit COutputCapture(int file) : former(dup(STDOUT_FILENO)) {
         std::fflush(stdout);
-        require(former_ >= 0 && dup2(file, STDOUT_FILENO) >= 0, "no capture of the output");
+        require(former >= 0 && dup2(file, STDOUT_FILENO) >= 0, "no capture of the output");
     }
-    ~OutputCapture() {
+    ~COutputCapture() {
         std::fflush(stdout);
-        dup2(former_, STDOUT_FILENO);
-        close(former_);
+        dup2(former, STDOUT_FILENO);
+        close(former);
     }
-    OutputCapture(const OutputCapture&) = delete;
-    OutputCapture& operator=(const OutputCapture&) = delete;
+    COutputCapture(const COutputCapture&) = delete;
+    COutputCapture& operator=(const COutputCapture&) = delete;
 
 private:
-    int former_;
+    int former;
 };
 
 std::string takeText(int file) {
@@ -101,9 +101,9 @@ std::string takeText(int file) {
 }
 
 // The call as such. The caller's pointer is filled beforehand, to tell whether it was written.
-void callLibrary(const Call& call, Answer& answer) {
+void callLibrary(const SCall& call, SAnswer& answer) {
     std::vector<const char*> names;
-    for (const Entry& entry : call.entries) {
+    for (const SEntry& entry : call.entries) {
         names.push_back(entry.name.c_str());
         answer.flags.push_back(entry.flag);
     }
@@ -115,9 +115,9 @@ void callLibrary(const Call& call, Answer& answer) {
                                call.hasFlags ? answer.flags.data() : nullptr, call.listSize,
                                call.hasResult ? &selection : nullptr);
     } catch (const CFiUdidException& exception) {
-        answer.malformed = Malformed{exception.identifier, exception.code};
+        answer.malformed = SMalformed{exception.identifier, exception.code};
     } catch (...) {
-        answer.malformed = Malformed{"an exception of another type", -1};
+        answer.malformed = SMalformed{"an exception of another type", -1};
     }
     if (selection == nullptr) {
         answer.selection = "a null pointer";
@@ -129,27 +129,27 @@ void callLibrary(const Call& call, Answer& answer) {
 
 }  // namespace
 
-LibraryHost::LibraryHost()
-    : folder_(parentOfFolder()), captureFile_(memfd_create("fi_model_output", MFD_CLOEXEC)) {
-    require(captureFile_ >= 0, "no file for the captured output");
+CLibraryHost::CLibraryHost()
+    : folder(parentOfFolder()), captureFile(memfd_create("fi_model_output", MFD_CLOEXEC)) {
+    require(captureFile >= 0, "no file for the captured output");
 }
 
-LibraryHost::~LibraryHost() {
-    close(captureFile_);
+CLibraryHost::~CLibraryHost() {
+    close(captureFile);
 }
 
-Answer LibraryHost::run(const Call& call) {
-    Answer answer;
-    const WorkingFolder inFolder(folder_.path(""));
-    const Documents documents(folder_, call.files);
+SAnswer CLibraryHost::run(const SCall& call) {
+    SAnswer answer;
+    const CWorkingFolder inFolder(folder.path(""));
+    const CDocuments documents(folder, call.files);
     {
         fi_test::TraceRecorder recorder;
-        const OutputCapture capture(captureFile_);
+        const COutputCapture capture(captureFile);
         callLibrary(call, answer);
         answer.trace = recorder.take();
-        formats_.insert(recorder.formats().begin(), recorder.formats().end());
+        seenFormats.insert(recorder.formats().begin(), recorder.formats().end());
     }
-    answer.standardOutput = takeText(captureFile_);
+    answer.standardOutput = takeText(captureFile);
     return answer;
 }
 

@@ -10,23 +10,23 @@ namespace fi_model {
 // The host's side of a call: a folder for the documents, the trace facility and the standard output. While a
 // call runs, the folder is the process's working folder, so that documents have short names which are the
 // same in every run. One at a time.
-class LibraryHost {
+class CLibraryHost {
 public:
-    LibraryHost();
-    ~LibraryHost();
-    LibraryHost(const LibraryHost&) = delete;
-    LibraryHost& operator=(const LibraryHost&) = delete;
+    CLibraryHost();
+    ~CLibraryHost();
+    CLibraryHost(const CLibraryHost&) = delete;
+    CLibraryHost& operator=(const CLibraryHost&) = delete;
 
     // Writes the documents, calls the library, and removes the documents.
-    Answer run(const Call& call);
+    SAnswer run(const SCall& call);
 
     // The formats that the library has traced with, each with its level.
-    const fi_test::Formats& formats() const { return formats_; }
+    const fi_test::Formats& formats() const { return seenFormats; }
 
 private:
-    fi_test::TemporaryFolder folder_;
-    int captureFile_ = -1;
-    fi_test::Formats formats_;
+    fi_test::TemporaryFolder folder;
+    int captureFile = -1;
+    fi_test::Formats seenFormats;
 };
 
 }  // namespace fi_model

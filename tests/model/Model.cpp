@@ -25,24 +25,20 @@ std::string driver() {
 }
 
 // One call with earlier backups, pass by pass.
-class Rotation {
+class CRotation {
 public:
-    Rotation(const Call& call, const TieOrder& ties, Configurations configurations, Prediction& prediction,
-             Journal& journal)
-        : call_(call),
-          ties_(ties),
-          configurations_(std::move(configurations)),
-          prediction_(prediction),
-          journal_(journal) {}
+    CRotation(const SCall& asked, const STieOrder& order, Configurations parsed, SPrediction& result,
+              SJournal& lines)
+        : call(asked), ties(order), configurations(std::move(parsed)), prediction(result), journal(lines) {}
 
     std::int32_t run() {
         readFlags();
         load();
-        for (const Backup& backup : backups_) {
-            journal_.progress(driver() + "parsed [" + backup.name + "]");
-            printTree(backup.root, 0, journal_);
+        for (const SBackup& backup : backups) {
+            journal.progress(driver() + "parsed [" + backup.name + "]");
+            printTree(backup.root, 0, journal);
         }
-        printResources(configurations_, journal_);
+        printResources(configurations, journal);
         check();
         sortNewestFirst();
         claim();
@@ -54,192 +50,192 @@ public:
 private:
     void readFlags() {
         std::map<std::string, int> occurrences;
-        for (std::int32_t index = 0; index < call_.listSize; ++index) {
-            const Entry& entry = call_.entries[static_cast<std::size_t>(index)];
+        for (std::int32_t index = 0; index < call.listSize; ++index) {
+            const SEntry& entry = call.entries[static_cast<std::size_t>(index)];
             const std::int32_t excluded = entry.flag & kExcludeBit;
             if (++occurrences[entry.name] > 1) {
-                journal_.note(Outcome::kNameListedTwice);
-                journal_.noteIf(excludeBits_[entry.name] != excluded,
-                                Outcome::kNameListedTwiceFlagOverwritten);
+                journal.note(EOutcome::kNameListedTwice);
+                journal.noteIf(excludeBits[entry.name] != excluded,
+                               EOutcome::kNameListedTwiceFlagOverwritten);
             }
-            names_.push_back(entry.name);
-            excludeBits_[entry.name] = excluded;
-            journal_.failure(driver() + " Fiid [" + entry.name + "] exclude rotation flag [" +
-                             std::to_string(entry.flag) + "] ");
-            journal_.noteIf(excluded != 0, Outcome::kFlagExcluded);
-            journal_.noteIf(excluded == 0 && entry.flag != 0, Outcome::kFlagOtherBitsOnly);
+            names.push_back(entry.name);
+            excludeBits[entry.name] = excluded;
+            journal.failure(driver() + " Fiid [" + entry.name + "] exclude rotation flag [" +
+                            std::to_string(entry.flag) + "] ");
+            journal.noteIf(excluded != 0, EOutcome::kFlagExcluded);
+            journal.noteIf(excluded == 0 && entry.flag != 0, EOutcome::kFlagOtherBitsOnly);
         }
     }
 
     void load() {
-        backups_ = loadBackups(names_, call_.files, journal_);
-        for (const Backup& backup : backups_) {
-            prediction_.timeStamps.push_back(backup.timeStamp);
+        backups = loadBackups(names, call.files, journal);
+        for (const SBackup& backup : backups) {
+            prediction.timeStamps.push_back(backup.timeStamp);
         }
     }
 
     void check() {
-        for (Backup& backup : backups_) {
-            const bool good = validate(backup.root, Mode::kCheck, configurations_, journal_);
-            journal_.progress(driver() + (good ? "[RESOURCES MATCH] [" : "[INVALID RESOURCES] [") +
-                              backup.name + "]");
-            journal_.note(good ? Outcome::kCheckGood : Outcome::kCheckInvalid);
+        for (SBackup& backup : backups) {
+            const bool good = validate(backup.root, EMode::kCheck, configurations, journal);
+            journal.progress(driver() + (good ? "[RESOURCES MATCH] [" : "[INVALID RESOURCES] [") +
+                             backup.name + "]");
+            journal.note(good ? EOutcome::kCheckGood : EOutcome::kCheckInvalid);
             backup.state = good ? kKept : kInvalid;
             if (!good) {
-                failedCheck_.insert(backup.loadIndex);
+                failedCheck.insert(backup.loadIndex);
             }
         }
     }
 
     void sortNewestFirst() {
-        sortBy([&](const Backup& left, const Backup& right) {
+        sortBy([&](const SBackup& left, const SBackup& right) {
             return left.timeStamp != right.timeStamp
                        ? left.timeStamp > right.timeStamp
-                       : rank(ties_.newestFirst, left) < rank(ties_.newestFirst, right);
+                       : rank(ties.newestFirst, left) < rank(ties.newestFirst, right);
         });
     }
 
     void sortOldestFirst() {
-        sortBy([&](const Backup& left, const Backup& right) {
+        sortBy([&](const SBackup& left, const SBackup& right) {
             return left.timeStamp != right.timeStamp
                        ? left.timeStamp < right.timeStamp
-                       : rank(ties_.oldestFirst, left) < rank(ties_.oldestFirst, right);
+                       : rank(ties.oldestFirst, left) < rank(ties.oldestFirst, right);
         });
-        for (std::size_t index = 1; index < backups_.size(); ++index) {
-            journal_.noteIf(backups_[index].timeStamp == backups_[index - 1].timeStamp,
-                            Outcome::kTimeStampsTied);
+        for (std::size_t index = 1; index < backups.size(); ++index) {
+            journal.noteIf(backups[index].timeStamp == backups[index - 1].timeStamp,
+                           EOutcome::kTimeStampsTied);
         }
     }
 
     template <typename Before>
     void sortBy(Before before) {
-        std::sort(backups_.begin(), backups_.end(), before);
+        std::sort(backups.begin(), backups.end(), before);
     }
 
-    static std::size_t rank(const std::vector<std::size_t>& ranks, const Backup& backup) {
+    static std::size_t rank(const std::vector<std::size_t>& ranks, const SBackup& backup) {
         return ranks.empty() ? backup.loadIndex : ranks[backup.loadIndex];
     }
 
     void claim() {
-        for (Backup& backup : backups_) {
+        for (SBackup& backup : backups) {
             if (backup.state != kKept) {
                 continue;
             }
-            const bool good = validate(backup.root, Mode::kClaim, configurations_, journal_);
-            journal_.progress(driver() + (good ? "[RESERVE GOOD] " : "") + backup.name +
-                              " - T: " + backup.timeStamp);
-            journal_.note(good ? Outcome::kClaimGood : Outcome::kClaimLost);
+            const bool good = validate(backup.root, EMode::kClaim, configurations, journal);
+            journal.progress(driver() + (good ? "[RESERVE GOOD] " : "") + backup.name +
+                             " - T: " + backup.timeStamp);
+            journal.note(good ? EOutcome::kClaimGood : EOutcome::kClaimLost);
             backup.state = good ? kKept : kInvalid;
         }
     }
 
     void release() {
         int released = 0;
-        for (Backup& backup : backups_) {
-            if (selectionOf(configurations_)) {
-                journal_.note(released == 0 ? Outcome::kRotationNotNeeded : Outcome::kRotationStopped);
+        for (SBackup& backup : backups) {
+            if (selectionOf(configurations)) {
+                journal.note(released == 0 ? EOutcome::kRotationNotNeeded : EOutcome::kRotationStopped);
                 return;
             }
             if (backup.state != kKept) {
-                journal_.note(Outcome::kRotationPassedOverInvalid);
-            } else if (excludeBits_[backup.name] != 0) {
-                journal_.progress(driver() + "Skipped Rotation for fiid [" + backup.name + "]");
-                journal_.note(Outcome::kRotationSkippedExcluded);
+                journal.note(EOutcome::kRotationPassedOverInvalid);
+            } else if (excludeBits[backup.name] != 0) {
+                journal.progress(driver() + "Skipped Rotation for fiid [" + backup.name + "]");
+                journal.note(EOutcome::kRotationSkippedExcluded);
             } else {
-                const bool good = validate(backup.root, Mode::kRelease, configurations_, journal_);
+                const bool good = validate(backup.root, EMode::kRelease, configurations, journal);
                 backup.state = good ? kRotated : kInvalid;
                 ++released;
-                journal_.note(Outcome::kReleased);
-                journal_.noteIf(released == 10, Outcome::kRotationReleasedMany);
+                journal.note(EOutcome::kReleased);
+                journal.noteIf(released == 10, EOutcome::kRotationReleasedMany);
             }
         }
-        journal_.note(Outcome::kRotationRanOut);
+        journal.note(EOutcome::kRotationRanOut);
     }
 
     std::int32_t handOver() {
-        const std::optional<std::string> selection = selectionOf(configurations_);
+        const std::optional<std::string> selection = selectionOf(configurations);
         if (!selection) {
-            journal_.failure(driver() + "Resources not availabe, some/all are part of Skip rotation fiids");
-            journal_.note(Outcome::kFinalNoResource);
+            journal.failure(driver() + "Resources not availabe, some/all are part of Skip rotation fiids");
+            journal.note(EOutcome::kFinalNoResource);
             return kFailure;
         }
-        prediction_.answer.selection = selection;
-        journal_.progress(driver() + "resource_config_string [" + *selection + "] ");
+        prediction.answer.selection = selection;
+        journal.progress(driver() + "resource_config_string [" + *selection + "] ");
         noteSelection();
         writeBack();
-        printResources(configurations_, journal_);
-        for (const Backup& backup : backups_) {
-            journal_.progress(driver() + "parsed [" + backup.name + "] state=[" +
-                              std::to_string(backup.state) + "]");
-            printTree(backup.root, 0, journal_);
+        printResources(configurations, journal);
+        for (const SBackup& backup : backups) {
+            journal.progress(driver() + "parsed [" + backup.name + "] state=[" +
+                             std::to_string(backup.state) + "]");
+            printTree(backup.root, 0, journal);
         }
         return kSuccess;
     }
 
     void writeBack() {
-        for (std::size_t index = 0; index < names_.size(); ++index) {
-            const auto backup = std::find_if(backups_.begin(), backups_.end(),
-                                             [&](const Backup& one) { return one.name == names_[index]; });
-            if (backup == backups_.end()) {
-                journal_.note(Outcome::kFlagNotRewritten);
+        for (std::size_t index = 0; index < names.size(); ++index) {
+            const auto backup = std::find_if(backups.begin(), backups.end(),
+                                             [&](const SBackup& one) { return one.name == names[index]; });
+            if (backup == backups.end()) {
+                journal.note(EOutcome::kFlagNotRewritten);
                 continue;
             }
-            prediction_.answer.flags[index] = backup->state;
+            prediction.answer.flags[index] = backup->state;
             noteFinalState(*backup);
         }
     }
 
-    void noteFinalState(const Backup& backup) {
-        const bool excluded = excludeBits_[backup.name] != 0;
-        journal_.noteIf(backup.state == kKept && !excluded, Outcome::kFinalKept);
-        journal_.noteIf(backup.state == kKept && excluded, Outcome::kFinalKeptExcluded);
-        journal_.noteIf(backup.state == kRotated, Outcome::kFinalRotated);
+    void noteFinalState(const SBackup& backup) {
+        const bool excluded = excludeBits[backup.name] != 0;
+        journal.noteIf(backup.state == kKept && !excluded, EOutcome::kFinalKept);
+        journal.noteIf(backup.state == kKept && excluded, EOutcome::kFinalKeptExcluded);
+        journal.noteIf(backup.state == kRotated, EOutcome::kFinalRotated);
         if (backup.state == kInvalid) {
-            journal_.note(failedCheck_.count(backup.loadIndex) > 0 ? Outcome::kFinalInvalidByCheck
-                                                                   : Outcome::kFinalInvalidByClaim);
+            journal.note(failedCheck.count(backup.loadIndex) > 0 ? EOutcome::kFinalInvalidByCheck
+                                                                 : EOutcome::kFinalInvalidByClaim);
         }
     }
 
     void noteSelection() {
-        journal_.noteIf(configurations_.empty(), Outcome::kSelectionEmpty);
-        for (const Configuration& configuration : configurations_) {
-            journal_.noteIf(configuration.targets.front().state == kUsed,
-                            Outcome::kSelectionSkippedUsedTarget);
+        journal.noteIf(configurations.empty(), EOutcome::kSelectionEmpty);
+        for (const SConfiguration& configuration : configurations) {
+            journal.noteIf(configuration.targets.front().state == kUsed,
+                           EOutcome::kSelectionSkippedUsedTarget);
         }
     }
 
-    const Call& call_;
-    const TieOrder& ties_;
-    Configurations configurations_;
-    Prediction& prediction_;
-    Journal& journal_;
-    std::vector<std::string> names_;
-    std::map<std::string, std::int32_t> excludeBits_;
-    std::vector<Backup> backups_;
-    std::set<std::size_t> failedCheck_;
+    const SCall& call;
+    const STieOrder& ties;
+    Configurations configurations;
+    SPrediction& prediction;
+    SJournal& journal;
+    std::vector<std::string> names;
+    std::map<std::string, std::int32_t> excludeBits;
+    std::vector<SBackup> backups;
+    std::set<std::size_t> failedCheck;
 };
 
-bool argumentsAreGood(const Call& call, Journal& journal) {
+bool argumentsAreGood(const SCall& call, SJournal& journal) {
     const bool lacksFlags = call.listSize != 0 && !call.hasFlags;
-    journal.noteIf(lacksFlags, Outcome::kNullFlags);
-    journal.noteIf(!call.hasResult, Outcome::kNullResult);
-    journal.noteIf(!call.configuration, Outcome::kNullConfiguration);
+    journal.noteIf(lacksFlags, EOutcome::kNullFlags);
+    journal.noteIf(!call.hasResult, EOutcome::kNullResult);
+    journal.noteIf(!call.configuration, EOutcome::kNullConfiguration);
     return !lacksFlags && call.hasResult && call.configuration.has_value();
 }
 
-std::int32_t firstBackup(const Configurations& configurations, Answer& answer, Journal& journal) {
+std::int32_t firstBackup(const Configurations& configurations, SAnswer& answer, SJournal& journal) {
     journal.progress(driver() + "fiidListSize empty, no previous backups to process");
     answer.selection = selectionOf(configurations);
     if (!answer.selection) {
         journal.failure(driver() + "no resource is available");
-        journal.note(Outcome::kFirstBackupNoResource);
+        journal.note(EOutcome::kFirstBackupNoResource);
         return kFailure;
     }
-    journal.note(Outcome::kFirstBackupSelected);
+    journal.note(EOutcome::kFirstBackupSelected);
     return kSuccess;
 }
 
-std::int32_t statusOf(const Call& call, const TieOrder& ties, Prediction& prediction, Journal& journal) {
+std::int32_t statusOf(const SCall& call, const STieOrder& ties, SPrediction& prediction, SJournal& journal) {
     if (!argumentsAreGood(call, journal)) {
         journal.failure(driver() + "Invalid/empty parameter");
         return kFailure;
@@ -248,31 +244,31 @@ std::int32_t statusOf(const Call& call, const TieOrder& ties, Prediction& predic
     if (call.listSize == 0) {
         return firstBackup(configurations, prediction.answer, journal);
     }
-    return Rotation(call, ties, configurations, prediction, journal).run();
+    return CRotation(call, ties, configurations, prediction, journal).run();
 }
 
-void noteCall(const Call& call, Journal& journal) {
-    journal.noteIf(call.listSize < 0, Outcome::kNegativeSize);
+void noteCall(const SCall& call, SJournal& journal) {
+    journal.noteIf(call.listSize < 0, EOutcome::kNegativeSize);
     journal.noteIf(call.listSize >= 0 && static_cast<std::size_t>(call.listSize) < call.entries.size(),
-                   Outcome::kArraysLongerThanList);
+                   EOutcome::kArraysLongerThanList);
 }
 
 }  // namespace
 
-Prediction predict(const Call& call, const TieOrder& ties) {
-    Prediction prediction;
-    Answer& answer = prediction.answer;
-    for (const Entry& entry : call.entries) {
+SPrediction predict(const SCall& call, const STieOrder& ties) {
+    SPrediction prediction;
+    SAnswer& answer = prediction.answer;
+    for (const SEntry& entry : call.entries) {
         answer.flags.push_back(entry.flag);
     }
-    Journal journal;
+    SJournal journal;
     noteCall(call, journal);
     try {
         answer.status = statusOf(call, ties, prediction, journal);
-        journal.note(answer.status == kSuccess ? Outcome::kStatusSuccess : Outcome::kStatusFailure);
-    } catch (const Malformed& malformed) {
+        journal.note(answer.status == kSuccess ? EOutcome::kStatusSuccess : EOutcome::kStatusFailure);
+    } catch (const SMalformed& malformed) {
         answer.malformed = malformed;
-        journal.note(Outcome::kException);
+        journal.note(EOutcome::kException);
     }
     answer.trace = std::move(journal.trace);
     answer.standardOutput = std::move(journal.standardOutput);

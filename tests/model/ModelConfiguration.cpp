@@ -61,13 +61,13 @@ std::string upToEndOfFirstField(const std::string& text, const std::string& sepa
     return result;
 }
 
-struct SplitTarget {
+struct SSplitTarget {
     std::string enclosure;
     std::string device;
     bool inherits = false;
 };
 
-SplitTarget splitTarget(const std::string& text, const std::string& carriedEnclosure) {
+SSplitTarget splitTarget(const std::string& text, const std::string& carriedEnclosure) {
     const std::size_t separator = text.find("##");
     if (separator == std::string::npos) {
         return {carriedEnclosure, text, true};
@@ -79,36 +79,36 @@ std::string rejection(const std::string& text, const std::string& reason) {
     return parser() + "resource configuration \"" + text + "\" has no " + reason + " specified.";
 }
 
-void noteTarget(const SplitTarget& target, bool isFirst, Journal& journal) {
-    journal.noteIf(target.inherits && !isFirst, Outcome::kEnclosureInherited);
-    journal.noteIf(target.enclosure.empty() && !isFirst, Outcome::kEnclosureEmptyOnLaterTarget);
+void noteTarget(const SSplitTarget& target, bool isFirst, SJournal& journal) {
+    journal.noteIf(target.inherits && !isFirst, EOutcome::kEnclosureInherited);
+    journal.noteIf(target.enclosure.empty() && !isFirst, EOutcome::kEnclosureEmptyOnLaterTarget);
     journal.noteIf(target.enclosure.empty() && target.inherits && !isFirst,
-                   Outcome::kEnclosureEmptyInherited);
-    journal.noteIf(target.device.find("##") != std::string::npos, Outcome::kDeviceWithSeparator);
+                   EOutcome::kEnclosureEmptyInherited);
+    journal.noteIf(target.device.find("##") != std::string::npos, EOutcome::kDeviceWithSeparator);
 }
 
 // Appends the configuration, or says why not and leaves the list alone.
-bool parseConfiguration(const std::string& text, Configurations& configurations, Journal& journal) {
+bool parseConfiguration(const std::string& text, Configurations& configurations, SJournal& journal) {
     const std::vector<std::string> fields = nonEmptyFields(text, ";");
     if (fields.empty()) {
         journal.failure(rejection(text, "targets"));
-        journal.note(Outcome::kConfigurationNoTargets);
+        journal.note(EOutcome::kConfigurationNoTargets);
         return false;
     }
-    Configuration configuration;
+    SConfiguration configuration;
     std::string carriedEnclosure;
     for (std::size_t index = 0; index < fields.size(); ++index) {
         const bool isFirst = index == 0;
-        const SplitTarget target = splitTarget(fields[index], carriedEnclosure);
+        const SSplitTarget target = splitTarget(fields[index], carriedEnclosure);
         journal.progress(parser() + "[" + target.enclosure + "][" + target.device + "]");
         if (target.device.empty()) {
             journal.failure(rejection(fields[index], "device data"));
-            journal.note(Outcome::kConfigurationNoDevice);
+            journal.note(EOutcome::kConfigurationNoDevice);
             return false;
         }
         if (isFirst && target.enclosure.empty()) {
             journal.failure(rejection(fields[index], "enclosure data"));
-            journal.note(Outcome::kConfigurationNoEnclosure);
+            journal.note(EOutcome::kConfigurationNoEnclosure);
             return false;
         }
         noteTarget(target, isFirst, journal);
@@ -124,31 +124,31 @@ bool parseConfiguration(const std::string& text, Configurations& configurations,
     return true;
 }
 
-bool sameTarget(const Target& left, const Target& right) {
+bool sameTarget(const STarget& left, const STarget& right) {
     return left.enclosure == right.enclosure && left.device == right.device;
 }
 
 // How often the targets of `left` occur among those of `right`.
-std::size_t commonTargets(const Configuration& left, const Configuration& right) {
+std::size_t commonTargets(const SConfiguration& left, const SConfiguration& right) {
     std::size_t common = 0;
-    for (const Target& one : left.targets) {
-        for (const Target& other : right.targets) {
+    for (const STarget& one : left.targets) {
+        for (const STarget& other : right.targets) {
             common += sameTarget(one, other) ? 1U : 0U;
         }
     }
     return common;
 }
 
-void noteShape(const Configurations& configurations, Journal& journal) {
+void noteShape(const Configurations& configurations, SJournal& journal) {
     for (std::size_t later = 0; later < configurations.size(); ++later) {
-        const Configuration& one = configurations[later];
-        journal.noteIf(one.targets.empty(), Outcome::kNoFurtherTargets);
-        journal.noteIf(commonTargets(one, one) > one.targets.size(), Outcome::kTargetListedTwice);
+        const SConfiguration& one = configurations[later];
+        journal.noteIf(one.targets.empty(), EOutcome::kNoFurtherTargets);
+        journal.noteIf(commonTargets(one, one) > one.targets.size(), EOutcome::kTargetListedTwice);
         for (std::size_t earlier = 0; earlier < later; ++earlier) {
-            const Configuration& other = configurations[earlier];
+            const SConfiguration& other = configurations[earlier];
             journal.noteIf(one.enclosure == other.enclosure && one.device == other.device,
-                           Outcome::kFirstTargetShared);
-            journal.noteIf(commonTargets(one, other) > 0, Outcome::kTargetSharedByConfigurations);
+                           EOutcome::kFirstTargetShared);
+            journal.noteIf(commonTargets(one, other) > 0, EOutcome::kTargetSharedByConfigurations);
         }
     }
 }
@@ -163,16 +163,16 @@ std::string decodeReferences(const std::string& text) {
     return replaceAll(result, "&amp;", "&");
 }
 
-Configurations parseConfigurations(const std::string& text, Journal& journal) {
+Configurations parseConfigurations(const std::string& text, SJournal& journal) {
     const std::string separators = "&\n\r";
     const std::string decoded = decodeReferences(text);
-    journal.noteIf(decoded != text, Outcome::kReferenceDecoded);
+    journal.noteIf(decoded != text, EOutcome::kReferenceDecoded);
 
     Configurations configurations;
     const std::vector<std::string> fields = nonEmptyFields(decoded, separators);
     if (fields.empty()) {
         journal.failure(parser() + "Invalid resource specification [" + decoded + "]");
-        journal.note(Outcome::kConfigurationNone);
+        journal.note(EOutcome::kConfigurationNone);
         return configurations;
     }
     journal.progress(parser() + "Resource specification [" + upToEndOfFirstField(decoded, separators) + "]");
@@ -180,8 +180,8 @@ Configurations parseConfigurations(const std::string& text, Journal& journal) {
     for (std::size_t index = 0; index < fields.size() && accepted; ++index) {
         accepted = parseConfiguration(fields[index], configurations, journal);
     }
-    journal.noteIf(accepted, Outcome::kConfigurationAccepted);
-    journal.noteIf(!accepted && !configurations.empty(), Outcome::kConfigurationPartlyKept);
+    journal.noteIf(accepted, EOutcome::kConfigurationAccepted);
+    journal.noteIf(!accepted && !configurations.empty(), EOutcome::kConfigurationPartlyKept);
     noteShape(configurations, journal);
     return configurations;
 }

@@ -16,19 +16,19 @@ bool takePart(std::string& rest, std::string& part) {
     return true;
 }
 
-void noteForm(bool isEnclosureId, bool hasFourParts, Journal& journal) {
+void noteForm(bool isEnclosureId, bool hasFourParts, SJournal& journal) {
     if (isEnclosureId) {
-        journal.note(hasFourParts ? Outcome::kIdentifierEnclosureFourParts
-                                  : Outcome::kIdentifierEnclosureThreeParts);
+        journal.note(hasFourParts ? EOutcome::kIdentifierEnclosureFourParts
+                                  : EOutcome::kIdentifierEnclosureThreeParts);
     } else {
-        journal.note(hasFourParts ? Outcome::kIdentifierDeviceFourParts
-                                  : Outcome::kIdentifierDeviceThreeParts);
+        journal.note(hasFourParts ? EOutcome::kIdentifierDeviceFourParts
+                                  : EOutcome::kIdentifierDeviceThreeParts);
     }
 }
 
 }  // namespace
 
-Identifier parseIdentifier(const std::string& text, Journal& journal) {
+SIdentifier parseIdentifier(const std::string& text, SJournal& journal) {
     bool isEnclosureId = false;
     std::size_t prefix = text.find("UDID##");
     if (prefix == std::string::npos) {
@@ -36,20 +36,20 @@ Identifier parseIdentifier(const std::string& text, Journal& journal) {
         prefix = text.find("UEID##");
     }
     if (prefix == std::string::npos) {
-        throw Malformed{text, 2};
+        throw SMalformed{text, 2};
     }
     std::string rest = text.substr(prefix + 6);
     std::string ignored;
     if (!takePart(rest, ignored)) {
-        throw Malformed{text, 3};
+        throw SMalformed{text, 3};
     }
     if (!takePart(rest, ignored)) {
-        throw Malformed{text, 4};
+        throw SMalformed{text, 4};
     }
     if (rest.empty()) {
-        throw Malformed{text, 1};
+        throw SMalformed{text, 1};
     }
-    Identifier identifier;
+    SIdentifier identifier;
     const bool hasFourParts = takePart(rest, identifier.enclosure);
     // Three parts name a device where the prefix says device, and an enclosure where it does not.
     if (hasFourParts || !isEnclosureId) {
@@ -58,7 +58,7 @@ Identifier parseIdentifier(const std::string& text, Journal& journal) {
         identifier.enclosure = rest;
     }
     noteForm(isEnclosureId, hasFourParts, journal);
-    journal.noteIf(prefix != 0, Outcome::kIdentifierPrefixNotAtStart);
+    journal.noteIf(prefix != 0, EOutcome::kIdentifierPrefixNotAtStart);
     return identifier;
 }
 

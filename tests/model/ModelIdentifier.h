@@ -7,12 +7,12 @@
 namespace fi_model {
 
 // The two parts of an identifier that are compared with targets.
-struct Identifier {
+struct SIdentifier {
     std::string enclosure;
     std::string device;
 };
 
-// Throws Malformed when the text is no identifier.
-Identifier parseIdentifier(const std::string& text, Journal& journal);
+// Throws SMalformed when the text is no identifier.
+SIdentifier parseIdentifier(const std::string& text, SJournal& journal);
 
 }  // namespace fi_model

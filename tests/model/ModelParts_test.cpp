@@ -21,7 +21,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::Pair;
-using Kind = Token::Kind;
+using EKind = SToken::EKind;
 
 TEST(ModelReferences, AreDecodedOnceEach) {
     const std::pair<std::string, std::string> kCases[] = {
@@ -36,7 +36,7 @@ TEST(ModelReferences, AreDecodedOnceEach) {
 }
 
 TEST(ModelConfiguration, TwoConfigurationsWithCarriedAndEmptyEnclosures) {
-    Journal journal;
+    SJournal journal;
     const Configurations parsed =
         parseConfigurations("encA##dev1;dev2;encB##dev3&encC##dev4;;##dev5", journal);
 
@@ -61,12 +61,12 @@ TEST(ModelConfiguration, TwoConfigurationsWithCarriedAndEmptyEnclosures) {
 }
 
 TEST(ModelConfiguration, TracesLeadingSeparatorsButNotTrailingOnes) {
-    Journal journal;
+    SJournal journal;
     EXPECT_EQ(parseConfigurations("&&encA##dev1&&", journal).size(), 1U);
     EXPECT_EQ(journal.trace.front().text, "CFiResourceParser::parse : Resource specification [&&encA##dev1]");
 }
 
-struct RejectedConfiguration {
+struct SRejectedConfiguration {
     std::string text;
     std::size_t kept;
     std::string message;
@@ -74,7 +74,7 @@ struct RejectedConfiguration {
 
 TEST(ModelConfiguration, KeepsWhatComesBeforeARejectedConfiguration) {
     const std::string named = "CFiResourceParser::parse : resource configuration \"";
-    const RejectedConfiguration kCases[] = {
+    const SRejectedConfiguration kCases[] = {
         {"", 0, "CFiResourceParser::parse : Invalid resource specification []"},
         {"\r\n", 0, "CFiResourceParser::parse : Invalid resource specification [\r\n]"},
         {"encA##dev1&;;", 1, named + ";;\" has no targets specified."},
@@ -85,22 +85,22 @@ TEST(ModelConfiguration, KeepsWhatComesBeforeARejectedConfiguration) {
         {"##dev1", 0, named + "##dev1\" has no enclosure data specified."},
         {"encA&amp;encB##dev2", 0, named + "encA\" has no enclosure data specified."},
     };
-    for (const RejectedConfiguration& one : kCases) {
-        Journal journal;
+    for (const SRejectedConfiguration& one : kCases) {
+        SJournal journal;
         EXPECT_EQ(parseConfigurations(one.text, journal).size(), one.kept) << one.text;
         EXPECT_EQ(journal.trace.back().text, one.message);
         EXPECT_EQ(journal.trace.back().level, 3);
     }
 }
 
-struct IdentifierCase {
+struct SIdentifierCase {
     std::string text;
     std::string enclosure;
     std::string device;
 };
 
 TEST(ModelIdentifier, EnclosureAndDevice) {
-    const IdentifierCase kCases[] = {
+    const SIdentifierCase kCases[] = {
         {"UDID##v##m##encA##dev1", "encA", "dev1"},
         {"UDID##v##m##encA##dev1##x", "encA", "dev1##x"},
         {"UDID##v##m##dev1", "", "dev1"},
@@ -112,9 +112,9 @@ TEST(ModelIdentifier, EnclosureAndDevice) {
         {"UDID##a##b####c", "", "c"},
         {"UDID##a##b##c##", "c", ""},
     };
-    for (const IdentifierCase& one : kCases) {
-        Journal journal;
-        const Identifier identifier = parseIdentifier(one.text, journal);
+    for (const SIdentifierCase& one : kCases) {
+        SJournal journal;
+        const SIdentifier identifier = parseIdentifier(one.text, journal);
         EXPECT_EQ(identifier.enclosure, one.enclosure) << one.text;
         EXPECT_EQ(identifier.device, one.device) << one.text;
     }
@@ -126,11 +126,11 @@ TEST(ModelIdentifier, ReasonsOfRejection) {
         {"UDID##", 3},       {"UDID##a", 3},      {"UDID##a##b", 4}, {"UEID##a##b", 4},
     };
     for (const auto& [text, code] : kCases) {
-        Journal journal;
+        SJournal journal;
         try {
             parseIdentifier(text, journal);
             ADD_FAILURE() << text;
-        } catch (const Malformed& malformed) {
+        } catch (const SMalformed& malformed) {
             EXPECT_EQ(malformed.code, code) << text;
             EXPECT_EQ(malformed.identifier, text);
         }
@@ -153,15 +153,15 @@ TEST(ModelType, IsConvertedLikeANumberOf64BitsAndCutTo32) {
         {"-99999999999999999999", 0},
     };
     for (const auto& [text, value] : kCases) {
-        Journal journal;
+        SJournal journal;
         EXPECT_EQ(convertType(text, journal), value) << text;
     }
 }
 
 std::vector<std::string> piecesOf(const Tokens& content) {
     std::vector<std::string> pieces;
-    for (const Event& event : readEvents({element("a", content), false})) {
-        if (event.kind == Event::Kind::kCharacters) {
+    for (const SEvent& event : readEvents({element("a", content), false})) {
+        if (event.kind == SEvent::EKind::kCharacters) {
             pieces.push_back(event.text);
         }
     }
@@ -169,13 +169,13 @@ std::vector<std::string> piecesOf(const Tokens& content) {
 }
 
 TEST(ModelReader, PiecesOfText) {
-    EXPECT_THAT(piecesOf({text("a"), {Kind::kReference, "amp", ""}, text("b")}), ElementsAre("a", "&b"));
-    EXPECT_THAT(piecesOf({text("a"), {Kind::kComment, "c", ""}, text("b")}), ElementsAre("a", "b"));
-    EXPECT_THAT(piecesOf({text("a"), {Kind::kCdata, "", ""}}), ElementsAre("a", ""));
-    EXPECT_THAT(piecesOf({{Kind::kReference, "#65", ""}, {Kind::kReference, "#xE9", ""}}),
+    EXPECT_THAT(piecesOf({text("a"), {EKind::kReference, "amp", ""}, text("b")}), ElementsAre("a", "&b"));
+    EXPECT_THAT(piecesOf({text("a"), {EKind::kComment, "c", ""}, text("b")}), ElementsAre("a", "b"));
+    EXPECT_THAT(piecesOf({text("a"), {EKind::kCdata, "", ""}}), ElementsAre("a", ""));
+    EXPECT_THAT(piecesOf({{EKind::kReference, "#65", ""}, {EKind::kReference, "#xE9", ""}}),
                 ElementsAre("A", "\xC3\xA9"));
     EXPECT_THAT(piecesOf({text("a\r\nb\rc")}), ElementsAre("a\nb\nc"));
-    EXPECT_THAT(piecesOf({text("a"), {Kind::kNulLine, "lost", ""}, text("b")}), ElementsAre("a\nb"));
+    EXPECT_THAT(piecesOf({text("a"), {EKind::kNulLine, "lost", ""}, text("b")}), ElementsAre("a\nb"));
 }
 
 TEST(ModelReader, AnIllFormedDocumentEndsWithOneError) {
@@ -185,25 +185,26 @@ TEST(ModelReader, AnIllFormedDocumentEndsWithOneError) {
         {open("a"), text("cut")},
         {open("a"), close("b"), close("a")},
         joined({element("a", {}), element("b", {})}),
-        {open("a"), {Kind::kDamage, "& ", ""}, close("a")},
-        {open("a"), {Kind::kInvalidByte, "", ""}, close("a")},
+        {open("a"), {EKind::kDamage, "& ", ""}, close("a")},
+        {open("a"), {EKind::kInvalidByte, "", ""}, close("a")},
     };
     for (const Tokens& tokens : kDocuments) {
-        const std::vector<Event> events = readEvents({tokens, false});
+        const std::vector<SEvent> events = readEvents({tokens, false});
         ASSERT_FALSE(events.empty());
-        EXPECT_EQ(events.back().kind, Event::Kind::kFatalError) << xmlText({tokens, false});
+        EXPECT_EQ(events.back().kind, SEvent::EKind::kFatalError) << xmlText({tokens, false});
     }
 }
 
 // The one backup of a document, or an empty one when the document holds no Node.
-Backup loaded(const Tokens& tokens) {
-    Journal journal;
+SBackup loaded(const Tokens& tokens) {
+    SJournal journal;
     const auto backups = loadBackups({"b.xml"}, {{"b.xml", {tokens, false}}}, journal);
-    return backups.empty() ? Backup() : backups.front();
+    return backups.empty() ? SBackup() : backups.front();
 }
 
 TEST(ModelTree, AnEmptyElementTakesTheTextBeforeIt) {
-    const Backup backup = loaded(element("Node", joined({data("type", "7"), {{Kind::kEmpty, "objid", ""}}})));
+    const SBackup backup =
+        loaded(element("Node", joined({data("type", "7"), {{EKind::kEmpty, "objid", ""}}})));
     EXPECT_EQ(backup.root.objid, "7");
     EXPECT_EQ(backup.root.type, 7);
 }
@@ -211,7 +212,7 @@ TEST(ModelTree, AnEmptyElementTakesTheTextBeforeIt) {
 TEST(ModelTree, TheLastTopLevelNodeIsTheRoot) {
     const Tokens first = element("Node", joined({data("objid", "1"), data("timeStamp", "t1")}));
     const Tokens second = element("Node", data("objid", "2"));
-    const Backup backup = loaded(element("fiid", joined({first, second})));
+    const SBackup backup = loaded(element("fiid", joined({first, second})));
     EXPECT_EQ(backup.root.objid, "2");
     EXPECT_EQ(backup.timeStamp, "");
 }
@@ -226,7 +227,7 @@ TEST(ModelTree, ATimeStampBelongsToTheRootWhereverItStands) {
 }
 
 TEST(ModelTree, ACutDocumentKeepsItsOpenNodes) {
-    const Backup backup =
+    const SBackup backup =
         loaded(joined({{open("Node")}, data("objid", "1"), {open("Node")}, data("objid", "2")}));
     EXPECT_EQ(backup.root.objid, "1");
     ASSERT_EQ(backup.root.children.size(), 1U);
@@ -234,18 +235,18 @@ TEST(ModelTree, ACutDocumentKeepsItsOpenNodes) {
 }
 
 TEST(ModelTree, OfEqualKeysTheLaterNodeWins) {
-    Node root{"xUDID##1", "A", "", 0, {}};
+    SNode root{"xUDID##1", "A", "", 0, {}};
     root.children.push_back({"UDID##2", "B", "", 0, {{"xUDID##1", "C", "", 0, {}}}});
     root.children.push_back({"udid##3", "D", "", 0, {}});
-    Journal journal;
+    SJournal journal;
     std::map<std::string, std::string> pairs;
     collectPairs(root, pairs, journal);
     EXPECT_THAT(pairs, ElementsAre(Pair("UDID##2", "B"), Pair("xUDID##1", "C")));
 }
 
 TEST(ModelTree, AfterTheOutermostNodeEveryTagExitsTwice) {
-    Journal journal;
-    const Tokens tokens = element("fiid", {{Kind::kEmpty, "Node", ""}, {Kind::kEmpty, "a", ""}});
+    SJournal journal;
+    const Tokens tokens = element("fiid", {{EKind::kEmpty, "Node", ""}, {EKind::kEmpty, "a", ""}});
     loadBackups({"b.xml"}, {{"b.xml", {tokens, false}}}, journal);
     const std::string startIn = "Entering CFiFiidHandler::startElement\n";
     const std::string startOut = "Exiting CFiFiidHandler::startElement\n";

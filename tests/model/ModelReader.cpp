@@ -7,7 +7,7 @@
 namespace fi_model {
 namespace {
 
-using Kind = Token::Kind;
+using EKind = SToken::EKind;
 
 bool isWhiteSpace(const std::string& text) {
     return text.find_first_not_of(" \t\r\n") == std::string::npos;
@@ -45,72 +45,72 @@ std::string referencedText(const std::string& name) {
     return isHexadecimal ? numberedCharacter(name.substr(2), 16) : numberedCharacter(name.substr(1), 10);
 }
 
-class Reader {
+class CReader {
 public:
-    std::vector<Event> read(const std::vector<Token>& tokens) {
-        for (std::size_t index = 0; index < tokens.size() && !failed_; ++index) {
+    std::vector<SEvent> read(const std::vector<SToken>& tokens) {
+        for (std::size_t index = 0; index < tokens.size() && !failed; ++index) {
             read(tokens[index]);
         }
-        if (!failed_ && (!seenElement_ || !open_.empty())) {
+        if (!failed && (!seenElement || !openElements.empty())) {
             fail();
         }
-        return events_;
+        return events;
     }
 
 private:
-    void report(Event::Kind kind, const std::string& text = "") { events_.push_back({kind, text}); }
+    void report(SEvent::EKind kind, const std::string& text = "") { events.push_back({kind, text}); }
 
     void fail() {
-        failed_ = true;
-        report(Event::Kind::kFatalError);
+        failed = true;
+        report(SEvent::EKind::kFatalError);
     }
 
     void endRun() {
-        const std::string piece = referenced_ + withLineFeeds(run_);
-        referenced_.clear();
-        run_.clear();
+        const std::string piece = referenced + withLineFeeds(run);
+        referenced.clear();
+        run.clear();
         if (!piece.empty()) {
-            report(Event::Kind::kCharacters, piece);
+            report(SEvent::EKind::kCharacters, piece);
         }
     }
 
-    void read(const Token& token) {
+    void read(const SToken& token) {
         switch (token.kind) {
-            case Kind::kText:
+            case EKind::kText:
                 return text(token.text);
-            case Kind::kNulLine:
+            case EKind::kNulLine:
                 return text("\n");
-            case Kind::kReference:
+            case EKind::kReference:
                 return reference(token.text);
-            case Kind::kCdata:
+            case EKind::kCdata:
                 return cdata(token.text);
-            case Kind::kOpen:
+            case EKind::kOpen:
                 return open(token.text);
-            case Kind::kClose:
+            case EKind::kClose:
                 return close(token.text);
-            case Kind::kEmpty:
+            case EKind::kEmpty:
                 open(token.text);
-                return failed_ ? void() : close(token.text);
-            case Kind::kDoctypeTwice:
-                hasHostEntity_ = true;
-                return report(Event::Kind::kWarning);
-            case Kind::kDoctype:
-                hasHostEntity_ = true;
+                return failed ? void() : close(token.text);
+            case EKind::kDoctypeTwice:
+                hasHostEntity = true;
+                return report(SEvent::EKind::kWarning);
+            case EKind::kDoctype:
+                hasHostEntity = true;
                 return;
-            case Kind::kComment:
-            case Kind::kInstruction:
+            case EKind::kComment:
+            case EKind::kInstruction:
                 return endRun();
-            case Kind::kDamage:
-            case Kind::kInvalidByte:
+            case EKind::kDamage:
+            case EKind::kInvalidByte:
                 return fail();
-            case Kind::kDeclaration:
+            case EKind::kDeclaration:
                 return;
         }
     }
 
     void text(const std::string& characters) {
-        if (!open_.empty()) {
-            run_ += characters;
+        if (!openElements.empty()) {
+            run += characters;
         } else if (!isWhiteSpace(characters)) {
             fail();
         }
@@ -119,65 +119,65 @@ private:
     // A reference to a character begins a piece, together with the text after it; an entity of the
     // document's own is a piece by itself.
     void reference(const std::string& name) {
-        if (open_.empty() || (name == "host" && !hasHostEntity_)) {
+        if (openElements.empty() || (name == "host" && !hasHostEntity)) {
             return fail();
         }
         endRun();
         if (name == "host") {
-            return report(Event::Kind::kCharacters, kHostEntityText);
+            return report(SEvent::EKind::kCharacters, kHostEntityText);
         }
-        referenced_ = referencedText(name);
+        referenced = referencedText(name);
     }
 
     void cdata(const std::string& characters) {
-        if (open_.empty()) {
+        if (openElements.empty()) {
             return fail();
         }
         endRun();
-        report(Event::Kind::kCharacters, withLineFeeds(characters));
+        report(SEvent::EKind::kCharacters, withLineFeeds(characters));
     }
 
     void open(const std::string& name) {
-        if (open_.empty() && seenElement_) {
+        if (openElements.empty() && seenElement) {
             return fail();
         }
         endRun();
-        seenElement_ = true;
-        open_.push_back(name);
-        report(Event::Kind::kStart, name);
+        seenElement = true;
+        openElements.push_back(name);
+        report(SEvent::EKind::kStart, name);
     }
 
     void close(const std::string& name) {
-        if (open_.empty() || open_.back() != name) {
+        if (openElements.empty() || openElements.back() != name) {
             return fail();
         }
         endRun();
-        open_.pop_back();
-        report(Event::Kind::kEnd, name);
+        openElements.pop_back();
+        report(SEvent::EKind::kEnd, name);
     }
 
-    std::vector<Event> events_;
-    std::vector<std::string> open_;
-    std::string referenced_;
-    std::string run_;
-    bool seenElement_ = false;
-    bool hasHostEntity_ = false;
-    bool failed_ = false;
+    std::vector<SEvent> events;
+    std::vector<std::string> openElements;
+    std::string referenced;
+    std::string run;
+    bool seenElement = false;
+    bool hasHostEntity = false;
+    bool failed = false;
 };
 
-bool hasInvalidByte(const Document& document) {
+bool hasInvalidByte(const SDocument& document) {
     return std::any_of(document.tokens.begin(), document.tokens.end(),
-                       [](const Token& token) { return token.kind == Kind::kInvalidByte; });
+                       [](const SToken& token) { return token.kind == EKind::kInvalidByte; });
 }
 
 }  // namespace
 
-std::vector<Event> readEvents(const Document& document) {
+std::vector<SEvent> readEvents(const SDocument& document) {
     // The reader decodes a whole block before it reports anything of it.
     if (hasInvalidByte(document)) {
-        return {{Event::Kind::kFatalError, ""}};
+        return {{SEvent::EKind::kFatalError, ""}};
     }
-    return Reader().read(document.tokens);
+    return CReader().read(document.tokens);
 }
 
 }  // namespace fi_model

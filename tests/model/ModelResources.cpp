@@ -7,15 +7,15 @@
 namespace fi_model {
 namespace {
 
-struct Match {
-    Configuration* configuration = nullptr;
-    Target* target = nullptr;
+struct SMatch {
+    SConfiguration* configuration = nullptr;
+    STarget* target = nullptr;
     bool keyIsKnown = false;
     bool passedOver = false;
 };
 
-Target* findTarget(Configuration& configuration, const Identifier& value) {
-    for (Target& target : configuration.targets) {
+STarget* findTarget(SConfiguration& configuration, const SIdentifier& value) {
+    for (STarget& target : configuration.targets) {
         if (target.device == value.device && target.enclosure == value.enclosure) {
             return &target;
         }
@@ -23,9 +23,9 @@ Target* findTarget(Configuration& configuration, const Identifier& value) {
     return nullptr;
 }
 
-Match findMatch(Configurations& configurations, const Identifier& key, const Identifier& value) {
-    Match match;
-    for (Configuration& configuration : configurations) {
+SMatch findMatch(Configurations& configurations, const SIdentifier& key, const SIdentifier& value) {
+    SMatch match;
+    for (SConfiguration& configuration : configurations) {
         if (configuration.device != key.device || configuration.enclosure != key.enclosure) {
             continue;
         }
@@ -40,31 +40,31 @@ Match findMatch(Configurations& configurations, const Identifier& key, const Ide
     return match;
 }
 
-void noteMatch(const Match& match, Journal& journal) {
-    journal.noteIf(match.target != nullptr, Outcome::kPairMatched);
-    journal.noteIf(match.target != nullptr && match.passedOver, Outcome::kPairMatchedInLaterConfiguration);
-    journal.noteIf(!match.keyIsKnown, Outcome::kPairKeyUnknown);
-    journal.noteIf(match.keyIsKnown && match.target == nullptr, Outcome::kPairValueUnknown);
+void noteMatch(const SMatch& match, SJournal& journal) {
+    journal.noteIf(match.target != nullptr, EOutcome::kPairMatched);
+    journal.noteIf(match.target != nullptr && match.passedOver, EOutcome::kPairMatchedInLaterConfiguration);
+    journal.noteIf(!match.keyIsKnown, EOutcome::kPairKeyUnknown);
+    journal.noteIf(match.keyIsKnown && match.target == nullptr, EOutcome::kPairValueUnknown);
 }
 
-void noteMalformed(const Malformed& malformed, bool isKey, Journal& journal) {
-    constexpr Outcome kByCode[] = {Outcome::kMalformedCode1, Outcome::kMalformedCode2,
-                                   Outcome::kMalformedCode3, Outcome::kMalformedCode4};
+void noteMalformed(const SMalformed& malformed, bool isKey, SJournal& journal) {
+    constexpr EOutcome kByCode[] = {EOutcome::kMalformedCode1, EOutcome::kMalformedCode2,
+                                    EOutcome::kMalformedCode3, EOutcome::kMalformedCode4};
     journal.note(kByCode[malformed.code - 1]);
-    journal.note(isKey ? Outcome::kMalformedKey : Outcome::kMalformedValue);
+    journal.note(isKey ? EOutcome::kMalformedKey : EOutcome::kMalformedValue);
 }
 
-Identifier parsePart(const std::string& text, bool isKey, Journal& journal) {
+SIdentifier parsePart(const std::string& text, bool isKey, SJournal& journal) {
     try {
         return parseIdentifier(text, journal);
-    } catch (const Malformed& malformed) {
+    } catch (const SMalformed& malformed) {
         journal.failure("ERROR: " + malformed.identifier);
         noteMalformed(malformed, isKey, journal);
         throw;
     }
 }
 
-bool claim(const Match& match) {
+bool claim(const SMatch& match) {
     if (match.target->state == kUsed) {
         return false;
     }
@@ -77,8 +77,8 @@ std::string nameOfState(int state) {
     return state == kAvailable ? "Available" : "Used";
 }
 
-const Target* firstFree(const Configuration& configuration) {
-    for (const Target& target : configuration.targets) {
+const STarget* firstFree(const SConfiguration& configuration) {
+    for (const STarget& target : configuration.targets) {
         if (target.state == kAvailable) {
             return &target;
         }
@@ -88,43 +88,43 @@ const Target* firstFree(const Configuration& configuration) {
 
 }  // namespace
 
-bool validate(const Node& root, Mode mode, Configurations& configurations, Journal& journal) {
-    const Tally before = journal.tally;
+bool validate(const SNode& root, EMode mode, Configurations& configurations, SJournal& journal) {
+    const CTally before = journal.tally;
     std::map<std::string, std::string> pairs;
     collectPairs(root, pairs, journal);
-    journal.noteIf(pairs.empty(), Outcome::kBackupWithoutPairs);
+    journal.noteIf(pairs.empty(), EOutcome::kBackupWithoutPairs);
     bool result = true;
     bool claimedAny = false;
     for (const auto& [keyText, valueText] : pairs) {
-        const Identifier key = parsePart(keyText, true, journal);
-        const Identifier value = parsePart(valueText, false, journal);
-        const Match match = findMatch(configurations, key, value);
+        const SIdentifier key = parsePart(keyText, true, journal);
+        const SIdentifier value = parsePart(valueText, false, journal);
+        const SMatch match = findMatch(configurations, key, value);
         noteMatch(match, journal);
         if (match.target == nullptr) {
             result = false;
-            if (mode == Mode::kCheck) {
+            if (mode == EMode::kCheck) {
                 return false;
             }
-        } else if (mode == Mode::kClaim) {
+        } else if (mode == EMode::kClaim) {
             const bool claimed = claim(match);
             claimedAny = claimedAny || claimed;
             result = result && claimed;
-        } else if (mode == Mode::kRelease) {
+        } else if (mode == EMode::kRelease) {
             match.target->state = kAvailable;
         }
     }
     // Pairs are counted in the check, which every backup goes through, and not once more.
-    if (mode != Mode::kCheck) {
+    if (mode != EMode::kCheck) {
         journal.tally = before;
     }
-    journal.noteIf(!result && claimedAny, Outcome::kClaimLostInPart);
+    journal.noteIf(!result && claimedAny, EOutcome::kClaimLostInPart);
     return result;
 }
 
 std::optional<std::string> selectionOf(const Configurations& configurations) {
     std::string selection;
-    for (const Configuration& configuration : configurations) {
-        const Target* const target = firstFree(configuration);
+    for (const SConfiguration& configuration : configurations) {
+        const STarget* const target = firstFree(configuration);
         if (target == nullptr) {
             return std::nullopt;
         }
@@ -134,12 +134,12 @@ std::optional<std::string> selectionOf(const Configurations& configurations) {
     return selection;
 }
 
-void printResources(const Configurations& configurations, Journal& journal) {
+void printResources(const Configurations& configurations, SJournal& journal) {
     journal.progress("CFiResourceManager::print : printing resource set");
-    for (const Configuration& configuration : configurations) {
+    for (const SConfiguration& configuration : configurations) {
         journal.progress("[" + configuration.enclosure + ":" + configuration.device + "](" +
                          nameOfState(configuration.state) + ")");
-        for (const Target& target : configuration.targets) {
+        for (const STarget& target : configuration.targets) {
             journal.progress("{" + target.device + "," + nameOfState(target.state) + "}");
         }
     }

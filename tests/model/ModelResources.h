@@ -9,15 +9,15 @@
 
 namespace fi_model {
 
-enum class Mode { kCheck, kClaim, kRelease };
+enum class EMode { kCheck, kClaim, kRelease };
 
 // Whether every device of the backup has its target, and in claim mode whether none of them was
-// held by another backup. Throws Malformed for a malformed identifier.
-bool validate(const Node& root, Mode mode, Configurations& configurations, Journal& journal);
+// held by another backup. Throws SMalformed for a malformed identifier.
+bool validate(const SNode& root, EMode mode, Configurations& configurations, SJournal& journal);
 
 // The first free target of every configuration, or nothing when one of them has none.
 std::optional<std::string> selectionOf(const Configurations& configurations);
 
-void printResources(const Configurations& configurations, Journal& journal);
+void printResources(const Configurations& configurations, SJournal& journal);
 
 }  // namespace fi_model

@@ -23,22 +23,22 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::Optional;
 
-using Alteration = std::function<void(Answer&)>;
+using Alteration = std::function<void(SAnswer&)>;
 
 // Answers as the model does, but for one thing.
 Subject altered(const Alteration& alteration) {
-    return [alteration](const Call& call) {
-        Answer answer = predict(call).answer;
+    return [alteration](const SCall& call) {
+        SAnswer answer = predict(call).answer;
         alteration(answer);
         return answer;
     };
 }
 
-bool differs(const Call& call, const Subject& subject) {
+bool differs(const SCall& call, const Subject& subject) {
     return !compare(call, subject).difference.empty();
 }
 
-Call firstDiffering(const Subject& subject) {
+SCall firstDiffering(const Subject& subject) {
     std::uint64_t seed = 1;
     while (!differs(makeCall(seed), subject)) {
         ++seed;
@@ -46,83 +46,83 @@ Call firstDiffering(const Subject& subject) {
     return makeCall(seed);
 }
 
-void reportRotatedAsKept(Answer& answer) {
+void reportRotatedAsKept(SAnswer& answer) {
     std::replace(answer.flags.begin(), answer.flags.end(), 2, 0);
 }
 
 TEST(Comparison, AgreesWithAnUnalteredAnswer) {
     for (std::uint64_t seed = 1; seed <= 200; ++seed) {
-        EXPECT_FALSE(differs(makeCall(seed), altered([](Answer&) {}))) << seed;
+        EXPECT_FALSE(differs(makeCall(seed), altered([](SAnswer&) {}))) << seed;
     }
 }
 
-struct AlterationCase {
+struct SAlterationCase {
     const char* what;
     Alteration alteration;
 };
 
 TEST(Comparison, NoticesEveryPartOfAnAnswer) {
-    const AlterationCase kCases[] = {
-        {"trace line", [](Answer& answer) { answer.trace.back().level = 0; }},
-        {"trace line", [](Answer& answer) { answer.trace.back().text += " "; }},
-        {"trace line", [](Answer& answer) { answer.trace.pop_back(); }},
+    const SAlterationCase kCases[] = {
+        {"trace line", [](SAnswer& answer) { answer.trace.back().level = 0; }},
+        {"trace line", [](SAnswer& answer) { answer.trace.back().text += " "; }},
+        {"trace line", [](SAnswer& answer) { answer.trace.pop_back(); }},
         {"trace line",
-         [](Answer& answer) {
+         [](SAnswer& answer) {
              answer.trace.push_back({4, "more"});
          }},
         {"exception",
-         [](Answer& answer) {
-             answer.malformed = Malformed{"x", 1};
+         [](SAnswer& answer) {
+             answer.malformed = SMalformed{"x", 1};
          }},
-        {"status", [](Answer& answer) { answer.status = 6; }},
-        {"selection", [](Answer& answer) { answer.selection = "[]"; }},
-        {"flags", [](Answer& answer) { answer.flags.push_back(0); }},
-        {"standard output", [](Answer& answer) { answer.standardOutput += "\n"; }},
+        {"status", [](SAnswer& answer) { answer.status = 6; }},
+        {"selection", [](SAnswer& answer) { answer.selection = "[]"; }},
+        {"flags", [](SAnswer& answer) { answer.flags.push_back(0); }},
+        {"standard output", [](SAnswer& answer) { answer.standardOutput += "\n"; }},
     };
-    Call call;
+    SCall call;
     call.configuration = "encA##dev1;snap1";
-    for (const AlterationCase& one : kCases) {
+    for (const SAlterationCase& one : kCases) {
         EXPECT_THAT(compare(call, altered(one.alteration)).difference, HasSubstr(one.what));
     }
 }
 
 TEST(Comparison, NoticesAnotherExceptionCode) {
-    const Alteration alteration = [](Answer& answer) {
+    const Alteration alteration = [](SAnswer& answer) {
         if (answer.malformed) {
             answer.malformed->code = 9;
         }
     };
-    const Call call = firstDiffering(altered(alteration));
+    const SCall call = firstDiffering(altered(alteration));
     EXPECT_THAT(compare(call, altered(alteration)).difference, HasSubstr("library: code 9"));
 }
 
-Call tiedBackups() {
-    Call call;
+SCall tiedBackups() {
+    SCall call;
     call.configuration = "encA##dev1;snap1;snap2";
     call.entries = {{"b0.xml", 0}, {"b1.xml", 0}, {"b2.xml", 0}};
     call.listSize = 3;
-    for (const Entry& entry : call.entries) {
-        call.files[entry.name] = {{{Token::Kind::kEmpty, "Node", ""}}, false};
+    for (const SEntry& entry : call.entries) {
+        call.files[entry.name] = {{{SToken::EKind::kEmpty, "Node", ""}}, false};
     }
     return call;
 }
 
 TEST(Comparison, AcceptsEveryOrderOfTiedBackups) {
-    const Subject reversed = [](const Call& call) { return predict(call, {{2, 1, 0}, {1, 2, 0}}).answer; };
+    const Subject reversed = [](const SCall& call) { return predict(call, {{2, 1, 0}, {1, 2, 0}}).answer; };
     EXPECT_THAT(compare(tiedBackups(), reversed).difference, IsEmpty());
 }
 
 TEST(Comparison, AcceptsNoOtherOrderOfBackupsWithDifferentTimeStamps) {
-    Call call = tiedBackups();
-    for (const Entry& entry : call.entries) {
-        call.files[entry.name].tokens = {{Token::Kind::kOpen, "Node", ""},
-                                         {Token::Kind::kOpen, "timeStamp", ""},
-                                         {Token::Kind::kText, entry.name, ""},
-                                         {Token::Kind::kClose, "timeStamp", ""},
-                                         {Token::Kind::kClose, "Node", ""}};
+    SCall call = tiedBackups();
+    for (const SEntry& entry : call.entries) {
+        call.files[entry.name].tokens = {{SToken::EKind::kOpen, "Node", ""},
+                                         {SToken::EKind::kOpen, "timeStamp", ""},
+                                         {SToken::EKind::kText, entry.name, ""},
+                                         {SToken::EKind::kClose, "timeStamp", ""},
+                                         {SToken::EKind::kClose, "Node", ""}};
     }
-    const Subject swapped = [](const Call& asked) {
-        Answer answer = predict(asked).answer;
+    const Subject swapped = [](const SCall& asked) {
+        SAnswer answer = predict(asked).answer;
         const auto reserves = [](const fi_test::TraceLine& line) {
             return line.text.find("[RESERVE GOOD]") != std::string::npos;
         };
@@ -143,10 +143,10 @@ TEST(TieRanks, AreAllOrdersOfEachGroup) {
 
 TEST(Shrink, LeavesOneBackupAndOneConfigurationOfARotation) {
     const Subject subject = altered(reportRotatedAsKept);
-    const Call call = firstDiffering(subject);
-    const Call smallest = shrink(call, [&](const Call& candidate) { return differs(candidate, subject); });
+    const SCall call = firstDiffering(subject);
+    const SCall smallest = shrink(call, [&](const SCall& candidate) { return differs(candidate, subject); });
 
-    EXPECT_THAT(smallest.entries, ElementsAre(Field(&Entry::flag, 0)));
+    EXPECT_THAT(smallest.entries, ElementsAre(Field(&SEntry::flag, 0)));
     EXPECT_EQ(smallest.listSize, 1);
     ASSERT_EQ(smallest.files.size(), 1U);
     EXPECT_THAT(smallest.configuration, Optional(Not(AnyOf(HasSubstr("&"), HasSubstr("\n")))));
@@ -157,7 +157,7 @@ TEST(Shrink, LeavesOneBackupAndOneConfigurationOfARotation) {
 
 TEST(Shrink, ExplainsADifferenceInFull) {
     const Subject subject = altered(reportRotatedAsKept);
-    const Call call = firstDiffering(subject);
+    const SCall call = firstDiffering(subject);
     const std::string explanation = explainDifference(call, subject);
 
     EXPECT_THAT(explanation, HasSubstr("seed " + std::to_string(call.seed)));
@@ -168,7 +168,7 @@ TEST(Shrink, ExplainsADifferenceInFull) {
 }
 
 TEST(Shrink, LeavesNothingOfACallThatDoesNotMatter) {
-    const Call smallest = shrink(makeCall(1), [](const Call&) { return true; });
+    const SCall smallest = shrink(makeCall(1), [](const SCall&) { return true; });
     EXPECT_THAT(smallest.entries, IsEmpty());
     EXPECT_THAT(smallest.files, IsEmpty());
     EXPECT_EQ(smallest.configuration.value_or(""), "");

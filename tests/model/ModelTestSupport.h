@@ -19,17 +19,17 @@ inline std::vector<std::string> textsOf(const fi_test::Trace& trace) {
     return texts;
 }
 
-inline Token open(const std::string& name) {
-    return {Token::Kind::kOpen, name, ""};
+inline SToken open(const std::string& name) {
+    return {SToken::EKind::kOpen, name, ""};
 }
-inline Token close(const std::string& name) {
-    return {Token::Kind::kClose, name, ""};
+inline SToken close(const std::string& name) {
+    return {SToken::EKind::kClose, name, ""};
 }
-inline Token text(const std::string& characters) {
-    return {Token::Kind::kText, characters, ""};
+inline SToken text(const std::string& characters) {
+    return {SToken::EKind::kText, characters, ""};
 }
 
-using Tokens = std::vector<Token>;
+using Tokens = std::vector<SToken>;
 
 inline Tokens joined(const std::vector<Tokens>& parts) {
     Tokens tokens;

@@ -18,186 +18,186 @@ bool isDigit(char character) {
 }
 
 // Builds the tree of one document from its events.
-class TreeBuilder {
+class CTreeBuilder {
 public:
-    explicit TreeBuilder(Journal& journal) : journal_(journal) {
+    explicit CTreeBuilder(SJournal& lines) : journal(lines) {
         enterAndExit("CFiFiidHandler::CFiFiidHandler");
     }
 
-    void take(const Event& event) {
+    void take(const SEvent& event) {
         switch (event.kind) {
-            case Event::Kind::kStart:
+            case SEvent::EKind::kStart:
                 return start(event.text);
-            case Event::Kind::kEnd:
+            case SEvent::EKind::kEnd:
                 return end(event.text);
-            case Event::Kind::kCharacters:
-                ++pieces_;
-                text_ = event.text;
+            case SEvent::EKind::kCharacters:
+                ++pieces;
+                text = event.text;
                 return;
-            case Event::Kind::kWarning:
-                journal_.note(Outcome::kDocumentWarned);
+            case SEvent::EKind::kWarning:
+                journal.note(EOutcome::kDocumentWarned);
                 return enterAndExit("CFiFiidHandler::warning");
-            case Event::Kind::kFatalError:
-                malformed_ = true;
+            case SEvent::EKind::kFatalError:
+                malformed = true;
                 return enterAndExit("CFiFiidHandler::fatalError");
         }
     }
 
     // The last top-level Node, open or not, as a backup without a name.
-    std::optional<Backup> finish() {
+    std::optional<SBackup> finish() {
         enterAndExit("CFiFiidHandler::~CFiFiidHandler");
-        while (!open_.empty()) {
+        while (!openNodes.empty()) {
             closeNode();
         }
         noteDocument();
-        return root_;
+        return root;
     }
 
 private:
     void enterAndExit(const std::string& operation) {
-        journal_.entering(operation);
-        journal_.exiting(operation);
+        journal.entering(operation);
+        journal.exiting(operation);
     }
 
     void start(const std::string& name) {
         const std::string operation = "CFiFiidHandler::startElement";
-        journal_.entering(operation);
-        if (done_) {
-            journal_.exiting(operation);
+        journal.entering(operation);
+        if (done) {
+            journal.exiting(operation);
         }
         if (name == "Node") {
             openNode();
         }
-        pieces_ = 0;
-        journal_.exiting(operation);
+        pieces = 0;
+        journal.exiting(operation);
     }
 
     void end(const std::string& name) {
         const std::string operation = "CFiFiidHandler::endElement";
-        journal_.entering(operation);
+        journal.entering(operation);
         if (name == "timeStamp") {
             setTimeStamp();
         }
-        if (done_) {
-            journal_.exiting(operation);
+        if (done) {
+            journal.exiting(operation);
         }
         if (name == "Node") {
             closeNode();
-            if (open_.empty()) {
-                done_ = true;
-                journal_.exiting(operation);
+            if (openNodes.empty()) {
+                done = true;
+                journal.exiting(operation);
             }
         }
         if (name == "objid" || name == "altobjid" || name == "splitType" || name == "type") {
             setData(name);
         }
-        journal_.exiting(operation);
+        journal.exiting(operation);
     }
 
     void openNode() {
-        if (open_.empty()) {
-            journal_.noteIf(root_.has_value(), Outcome::kSeveralTopLevelNodes);
-            root_ = Backup();
+        if (openNodes.empty()) {
+            journal.noteIf(root.has_value(), EOutcome::kSeveralTopLevelNodes);
+            root = SBackup();
         } else {
-            journal_.note(Outcome::kNestedNode);
+            journal.note(EOutcome::kNestedNode);
         }
-        open_.emplace_back();
+        openNodes.emplace_back();
     }
 
     void closeNode() {
-        const Node closed = open_.back();
-        open_.pop_back();
-        if (open_.empty()) {
-            root_->root = closed;
+        const SNode closed = openNodes.back();
+        openNodes.pop_back();
+        if (openNodes.empty()) {
+            root->root = closed;
         } else {
-            open_.back().children.push_back(closed);
+            openNodes.back().children.push_back(closed);
         }
     }
 
     void setTimeStamp() {
         noteText();
-        if (!root_) {
-            journal_.note(Outcome::kTimeStampWithoutRoot);
+        if (!root) {
+            journal.note(EOutcome::kTimeStampWithoutRoot);
             return;
         }
-        journal_.noteIf(!root_->timeStamp.empty(), Outcome::kTimeStampReplaced);
-        journal_.noteIf(open_.size() > 1, Outcome::kTimeStampFromInnerNode);
-        journal_.noteIf(open_.empty(), Outcome::kTimeStampAfterRoot);
-        root_->timeStamp = text_;
+        journal.noteIf(!root->timeStamp.empty(), EOutcome::kTimeStampReplaced);
+        journal.noteIf(openNodes.size() > 1, EOutcome::kTimeStampFromInnerNode);
+        journal.noteIf(openNodes.empty(), EOutcome::kTimeStampAfterRoot);
+        root->timeStamp = text;
     }
 
     void setData(const std::string& name) {
         noteText();
-        if (open_.empty()) {
-            journal_.note(Outcome::kDataOutsideNode);
+        if (openNodes.empty()) {
+            journal.note(EOutcome::kDataOutsideNode);
             return;
         }
-        Node& node = open_.back();
+        SNode& node = openNodes.back();
         if (name == "objid") {
-            node.objid = text_;
+            node.objid = text;
         } else if (name == "altobjid") {
-            node.altobjid = text_;
+            node.altobjid = text;
         } else if (name == "splitType") {
-            node.splitType = text_;
+            node.splitType = text;
         } else {
-            node.type = convertType(text_, journal_);
+            node.type = convertType(text, journal);
         }
     }
 
     void noteText() {
-        journal_.noteIf(pieces_ == 0, Outcome::kTextFromBefore);
-        journal_.noteIf(pieces_ > 1, Outcome::kTextLastPieceOnly);
+        journal.noteIf(pieces == 0, EOutcome::kTextFromBefore);
+        journal.noteIf(pieces > 1, EOutcome::kTextLastPieceOnly);
     }
 
     void noteDocument() {
-        journal_.note(root_ ? Outcome::kDocumentLoaded : Outcome::kDocumentWithoutRoot);
-        if (malformed_) {
-            journal_.note(root_ ? Outcome::kDocumentMalformedWithRoot
-                                : Outcome::kDocumentMalformedWithoutRoot);
+        journal.note(root ? EOutcome::kDocumentLoaded : EOutcome::kDocumentWithoutRoot);
+        if (malformed) {
+            journal.note(root ? EOutcome::kDocumentMalformedWithRoot
+                              : EOutcome::kDocumentMalformedWithoutRoot);
         }
     }
 
-    Journal& journal_;
-    std::optional<Backup> root_;
-    std::vector<Node> open_;
+    SJournal& journal;
+    std::optional<SBackup> root;
+    std::vector<SNode> openNodes;
     // The latest piece of characters in the document, wherever it stood.
-    std::string text_;
+    std::string text;
     // Pieces since the latest start tag.
-    int pieces_ = 0;
+    int pieces = 0;
     // A top-level Node has closed.
-    bool done_ = false;
-    bool malformed_ = false;
+    bool done = false;
+    bool malformed = false;
 };
 
-std::optional<Backup> parseDocument(const Document& document, Journal& journal) {
+std::optional<SBackup> parseDocument(const SDocument& document, SJournal& journal) {
     const std::string parser = "CFiFiidParser::";
     journal.entering(parser + "CFiFiidParser");
     journal.entering(parser + "init");
     journal.exiting(parser + "init");
     journal.exiting(parser + "CFiFiidParser");
-    TreeBuilder builder(journal);
+    CTreeBuilder builder(journal);
     journal.entering(parser + "setHandler");
     journal.exiting(parser + "setHandler");
     journal.entering(parser + "parse");
-    for (const Event& event : readEvents(document)) {
+    for (const SEvent& event : readEvents(document)) {
         builder.take(event);
     }
     journal.exiting(parser + "parse");
-    std::optional<Backup> backup = builder.finish();
+    std::optional<SBackup> backup = builder.finish();
     journal.entering(parser + "~CFiFiidParser");
     journal.exiting(parser + "~CFiFiidParser");
     return backup;
 }
 
-void reportMissing(const std::string& name, bool isFirst, Journal& journal) {
+void reportMissing(const std::string& name, bool isFirst, SJournal& journal) {
     journal.standardOutput += "ERROR: failed to load FIID file [" + name + "]\n";
     journal.failure("CFiFiidLoader::load: ERROR: failed to load FIID file");
-    journal.note(isFirst ? Outcome::kMissingFirst : Outcome::kMissingLater);
+    journal.note(isFirst ? EOutcome::kMissingFirst : EOutcome::kMissingLater);
 }
 
 }  // namespace
 
-std::int32_t convertType(const std::string& text, Journal& journal) {
+std::int32_t convertType(const std::string& text, SJournal& journal) {
     std::size_t position = 0;
     while (position < text.size() && isSpace(text[position])) {
         ++position;
@@ -221,14 +221,14 @@ std::int32_t convertType(const std::string& text, Journal& journal) {
         value = value == kSmallest ? kLargest : -value;
     }
     const auto lowBits = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
-    journal.noteIf(lowBits < 0, Outcome::kTypeNegative);
-    journal.noteIf(lowBits != value, Outcome::kTypeTruncated);
+    journal.noteIf(lowBits < 0, EOutcome::kTypeNegative);
+    journal.noteIf(lowBits != value, EOutcome::kTypeTruncated);
     return lowBits;
 }
 
-std::vector<Backup> loadBackups(const std::vector<std::string>& names,
-                                const std::map<std::string, Document>& files, Journal& journal) {
-    std::vector<Backup> backups;
+std::vector<SBackup> loadBackups(const std::vector<std::string>& names,
+                                 const std::map<std::string, SDocument>& files, SJournal& journal) {
+    std::vector<SBackup> backups;
     // The loader's lines carry no operation name.
     journal.entering("");
     for (std::size_t index = 0; index < names.size(); ++index) {
@@ -240,8 +240,8 @@ std::vector<Backup> loadBackups(const std::vector<std::string>& names,
             break;
         }
         journal.exiting("");
-        journal.noteIf(file->second.isDirectory, Outcome::kFolderAsDocument);
-        std::optional<Backup> backup = parseDocument(file->second, journal);
+        journal.noteIf(file->second.isDirectory, EOutcome::kFolderAsDocument);
+        std::optional<SBackup> backup = parseDocument(file->second, journal);
         if (backup) {
             backup->name = names[index];
             backup->loadIndex = backups.size();
@@ -252,22 +252,22 @@ std::vector<Backup> loadBackups(const std::vector<std::string>& names,
     return backups;
 }
 
-void printTree(const Node& node, int level, Journal& journal) {
+void printTree(const SNode& node, int level, SJournal& journal) {
     const std::string indentation = std::string(static_cast<std::size_t>(level), '\t') + " ";
     journal.progress(indentation + "[" + node.objid + "]");
     journal.progress(indentation + "{" + node.altobjid + "}");
     journal.progress(indentation + "<" + std::to_string(node.type) + " " + node.splitType + ">");
-    for (const Node& child : node.children) {
+    for (const SNode& child : node.children) {
         printTree(child, level + 1, journal);
     }
 }
 
-void collectPairs(const Node& node, std::map<std::string, std::string>& pairs, Journal& journal) {
+void collectPairs(const SNode& node, std::map<std::string, std::string>& pairs, SJournal& journal) {
     if (node.objid.find("UDID##") != std::string::npos) {
-        journal.noteIf(pairs.count(node.objid) > 0, Outcome::kPairOverwritten);
+        journal.noteIf(pairs.count(node.objid) > 0, EOutcome::kPairOverwritten);
         pairs[node.objid] = node.altobjid;
     }
-    for (const Node& child : node.children) {
+    for (const SNode& child : node.children) {
         collectPairs(child, pairs, journal);
     }
 }

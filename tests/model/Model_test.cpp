@@ -23,15 +23,15 @@ using ::testing::ElementsAre;
 using ::testing::Not;
 
 // The document of a backup that holds one target of encA##dev1.
-Document holding(const std::string& target, const std::string& timeStamp) {
+SDocument holding(const std::string& target, const std::string& timeStamp) {
     return {element("Node",
                     joined({data("objid", "UDID##v##m##encA##dev1"),
                             data("altobjid", "UDID##v##m##encA##" + target), data("timeStamp", timeStamp)})),
             false};
 }
 
-Call callWith(const std::string& configuration, const std::vector<Document>& documents) {
-    Call call;
+SCall callWith(const std::string& configuration, const std::vector<SDocument>& documents) {
+    SCall call;
     call.configuration = configuration;
     for (std::size_t index = 0; index < documents.size(); ++index) {
         const std::string name = "b" + std::to_string(index) + ".xml";
@@ -43,16 +43,16 @@ Call callWith(const std::string& configuration, const std::vector<Document>& doc
 }
 
 TEST(Model, TheOnlyTargetIsReleased) {
-    const Answer answer = predict(callWith("encA##dev1;snap1", {holding("snap1", "1")})).answer;
+    const SAnswer answer = predict(callWith("encA##dev1;snap1", {holding("snap1", "1")})).answer;
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1]");
     EXPECT_THAT(answer.flags, ElementsAre(2));
 }
 
 TEST(Model, AnExcludedBackupKeepsTheOnlyTarget) {
-    Call call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
+    SCall call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
     call.entries[0].flag = 12;
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.status, 3);
     EXPECT_EQ(answer.selection, std::nullopt);
     EXPECT_THAT(answer.flags, ElementsAre(12));
@@ -64,14 +64,14 @@ TEST(Model, AnExcludedBackupKeepsTheOnlyTarget) {
 }
 
 TEST(Model, TheNewerOfTwoBackupsWithOneTargetHoldsIt) {
-    const Answer answer =
+    const SAnswer answer =
         predict(callWith("encA##dev1;snap1", {holding("snap1", "2"), holding("snap1", "1")})).answer;
     EXPECT_EQ(answer.status, 0);
     EXPECT_THAT(answer.flags, ElementsAre(2, 1));
 }
 
 TEST(Model, OnlyTheOldestIsReleasedWhenOneTargetIsEnough) {
-    const Answer answer =
+    const SAnswer answer =
         predict(callWith("encA##dev1;snap1;snap2", {holding("snap1", "999"), holding("snap2", "1000")}))
             .answer;
     EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap2]");
@@ -79,7 +79,7 @@ TEST(Model, OnlyTheOldestIsReleasedWhenOneTargetIsEnough) {
 }
 
 TEST(Model, ABackupThatClaimsInPartBlocksWhatItClaimed) {
-    Call call = callWith("encA##dev1;snap1&encB##dev2;snap2", {holding("snap1", "2")});
+    SCall call = callWith("encA##dev1;snap1&encB##dev2;snap2", {holding("snap1", "2")});
     call.entries.push_back({"both.xml", 0});
     call.listSize = 2;
     // "UDID##a" comes before "UDID##v", so the target that is still free is claimed first.
@@ -88,19 +88,19 @@ TEST(Model, ABackupThatClaimsInPartBlocksWhatItClaimed) {
     const Tokens held = element("Node", joined({data("objid", "UDID##v##m##encA##dev1"),
                                                 data("altobjid", "UDID##v##m##encA##snap1")}));
     call.files["both.xml"] = {element("Node", joined({data("timeStamp", "1"), free, held})), false};
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.status, 3);
     EXPECT_THAT(textsOf(answer.trace), Contains("fi_process_backups : both.xml - T: 1"));
     EXPECT_THAT(answer.flags, ElementsAre(0, 0));
 }
 
 TEST(Model, TheFirstUnmatchedPairEndsTheCheckBeforeAMalformedOne) {
-    Call call = callWith("encA##dev1;snap1", {{}});
+    SCall call = callWith("encA##dev1;snap1", {{}});
     const Tokens unmatched = element(
         "Node", joined({data("objid", "UDID##a##m##encA##none"), data("altobjid", "UDID##a##m##encA##x")}));
     const Tokens malformed = element("Node", data("objid", "UDID##b"));
     call.files["b0.xml"] = {element("Node", joined({malformed, unmatched})), false};
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.malformed, std::nullopt);
     EXPECT_THAT(answer.flags, ElementsAre(1));
 }
@@ -108,9 +108,9 @@ TEST(Model, TheFirstUnmatchedPairEndsTheCheckBeforeAMalformedOne) {
 TEST(Model, AMalformedIdentifierEndsTheCall) {
     const Tokens tokens =
         element("Node", joined({data("objid", "UDID##v##m##encA##dev1"), data("altobjid", "UDID##v")}));
-    Call call = callWith("encA##dev1;snap1", {{tokens, false}});
+    SCall call = callWith("encA##dev1;snap1", {{tokens, false}});
     call.entries[0].flag = 2;
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     ASSERT_TRUE(answer.malformed.has_value());
     EXPECT_EQ(answer.malformed->code, 3);
     EXPECT_EQ(answer.malformed->identifier, "UDID##v");
@@ -121,12 +121,12 @@ TEST(Model, AMalformedIdentifierEndsTheCall) {
 }
 
 TEST(Model, AMissingFileEndsTheLoadingOnly) {
-    Call call =
+    SCall call =
         callWith("encA##dev1;snap1", {holding("snap1", "1"), holding("snap1", "2"), holding("snap1", "3")});
     call.files.erase("b1.xml");
     call.entries[1].flag = 3;
     call.entries[2].flag = 8;
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.standardOutput, "ERROR: failed to load FIID file [b1.xml]\n");
     EXPECT_THAT(answer.flags, ElementsAre(2, 3, 8));
@@ -134,18 +134,18 @@ TEST(Model, AMissingFileEndsTheLoadingOnly) {
 }
 
 TEST(Model, ANameListedTwiceHasTheFlagOfItsLastEntry) {
-    Call call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
+    SCall call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
     call.entries = {{"b0.xml", 4}, {"b0.xml", 0}};
     call.listSize = 2;
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.status, 0);
     // Both entries have the state of the first of the two in the final order.
     EXPECT_THAT(answer.flags, ElementsAre(2, 2));
 }
 
 TEST(Model, TheFirstBackupTakesTheFirstTargets) {
-    Call call = callWith("encA##dev1;snap1;snap2\nencB##dev2;encC##x", {});
-    const Answer answer = predict(call).answer;
+    SCall call = callWith("encA##dev1;snap1;snap2\nencB##dev2;encC##x", {});
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1][encB##dev2;encC##x]");
     EXPECT_EQ(answer.trace.back().text,
               "fi_process_backups : fiidListSize empty, no previous backups to process");
@@ -157,20 +157,20 @@ TEST(Model, TheFirstBackupTakesTheFirstTargets) {
 }
 
 TEST(Model, ANegativeSizeIsAListWithoutEntries) {
-    Call call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
+    SCall call = callWith("encA##dev1;snap1", {holding("snap1", "1")});
     call.listSize = -1;
-    const Answer answer = predict(call).answer;
+    const SAnswer answer = predict(call).answer;
     EXPECT_EQ(answer.selection, "[encA##dev1;encA##snap1]");
     EXPECT_THAT(answer.flags, ElementsAre(0));
 }
 
 TEST(Model, BadArgumentsAreRejectedBeforeAnythingElse) {
-    std::vector<Call> calls(3, callWith("encA##dev1;snap1", {holding("snap1", "1")}));
+    std::vector<SCall> calls(3, callWith("encA##dev1;snap1", {holding("snap1", "1")}));
     calls[0].hasFlags = false;
     calls[1].hasResult = false;
     calls[2].configuration.reset();
-    for (const Call& call : calls) {
-        const Answer answer = predict(call).answer;
+    for (const SCall& call : calls) {
+        const SAnswer answer = predict(call).answer;
         EXPECT_EQ(answer.status, 3);
         EXPECT_THAT(textsOf(answer.trace), ElementsAre("fi_process_backups : Invalid/empty parameter"));
     }
@@ -186,7 +186,7 @@ TEST(Model, WholeTracesAreTheGoldenOnes) {
         "Node", joined({data("objid", "UDID##v##m##encA##lun1"), data("altobjid", "UDID##v##m##encA##snap1"),
                         data("type", "2"), data("splitType", "mirror"), data("timeStamp", "20260101")}));
     for (const auto& one : kCases) {
-        Call call;
+        SCall call;
         call.configuration = "encA##lun1;snap1";
         call.entries = {{"folder/a.xml", one.flag}};
         call.listSize = one.listSize;

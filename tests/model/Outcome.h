@@ -31,25 +31,25 @@ namespace fi_model {
         kReleased, kFinalNoResource, kSelectionEmpty, kSelectionSkippedUsedTarget, kFinalKept,              \
         kFinalKeptExcluded, kFinalInvalidByCheck, kFinalInvalidByClaim, kFinalRotated, kFlagNotRewritten
 
-enum class Outcome : std::size_t { FI_MODEL_OUTCOMES, kCount };
+enum class EOutcome : std::size_t { FI_MODEL_OUTCOMES, kCount };
 
-inline constexpr std::size_t kOutcomeCount = static_cast<std::size_t>(Outcome::kCount);
+inline constexpr std::size_t kOutcomeCount = static_cast<std::size_t>(EOutcome::kCount);
 
 // The names of the enumerators in order.
 std::vector<std::string> outcomeNames();
 
-class Tally {
+class CTally {
 public:
-    void note(Outcome outcome) { ++counts_[static_cast<std::size_t>(outcome)]; }
-    std::uint64_t operator[](Outcome outcome) const { return counts_[static_cast<std::size_t>(outcome)]; }
-    void add(const Tally& other) {
+    void note(EOutcome outcome) { ++counts[static_cast<std::size_t>(outcome)]; }
+    std::uint64_t operator[](EOutcome outcome) const { return counts[static_cast<std::size_t>(outcome)]; }
+    void add(const CTally& other) {
         for (std::size_t index = 0; index < kOutcomeCount; ++index) {
-            counts_[index] += other.counts_[index];
+            counts[index] += other.counts[index];
         }
     }
 
 private:
-    std::array<std::uint64_t, kOutcomeCount> counts_{};
+    std::array<std::uint64_t, kOutcomeCount> counts{};
 };
 
 }  // namespace fi_model

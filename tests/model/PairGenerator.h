@@ -12,25 +12,25 @@
 namespace fi_model {
 
 // Chooses the devices of the earlier backups of one call, most of them from the configuration.
-class PairGenerator {
+class CPairGenerator {
 public:
-    PairGenerator(const Plan& plan, Random& random) : plan_(plan), random_(random) {}
+    CPairGenerator(const Plan& planned, CRandom& choices) : plan(planned), random(choices) {}
 
     // The devices of the next backup.
-    std::vector<PlannedPair> next();
+    std::vector<SPlannedPair> next();
 
     // One device that holds the first target of a configuration and nothing else.
-    PlannedPair holding(std::size_t configuration);
+    SPlannedPair holding(std::size_t configuration);
 
 private:
-    PlannedPair pairIn(const PlannedConfiguration& configuration, std::size_t place);
-    PlannedPair flawed(const PlannedPair& good);
+    SPlannedPair pairIn(const SPlannedConfiguration& configuration, std::size_t place);
+    SPlannedPair flawed(const SPlannedPair& good);
     std::size_t furtherOf(std::size_t configuration);
 
-    const Plan& plan_;
-    Random& random_;
+    const Plan& plan;
+    CRandom& random;
     // Configuration and target that an earlier backup of the call already holds.
-    std::set<std::pair<std::size_t, std::size_t>> held_;
+    std::set<std::pair<std::size_t, std::size_t>> held;
 };
 
 }  // namespace fi_model

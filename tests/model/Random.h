@@ -12,17 +12,17 @@ namespace fi_model {
 
 // Choices: random ones, the same with every implementation of the standard library, which its distributions
 // are not; or those of whoever draws the numbers.
-class Random {
+class CRandom {
 public:
-    explicit Random(std::uint64_t seed)
-        : Random([engine = std::mt19937_64(seed)](std::size_t limit) mutable {
+    explicit CRandom(std::uint64_t seed)
+        : CRandom([engine = std::mt19937_64(seed)](std::size_t limit) mutable {
               return static_cast<std::size_t>(engine() % limit);
           }) {}
-    // `draw` gives a number below the limit that it is called with.
-    explicit Random(std::function<std::size_t(std::size_t)> draw) : draw_(std::move(draw)) {}
+    // `source` gives a number below the limit that it is called with.
+    explicit CRandom(std::function<std::size_t(std::size_t)> source) : draw(std::move(source)) {}
 
     // A number from 0 to limit - 1.
-    std::size_t below(std::size_t limit) { return draw_(limit); }
+    std::size_t below(std::size_t limit) { return draw(limit); }
     std::size_t between(std::size_t least, std::size_t most) { return least + below(most - least + 1); }
     bool percent(std::size_t chance) { return below(100) < chance; }
     bool perMille(std::size_t chance) { return below(1000) < chance; }
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    std::function<std::size_t(std::size_t)> draw_;
+    std::function<std::size_t(std::size_t)> draw;
 };
 
 }  // namespace fi_model

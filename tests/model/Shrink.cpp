@@ -9,13 +9,13 @@
 namespace fi_model {
 namespace {
 
-using Kind = Token::Kind;
+using EKind = SToken::EKind;
 
-class Shrinker {
+class CShrinker {
 public:
-    Shrinker(Call call, const Keeps& keeps) : call_(std::move(call)), keeps_(keeps) {}
+    CShrinker(SCall large, const Keeps& condition) : call(std::move(large)), keeps(condition) {}
 
-    Call run() {
+    SCall run() {
         bool smaller = true;
         while (smaller) {
             smaller = dropEntries();
@@ -23,35 +23,35 @@ public:
             smaller = shrinkDocuments() || smaller;
             smaller = clearFlags() || smaller;
         }
-        return call_;
+        return call;
     }
 
 private:
-    bool take(const Call& candidate) {
-        if (!keeps_(candidate)) {
+    bool take(const SCall& candidate) {
+        if (!keeps(candidate)) {
             return false;
         }
-        call_ = candidate;
+        call = candidate;
         return true;
     }
 
     bool dropEntries() {
         bool dropped = false;
-        for (std::size_t index = call_.entries.size(); index-- > 0;) {
+        for (std::size_t index = call.entries.size(); index-- > 0;) {
             dropped = take(withoutEntry(index)) || dropped;
         }
         return dropped;
     }
 
-    [[nodiscard]] Call withoutEntry(std::size_t index) const {
-        Call candidate = call_;
+    [[nodiscard]] SCall withoutEntry(std::size_t index) const {
+        SCall candidate = call;
         const std::string name = candidate.entries[index].name;
         candidate.entries.erase(candidate.entries.begin() + static_cast<std::ptrdiff_t>(index));
         if (candidate.listSize > static_cast<std::int32_t>(index)) {
             --candidate.listSize;
         }
         bool stillNamed = false;
-        for (const Entry& entry : candidate.entries) {
+        for (const SEntry& entry : candidate.entries) {
             stillNamed = stillNamed || entry.name == name;
         }
         if (!stillNamed) {
@@ -61,17 +61,17 @@ private:
     }
 
     bool shortenConfiguration() {
-        return call_.configuration && shorten([](Call& call) -> std::string& { return *call.configuration; });
+        return call.configuration && shorten([](SCall& any) -> std::string& { return *any.configuration; });
     }
 
     // Cuts ever smaller pieces out of a text of the call.
     template <typename Access>
     bool shorten(Access access) {
         bool shortened = false;
-        for (std::size_t length = access(call_).size(); length > 0; length /= 2) {
-            for (std::size_t position = 0; position + length <= access(call_).size();) {
+        for (std::size_t length = access(call).size(); length > 0; length /= 2) {
+            for (std::size_t position = 0; position + length <= access(call).size();) {
                 const bool taken =
-                    isWhole(access(call_), position, length) && takeWithout(access, position, length);
+                    isWhole(access(call), position, length) && takeWithout(access, position, length);
                 shortened = shortened || taken;
                 position += taken ? 0 : length;
             }
@@ -89,14 +89,14 @@ private:
 
     template <typename Access>
     bool takeWithout(Access access, std::size_t position, std::size_t length) {
-        Call candidate = call_;
+        SCall candidate = call;
         access(candidate).erase(position, length);
         return take(candidate);
     }
 
     bool shrinkDocuments() {
         std::vector<std::string> names;
-        for (const auto& [name, document] : call_.files) {
+        for (const auto& [name, document] : call.files) {
             names.push_back(name);
         }
         bool smaller = false;
@@ -109,7 +109,7 @@ private:
 
     bool dropTokens(const std::string& name) {
         bool dropped = false;
-        for (std::size_t index = 0; index < call_.files[name].tokens.size();) {
+        for (std::size_t index = 0; index < call.files[name].tokens.size();) {
             const bool taken = take(withoutElement(name, index)) || take(unwrapped(name, index));
             dropped = dropped || taken;
             index += taken ? 0U : 1U;
@@ -119,12 +119,12 @@ private:
 
     // The end tag of a start tag, so that what is left stays well-formed where it was; of any
     // other token, and where there is no end tag, the token itself.
-    static std::size_t lastOf(const std::vector<Token>& tokens, std::size_t index) {
+    static std::size_t lastOf(const std::vector<SToken>& tokens, std::size_t index) {
         std::size_t depth = 0;
         for (std::size_t last = index; last < tokens.size(); ++last) {
-            if (tokens[last].kind == Kind::kOpen) {
+            if (tokens[last].kind == EKind::kOpen) {
                 ++depth;
-            } else if (tokens[last].kind == Kind::kClose && depth > 0) {
+            } else if (tokens[last].kind == EKind::kClose && depth > 0) {
                 --depth;
             }
             if (depth == 0) {
@@ -134,17 +134,17 @@ private:
         return index;
     }
 
-    [[nodiscard]] Call withoutElement(const std::string& name, std::size_t index) const {
-        Call candidate = call_;
-        std::vector<Token>& tokens = candidate.files[name].tokens;
+    [[nodiscard]] SCall withoutElement(const std::string& name, std::size_t index) const {
+        SCall candidate = call;
+        std::vector<SToken>& tokens = candidate.files[name].tokens;
         const auto last = static_cast<std::ptrdiff_t>(lastOf(tokens, index));
         tokens.erase(tokens.begin() + static_cast<std::ptrdiff_t>(index), tokens.begin() + last + 1);
         return candidate;
     }
 
-    [[nodiscard]] Call unwrapped(const std::string& name, std::size_t index) const {
-        Call candidate = call_;
-        std::vector<Token>& tokens = candidate.files[name].tokens;
+    [[nodiscard]] SCall unwrapped(const std::string& name, std::size_t index) const {
+        SCall candidate = call;
+        std::vector<SToken>& tokens = candidate.files[name].tokens;
         const std::size_t last = lastOf(tokens, index);
         if (last > index) {
             tokens.erase(tokens.begin() + static_cast<std::ptrdiff_t>(last));
@@ -155,19 +155,18 @@ private:
 
     bool shortenTokens(const std::string& name) {
         bool shortened = false;
-        for (std::size_t index = 0; index < call_.files[name].tokens.size(); ++index) {
-            const auto token = [&name, index](Call& call) -> Token& {
-                return call.files[name].tokens[index];
+        for (std::size_t index = 0; index < call.files[name].tokens.size(); ++index) {
+            const auto token = [&name, index](SCall& any) -> SToken& {
+                return any.files[name].tokens[index];
             };
-            if (!token(call_).attributes.empty()) {
-                Call candidate = call_;
+            if (!token(call).attributes.empty()) {
+                SCall candidate = call;
                 token(candidate).attributes.clear();
                 shortened = take(candidate) || shortened;
             }
-            const Kind kind = token(call_).kind;
-            if (kind == Kind::kText || kind == Kind::kCdata || kind == Kind::kComment) {
-                shortened =
-                    shorten([&](Call& call) -> std::string& { return token(call).text; }) || shortened;
+            const EKind kind = token(call).kind;
+            if (kind == EKind::kText || kind == EKind::kCdata || kind == EKind::kComment) {
+                shortened = shorten([&](SCall& any) -> std::string& { return token(any).text; }) || shortened;
             }
         }
         return shortened;
@@ -175,9 +174,9 @@ private:
 
     bool clearFlags() {
         bool cleared = false;
-        for (std::size_t index = 0; index < call_.entries.size(); ++index) {
-            if (call_.entries[index].flag != 0) {
-                Call candidate = call_;
+        for (std::size_t index = 0; index < call.entries.size(); ++index) {
+            if (call.entries[index].flag != 0) {
+                SCall candidate = call;
                 candidate.entries[index].flag = 0;
                 cleared = take(candidate) || cleared;
             }
@@ -185,11 +184,11 @@ private:
         return cleared;
     }
 
-    Call call_;
-    const Keeps& keeps_;
+    SCall call;
+    const Keeps& keeps;
 };
 
-std::string describeFile(const Call& call, const std::string& name) {
+std::string describeFile(const SCall& call, const std::string& name) {
     const auto file = call.files.find(name);
     if (file == call.files.end()) {
         return "(missing)";
@@ -199,29 +198,29 @@ std::string describeFile(const Call& call, const std::string& name) {
 
 }  // namespace
 
-Call shrink(Call call, const Keeps& keeps) {
-    return Shrinker(std::move(call), keeps).run();
+SCall shrink(SCall call, const Keeps& keeps) {
+    return CShrinker(std::move(call), keeps).run();
 }
 
-std::string describe(const Call& call) {
+std::string describe(const SCall& call) {
     std::string text = "call made by seed " + std::to_string(call.seed) + "\n";
     text += "  configuration: " + (call.configuration ? asLiteral(*call.configuration) : "null");
     text += "\n  list size: " + std::to_string(call.listSize);
     text += call.hasFlags ? "" : ", flags: null";
     text += call.hasResult ? "" : ", result: null";
     text += "\n";
-    for (const Entry& entry : call.entries) {
+    for (const SEntry& entry : call.entries) {
         text += "  backup " + asLiteral(entry.name) + " flag " + std::to_string(entry.flag) +
                 "\n    document: " + describeFile(call, entry.name) + "\n";
     }
     return text;
 }
 
-std::string explainDifference(const Call& call, const Subject& subject) {
-    const auto differs = [&](const Call& candidate) {
+std::string explainDifference(const SCall& call, const Subject& subject) {
+    const auto differs = [&](const SCall& candidate) {
         return !compare(candidate, subject).difference.empty();
     };
-    const Call smallest = shrink(call, differs);
+    const SCall smallest = shrink(call, differs);
     return describe(smallest) + compare(smallest, subject).difference;
 }
 

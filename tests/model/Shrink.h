@@ -8,16 +8,16 @@
 
 namespace fi_model {
 
-using Keeps = std::function<bool(const Call&)>;
+using Keeps = std::function<bool(const SCall&)>;
 
 // The smallest call to be found by leaving out backups, elements, configurations and characters
 // for which `keeps` still holds. It holds for the call itself.
-Call shrink(Call call, const Keeps& keeps);
+SCall shrink(SCall call, const Keeps& keeps);
 
 // The call with everything that is needed to make it again in a test.
-std::string describe(const Call& call);
+std::string describe(const SCall& call);
 
 // A call on which model and subject differ: shrunk, described, and with the difference that is left.
-std::string explainDifference(const Call& call, const Subject& subject);
+std::string explainDifference(const SCall& call, const Subject& subject);
 
 }  // namespace fi_model

@@ -17,25 +17,25 @@
 
 namespace {
 
-struct Options {
+struct SOptions {
     std::uint64_t calls = 20000;
     std::uint64_t seed = 1;
     std::uint64_t least = 0;
 };
 
 // A library that crashes leaves no report; the last of these lines says between which seeds.
-void reportProgress(std::uint64_t done, const Options& options) {
+void reportProgress(std::uint64_t done, const SOptions& options) {
     if (done % 10000 == 0) {
         std::fprintf(stderr, "seeds from %ju: %ju of %ju calls\n", std::uintmax_t{options.seed},
                      std::uintmax_t{done}, std::uintmax_t{options.calls});
     }
 }
 
-bool enoughOfEach(const fi_model::Tally& tally, const Options& options) {
+bool enoughOfEach(const fi_model::CTally& tally, const SOptions& options) {
     const std::vector<std::string> names = fi_model::outcomeNames();
     bool enough = true;
     for (std::size_t index = 0; index < fi_model::kOutcomeCount; ++index) {
-        const auto outcome = static_cast<fi_model::Outcome>(index);
+        const auto outcome = static_cast<fi_model::EOutcome>(index);
         const bool tooFew = tally[outcome] < options.least;
         std::printf("%12ju  %s%s\n", std::uintmax_t{tally[outcome]}, names[index].c_str(),
                     tooFew ? "  TOO FEW" : "");
@@ -44,13 +44,13 @@ bool enoughOfEach(const fi_model::Tally& tally, const Options& options) {
     return enough;
 }
 
-bool soak(const Options& options) {
-    fi_model::LibraryHost host;
-    const fi_model::Subject library = [&](const fi_model::Call& call) { return host.run(call); };
-    fi_model::Tally tally;
+bool soak(const SOptions& options) {
+    fi_model::CLibraryHost host;
+    const fi_model::Subject library = [&](const fi_model::SCall& call) { return host.run(call); };
+    fi_model::CTally tally;
     for (std::uint64_t done = 0; done < options.calls; ++done) {
-        const fi_model::Call call = fi_model::makeCall(options.seed + done);
-        const fi_model::Comparison comparison = fi_model::compare(call, library);
+        const fi_model::SCall call = fi_model::makeCall(options.seed + done);
+        const fi_model::SComparison comparison = fi_model::compare(call, library);
         if (!comparison.difference.empty()) {
             std::printf("DIFFERENCE\n%s\n", fi_model::explainDifference(call, library).c_str());
             return false;
@@ -66,7 +66,7 @@ bool soak(const Options& options) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    Options options;
+    SOptions options;
     CLI::App app("Compares the library with the model on random calls.");
     app.add_option("--calls", options.calls, "How many calls")->capture_default_str();
     app.add_option("--seed", options.seed, "Seed of the first call; each has the next one")
