@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/rows.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -136,15 +138,7 @@ its targets, and those that are configured count as free. Names are compared byt
 it used: the backup is invalid, and it is never released.)"},
 }};
 
-constexpr bool isInOrder(const Kinds& kinds) {
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
-        if (kinds[i].hazard != static_cast<EHazard>(i)) {
-            return false;
-        }
-    }
-    return true;
-}
-static_assert(isInOrder(kKinds), "each hazard of EHazard has a row, in the order of EHazard");
+static_assert(areInOrder(kKinds, &SHazardKind::hazard), "a row for each EHazard, in that order");
 
 }  // namespace
 
