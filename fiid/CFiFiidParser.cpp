@@ -48,7 +48,7 @@ void CFiFiidParser::init() {
         if constexpr (kHardenedXml) {
             limits.applyTo(*reader);
         }
-    } catch (const XMLException&) {
+    } catch (const XMLException&) {  // NOLINT(bugprone-empty-catch)
         // A parser without a reader yields no tree, and the backup is then absent from the
         // selection.
     }
@@ -64,7 +64,7 @@ void CFiFiidParser::setHandler(xercesc::DefaultHandler* newHandler) {
             reader->setErrorHandler(handler);
         }
         // GCOVR_EXCL_START: this version of the library only stores what it is given and never throws here.
-    } catch (const XMLException&) {
+    } catch (const XMLException&) {  // NOLINT(bugprone-empty-catch)
         // As in init: without its handler the document yields no tree.
     }
     // GCOVR_EXCL_STOP

@@ -15,7 +15,7 @@ struct SIdentifier {
     std::optional<std::int32_t> fault;
 
     // ENCLOSURE##DEVICE, as targets are called.
-    std::string name() const { return enclosure + "##" + device; }
+    [[nodiscard]] std::string name() const { return enclosure + "##" + device; }
 };
 
 SIdentifier parseIdentifier(std::string_view text);

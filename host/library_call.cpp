@@ -58,6 +58,7 @@ struct SFree {
 // Status and selection, or the exception; `flags` is overwritten as the library does.
 void callLibrary(const SCall& call, std::vector<std::int32_t>& flags, SOutcome& outcome) {
     std::vector<const char*> files;
+    files.reserve(call.backups.size());
     for (const SBackup& backup : call.backups) {
         files.push_back(backup.file.c_str());
     }
@@ -178,6 +179,7 @@ void forward(int level, const char* format, std::va_list arguments) {
 
 SOutcome runCall(const SCall& call, const std::vector<std::FILE*>& traceOutputs, bool wantsAccount) {
     std::vector<std::int32_t> flags;
+    flags.reserve(call.backups.size());
     for (const SBackup& backup : call.backups) {
         flags.push_back(backup.flagWord);
     }

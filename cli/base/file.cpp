@@ -58,7 +58,9 @@ std::string errorText() {
 std::optional<std::string> readAll(std::FILE* stream) {
     std::string content;
     char piece[65536];
-    while (const std::size_t length = std::fread(piece, 1, sizeof piece, stream)) {
+    std::size_t length = sizeof piece;
+    while (length == sizeof piece) {
+        length = std::fread(piece, 1, sizeof piece, stream);
         content.append(piece, length);
     }
     if (std::ferror(stream) != 0) {

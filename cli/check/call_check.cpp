@@ -32,11 +32,14 @@ struct SStamp {
 
 // What time stamps that sort as text have in common: digits, letters and other characters at the same places.
 std::string formOf(std::string_view text) {
-    std::string form;
-    for (const char character : text) {
+    std::string form(text);
+    for (char& character : form) {
         const auto byte = static_cast<unsigned char>(character);
-        const bool isLetter = std::isalpha(byte) != 0;
-        form += std::isdigit(byte) != 0 ? '0' : isLetter ? 'a' : character;
+        if (std::isdigit(byte) != 0) {
+            character = '0';
+        } else if (std::isalpha(byte) != 0) {
+            character = 'a';
+        }
     }
     return form;
 }
@@ -143,15 +146,21 @@ private:
     }
 
     void reportUnopened(std::size_t index, CFindings& findings) {
-        const std::size_t others = inputs.files.size() - index - 1;
-        const std::string consequence = isStopped ? "the library does not come so far"
-                                        : others == 0
-                                            ? "it takes no part"
-                                            : fmt::format("neither it nor the {} after it will be read",
-                                                          others == 1 ? "one" : std::to_string(others));
         findings.addOfWhole(EHazard::kCannotOpen,
-                            fmt::format("cannot be opened: {}; {}", errorText(), consequence));
+                            fmt::format("cannot be opened: {}; {}", errorText(), withoutDocument(index)));
         isStopped = true;
+    }
+
+    [[nodiscard]] std::string withoutDocument(std::size_t index) const {
+        const std::size_t others = inputs.files.size() - index - 1;
+        if (isStopped) {
+            return "the library does not come so far";
+        }
+        if (others == 0) {
+            return "it takes no part";
+        }
+        return fmt::format("neither it nor the {} after it will be read",
+                           others == 1 ? "one" : std::to_string(others));
     }
 
     void checkDocument(const std::string& bytes, CDeviceCheck& devices, CFindings& findings) {

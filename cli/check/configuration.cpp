@@ -44,16 +44,17 @@ class CConfigurationText {
 public:
     // `text` is borrowed.
     explicit CConfigurationText(const std::string& text);
+    ~CConfigurationText() = default;
     CConfigurationText(const CConfigurationText&) = delete;
     CConfigurationText& operator=(const CConfigurationText&) = delete;
 
-    SPiece whole() const { return {decoded, 0}; }
+    [[nodiscard]] SPiece whole() const { return {decoded, 0}; }
 
     // The parts of `piece`, which is one of this text, between runs of `separators`; none is empty.
     std::vector<SPiece> split(const SPiece& piece, const char* separators) const;
 
     // A finding with its place and the line around it.
-    SFinding findingAt(EHazard hazard, std::size_t offset, std::string what) const;
+    [[nodiscard]] SFinding findingAt(EHazard hazard, std::size_t offset, std::string what) const;
 
 private:
     std::string_view given;

@@ -17,7 +17,7 @@ struct SConfiguredTarget {
     bool isEnclosureCarried = false;
 
     // ENCLOSURE##DEVICE. An enclosure holds no "##" and does not end in '#', so the name tells both.
-    std::string name() const { return enclosure + "##" + device; }
+    [[nodiscard]] std::string name() const { return enclosure + "##" + device; }
 };
 
 struct SConfiguration {

@@ -16,16 +16,17 @@ namespace fi_rotate {
 class CDocumentText {
 public:
     explicit CDocumentText(std::string bytes);
+    ~CDocumentText() = default;
     CDocumentText(const CDocumentText&) = delete;
     CDocumentText& operator=(const CDocumentText&) = delete;
 
-    const std::string& content() const { return pieces.empty() ? file : joined; }
+    [[nodiscard]] const std::string& content() const { return pieces.empty() ? file : joined; }
 
     // The byte of the content at a place that the XML library tells.
-    std::size_t offsetOf(SPlace place) const { return contentLines.offsetOf(place); }
+    [[nodiscard]] std::size_t offsetOf(SPlace place) const { return contentLines.offsetOf(place); }
 
     // The place in the file of a byte of the content.
-    SSpot spotAt(std::size_t contentOffset) const;
+    [[nodiscard]] SSpot spotAt(std::size_t contentOffset) const;
 
     // Adds NUL bytes, wide characters, and an encoding that does not agree with the bytes. False when what
     // the library reads has next to nothing to do with what was written.

@@ -32,11 +32,11 @@ public:
     explicit CLines(std::string_view borrowed);
 
     // The byte at `offset`, which is at most the size of the text; columns count characters.
-    SSpot at(std::size_t offset) const;
+    [[nodiscard]] SSpot at(std::size_t offset) const;
 
     // The byte at a place whose column counts UTF-16's units, as the XML library does. The nearest one when
     // there is no such place.
-    std::size_t offsetOf(SPlace place) const;
+    [[nodiscard]] std::size_t offsetOf(SPlace place) const;
 
 private:
     std::string_view text;
@@ -65,13 +65,13 @@ public:
     void addOfWhole(EHazard hazard, std::string text);
 
     // Whether `add` would only count another one. Then `countAnother` does the same without a text to make.
-    bool isFull(EHazard hazard) const;
+    [[nodiscard]] bool isFull(EHazard hazard) const;
     void countAnother(EHazard hazard);
 
     // By place; what was only counted has a row of its own, after the last one that was kept.
-    std::vector<SFinding> inOrder() const;
+    [[nodiscard]] std::vector<SFinding> inOrder() const;
 
-    const std::string& input() const { return name; }
+    [[nodiscard]] const std::string& input() const { return name; }
 
 private:
     std::string name;

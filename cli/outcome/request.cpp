@@ -70,7 +70,7 @@ Json parsed(const std::string& text) {
     }
 }
 
-const std::string& requireUtf8(const std::string& text) {
+std::string requireUtf8(std::string text) {
     if (asUtf8(text) != text) {
         reject(fmt::format("\"{}\" is not UTF-8", asPrintable(text)));
     }

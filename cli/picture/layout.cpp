@@ -65,6 +65,7 @@ SLayout::SLayout(const SPicture& picture)
     });
 
     std::vector<std::vector<std::vector<double>>> lanes;
+    lanes.reserve(picture.groups.size());
     for (const SPictureGroup& group : picture.groups) {
         lanes.emplace_back(group.rows.size());
     }

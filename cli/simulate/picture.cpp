@@ -29,9 +29,9 @@ const char* wordOf(EEnd end) {
 std::string titleOf(const SSimulation& simulation, const SSnapshot& snapshot) {
     const auto& target = simulation.configurations[snapshot.configuration].targets[snapshot.target];
     const SPlan& plan = simulation.plan;
-    std::string text = fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
-                                   toShownTime(timeOf(plan, snapshot.taken)),
-                                   isExcluded(plan, snapshot.taken) ? ", excluded from rotation" : "");
+    const std::string text = fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
+                                         toShownTime(timeOf(plan, snapshot.taken)),
+                                         isExcluded(plan, snapshot.taken) ? ", excluded from rotation" : "");
     return text + (snapshot.end == EEnd::kHeld
                        ? "still held"
                        : fmt::format("{} in round {} after {}", wordOf(snapshot.end), snapshot.ended,

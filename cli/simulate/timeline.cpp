@@ -110,6 +110,7 @@ std::vector<char> lettersOf(const SSimulation& simulation) {
 std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation, const SWindow& window) {
     const std::size_t columns = window.last - window.first + 1;
     std::vector<std::vector<std::string>> cells;
+    cells.reserve(simulation.configurations.size());
     for (const SAccountConfiguration& configuration : simulation.configurations) {
         cells.emplace_back(configuration.targets.size(), std::string(columns, kFree));
     }
