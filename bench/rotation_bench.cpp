@@ -91,10 +91,12 @@ double exponent(const std::vector<double>& sizes, const std::vector<double>& tim
     return (count * sumXY - sumX * sumY) / (count * sumXX - sumX * sumX);
 }
 
+using Member = std::size_t SShape::*;
+
 struct SGrowth {
     const char* dimension;
     SShape start;
-    std::size_t SShape::*member;
+    Member member;
 };
 
 // Starts large enough that the dimension in question is what a call spends its time on.

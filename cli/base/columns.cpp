@@ -1,7 +1,6 @@
 #include "cli/base/columns.h"
 
 #include <algorithm>
-#include <iterator>
 #include <numeric>
 #include <string_view>
 
@@ -76,9 +75,9 @@ std::vector<std::string> charactersOf(const std::string& text) {
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style) {
     Row row;
-    std::transform(texts.begin(), texts.end(), std::back_inserter(row), [style](const std::string& text) {
-        return SCell{text, style};
-    });
+    for (const std::string& text : texts) {
+        row.push_back({text, style});
+    }
     return row;
 }
 

@@ -75,7 +75,7 @@ std::optional<std::string> readFile(const std::string& file) {
 }
 
 COutputFile::COutputFile(std::string file) : given(std::move(file)), place(resolved(given)) {
-    struct stat before {};
+    struct stat before = {};
     const bool exists = stat(place.c_str(), &before) == 0;
     if (exists && !S_ISREG(before.st_mode)) {
         content.reset(std::fopen(place.c_str(), "we"));

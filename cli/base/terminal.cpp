@@ -40,7 +40,7 @@ std::size_t widthOfOutput() {
 CInterrupt::CInterrupt() {
     noted = 0;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction action {};
+        struct sigaction action = {};
         action.sa_handler = noteSignal;
         action.sa_flags = SA_RESTART;
         sigaction(signal, nullptr, &saved[signal]);

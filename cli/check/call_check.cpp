@@ -125,7 +125,7 @@ private:
 
     std::optional<std::string> read(std::size_t index, CFindings& findings) {
         const std::string& file = inputs.files[index];
-        struct stat status {};
+        struct stat status = {};
         if (stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
             findings.addOfWhole(EHazard::kNotAFile,
                                 S_ISDIR(status.st_mode)

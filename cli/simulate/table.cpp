@@ -37,10 +37,6 @@ std::string headline(const SSimulation& simulation) {
                        toShownTime(timeOf(plan, simulation.finishedRounds)));
 }
 
-std::string daysOf(const std::optional<SAges>& ages, std::int64_t SAges::*which) {
-    return ages.has_value() ? toShownDays((*ages).*which) : "-";
-}
-
 Row headingOf(const SSimulationReport& report) {
     Row row = toRow({"configuration", "targets", "taken", "rotated", "held"});
     if (report.simulation.hasLost) {
@@ -67,7 +63,7 @@ Row rowOf(const SSimulationReport& report, std::size_t i) {
         row.push_back({fmt::to_string(summary.lost), {}});
     }
     for (const auto which : {&SAges::minimum, &SAges::median, &SAges::maximum}) {
-        row.push_back({daysOf(summary.ages, which), {}});
+        row.push_back({summary.ages.has_value() ? toShownDays((*summary.ages).*which) : "-", {}});
     }
     if (report.goal.has_value()) {
         row.push_back({inWords(report.leastTargets[i]), {}});

@@ -16,7 +16,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -80,16 +79,17 @@ struct SProgress {
 class CSharedProgress {
 public:
     CSharedProgress()
-        : memory(mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)),
-          progress(new (memory) SProgress) {}
-    ~CSharedProgress() { munmap(memory, sizeof(SProgress)); }
+        : progress(static_cast<SProgress*>(
+              mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
+        *progress = SProgress();
+    }
+    ~CSharedProgress() { munmap(progress, sizeof(SProgress)); }
     CSharedProgress(const CSharedProgress&) = delete;
     CSharedProgress& operator=(const CSharedProgress&) = delete;
     SProgress* operator->() const { return progress; }
     SProgress& operator*() const { return *progress; }
 
 private:
-    void* memory;
     SProgress* progress;
 };
 

@@ -50,7 +50,10 @@ TEST_F(CFiHandOverTest, TakesBackWhatIsNotKept) {
 }
 
 TEST_F(CFiHandOverTest, TakesNothingBackThatWasNotGiven) {
-    { const CFiHandOver handOver(&target, flags.data(), flags.size()); }
+    {
+        // Takes back when the scope ends.
+        const CFiHandOver handOver(&target, flags.data(), flags.size());
+    }
     EXPECT_EQ(target, &former);
     EXPECT_EQ(flags, (Flags{4, 5}));
 }

@@ -75,7 +75,10 @@ TEST(CFiTreeReleaser, LeavesTreesAloneThatItsListDoesNotHold) {
     const CFiTreeReleaser releaser(ours);
     growTree(ours[0]);
     const std::vector<CFiFiidNode*> none;
-    { const CFiTreeReleaser nothing(none); }
+    {
+        // Releases what it knows when the scope ends.
+        const CFiTreeReleaser nothing(none);
+    }
     EXPECT_EQ(ours[0]->children.size(), 3U);
     EXPECT_EQ(ours[0]->children[0]->children[0]->objid, "long enough to need a block of its own");
 }

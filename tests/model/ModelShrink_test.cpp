@@ -62,18 +62,14 @@ struct SAlterationCase {
 };
 
 TEST(Comparison, NoticesEveryPartOfAnAnswer) {
+    const fi_test::TraceLine more{4, "more"};
+    const SMalformed thrown{"x", 1};
     const SAlterationCase kCases[] = {
         {"trace line", [](SAnswer& answer) { answer.trace.back().level = 0; }},
         {"trace line", [](SAnswer& answer) { answer.trace.back().text += " "; }},
         {"trace line", [](SAnswer& answer) { answer.trace.pop_back(); }},
-        {"trace line",
-         [](SAnswer& answer) {
-             answer.trace.push_back({4, "more"});
-         }},
-        {"exception",
-         [](SAnswer& answer) {
-             answer.malformed = SMalformed{"x", 1};
-         }},
+        {"trace line", [&more](SAnswer& answer) { answer.trace.push_back(more); }},
+        {"exception", [&thrown](SAnswer& answer) { answer.malformed = thrown; }},
         {"status", [](SAnswer& answer) { answer.status = 6; }},
         {"selection", [](SAnswer& answer) { answer.selection = "[]"; }},
         {"flags", [](SAnswer& answer) { answer.flags.push_back(0); }},
