@@ -137,6 +137,16 @@ SProgramResult runFiRotateTo(const std::string& file, const std::vector<std::str
     return result;
 }
 
+bool hasTerminals() {
+    int ends[2] = {-1, -1};
+    if (openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) == -1) {
+        return false;
+    }
+    close(ends[0]);
+    close(ends[1]);
+    return true;
+}
+
 SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
                                      const std::vector<std::string>& environment) {
     const TemporaryFolder folder;

@@ -23,6 +23,10 @@ SProgramResult runFiRotateTo(const std::string& file, const std::vector<std::str
 SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
                                      const std::vector<std::string>& environment = {});
 
+// Whether the system has pseudo-terminals: a container may have none. Tests that need one are skipped then.
+bool hasTerminals();
+constexpr const char* kNoTerminals = "no pseudo-terminals here";
+
 // The path of a file in the examples.
 std::string example(const std::string& name);
 

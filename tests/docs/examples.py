@@ -34,6 +34,8 @@ import termios
 KINDS = {"run": 0, "file": 1, "declaration": 0, "statements": 0, "form": 0}
 FENCES = {".scd": re.compile(r"```$"), ".md": re.compile(r"```\w*$")}
 COMMENTS = {".scd": re.compile(r"; (.*)$"), ".md": re.compile(r"<!-- (.*) -->$")}
+# The exit status that tests/docs/CMakeLists.txt takes for a test that was skipped.
+SKIPPED = 77
 # Between the outputs of two commands.
 MARK = "--- the next command ---"
 
@@ -43,6 +45,10 @@ Command = collections.namedtuple("Command", "line text shown")
 
 class Mistake(Exception):
     """The page itself is wrong."""
+
+
+class NoTerminals(Exception):
+    """The system has no pseudo-terminals, as in some containers, so that commands cannot be run as a reader does."""
 
 
 def kind_of(comment, line):
@@ -113,7 +119,10 @@ def printed_on(terminal):
 
 def outputs_of(commands, folder, environment):
     # A terminal, since a reader has one: what a program prints to its two outputs arrives in that order.
-    terminal, other_end = pty.openpty()
+    try:
+        terminal, other_end = pty.openpty()
+    except OSError as error:
+        raise NoTerminals(f"no pseudo-terminals here: {error}") from error
     fcntl.ioctl(other_end, termios.TIOCSWINSZ, struct.pack("HHHH", 50, 110, 0, 0))
     with subprocess.Popen(["timeout", "60", "bash", "-c", session_of(commands)], cwd=folder, env=environment,
                           stdin=subprocess.DEVNULL, stdout=other_end, stderr=other_end):
@@ -201,6 +210,9 @@ def main():
     arguments = parser.parse_args()
     try:
         faults, count = faults_of(arguments.page, arguments)
+    except NoTerminals as reason:
+        print(reason)
+        return SKIPPED
     except Mistake as mistake:
         faults, count = [f"{arguments.page}: {mistake}"], 0
     if not faults and count == 0:

@@ -204,11 +204,17 @@ TEST(FiRotateSelect, WritesTheSameTraceToAFile) {
 }
 
 TEST(FiRotateSelect, ColoursStatesOnATerminalOnly) {
+    if (!fi_test::hasTerminals()) {
+        GTEST_SKIP() << fi_test::kNoTerminals;
+    }
     EXPECT_THAT(runFiRotateOnTerminal(selectExamples()).output, HasSubstr("\x1B["));
     EXPECT_THAT(runFiRotate(selectExamples()).output, Not(HasSubstr("\x1B[")));
 }
 
 TEST(FiRotateSelect, NeverColoursWithNoColorSet) {
+    if (!fi_test::hasTerminals()) {
+        GTEST_SKIP() << fi_test::kNoTerminals;
+    }
     const auto result = runFiRotateOnTerminal(selectExamples(), {"NO_COLOR=1"});
     EXPECT_THAT(result.output, HasSubstr("rotated"));
     EXPECT_THAT(result.output, Not(HasSubstr("\x1B[")));

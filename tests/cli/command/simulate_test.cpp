@@ -243,6 +243,9 @@ TEST(FiRotateSimulate, ExitsWith1WhenAFileCannotBeWrittenWhole) {
 }
 
 TEST(FiRotateSimulate, OnATerminalTheSummarysHeadingIsBoldUnlessColourIsUnwanted) {
+    if (!fi_test::hasTerminals()) {
+        GTEST_SKIP() << fi_test::kNoTerminals;
+    }
     EXPECT_THAT(runFiRotateOnTerminal(daily("encA##lun1;s1", "1")).output,
                 HasSubstr("\x1B[1mtargets\x1B[0m"));
     EXPECT_THAT(runFiRotateOnTerminal(daily("encA##lun1;s1", "1"), {"NO_COLOR="}).output,
