@@ -147,7 +147,7 @@ TEST(Docs, PageListsEveryHazard) {
 
 TEST(Docs, PageAndSchemaListEveryReason) {
     Words known;
-    for (int i = 0; !nameOf(fi_rotate::EReason(i)).empty(); ++i) {
+    for (int i = 0; i < int(fi_rotate::EReason::kCount); ++i) {
         known.emplace_back(nameOf(fi_rotate::EReason(i)));
     }
     expectSame(onPage("REASONS"), rowsBelow("REASONS", 1), "host/account.cpp", known);
