@@ -57,13 +57,13 @@ private:
     std::size_t failing = 0;
 };
 
-class XmlShortage : public testing::Test {
+class CXmlShortage : public testing::Test {
 protected:
-    XmlShortage() {
+    CXmlShortage() {
         xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr,
                                               &memory);
     }
-    ~XmlShortage() override {
+    ~CXmlShortage() override {
         memory.failAt(0);
         xercesc::XMLPlatformUtils::Terminate();
     }
@@ -126,11 +126,11 @@ protected:
     bool hasThrown = false;
 };
 
-TEST_F(XmlShortage, AtEachBlockThrowsAndTheNextCallWorks) {
+TEST_F(CXmlShortage, AtEachBlockThrowsAndTheNextCallWorks) {
     failAtEachBlock();
 }
 
-TEST_F(XmlShortage, AtEachBlockOfAnEntityThrowsAndTheNextCallWorks) {
+TEST_F(CXmlShortage, AtEachBlockOfAnEntityThrowsAndTheNextCallWorks) {
     // Later packages of the XML library have this function. When memory runs out in it, they free the reader
     // of the document twice, which cannot be helped from here.
     constexpr const char* kFreesItsReaderTwice =
