@@ -36,7 +36,7 @@ int callCount() {
     return asked == nullptr ? 1000 : std::atoi(asked);
 }
 
-class Ceiling : public fi_test::CContractTest {
+class CCeiling : public fi_test::CContractTest {
 protected:
     std::string holder(const std::string& name, const std::string& timeStamp,
                        const std::string& further) const {
@@ -67,7 +67,7 @@ protected:
     mutable int selections = 0;
 };
 
-TEST_F(Ceiling, HoldsForMemoryAndDescriptors) {
+TEST_F(CCeiling, HoldsForMemoryAndDescriptors) {
     const int count = callCount();
     // What the libraries under ours allocate once, and the C library's arena in its usual shape.
     makeCalls(200);

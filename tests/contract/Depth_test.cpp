@@ -31,9 +31,9 @@ void* runDeepCall(void* argument) {
     return nullptr;
 }
 
-class Depth : public fi_test::CContractTest {};
+class CDepth : public fi_test::CContractTest {};
 
-TEST_F(Depth, MillionNestedNodesGoThroughACallOnAStackOf8MiB) {
+TEST_F(CDepth, MillionNestedNodesGoThroughACallOnAStackOf8MiB) {
     SDeepCall deep;
     deep.file = path("deep.xml");
     {

@@ -43,9 +43,9 @@ SObserved firstBackup(const std::string& selection, const Trace& rejections = {}
     return {0, std::nullopt, selection, {}, rejections + kNoPrevious, ""};
 }
 
-class EntryPoint : public fi_test::CRotationTest {};
+class CEntryPoint : public fi_test::CRotationTest {};
 
-TEST_F(EntryPoint, NamesAreTheValuesOfTheContract) {
+TEST_F(CEntryPoint, NamesAreTheValuesOfTheContract) {
     EXPECT_EQ(FI_EXCLUDE_ROTATION, 4);
     EXPECT_EQ(FI_STATUS_SUCCESS, 0);
     EXPECT_EQ(FI_STATUS_FAILURE, 3);
@@ -54,7 +54,7 @@ TEST_F(EntryPoint, NamesAreTheValuesOfTheContract) {
     EXPECT_EQ(FI_BACKUP_ROTATED, 2);
 }
 
-TEST_F(EntryPoint, AcceptsNullFlagsWithoutBackups) {
+TEST_F(CEntryPoint, AcceptsNullFlagsWithoutBackups) {
     char* result = nullptr;
     fi_test::TraceRecorder recorder;
     EXPECT_EQ(entryPoint()(nullptr, "encA##lun1;snap1", nullptr, 0, &result), 0);
@@ -74,13 +74,13 @@ void expectRejection(const char* configuration, std::int32_t* flags, std::int32_
     EXPECT_EQ(result, &untouched) << size;
 }
 
-TEST_F(EntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
+TEST_F(CEntryPoint, RejectsNullFlagsWithBackupsOrANegativeSize) {
     for (const std::int32_t size : {1, -1, INT32_MIN}) {
         expectRejection("encA##lun1;snap1", nullptr, size);
     }
 }
 
-TEST_F(EntryPoint, RejectsANullResultStringWhateverElseIsPassed) {
+TEST_F(CEntryPoint, RejectsANullResultStringWhateverElseIsPassed) {
     std::int32_t flags[] = {7};
     for (const std::int32_t size : {0, 1, -1}) {
         for (const char* configuration : {"encA##lun1;snap1", "", static_cast<const char*>(nullptr)}) {
@@ -90,7 +90,7 @@ TEST_F(EntryPoint, RejectsANullResultStringWhateverElseIsPassed) {
     EXPECT_EQ(flags[0], 7);
 }
 
-TEST_F(EntryPoint, RejectsANullConfigurationWhateverElseIsPassed) {
+TEST_F(CEntryPoint, RejectsANullConfigurationWhateverElseIsPassed) {
     std::int32_t flags[] = {7};
     for (const std::int32_t size : {0, 1, -1}) {
         expectRejection(nullptr, flags, size);
@@ -98,16 +98,16 @@ TEST_F(EntryPoint, RejectsANullConfigurationWhateverElseIsPassed) {
     EXPECT_EQ(flags[0], 7);
 }
 
-TEST_F(EntryPoint, TracesARejectionOnceWhenSeveralArgumentsAreBad) {
+TEST_F(CEntryPoint, TracesARejectionOnceWhenSeveralArgumentsAreBad) {
     expectRejection(nullptr, nullptr, 1, false);
 }
 
-TEST_F(EntryPoint, FirstBackupGetsTheFirstTargetOfEachConfigurationWithoutASeparator) {
+TEST_F(CEntryPoint, FirstBackupGetsTheFirstTargetOfEachConfigurationWithoutASeparator) {
     EXPECT_EQ(decided("encA##lun1;encA##snap1;snap2&encB##lun2;encC##snap3", {}),
               firstBackup("[encA##lun1;encA##snap1][encB##lun2;encC##snap3]"));
 }
 
-TEST_F(EntryPoint, FirstBackupFailsWhenAnyConfigurationHasNoFurtherTarget) {
+TEST_F(CEntryPoint, FirstBackupFailsWhenAnyConfigurationHasNoFurtherTarget) {
     const Trace lines = kNoPrevious + failure("fi_process_backups : no resource is available");
     for (const char* configuration : {"encA##lun1;snap1&encB##lun2", "encB##lun2&encA##lun1;snap1"}) {
         EXPECT_EQ(decided(configuration, {}), (SObserved{3, std::nullopt, std::nullopt, {}, lines, ""}));
@@ -115,14 +115,14 @@ TEST_F(EntryPoint, FirstBackupFailsWhenAnyConfigurationHasNoFurtherTarget) {
 }
 
 // The list may be there all the same; a size of 0 says that it has no entries.
-TEST_F(EntryPoint, FirstBackupLeavesTheFlagsAlone) {
+TEST_F(CEntryPoint, FirstBackupLeavesTheFlagsAlone) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##snap1"}}), 7);
     SObserved expected = firstBackup("[encA##lun1;encA##snap1]");
     expected.flags = {7};
     EXPECT_EQ(decisionOf(callWithSize("encA##lun1;snap1", {a}, 0)), expected);
 }
 
-TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
+TEST_F(CEntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
     for (const std::string configuration : {"", "&", "&\r\n&"}) {
         EXPECT_EQ(decided(configuration, {}),
                   firstBackup("", failure("CFiResourceParser::parse : Invalid resource specification [" +
@@ -130,13 +130,13 @@ TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
     }
 }
 
-TEST_F(EntryPoint, NoConfigurationGivesAnEmptySelectionWithBackups) {
+TEST_F(CEntryPoint, NoConfigurationGivesAnEmptySelectionWithBackups) {
     const SBackup a = given("a.xml", SNode{{{"objid", "disk"}}, {}}, 5);
     const Trace invalid = failure("CFiResourceParser::parse : Invalid resource specification [&\n]");
     EXPECT_EQ(decided("&\n", {a}), selected("", {0}, invalid + matched({a}) + reserved({a}), {}, {{a, 0}}));
 }
 
-TEST_F(EntryPoint, RejectedConfigurationDoesNotStopTheCall) {
+TEST_F(CEntryPoint, RejectedConfigurationDoesNotStopTheCall) {
     const std::string first = "[encA##lun1;encA##snap1]";
     const struct {
         std::string configuration, rejected, missing, selection;
@@ -154,30 +154,30 @@ TEST_F(EntryPoint, RejectedConfigurationDoesNotStopTheCall) {
     }
 }
 
-TEST_F(EntryPoint, SeparatorsOfAllKindsPartTheConfigurations) {
+TEST_F(CEntryPoint, SeparatorsOfAllKindsPartTheConfigurations) {
     EXPECT_EQ(decided("&\n&encA##lun1;snap1\r\nencB##lun2;snap2&", {}),
               firstBackup("[encA##lun1;encA##snap1][encB##lun2;encB##snap2]"));
 }
 
 // The backup's claim marks the configuration itself Used; its second further target is still free.
-TEST_F(EntryPoint, OnlyFurtherTargetsAreSearchedForAFreeOne) {
+TEST_F(CEntryPoint, OnlyFurtherTargetsAreSearchedForAFreeOne) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##snap1"}}));
     EXPECT_EQ(decided("encA##lun1;snap1;snap2", {a}),
               selected("[encA##lun1;encA##snap2]", {0}, matched({a}) + reserved({a}),
                        {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{a, 0}}));
 }
 
-TEST_F(EntryPoint, ReferencesInTheConfigurationAreDecoded) {
+TEST_F(CEntryPoint, ReferencesInTheConfigurationAreDecoded) {
     EXPECT_EQ(decided("encA##&lt;lun&gt;;snap&#39;1&amp;encB##lun2;&quot;&amp;encC##a;b", {}),
               firstBackup("[encA##<lun>;encA##snap'1][encB##lun2;encB##\"][encC##a;encC##b]"));
 }
 
-TEST_F(EntryPoint, ReferenceThatADecodedAmpersandBeginsIsNotDecoded) {
+TEST_F(CEntryPoint, ReferenceThatADecodedAmpersandBeginsIsNotDecoded) {
     EXPECT_EQ(decided("encA##lun1;snap1&amp;lt;", {}),
               firstBackup("[encA##lun1;encA##snap1]", rejected("lt", "enclosure data")));
 }
 
-TEST_F(EntryPoint, SelectionIsAllocatedAnewForEachCall) {
+TEST_F(CEntryPoint, SelectionIsAllocatedAnewForEachCall) {
     char* first = nullptr;
     char* second = nullptr;
     EXPECT_EQ(entryPoint()(nullptr, "encA##lun1;snap1", nullptr, 0, &first), 0);

@@ -20,7 +20,7 @@ using fi_test::SNode;
 using fi_test::thrown;
 using fi_test::udid;
 
-class Exception : public fi_test::CRotationTest {
+class CException : public fi_test::CRotationTest {
 protected:
     SBackup device(const std::string& name, const std::string& objid, const std::string& altobjid,
                    std::int32_t flagWord = 0) const {
@@ -28,7 +28,7 @@ protected:
     }
 };
 
-TEST_F(Exception, IsCaughtByItsTypeWithIdentifierAndCode) {
+TEST_F(CException, IsCaughtByItsTypeWithIdentifierAndCode) {
     const std::string objid = udid("encA##lun1");
     const std::string altobjid = udid("encA##snap1");
     const struct {
@@ -60,25 +60,25 @@ TEST_F(Exception, IsCaughtByItsTypeWithIdentifierAndCode) {
     }
 }
 
-TEST_F(Exception, CodesHaveTheirNames) {
+TEST_F(CException, CodesHaveTheirNames) {
     EXPECT_EQ(CFiUdidException::kNothingAfterSecondPart, 1);
     EXPECT_EQ(CFiUdidException::kNoPrefix, 2);
     EXPECT_EQ(CFiUdidException::kNoSeparatorAfterFirstPart, 3);
     EXPECT_EQ(CFiUdidException::kNoSeparatorAfterSecondPart, 4);
 }
 
-TEST_F(Exception, DeviceWithoutAnAltobjidHasAnEmptyIdentifier) {
+TEST_F(CException, DeviceWithoutAnAltobjidHasAnEmptyIdentifier) {
     const SBackup a = given("a.xml", SNode{{{"objid", udid("encA##lun1")}}, {}}, 7);
     EXPECT_EQ(decided("encA##lun1;snap1", {a}), thrown({"", CFiUdidException::kNoPrefix}, {7}, {}));
 }
 
-TEST_F(Exception, LongIdentifierArrivesWhole) {
+TEST_F(CException, LongIdentifierArrivesWhole) {
     const std::string identifier = "UDID##" + std::string(5000, 'x');
     const SBackup a = device("a.xml", udid("encA##lun1"), identifier);
     EXPECT_EQ(decided("encA##lun1;snap1", {a}), thrown({identifier, 3}, {0}, {}));
 }
 
-TEST_F(Exception, LeavesFromTheCheckOfTheFirstMalformedBackupInLoadOrder) {
+TEST_F(CException, LeavesFromTheCheckOfTheFirstMalformedBackupInLoadOrder) {
     const SBackup good = device("a.xml", udid("encA##lun1"), udid("encA##snap1"), 1);
     const SBackup unmatched = device("b.xml", udid("encB##lun1"), udid("encA##snap1"), 2);
     const SBackup bad = device("c.xml", udid("encA##lun1"), "first", 3);
@@ -87,7 +87,7 @@ TEST_F(Exception, LeavesFromTheCheckOfTheFirstMalformedBackupInLoadOrder) {
               thrown({"first", 2}, {1, 2, 3, 4}, matched({good}) + invalid({unmatched})));
 }
 
-TEST_F(Exception, MalformedPairBehindAMatchedOneLeavesTheCall) {
+TEST_F(CException, MalformedPairBehindAMatchedOneLeavesTheCall) {
     const SNode matching{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##snap1")}}, {}};
     const SNode malformed{{{"objid", udid("encB##x")}, {"altobjid", "bad"}}, {}};
     const SBackup a = given("a.xml", SNode{{}, {malformed, matching}}, 7);
@@ -95,7 +95,7 @@ TEST_F(Exception, MalformedPairBehindAMatchedOneLeavesTheCall) {
 }
 
 // The pairs are checked in the order of their objids, not in that of the document.
-TEST_F(Exception, UnmatchedPairBeforeTheMalformedOneHidesIt) {
+TEST_F(CException, UnmatchedPairBeforeTheMalformedOneHidesIt) {
     const SNode unmatched{{{"objid", udid("encA##x")}, {"altobjid", udid("encA##snap1")}}, {}};
     const SNode malformed{{{"objid", udid("encB##x")}, {"altobjid", "bad"}}, {}};
     const SBackup a = given("a.xml", SNode{{}, {malformed, unmatched}}, 7);
@@ -104,7 +104,7 @@ TEST_F(Exception, UnmatchedPairBeforeTheMalformedOneHidesIt) {
                        {"[encA:lun1](Available)", "{snap1,Available}"}, {{a, 1}}));
 }
 
-TEST_F(Exception, NextCallWorks) {
+TEST_F(CException, NextCallWorks) {
     const SBackup bad = device("bad.xml", udid("encA##lun1"), "bad");
     const SBackup good = device("good.xml", udid("encA##lun1"), udid("encA##snap1"));
     for (int i = 0; i < 3; ++i) {

@@ -45,7 +45,7 @@ bool hasSelection(const SInput& input) {
     return result != nullptr;
 }
 
-class Extremes : public fi_test::CContractTest {
+class CExtremes : public fi_test::CContractTest {
 protected:
     // The peak of a process that makes the call, in kB. The child ends with 0 when there is a selection.
     static long peakOfCall(const SInput& input) {
@@ -82,7 +82,7 @@ std::string device(std::size_t number) {
            udid("encA##snap" + std::to_string(number)) + "</altobjid></Node>\n";
 }
 
-TEST_F(Extremes, DocumentOf100MillionBytes) {
+TEST_F(CExtremes, DocumentOf100MillionBytes) {
     const std::size_t size = 100'000'000;
     std::ofstream document = file("a.xml");
     document << "<Node>\n";
@@ -94,13 +94,13 @@ TEST_F(Extremes, DocumentOf100MillionBytes) {
     expectSelection("one document", {"encA##lun1;snap1", {path("a.xml")}});
 }
 
-TEST_F(Extremes, TextOf100MillionBytes) {
+TEST_F(CExtremes, TextOf100MillionBytes) {
     const std::size_t size = 100'000'000;
     file("a.xml") << "<Node><objid>" << std::string(size, 'x') << "</objid></Node>";
     expectSelection("one text", {"encA##lun1;snap1", {path("a.xml")}});
 }
 
-TEST_F(Extremes, MillionNestedNodes) {
+TEST_F(CExtremes, MillionNestedNodes) {
     const std::size_t size = 1'000'000;
     std::ofstream document = file("a.xml");
     for (std::size_t i = 0; i < size; ++i) {
@@ -113,7 +113,7 @@ TEST_F(Extremes, MillionNestedNodes) {
     expectSelection("1,000,000 nested Nodes", {"encA##lun1;snap1", {path("a.xml")}});
 }
 
-TEST_F(Extremes, MillionAttributes) {
+TEST_F(CExtremes, MillionAttributes) {
     const std::size_t size = 1'000'000;
     std::ofstream document = file("a.xml");
     document << "<Node";
@@ -125,7 +125,7 @@ TEST_F(Extremes, MillionAttributes) {
     expectSelection("1,000,000 attributes", {"encA##lun1;snap1", {path("a.xml")}});
 }
 
-TEST_F(Extremes, HundredThousandBackups) {
+TEST_F(CExtremes, HundredThousandBackups) {
     const std::size_t size = 100'000;
     SInput input;
     for (std::size_t i = 0; i < size; ++i) {
@@ -135,7 +135,7 @@ TEST_F(Extremes, HundredThousandBackups) {
     expectSelection("100,000 backups", input);
 }
 
-TEST_F(Extremes, HundredThousandConfigurations) {
+TEST_F(CExtremes, HundredThousandConfigurations) {
     const std::size_t size = 100'000;
     SInput input{"", {write("a.xml", "<Node>" + device(1) + "</Node>")}};
     for (std::size_t i = 0; i < size; ++i) {
@@ -145,7 +145,7 @@ TEST_F(Extremes, HundredThousandConfigurations) {
     expectSelection("100,000 configurations", input);
 }
 
-TEST_F(Extremes, IdentifiersOfAMillionBytes) {
+TEST_F(CExtremes, IdentifiersOfAMillionBytes) {
     const std::size_t size = 1'000'000;
     const std::string longName(size, 'x');
     file("a.xml") << "<Node><objid>" << udid("encA##" + longName) << "</objid><altobjid>"

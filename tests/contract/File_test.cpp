@@ -50,11 +50,11 @@ using Flags = std::vector<std::int32_t>;
 constexpr std::int32_t kFlagWord = 8;
 const char* const kConfiguration = "encA##lun1;snap1;snap2";
 
-class File : public fi_test::CContractTest {
+class CFile : public fi_test::CContractTest {
 protected:
     // Loads the library while that can be done.
-    File() : process(fi_test::entryPoint()) {}
-    ~File() override { interruptedLine = 0; }
+    CFile() : process(fi_test::entryPoint()) {}
+    ~CFile() override { interruptedLine = 0; }
 
     void interruptBeforeLine(int line, std::function<bool()> what) {
         lines = 0;
@@ -92,13 +92,13 @@ protected:
     }
 };
 
-TEST_F(File, WholeOneIsReadWhateverItsLength) {
+TEST_F(CFile, WholeOneIsReadWhateverItsLength) {
     const SObserved observed = callWith(writeHolder("a.xml"));
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap2]");
     EXPECT_FALSE(hasFatalError(observed));
 }
 
-TEST_F(File, ThatMayNotBeReadIsMissing) {
+TEST_F(CFile, ThatMayNotBeReadIsMissing) {
     const std::string file = writeHolder("a.xml");
     std::filesystem::permissions(file, std::filesystem::perms::none);
     // Permissions bind only those who are not root.
@@ -110,7 +110,7 @@ TEST_F(File, ThatMayNotBeReadIsMissing) {
     expectMissing(observed, file);
 }
 
-TEST_F(File, DirectoryReadsAsEmpty) {
+TEST_F(CFile, DirectoryReadsAsEmpty) {
     const std::string directory = path("directory");
     std::filesystem::create_directory(directory);
     const SObserved observed = callWith(directory);
@@ -121,7 +121,7 @@ TEST_F(File, DirectoryReadsAsEmpty) {
 }
 
 // Its tree is what was read of it, and here that names no device.
-TEST_F(File, TruncatedWhileItIsReadIsReadAsFarAsItGoes) {
+TEST_F(CFile, TruncatedWhileItIsReadIsReadAsFarAsItGoes) {
     const std::string file = writeHolder("a.xml");
     interruptBeforeLine(3, [&] { return truncate(file.c_str(), 0) == 0; });
     const SObserved observed = callWith(file);
@@ -131,7 +131,7 @@ TEST_F(File, TruncatedWhileItIsReadIsReadAsFarAsItGoes) {
     EXPECT_TRUE(hasFatalError(observed));
 }
 
-TEST_F(File, ReplacedWhileItIsReadIsReadAsItWas) {
+TEST_F(CFile, ReplacedWhileItIsReadIsReadAsItWas) {
     const std::string file = writeHolder("a.xml");
     const std::string other = write("b.xml", "<Node/>");
     interruptBeforeLine(3, [&] { return std::rename(other.c_str(), file.c_str()) == 0; });
@@ -140,7 +140,7 @@ TEST_F(File, ReplacedWhileItIsReadIsReadAsItWas) {
     EXPECT_FALSE(hasFatalError(observed));
 }
 
-TEST_F(File, ReadErrorEndsTheDocument) {
+TEST_F(CFile, ReadErrorEndsTheDocument) {
     const std::string file = writeHolder("a.xml");
     interruptBeforeLine(3, [] { return false; });
     const SObserved observed = callWith(file);
@@ -150,7 +150,7 @@ TEST_F(File, ReadErrorEndsTheDocument) {
     EXPECT_TRUE(hasFatalError(observed));
 }
 
-TEST_F(File, NameThatIsTooLongIsMissingAndNamedWhole) {
+TEST_F(CFile, NameThatIsTooLongIsMissingAndNamedWhole) {
     const std::string file = "/" + std::string(4095, 'n');
     const SObserved observed = callWith(file);
     expectMissing(observed, file);
@@ -168,15 +168,15 @@ public:
         raised.rlim_cur = std::min(limit, former.rlim_max);
         setrlimit(RLIMIT_NOFILE, &raised);
         for (int descriptor = 0; (descriptor = open("/dev/null", O_RDONLY)) >= 0;) {
-            open_.push_back(descriptor);
+            held.push_back(descriptor);
         }
         for (int i = 0; i < left; ++i) {
-            close(open_.back());
-            open_.pop_back();
+            close(held.back());
+            held.pop_back();
         }
     }
     ~CDescriptors() {
-        for (const int descriptor : open_) {
+        for (const int descriptor : held) {
             close(descriptor);
         }
         setrlimit(RLIMIT_NOFILE, &former);
@@ -184,16 +184,16 @@ public:
     CDescriptors(const CDescriptors&) = delete;
     CDescriptors& operator=(const CDescriptors&) = delete;
 
-    std::size_t count() const { return open_.size(); }
+    std::size_t count() const { return held.size(); }
 
 private:
     rlimit former{};
-    std::vector<int> open_;
+    std::vector<int> held;
 };
 
 // The host's own files may be as many as they like. Three are left: the test takes two to look at standard
 // output.
-TEST_F(File, IsReadAlthoughTenThousandDescriptorsAreInUse) {
+TEST_F(CFile, IsReadAlthoughTenThousandDescriptorsAreInUse) {
     const std::string file = writeHolder("a.xml");
     const CDescriptors descriptors(10010, 3);
     if (descriptors.count() < 9000) {
@@ -202,7 +202,7 @@ TEST_F(File, IsReadAlthoughTenThousandDescriptorsAreInUse) {
     EXPECT_EQ(callWith(file).selection, "[encA##lun1;encA##snap2]");
 }
 
-TEST_F(File, IsMissingWhenNoDescriptorIsLeft) {
+TEST_F(CFile, IsMissingWhenNoDescriptorIsLeft) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizers need a descriptor to look at an object's type";
 #endif

@@ -75,9 +75,9 @@ void PrintTo(const SGolden& golden, std::ostream* out) {
     *out << golden.name;
 }
 
-class GoldenTrace : public fi_test::CContractTest, public testing::WithParamInterface<SGolden> {};
+class CGoldenTrace : public fi_test::CContractTest, public testing::WithParamInterface<SGolden> {};
 
-TEST_P(GoldenTrace, IsWhatTheCallTraces) {
+TEST_P(CGoldenTrace, IsWhatTheCallTraces) {
     std::vector<fi_test::SBackup> backups;
     for (const SDocument& document : GetParam().documents) {
         const std::string file =
@@ -139,6 +139,6 @@ std::string testName(const testing::TestParamInfo<SGolden>& golden) {
     return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, GoldenTrace, testing::ValuesIn(kGolden), testName);
+INSTANTIATE_TEST_SUITE_P(Calls, CGoldenTrace, testing::ValuesIn(kGolden), testName);
 
 }  // namespace

@@ -40,9 +40,9 @@ using fi_test::toXml;
 
 const std::string kSelectionFormat = "fi_process_backups : resource_config_string [%s] ";
 
-class HandOver : public testing::Test {
+class CHandOver : public testing::Test {
 protected:
-    HandOver() { moments.clear(); }
+    CHandOver() { moments.clear(); }
 
     void call(const char* configuration) {
         const std::string file = folder.write("a.xml", toXml(backup("1", {{"encA##lun1", "encA##snap1"}})));
@@ -56,7 +56,7 @@ protected:
     fi_test::TemporaryFolder folder;
 };
 
-TEST_F(HandOver, OutputsAreAsTheyWereUntilTheSelectionIsMade) {
+TEST_F(CHandOver, OutputsAreAsTheyWereUntilTheSelectionIsMade) {
     call("encA##lun1;snap1");
     ASSERT_FALSE(moments.empty());
     for (const SMoment& moment : moments) {
@@ -69,7 +69,7 @@ TEST_F(HandOver, OutputsAreAsTheyWereUntilTheSelectionIsMade) {
     FAIL() << "the selection was not traced";
 }
 
-TEST_F(HandOver, OutputsAreAsTheyWereThroughoutACallThatFails) {
+TEST_F(CHandOver, OutputsAreAsTheyWereThroughoutACallThatFails) {
     call("encA##lun1");
     ASSERT_FALSE(moments.empty());
     for (const SMoment& moment : moments) {
@@ -78,7 +78,7 @@ TEST_F(HandOver, OutputsAreAsTheyWereThroughoutACallThatFails) {
     }
 }
 
-TEST_F(HandOver, SelectionIsHandedOverBeforeItIsTraced) {
+TEST_F(CHandOver, SelectionIsHandedOverBeforeItIsTraced) {
     call("encA##lun1;snap1");
     bool isBehindTheSelection = false;
     for (const SMoment& moment : moments) {
@@ -88,7 +88,7 @@ TEST_F(HandOver, SelectionIsHandedOverBeforeItIsTraced) {
     EXPECT_TRUE(isBehindTheSelection);
 }
 
-TEST_F(HandOver, StatesAreWrittenBackBeforeTheOutcomeIsPrinted) {
+TEST_F(CHandOver, StatesAreWrittenBackBeforeTheOutcomeIsPrinted) {
     call("encA##lun1;snap1");
     bool isBehindTheSelection = false;
     for (const SMoment& moment : moments) {

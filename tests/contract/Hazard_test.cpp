@@ -78,14 +78,14 @@ private:
     int port = 0;
 };
 
-class Hazard : public fi_test::CContractTest {
+class CHazard : public fi_test::CContractTest {
 protected:
     SObserved callWith(const std::string& document) {
         return fi_test::call("encA##lun1;snap1", {{write("a.xml", document), 0}});
     }
 };
 
-TEST_F(Hazard, ExternalEntityPutsAForeignFileIntoTheTree) {
+TEST_F(CHazard, ExternalEntityPutsAForeignFileIntoTheTree) {
     const std::string file = write("foreign", "foreign content");
     const SObserved observed =
         callWith("<!DOCTYPE Node [<!ENTITY e SYSTEM '" + file + "'>]><Node><objid>&e;</objid></Node>");
@@ -94,7 +94,7 @@ TEST_F(Hazard, ExternalEntityPutsAForeignFileIntoTheTree) {
     EXPECT_EQ(hasFatalError(observed), kHardened);
 }
 
-TEST_F(Hazard, ExternalDtdIsRead) {
+TEST_F(CHazard, ExternalDtdIsRead) {
     const std::string file = write("foreign.dtd", "<!ENTITY e 'foreign content'>");
     const SObserved observed =
         callWith("<!DOCTYPE Node SYSTEM '" + file + "'><Node><objid>&e;</objid></Node>");
@@ -103,13 +103,13 @@ TEST_F(Hazard, ExternalDtdIsRead) {
     EXPECT_EQ(hasFatalError(observed), kHardened);
 }
 
-TEST_F(Hazard, ExternalDtdThatIsMissingIsAFatalError) {
+TEST_F(CHazard, ExternalDtdThatIsMissingIsAFatalError) {
     const SObserved observed = callWith("<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>");
     EXPECT_EQ(observed.status, 0);
     EXPECT_TRUE(hasFatalError(observed));
 }
 
-TEST_F(Hazard, SilentServerHoldsTheCallUntilItHangsUp) {
+TEST_F(CHazard, SilentServerHoldsTheCallUntilItHangsUp) {
     CSilentServer server;
     const std::string document =
         "<!DOCTYPE Node SYSTEM '" + server.address() + "'><Node><objid>a</objid></Node>";
@@ -129,7 +129,7 @@ TEST_F(Hazard, SilentServerHoldsTheCallUntilItHangsUp) {
 
 // Four levels are ten thousand texts out of a document of some three hundred bytes; each further level is
 // ten times as many.
-TEST_F(Hazard, NestedEntitiesExpand) {
+TEST_F(CHazard, NestedEntitiesExpand) {
     std::string declarations = "<!ENTITY e0 'x'>";
     for (int level = 1; level <= 4; ++level) {
         const std::string lower = "&e" + std::to_string(level - 1) + ';';
@@ -146,14 +146,14 @@ TEST_F(Hazard, NestedEntitiesExpand) {
     EXPECT_EQ(hasFatalError(observed), kHardened);
 }
 
-TEST_F(Hazard, EntityOfTheDocumentItselfIsHarmless) {
+TEST_F(CHazard, EntityOfTheDocumentItselfIsHarmless) {
     const SObserved observed = callWith("<!DOCTYPE Node [<!ENTITY e 'own'>]><Node><objid>&e;</objid></Node>");
     EXPECT_TRUE(hasObjid(observed, "own"));
     EXPECT_FALSE(hasFatalError(observed));
 }
 
 // The backups beside it are not touched by a document's fault.
-TEST_F(Hazard, OtherDocumentsAreReadAllTheSame) {
+TEST_F(CHazard, OtherDocumentsAreReadAllTheSame) {
     const SObserved observed =
         fi_test::call("encA##lun1;snap1",
                       {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},

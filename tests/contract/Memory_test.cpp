@@ -39,17 +39,17 @@ const std::string kSeveralRoots =
     "<Node><Node/><Node/></Node></a>";         // the root that counts
 constexpr std::size_t kBlocksOfDroppedRoots = 4;
 
-class Memory : public fi_test::CContractTest {
+class CMemory : public fi_test::CContractTest {
 protected:
     // The libraries under ours fill caches of their own once; those blocks are not recorded. What the
     // tests call is not called here, so that what ours would keep of a call is not taken for a cache.
-    Memory() {
+    CMemory() {
         for (const std::string& document : {kHolder, kMalformed, kIllFormed}) {
             std::int32_t flag = 0;
             process("encA##lun1;snap1", {write("warm-up.xml", document)}, &flag, 1);
         }
     }
-    ~Memory() override { fi_test::releaseBlocksLeft(); }
+    ~CMemory() override { fi_test::releaseBlocksLeft(); }
 
     std::size_t leftByCall(const std::string& configuration, const std::vector<std::string>& names,
                            std::int32_t flagWord = 0) {
@@ -90,7 +90,7 @@ private:
     }
 };
 
-TEST_F(Memory, LedgerRecordsBlocksUntilTheyAreFreed) {
+TEST_F(CMemory, LedgerRecordsBlocksUntilTheyAreFreed) {
     fi_test::startRecording();
     auto* const block = new std::string("long enough to need a block of its own");
     fi_test::stopRecording();
@@ -99,38 +99,38 @@ TEST_F(Memory, LedgerRecordsBlocksUntilTheyAreFreed) {
     EXPECT_EQ(blocksLeft(), 0U);
 }
 
-TEST_F(Memory, LedgerSeesWhatTheLibraryAllocates) {
+TEST_F(CMemory, LedgerSeesWhatTheLibraryAllocates) {
     leftByCall("a configuration ##that is too long for a string without a block of its own", {});
     EXPECT_GT(fi_test::recordedAllocations(), 0U);
 }
 
-TEST_F(Memory, FirstBackupLeavesNothing) {
+TEST_F(CMemory, FirstBackupLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1&encB##lun2;a snapshot with a long name", {}), 0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, FirstBackupWithoutATargetLeavesNothing) {
+TEST_F(CMemory, FirstBackupWithoutATargetLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1&encB##a device with a long name", {}), 0U);
     EXPECT_EQ(status, 3);
 }
 
-TEST_F(Memory, RejectedConfigurationLeavesNothing) {
+TEST_F(CMemory, RejectedConfigurationLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1&an enclosure with a long name##", {}), 0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, RejectedArgumentsLeaveNothing) {
+TEST_F(CMemory, RejectedArgumentsLeaveNothing) {
     EXPECT_EQ(leftByCall("an enclosure with a long name##lun1;snap1", {}, nullptr, 1), 0U);
     EXPECT_EQ(status, 3);
 }
 
-TEST_F(Memory, NegativeSizeLeavesNothing) {
+TEST_F(CMemory, NegativeSizeLeavesNothing) {
     std::int32_t flag = 0;
     EXPECT_EQ(leftByCall("an enclosure with a long name##lun1;snap1", {}, &flag, -1), 0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, SuccessLeavesNothing) {
+TEST_F(CMemory, SuccessLeavesNothing) {
     EXPECT_EQ(
         leftByCall("encA##lun1;snap1", {write("a.xml", kHolder), write("b.xml", kHolder),
                                         write("invalid.xml", toXml(backup("2", {{"encB##x", "encB##y"}})))}),
@@ -138,35 +138,35 @@ TEST_F(Memory, SuccessLeavesNothing) {
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, NameListedTwiceLeavesNothing) {
+TEST_F(CMemory, NameListedTwiceLeavesNothing) {
     const std::string a = write("a.xml", kHolder);
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {a, a}), 0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, FailureLeavesNothing) {
+TEST_F(CMemory, FailureLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kHolder), write("b.xml", kHolder)}, 4), 0U);
     EXPECT_EQ(status, 3);
 }
 
-TEST_F(Memory, MissingFileLeavesNothing) {
+TEST_F(CMemory, MissingFileLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1",
                          {write("a.xml", kHolder), path("missing.xml"), write("b.xml", kHolder)}),
               0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, IllFormedDocumentLeavesNothing) {
+TEST_F(CMemory, IllFormedDocumentLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", "<Node><Node><objid>x</objid></Nod>")}), 0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, DocumentWithoutANodeLeavesNothing) {
+TEST_F(CMemory, DocumentWithoutANodeLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", ""), write("b.xml", "<other/>")}), 0U);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, ExceptionLeavesNothing) {
+TEST_F(CMemory, ExceptionLeavesNothing) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1",
                          {write("a.xml", kHolder), write("bad.xml", kMalformed), write("b.xml", kHolder)}),
               0U);
@@ -175,7 +175,7 @@ TEST_F(Memory, ExceptionLeavesNothing) {
 
 // The whole trace of such a call is compared here because the blocks of the root that is dropped are
 // anywhere else a leak.
-TEST_F(Memory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
+TEST_F(CMemory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
     const std::string several =
         write("several.xml",
               "<backups><Node><objid>first</objid><timeStamp>20260101</timeStamp></Node>"
@@ -194,23 +194,23 @@ TEST_F(Memory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
     EXPECT_EQ(blocksLeft(), 1U);
 }
 
-TEST_F(Memory, DocumentWithSeveralTopLevelNodesLeavesExactlyTheDroppedTrees) {
+TEST_F(CMemory, DocumentWithSeveralTopLevelNodesLeavesExactlyTheDroppedTrees) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kSeveralRoots)}), kBlocksOfDroppedRoots);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, EveryImportOfADocumentWithSeveralTopLevelNodesLeavesItsDroppedTrees) {
+TEST_F(CMemory, EveryImportOfADocumentWithSeveralTopLevelNodesLeavesItsDroppedTrees) {
     const std::string a = write("a.xml", kSeveralRoots);
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {a, write("b.xml", kHolder), a}), 2 * kBlocksOfDroppedRoots);
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Memory, FailureLeavesExactlyTheDroppedTrees) {
+TEST_F(CMemory, FailureLeavesExactlyTheDroppedTrees) {
     EXPECT_EQ(leftByCall("encA##lun1", {write("a.xml", kSeveralRoots)}), kBlocksOfDroppedRoots);
     EXPECT_EQ(status, 3);
 }
 
-TEST_F(Memory, ExceptionLeavesExactlyTheDroppedTrees) {
+TEST_F(CMemory, ExceptionLeavesExactlyTheDroppedTrees) {
     EXPECT_EQ(leftByCall("encA##lun1;snap1", {write("a.xml", kSeveralRoots), write("bad.xml", kMalformed)}),
               kBlocksOfDroppedRoots);
     EXPECT_TRUE(hasThrown);

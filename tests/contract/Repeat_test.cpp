@@ -23,7 +23,7 @@ struct SScenario {
     std::vector<SBackup> backups;
 };
 
-class Repeat : public fi_test::CRotationTest {
+class CRepeat : public fi_test::CRotationTest {
 protected:
     SBackup file(const std::string& name, const std::string& content, std::int32_t flagWord = 0) const {
         return {write(name, content), flagWord};
@@ -59,7 +59,7 @@ protected:
     }
 };
 
-TEST_F(Repeat, TwoCallsAlikeHaveOneOutcomeAndOneTrace) {
+TEST_F(CRepeat, TwoCallsAlikeHaveOneOutcomeAndOneTrace) {
     int number = 0;
     for (const auto& [configuration, backups] : scenarios()) {
         SCOPED_TRACE("scenario " + std::to_string(number++));
@@ -67,7 +67,7 @@ TEST_F(Repeat, TwoCallsAlikeHaveOneOutcomeAndOneTrace) {
     }
 }
 
-TEST_F(Repeat, CallsInBetweenChangeNothing) {
+TEST_F(CRepeat, CallsInBetweenChangeNothing) {
     std::vector<SObserved> first;
     for (const auto& [configuration, backups] : scenarios()) {
         first.push_back(call(configuration, backups));
@@ -113,7 +113,7 @@ private:
     std::mt19937 random;
 };
 
-TEST_F(Repeat, RandomCallsRepeatAndKeepTheirPromises) {
+TEST_F(CRepeat, RandomCallsRepeatAndKeepTheirPromises) {
     for (unsigned seed = 0; seed < 200; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         CRandomScenario random(seed);

@@ -30,7 +30,7 @@ using fi_test::SNode;
 using fi_test::SObserved;
 using fi_test::udid;
 
-class RotationNames : public fi_test::CRotationTest {
+class CRotationNames : public fi_test::CRotationTest {
 protected:
     SBackup holder(const std::string& name, const std::string& timeStamp, const std::string& snap,
                    std::int32_t flagWord = 0) const {
@@ -48,7 +48,7 @@ const std::vector<std::string> kOneTargetReleased{"[encA:lun1](Used)", "{s1,Avai
 
 // A name listed twice is two backups. One of them claims the target and is rotated, the other claims in
 // vain; which goes first is open. Both entries get the state of the one that comes first in the end.
-TEST_F(RotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd) {
+TEST_F(CRotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd) {
     const SBackup twice = holder("twice.xml", "1", "s1");
     const SBackup newer = holder("newer.xml", "2", "s2");
     const SObserved observed = decided("encA##lun1;s1;s2", {twice, twice, newer});
@@ -62,7 +62,7 @@ TEST_F(RotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd)
 }
 
 // The more entries, the more the order of equal time stamps changes between load and end.
-TEST_F(RotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst) {
+TEST_F(CRotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst) {
     const SBackup often = holder("often.xml", "1", "s1");
     const std::string start = "fi_process_backups : parsed [" + often.file + "] state=";
     for (std::size_t count = 2; count < 60; ++count) {
@@ -79,13 +79,13 @@ TEST_F(RotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst) 
     }
 }
 
-TEST_F(RotationNames, LastFlagWordOfANameListedTwiceExcludesBoth) {
+TEST_F(CRotationNames, LastFlagWordOfANameListedTwiceExcludesBoth) {
     const SBackup a = holder("a.xml", "1", "s1");
     EXPECT_EQ(decided("encA##lun1;s1", {a, withFlagWord(a, 4)}),
               notSelected({0, 4}, matched({a, a}) + reserved({a}) + notReserved({a}) + skipped({a})));
 }
 
-TEST_F(RotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
+TEST_F(CRotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
     const SBackup a = holder("a.xml", "1", "s1", 8);
     const SObserved observed = decided("encA##lun1;s1", {withFlagWord(a, 4), a});
     const std::int32_t first = observed.flags.front();
@@ -96,14 +96,14 @@ TEST_F(RotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
 }
 
 // Each name is the start of a longer one; no entry gets the state of another.
-TEST_F(RotationNames, StatesGoToTheWholeName) {
+TEST_F(CRotationNames, StatesGoToTheWholeName) {
     const SBackup oldest = holder("ab", "1", "s1", 16);
     const SBackup middle = holder("a", "2", "s2", 16);
     const SBackup newest = holder("abc", "3", "s3", 16);
     EXPECT_EQ(call("encA##lun1;s1;s2;s3", {newest, middle, oldest}).flags, (Flags{0, 0, 2}));
 }
 
-TEST_F(RotationNames, ExclusionGoesToTheWholeName) {
+TEST_F(CRotationNames, ExclusionGoesToTheWholeName) {
     const SBackup oldest = holder("ab", "1", "s1");
     const SBackup middle = holder("a", "2", "s2", 4);
     const SBackup newest = holder("abc", "3", "s3", 4);
@@ -111,7 +111,7 @@ TEST_F(RotationNames, ExclusionGoesToTheWholeName) {
 }
 
 // Two names of one file are two backups with a flag word each.
-TEST_F(RotationNames, OneFileUnderTwoNamesIsTwoBackups) {
+TEST_F(CRotationNames, OneFileUnderTwoNamesIsTwoBackups) {
     const SBackup plain = holder("a.xml", "1", "s1", 4);
     const SObserved observed = call("encA##lun1;s1;s2", {plain, {path("./a.xml"), 4}});
     EXPECT_EQ(observed.status, 0);
@@ -120,7 +120,7 @@ TEST_F(RotationNames, OneFileUnderTwoNamesIsTwoBackups) {
     EXPECT_THAT(observed.flags, testing::UnorderedElementsAre(0, 1));
 }
 
-TEST_F(RotationNames, PercentSignsAreTracedAsTheyStand) {
+TEST_F(CRotationNames, PercentSignsAreTracedAsTheyStand) {
     const SNode document = backup("100%s", {{"encA%s##lun%n", "encA%s##snap%d"}});
     const SBackup a = given("a%s%n.xml", document);
     const SBackup b = given("b%d.xml", document, 4);
@@ -132,7 +132,7 @@ TEST_F(RotationNames, PercentSignsAreTracedAsTheyStand) {
               notSelected({4}, matched({b}) + reserved({b}) + skipped({b})));
 }
 
-TEST_F(RotationNames, PercentSignsInTheNameOfAMissingFileArePrintedAsTheyStand) {
+TEST_F(CRotationNames, PercentSignsInTheNameOfAMissingFileArePrintedAsTheyStand) {
     const std::string missing = path("%s%n%d.xml");
     SObserved expected =
         selected(kOnlyTarget, {0}, missingFile(), {"[encA:lun1](Available)", "{s1,Available}"}, {});
@@ -140,7 +140,7 @@ TEST_F(RotationNames, PercentSignsInTheNameOfAMissingFileArePrintedAsTheyStand) 
     EXPECT_EQ(decided("encA##lun1;s1", {{missing, 0}}), expected);
 }
 
-TEST_F(RotationNames, RejectedConfigurationLeavesWhatStandsBeforeItToTheRotation) {
+TEST_F(CRotationNames, RejectedConfigurationLeavesWhatStandsBeforeItToTheRotation) {
     const SBackup a = holder("a.xml", "1", "s1");
     const SBackup b = given("b.xml", backup("2", {{"encB##lun2", "encB##t1"}}), 1);
     EXPECT_EQ(decided("encA##lun1;s1&lun2;t1&encB##lun2;t1", {a, b}),
@@ -149,13 +149,13 @@ TEST_F(RotationNames, RejectedConfigurationLeavesWhatStandsBeforeItToTheRotation
                        kOneTargetReleased, {{a, 2}, {b, 1}}));
 }
 
-TEST_F(RotationNames, RejectedConfigurationWithNothingBeforeItSelectsNothing) {
+TEST_F(CRotationNames, RejectedConfigurationWithNothingBeforeItSelectsNothing) {
     const SBackup a = holder("a.xml", "1", "s1");
     EXPECT_EQ(decided("lun1;s1", {a}),
               selected("", {1}, rejected("lun1", "enclosure data") + invalid({a}), {}, {{a, 1}}));
 }
 
-TEST_F(RotationNames, TargetIsLookedForInEveryConfigurationWithItsFirstTarget) {
+TEST_F(CRotationNames, TargetIsLookedForInEveryConfigurationWithItsFirstTarget) {
     const SBackup a = holder("a.xml", "1", "s2");
     EXPECT_EQ(decided("encA##lun1;s1&encA##lun1;s2", {a}),
               selected("[encA##lun1;encA##s1][encA##lun1;encA##s2]", {2}, matched({a}) + reserved({a}),
@@ -163,7 +163,7 @@ TEST_F(RotationNames, TargetIsLookedForInEveryConfigurationWithItsFirstTarget) {
                        {{a, 2}}));
 }
 
-TEST_F(RotationNames, OfATargetConfiguredTwiceTheFirstIsHeld) {
+TEST_F(CRotationNames, OfATargetConfiguredTwiceTheFirstIsHeld) {
     const SBackup older = holder("older.xml", "1", "s1");
     const SBackup newer = holder("newer.xml", "2", "s1");
     EXPECT_EQ(decided("encA##lun1;s1;s1&encA##lun1;s1", {older, newer}),
@@ -174,7 +174,7 @@ TEST_F(RotationNames, OfATargetConfiguredTwiceTheFirstIsHeld) {
                        {{older, 1}, {newer, 0}}));
 }
 
-TEST_F(RotationNames, OfNodesWithOneObjidTheLastAltobjidCounts) {
+TEST_F(CRotationNames, OfNodesWithOneObjidTheLastAltobjidCounts) {
     const SNode malformed{{{"objid", udid("encA##lun1")}, {"altobjid", "bad"}}, {}};
     const SNode first{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s1")}}, {malformed}};
     const SNode last{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s2")}}, {}};
@@ -185,7 +185,7 @@ TEST_F(RotationNames, OfNodesWithOneObjidTheLastAltobjidCounts) {
 }
 
 // What an objid and an altobjid must be for a backup to hold encA##lun1's target s1 or ##bare.
-TEST_F(RotationNames, IdentifiersMatchByTheirWholeEnclosureAndDevice) {
+TEST_F(CRotationNames, IdentifiersMatchByTheirWholeEnclosureAndDevice) {
     const struct {
         std::string objid, altobjid;
         bool isMatch;

@@ -26,7 +26,7 @@ using fi_test::SObserved;
 using fi_test::States;
 using fi_test::udid;
 
-class RotationOrder : public fi_test::CRotationTest {
+class CRotationOrder : public fi_test::CRotationTest {
 protected:
     // A backup of encA##lun1 that holds `snap`, in a file named after its time stamp.
     SBackup holder(const std::string& timeStamp, const std::string& snap, std::int32_t flagWord = 0) const {
@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(RotationOrder, ReleasesTheOldestOnlyAndNoMoreThanNeeded) {
+TEST_F(CRotationOrder, ReleasesTheOldestOnlyAndNoMoreThanNeeded) {
     const SBackup newest = holder("3", "s3");
     const SBackup oldest = holder("1", "s1");
     const SBackup middle = holder("2", "s2");
@@ -46,7 +46,7 @@ TEST_F(RotationOrder, ReleasesTheOldestOnlyAndNoMoreThanNeeded) {
                        {{oldest, 2}, {middle, 0}, {newest, 0}}));
 }
 
-TEST_F(RotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
+TEST_F(CRotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
     const SBackup oldest = holder("1", "s1", 4);
     const SBackup middle = holder("2", "s2");
     // Not reached by the rotation, so it is not said to be passed over.
@@ -59,7 +59,7 @@ TEST_F(RotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
                  {{oldest, 0}, {middle, 2}, {newest, 0}}));
 }
 
-TEST_F(RotationOrder, ExcludedBackupThatIsInvalidIsNotSaidToBePassedOver) {
+TEST_F(CRotationOrder, ExcludedBackupThatIsInvalidIsNotSaidToBePassedOver) {
     const SBackup unmatched = given("invalid.xml", backup("1", {{"encZ##gone", "encA##s1"}}), 4);
     const SBackup outdone = holder("2", "s1", 4);
     const SBackup keeper = holder("3", "s1", 4);
@@ -68,7 +68,7 @@ TEST_F(RotationOrder, ExcludedBackupThatIsInvalidIsNotSaidToBePassedOver) {
                                          notReserved({outdone}) + skipped({keeper})));
 }
 
-TEST_F(RotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
+TEST_F(CRotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
     // The first is released although its configuration is not what keeps the selection from being
     // complete afterwards: only the order counts.
     const SBackup first = given("1.xml", backup("1", {{"encC##lun3", "encC##u1"}}));
@@ -83,7 +83,7 @@ TEST_F(RotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
                        {{first, 2}, {second, 2}, {third, 2}, {fourth, 0}}));
 }
 
-TEST_F(RotationOrder, OneReleaseFreesAllTargetsOfTheBackup) {
+TEST_F(CRotationOrder, OneReleaseFreesAllTargetsOfTheBackup) {
     const SBackup both =
         given("both.xml", backup("1", {{"encA##lun1", "encA##s1"}, {"encB##lun2", "encB##t1"}}));
     const SBackup other = given("other.xml", backup("2", {{"encB##lun2", "encB##t2"}}));
@@ -95,7 +95,7 @@ TEST_F(RotationOrder, OneReleaseFreesAllTargetsOfTheBackup) {
                  {{both, 2}, {other, 0}}));
 }
 
-TEST_F(RotationOrder, BackupThatNamesNoDeviceIsRotatedWithoutFreeingAnything) {
+TEST_F(CRotationOrder, BackupThatNamesNoDeviceIsRotatedWithoutFreeingAnything) {
     const SBackup empty = given("empty.xml", backup("0", {}));
     const SBackup a = holder("1", "s1");
     EXPECT_EQ(decided("encA##lun1;s1", {empty, a}),
@@ -103,7 +103,7 @@ TEST_F(RotationOrder, BackupThatNamesNoDeviceIsRotatedWithoutFreeingAnything) {
                        {"[encA:lun1](Used)", "{s1,Available}"}, {{empty, 2}, {a, 2}}));
 }
 
-TEST_F(RotationOrder, TimeStampsAreOrderedAsText) {
+TEST_F(CRotationOrder, TimeStampsAreOrderedAsText) {
     const SBackup lesser = holder("999", "s1");
     const SBackup first = holder("1000", "s2");
     EXPECT_EQ(decided("encA##lun1;s1;s2", {lesser, first}),
@@ -111,7 +111,7 @@ TEST_F(RotationOrder, TimeStampsAreOrderedAsText) {
                        {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"}, {{first, 2}, {lesser, 0}}));
 }
 
-TEST_F(RotationOrder, BackupWithoutATimeStampIsTheOldest) {
+TEST_F(CRotationOrder, BackupWithoutATimeStampIsTheOldest) {
     const SBackup with = holder("1", "s1");
     const SBackup without =
         given("without.xml", SNode{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s2")}}, {}});
@@ -121,7 +121,7 @@ TEST_F(RotationOrder, BackupWithoutATimeStampIsTheOldest) {
 }
 
 // Which of the two goes first is open, in both passes; what becomes of them is not.
-TEST_F(RotationOrder, EqualTimeStampsEndAlikeWhicheverGoesFirst) {
+TEST_F(CRotationOrder, EqualTimeStampsEndAlikeWhicheverGoesFirst) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##s1"}}));
     const SBackup b = given("b.xml", backup("1", {{"encB##lun2", "encB##t1"}}));
     const SObserved observed = decided("encA##lun1;s1&encB##lun2;t1", {a, b});
@@ -133,7 +133,7 @@ TEST_F(RotationOrder, EqualTimeStampsEndAlikeWhicheverGoesFirst) {
     EXPECT_EQ(observed, expected);
 }
 
-TEST_F(RotationOrder, ManyBackupsAreClaimedAndRotatedInOrder) {
+TEST_F(CRotationOrder, ManyBackupsAreClaimedAndRotatedInOrder) {
     constexpr std::size_t kCount = 60;
     std::vector<SBackup> byAge;
     std::string configuration = "encA##lun1";

@@ -26,7 +26,7 @@ using fi_test::SNode;
 using fi_test::SObserved;
 using fi_test::udid;
 
-class Rotation : public fi_test::CRotationTest {};
+class CRotation : public fi_test::CRotationTest {};
 
 const SNode kHolder = backup("20260101", {{"encA##lun1", "encA##snap1"}});
 const SNode kNewerHolder = backup("20260102", {{"encA##lun1", "encA##snap1"}});
@@ -40,19 +40,19 @@ std::string lineOfMissing(const std::string& file) {
     return "ERROR: failed to load FIID file [" + file + "]\n";
 }
 
-TEST_F(Rotation, OnlyTargetIsReleasedByTheOneBackupThatHoldsIt) {
+TEST_F(CRotation, OnlyTargetIsReleasedByTheOneBackupThatHoldsIt) {
     const SBackup a = given("a.xml", kHolder);
     EXPECT_EQ(decided("encA##lun1;snap1", {a}),
               selected(kOnlyTarget, {2}, matched({a}) + reserved({a}), kOneTargetReleased, {{a, 2}}));
 }
 
-TEST_F(Rotation, ExcludedBackupKeepsTheOnlyTargetAndTheCallFails) {
+TEST_F(CRotation, ExcludedBackupKeepsTheOnlyTargetAndTheCallFails) {
     const SBackup a = given("a.xml", kHolder, 4);
     EXPECT_EQ(decided("encA##lun1;snap1", {a}),
               notSelected({4}, matched({a}) + reserved({a}) + skipped({a})));
 }
 
-TEST_F(Rotation, FlagWordWithoutTheBitOfValue4DoesNotExclude) {
+TEST_F(CRotation, FlagWordWithoutTheBitOfValue4DoesNotExclude) {
     for (const std::int32_t flagWord : {0, 1, 2, 3, 8, 3 + 8 + 16, -5, -8, INT32_MIN, INT32_MAX - 4}) {
         SCOPED_TRACE(flagWord);
         const SBackup a = given("a.xml", kHolder, flagWord);
@@ -61,7 +61,7 @@ TEST_F(Rotation, FlagWordWithoutTheBitOfValue4DoesNotExclude) {
     }
 }
 
-TEST_F(Rotation, FlagWordWithTheBitOfValue4Excludes) {
+TEST_F(CRotation, FlagWordWithTheBitOfValue4Excludes) {
     for (const std::int32_t flagWord : {4, 5, 12, 7, -1, -4, INT32_MAX, INT32_MIN + 4}) {
         SCOPED_TRACE(flagWord);
         const SBackup a = given("a.xml", kHolder, flagWord);
@@ -70,7 +70,7 @@ TEST_F(Rotation, FlagWordWithTheBitOfValue4Excludes) {
     }
 }
 
-TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerGivesItUpWhenItIsNeeded) {
+TEST_F(CRotation, OfTwoBackupsWithOneTargetTheNewerGivesItUpWhenItIsNeeded) {
     const SBackup older = given("older.xml", kHolder);
     const SBackup newer = given("newer.xml", kNewerHolder);
     EXPECT_EQ(
@@ -79,7 +79,7 @@ TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerGivesItUpWhenItIsNeeded) {
                  kOneTargetReleased, {{older, 1}, {newer, 2}}));
 }
 
-TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerKeepsItWhenItIsNotNeeded) {
+TEST_F(CRotation, OfTwoBackupsWithOneTargetTheNewerKeepsItWhenItIsNotNeeded) {
     const SBackup older = given("older.xml", kHolder);
     const SBackup newer = given("newer.xml", kNewerHolder);
     EXPECT_EQ(decided("encA##lun1;snap1;snap2", {older, newer}),
@@ -88,14 +88,14 @@ TEST_F(Rotation, OfTwoBackupsWithOneTargetTheNewerKeepsItWhenItIsNotNeeded) {
                        {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{older, 1}, {newer, 0}}));
 }
 
-TEST_F(Rotation, ClaimThatFailsPartWayHoldsItsOtherTargetsForTheWholeCall) {
+TEST_F(CRotation, ClaimThatFailsPartWayHoldsItsOtherTargetsForTheWholeCall) {
     const SBackup newer = given("newer.xml", kNewerHolder, 1);
     const SBackup older = given("older.xml", kHolderOfTwo, 2);
     EXPECT_EQ(decided("encA##lun1;snap1;snap3&encB##lun2;snap2", {newer, older}),
               notSelected({1, 2}, matched({newer, older}) + reserved({newer}) + notReserved({older})));
 }
 
-TEST_F(Rotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
+TEST_F(CRotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
     const SBackup newer = given("newer.xml", kNewerHolder, 1);
     const SBackup older = given("older.xml", kHolderOfTwo, 2);
     EXPECT_EQ(decided("encA##lun1;snap1;snap3&encB##lun2;snap2;snap4", {newer, older}),
@@ -106,7 +106,7 @@ TEST_F(Rotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
                        {{older, 1}, {newer, 0}}));
 }
 
-TEST_F(Rotation, ClaimGoesOnBehindWhicheverTargetIsHeldByANewerBackup) {
+TEST_F(CRotation, ClaimGoesOnBehindWhicheverTargetIsHeldByANewerBackup) {
     for (const std::string held : {"1", "2", "3"}) {
         SCOPED_TRACE(held);
         const SBackup newer = given("newer.xml", backup("2", {{"encA##lun" + held, "encA##snap" + held}}));
@@ -124,14 +124,14 @@ TEST_F(Rotation, ClaimGoesOnBehindWhicheverTargetIsHeldByANewerBackup) {
     }
 }
 
-TEST_F(Rotation, BackupThatHoldsOneTargetTwiceFailsItsClaimAndIsNeverReleased) {
+TEST_F(CRotation, BackupThatHoldsOneTargetTwiceFailsItsClaimAndIsNeverReleased) {
     const SNode device{{{"objid", "UDID##v##m##encA##lun1"}, {"altobjid", udid("encA##snap1")}}, {}};
     const SNode same{{{"objid", "UDID##v##n##encA##lun1"}, {"altobjid", udid("encA##snap1")}}, {}};
     const SBackup a = given("a.xml", SNode{{{"timeStamp", "1"}}, {device, same}});
     EXPECT_EQ(decided("encA##lun1;snap1", {a}), notSelected({0}, matched({a}) + notReserved({a})));
 }
 
-TEST_F(Rotation, EnoughFreeTargetsLeaveEveryBackupAsItIs) {
+TEST_F(CRotation, EnoughFreeTargetsLeaveEveryBackupAsItIs) {
     const SBackup excluded = given("excluded.xml", kHolder, 4);
     const SBackup other = given("other.xml", backup("20260102", {{"encA##lun1", "encA##snap2"}}), 1);
     EXPECT_EQ(
@@ -142,14 +142,14 @@ TEST_F(Rotation, EnoughFreeTargetsLeaveEveryBackupAsItIs) {
 }
 
 // Its other identifier matches a target that is then free for the new backup.
-TEST_F(Rotation, BackupWithAnIdentifierOfNoConfiguredTargetIsInvalidAndHoldsNothing) {
+TEST_F(CRotation, BackupWithAnIdentifierOfNoConfiguredTargetIsInvalidAndHoldsNothing) {
     const SBackup a =
         given("a.xml", backup("20260101", {{"encA##lun1", "encA##snap1"}, {"encZ##gone", "encA##snap1"}}));
     EXPECT_EQ(decided("encA##lun1;snap1", {a}),
               selected(kOnlyTarget, {1}, invalid({a}), kOneTargetFree, {{a, 1}}));
 }
 
-TEST_F(Rotation, FilesFromTheFirstThatCannotBeOpenedKeepTheirFlagWords) {
+TEST_F(CRotation, FilesFromTheFirstThatCannotBeOpenedKeepTheirFlagWords) {
     const SBackup a = given("a.xml", kHolder);
     const std::string missing = path("missing.xml");
     SObserved expected = selected(kOnlyTarget, {2, 11, 12, -1}, missingFile() + matched({a}) + reserved({a}),
@@ -160,28 +160,28 @@ TEST_F(Rotation, FilesFromTheFirstThatCannotBeOpenedKeepTheirFlagWords) {
               expected);
 }
 
-TEST_F(Rotation, DocumentWithoutANodeKeepsItsFlagWordAndHidesNothing) {
+TEST_F(CRotation, DocumentWithoutANodeKeepsItsFlagWordAndHidesNothing) {
     const SBackup a = given("a.xml", kHolder);
     EXPECT_EQ(decided("encA##lun1;snap1",
                       {{write("empty.xml", ""), 9}, {write("other.xml", "<other><x:Node/></other>"), 4}, a}),
               selected(kOnlyTarget, {9, 4, 2}, matched({a}) + reserved({a}), kOneTargetReleased, {{a, 2}}));
 }
 
-TEST_F(Rotation, WithoutALoadedBackupAFreeTargetIsEnough) {
+TEST_F(CRotation, WithoutALoadedBackupAFreeTargetIsEnough) {
     const std::string missing = path("missing.xml");
     SObserved expected = selected(kOnlyTarget, {9, 4}, missingFile(), kOneTargetFree, {});
     expected.standardOutput = lineOfMissing(missing);
     EXPECT_EQ(decided("encA##lun1;snap1", {{missing, 9}, given("behind.xml", kHolder, 4)}), expected);
 }
 
-TEST_F(Rotation, WithoutALoadedBackupAConfigurationWithoutTargetsFailsTheCall) {
+TEST_F(CRotation, WithoutALoadedBackupAConfigurationWithoutTargetsFailsTheCall) {
     const std::string missing = path("missing.xml");
     SObserved expected = notSelected({9}, missingFile());
     expected.standardOutput = lineOfMissing(missing);
     EXPECT_EQ(decided("encA##lun1", {{missing, 9}}), expected);
 }
 
-TEST_F(Rotation, NegativeSizeStandsForNoBackups) {
+TEST_F(CRotation, NegativeSizeStandsForNoBackups) {
     const SBackup a = given("a.xml", kHolder, 5);
     for (const std::int32_t size : {-1, INT32_MIN}) {
         SCOPED_TRACE(size);
@@ -190,7 +190,7 @@ TEST_F(Rotation, NegativeSizeStandsForNoBackups) {
     }
 }
 
-TEST_F(Rotation, NegativeSizeFailsWithoutATarget) {
+TEST_F(CRotation, NegativeSizeFailsWithoutATarget) {
     EXPECT_EQ(decisionOf(callWithSize("encA##lun1", {given("a.xml", kHolder, 5)}, -1)), notSelected({5}, {}));
 }
 

@@ -232,7 +232,7 @@ void expectSurvivalBehindSetUp(EShortage kind, const SScenario& scenario) {
     expectSurvival(kind, scenario, allocationsBeforeParser + 1);
 }
 
-class Shortage : public testing::Test {
+class CShortage : public testing::Test {
 protected:
     std::string holder(const std::string& name, const std::string& timeStamp, const std::string& further) {
         return folder.write(
@@ -268,31 +268,31 @@ protected:
     fi_test::TemporaryFolder folder;
 };
 
-TEST_F(Shortage, OfOneBlockIsSurvivedByAFirstBackup) {
+TEST_F(CShortage, OfOneBlockIsSurvivedByAFirstBackup) {
     expectSurvival({kFirst + ";snapshot 1 with a long name;snapshot 2", {}});
 }
 
-TEST_F(Shortage, OfOneBlockIsSurvivedByARotation) {
+TEST_F(CShortage, OfOneBlockIsSurvivedByARotation) {
     expectSurvival(rotation());
 }
 
-TEST_F(Shortage, OfOneBlockIsSurvivedByACallWithoutASelection) {
+TEST_F(CShortage, OfOneBlockIsSurvivedByACallWithoutASelection) {
     expectSurvivalBehindSetUp(EShortage::kOfOneBlock, withoutSelection());
 }
 
-TEST_F(Shortage, OfOneBlockIsSurvivedByACallThatThrows) {
+TEST_F(CShortage, OfOneBlockIsSurvivedByACallThatThrows) {
     expectSurvivalBehindSetUp(EShortage::kOfOneBlock, throwing());
 }
 
-TEST_F(Shortage, OfOneBlockIsSurvivedByACallWithAMissingFile) {
+TEST_F(CShortage, OfOneBlockIsSurvivedByACallWithAMissingFile) {
     expectSurvivalBehindSetUp(EShortage::kOfOneBlock, withMissingFile());
 }
 
-TEST_F(Shortage, ThatLastsIsSurvivedByARotation) {
+TEST_F(CShortage, ThatLastsIsSurvivedByARotation) {
     expectSurvivalBehindSetUp(EShortage::kLasting, rotation());
 }
 
-TEST_F(Shortage, ThatLastsIsSurvivedByACallThatThrows) {
+TEST_F(CShortage, ThatLastsIsSurvivedByACallThatThrows) {
     expectSurvivalBehindSetUp(EShortage::kLasting, throwing());
 }
 

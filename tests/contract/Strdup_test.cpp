@@ -35,18 +35,18 @@ namespace {
 using fi_test::call;
 using fi_test::SObserved;
 
-class Strdup : public fi_test::CContractTest {
+class CStrdup : public fi_test::CContractTest {
 protected:
-    Strdup() { duplicates = 0; }
-    ~Strdup() override { isShortOfMemory = false; }
+    CStrdup() { duplicates = 0; }
+    ~CStrdup() override { isShortOfMemory = false; }
 };
 
-TEST_F(Strdup, MakesTheSelectionThatTheCallerGets) {
+TEST_F(CStrdup, MakesTheSelectionThatTheCallerGets) {
     EXPECT_EQ(call("encA##lun1;snap1", {}).selection, "[encA##lun1;encA##snap1]");
     EXPECT_EQ(duplicates, 1);
 }
 
-TEST_F(Strdup, FailureFailsAFirstBackup) {
+TEST_F(CStrdup, FailureFailsAFirstBackup) {
     isShortOfMemory = true;
     const SObserved observed = call("encA##lun1;snap1", {});
     EXPECT_EQ(observed.status, 3);
@@ -54,7 +54,7 @@ TEST_F(Strdup, FailureFailsAFirstBackup) {
     EXPECT_EQ(duplicates, 1);
 }
 
-TEST_F(Strdup, FailureFailsARotationAndLeavesTheFlagsAsTheyWere) {
+TEST_F(CStrdup, FailureFailsARotationAndLeavesTheFlagsAsTheyWere) {
     const std::string a =
         write("a.xml", fi_test::toXml(fi_test::backup("1", {{"encA##lun1", "encA##snap1"}})));
     isShortOfMemory = true;

@@ -12,9 +12,9 @@
 
 namespace {
 
-class Threads : public fi_test::CContractTest {};
+class CThreads : public fi_test::CContractTest {};
 
-TEST_F(Threads, MakeCallsOneAtATime) {
+TEST_F(CThreads, MakeCallsOneAtATime) {
     const std::string file =
         write("a.xml", fi_test::toXml(fi_test::backup("1", {{"encA##lun1", "encA##snap1"}})));
     std::mutex host;
