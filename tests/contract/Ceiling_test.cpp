@@ -13,6 +13,7 @@
 #include "tests/contract/Document.h"
 #include "tests/contract/Host.h"
 
+namespace fi_test {
 namespace {
 
 long residentKilobytes() {
@@ -36,11 +37,11 @@ int callCount() {
     return asked == nullptr ? 1000 : std::atoi(asked);
 }
 
-class CCeiling : public fi_test::CContractTest {
+class CCeiling : public CContractTest {
 protected:
     std::string holder(const std::string& name, const std::string& timeStamp,
                        const std::string& further) const {
-        return write(name, fi_test::toXml(fi_test::backup(timeStamp, {{"encA##lun1", further}})));
+        return write(name, toXml(backup(timeStamp, {{"encA##lun1", further}})));
     }
 
     void makeCalls(int count) const {
@@ -50,7 +51,7 @@ protected:
             char* result = nullptr;
             try {
                 // Every fourth call ends in an exception.
-                fi_test::entryPoint()(files, "encA##lun1;snap1;snap2", flags, i % 4 == 0 ? 3 : 2, &result);
+                entryPoint()(files, "encA##lun1;snap1;snap2", flags, i % 4 == 0 ? 3 : 2, &result);
             } catch (const CFiUdidException&) {
                 ++exceptions;
             }
@@ -61,8 +62,7 @@ protected:
 
     const std::string old = holder("old.xml", "1", "encA##snap1");
     const std::string recent = holder("recent.xml", "2", "encA##snap2");
-    const std::string malformed =
-        write("bad.xml", "<Node><objid>" + fi_test::udid("encA##lun1") + "</objid></Node>");
+    const std::string malformed = write("bad.xml", "<Node><objid>" + udid("encA##lun1") + "</objid></Node>");
     mutable int exceptions = 0;
     mutable int selections = 0;
 };
@@ -83,3 +83,4 @@ TEST_F(CCeiling, HoldsForMemoryAndDescriptors) {
 }
 
 }  // namespace
+}  // namespace fi_test

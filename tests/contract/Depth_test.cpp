@@ -9,6 +9,7 @@
 
 #include "tests/contract/Host.h"
 
+namespace fi_test {
 namespace {
 
 struct SDeepCall {
@@ -23,7 +24,7 @@ void* runDeepCall(void* argument) {
     auto& deep = *static_cast<SDeepCall*>(argument);
     const char* const files[] = {deep.file.c_str()};
     char* result = nullptr;
-    deep.status = fi_test::entryPoint()(files, "encA##lun1;snap1", &deep.flag, 1, &result);
+    deep.status = entryPoint()(files, "encA##lun1;snap1", &deep.flag, 1, &result);
     if (result != nullptr) {
         deep.selection = result;
         std::free(result);
@@ -31,7 +32,7 @@ void* runDeepCall(void* argument) {
     return nullptr;
 }
 
-class CDepth : public fi_test::CContractTest {};
+class CDepth : public CContractTest {};
 
 TEST_F(CDepth, MillionNestedNodesGoThroughACallOnAStackOf8MiB) {
     SDeepCall deep;
@@ -61,3 +62,4 @@ TEST_F(CDepth, MillionNestedNodesGoThroughACallOnAStackOf8MiB) {
 }
 
 }  // namespace
+}  // namespace fi_test

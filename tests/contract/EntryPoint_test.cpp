@@ -11,27 +11,10 @@
 #include "tests/contract/Decision.h"
 
 // What a call says of its arguments and its configuration, and the whole of a call without backups.
+namespace fi_test {
 namespace {
 
-using fi_test::backup;
-using fi_test::callWithSize;
-using fi_test::decided;
-using fi_test::decisionIn;
-using fi_test::decisionOf;
-using fi_test::entryPoint;
-using fi_test::failure;
-using fi_test::Flags;
-using fi_test::matched;
-using fi_test::progress;
-using fi_test::rejected;
-using fi_test::reserved;
-using fi_test::SBackup;
-using fi_test::selected;
-using fi_test::SNode;
-using fi_test::SObserved;
-using fi_test::Trace;
-
-static_assert(std::is_same_v<decltype(&fi_process_backups), fi_test::EntryPoint>,
+static_assert(std::is_same_v<decltype(&fi_process_backups), EntryPoint>,
               "the declared function is the one that these tests call");
 
 const Trace kInvalid = failure("fi_process_backups : Invalid/empty parameter");
@@ -43,7 +26,7 @@ SObserved firstBackup(const std::string& selection, const Trace& rejections = {}
     return {0, std::nullopt, selection, {}, rejections + kNoPrevious, ""};
 }
 
-class CEntryPoint : public fi_test::CRotationTest {};
+class CEntryPoint : public CRotationTest {};
 
 TEST_F(CEntryPoint, NamesAreTheValuesOfTheContract) {
     EXPECT_EQ(FI_EXCLUDE_ROTATION, 4);
@@ -56,7 +39,7 @@ TEST_F(CEntryPoint, NamesAreTheValuesOfTheContract) {
 
 TEST_F(CEntryPoint, AcceptsNullFlagsWithoutBackups) {
     char* result = nullptr;
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_EQ(entryPoint()(nullptr, "encA##lun1;snap1", nullptr, 0, &result), 0);
     EXPECT_STREQ(result, "[encA##lun1;encA##snap1]");
     std::free(result);
@@ -68,7 +51,7 @@ void expectRejection(const char* configuration, std::int32_t* flags, std::int32_
     const char* const files[] = {"no such file"};
     char untouched = 'u';
     char* result = &untouched;
-    fi_test::TraceRecorder recorder;
+    TraceRecorder recorder;
     EXPECT_EQ(entryPoint()(files, configuration, flags, size, hasResult ? &result : nullptr), 3) << size;
     EXPECT_EQ(decisionIn(recorder.take()), kInvalid) << size;
     EXPECT_EQ(result, &untouched) << size;
@@ -189,3 +172,4 @@ TEST_F(CEntryPoint, SelectionIsAllocatedAnewForEachCall) {
 }
 
 }  // namespace
+}  // namespace fi_test

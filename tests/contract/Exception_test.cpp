@@ -7,20 +7,10 @@
 
 // The one exception type that leaves the library, caught by its type in this program, which has no code of
 // the library but that type's header.
+namespace fi_test {
 namespace {
 
-using fi_test::call;
-using fi_test::decided;
-using fi_test::invalid;
-using fi_test::matched;
-using fi_test::reserved;
-using fi_test::SBackup;
-using fi_test::selected;
-using fi_test::SNode;
-using fi_test::thrown;
-using fi_test::udid;
-
-class CException : public fi_test::CRotationTest {
+class CException : public CRotationTest {
 protected:
     SBackup device(const std::string& name, const std::string& objid, const std::string& altobjid,
                    std::int32_t flagWord = 0) const {
@@ -116,3 +106,4 @@ TEST_F(CException, NextCallWorks) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -20,9 +20,8 @@
 // Drops the lines: those of a deep tree are together quadratic.
 extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int, const char*, ...) {}
 
+namespace fi_test {
 namespace {
-
-using fi_test::udid;
 
 struct SInput {
     std::string configuration = "encA##lun1;snap1";
@@ -37,15 +36,15 @@ bool hasSelection(const SInput& input) {
     std::vector<std::int32_t> flags(files.size());
     char* result = nullptr;
     try {
-        fi_test::entryPoint()(files.data(), input.configuration.c_str(), flags.data(),
-                              static_cast<std::int32_t>(files.size()), &result);
+        entryPoint()(files.data(), input.configuration.c_str(), flags.data(),
+                     static_cast<std::int32_t>(files.size()), &result);
     } catch (...) {
         return false;
     }
     return result != nullptr;
 }
 
-class CExtremes : public fi_test::CContractTest {
+class CExtremes : public CContractTest {
 protected:
     // The peak of a process that makes the call, in kB. The child ends with 0 when there is a selection.
     static long peakOfCall(const SInput& input) {
@@ -155,3 +154,4 @@ TEST_F(CExtremes, IdentifiersOfAMillionBytes) {
 }
 
 }  // namespace
+}  // namespace fi_test

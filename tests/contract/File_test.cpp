@@ -38,22 +38,18 @@ extern "C" __attribute__((visibility("default"))) char* fgets(char* buffer, int 
     return next(buffer, size, stream);
 }
 
+namespace fi_test {
 namespace {
 
-using fi_test::backup;
-using fi_test::call;
-using fi_test::SObserved;
-using fi_test::toXml;
-using fi_test::udid;
 using Flags = std::vector<std::int32_t>;
 
 constexpr std::int32_t kFlagWord = 8;
 const char* const kConfiguration = "encA##lun1;snap1;snap2";
 
-class CFile : public fi_test::CContractTest {
+class CFile : public CContractTest {
 protected:
     // Loads the library while that can be done.
-    CFile() : process(fi_test::entryPoint()) {}
+    CFile() : process(entryPoint()) {}
     ~CFile() override { interruptedLine = 0; }
 
     void interruptBeforeLine(int line, std::function<bool()> what) {
@@ -73,7 +69,7 @@ protected:
 
     SObserved callWith(const std::string& file) { return call(kConfiguration, {{file, kFlagWord}}); }
 
-    const fi_test::EntryPoint process;
+    const EntryPoint process;
 
     static void expectMissing(const SObserved& observed, const std::string& file) {
         EXPECT_EQ(observed.status, 0);
@@ -154,9 +150,8 @@ TEST_F(CFile, NameThatIsTooLongIsMissingAndNamedWhole) {
     const std::string file = "/" + std::string(4095, 'n');
     const SObserved observed = callWith(file);
     expectMissing(observed, file);
-    EXPECT_THAT(observed.trace,
-                testing::Contains(fi_test::TraceLine{
-                    3, "fi_process_backups :  Fiid [" + file + "] exclude rotation flag [8] "}));
+    EXPECT_THAT(observed.trace, testing::Contains(TraceLine{3, "fi_process_backups :  Fiid [" + file +
+                                                                   "] exclude rotation flag [8] "}));
 }
 
 // All the descriptors that the process may have, but for `left`.
@@ -224,3 +219,4 @@ TEST_F(CFile, IsMissingWhenNoDescriptorIsLeft) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -11,6 +11,7 @@
 #include "tests/support/Golden.h"
 
 // Calls whose complete trace is spelled out.
+namespace fi_test {
 namespace {
 
 constexpr const char* kHolder =
@@ -75,18 +76,18 @@ void PrintTo(const SGolden& golden, std::ostream* out) {
     *out << golden.name;
 }
 
-class CGoldenTrace : public fi_test::CContractTest, public testing::WithParamInterface<SGolden> {};
+class CGoldenTrace : public CContractTest, public testing::WithParamInterface<SGolden> {};
 
 TEST_P(CGoldenTrace, IsWhatTheCallTraces) {
-    std::vector<fi_test::SBackup> backups;
+    std::vector<SBackup> backups;
     for (const SDocument& document : GetParam().documents) {
         const std::string file =
             document.content ? write(document.name, *document.content) : path(document.name);
         backups.push_back({file, document.flagWord});
     }
     const auto size = GetParam().size.value_or(static_cast<std::int32_t>(backups.size()));
-    const fi_test::SObserved observed = fi_test::callWithSize(GetParam().configuration, backups, size);
-    EXPECT_EQ(fi_test::asGoldenText(observed.trace, path("")), fi_test::goldenText(GetParam().name));
+    const SObserved observed = callWithSize(GetParam().configuration, backups, size);
+    EXPECT_EQ(asGoldenText(observed.trace, path("")), goldenText(GetParam().name));
 }
 
 const SGolden kGolden[] = {
@@ -142,3 +143,4 @@ std::string testName(const testing::TestParamInfo<SGolden>& golden) {
 INSTANTIATE_TEST_SUITE_P(Calls, CGoldenTrace, testing::ValuesIn(kGolden), testName);
 
 }  // namespace
+}  // namespace fi_test

@@ -33,10 +33,8 @@ extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level
     moments.push_back({format, selection != nullptr, flag});
 }
 
+namespace fi_test {
 namespace {
-
-using fi_test::backup;
-using fi_test::toXml;
 
 const std::string kSelectionFormat = "fi_process_backups : resource_config_string [%s] ";
 
@@ -48,12 +46,12 @@ protected:
         const std::string file = folder.write("a.xml", toXml(backup("1", {{"encA##lun1", "encA##snap1"}})));
         const char* const files[] = {file.c_str()};
         flag = kFlagWord;
-        fi_test::entryPoint()(files, configuration, &flag, 1, &selection);
+        entryPoint()(files, configuration, &flag, 1, &selection);
         std::free(selection);
         selection = nullptr;
     }
 
-    fi_test::TemporaryFolder folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(CHandOver, OutputsAreAsTheyWereUntilTheSelectionIsMade) {
@@ -99,3 +97,4 @@ TEST_F(CHandOver, StatesAreWrittenBackBeforeTheOutcomeIsPrinted) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -17,9 +17,8 @@
 
 #include "tests/contract/Host.h"
 
+namespace fi_test {
 namespace {
-
-using fi_test::SObserved;
 
 #ifdef FI_ROTATION_HARDENED_XML
 constexpr bool kHardened = true;
@@ -78,10 +77,10 @@ private:
     int port = 0;
 };
 
-class CHazard : public fi_test::CContractTest {
+class CHazard : public CContractTest {
 protected:
     SObserved callWith(const std::string& document) {
-        return fi_test::call("encA##lun1;snap1", {{write("a.xml", document), 0}});
+        return call("encA##lun1;snap1", {{write("a.xml", document), 0}});
     }
 };
 
@@ -155,12 +154,13 @@ TEST_F(CHazard, EntityOfTheDocumentItselfIsHarmless) {
 // The backups beside it are not touched by a document's fault.
 TEST_F(CHazard, OtherDocumentsAreReadAllTheSame) {
     const SObserved observed =
-        fi_test::call("encA##lun1;snap1",
-                      {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},
-                       {write("b.xml", "<Node><objid>b</objid></Node>"), 8}});
+        call("encA##lun1;snap1",
+             {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},
+              {write("b.xml", "<Node><objid>b</objid></Node>"), 8}});
     EXPECT_EQ(observed.status, 0);
     EXPECT_TRUE(hasObjid(observed, "b"));
     EXPECT_EQ(observed.flags, (std::vector<std::int32_t>{8, 0}));
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -15,12 +15,8 @@
 #include "tests/contract/Ledger.h"
 #include "tests/support/Golden.h"
 
+namespace fi_test {
 namespace {
-
-using fi_test::backup;
-using fi_test::blocksLeft;
-using fi_test::toXml;
-using fi_test::udid;
 
 std::ptrdiff_t openFiles() {
     const std::filesystem::directory_iterator files("/proc/self/fd");
@@ -39,7 +35,7 @@ const std::string kSeveralRoots =
     "<Node><Node/><Node/></Node></a>";         // the root that counts
 constexpr std::size_t kBlocksOfDroppedRoots = 4;
 
-class CMemory : public fi_test::CContractTest {
+class CMemory : public CContractTest {
 protected:
     // The libraries under ours fill caches of their own once; those blocks are not recorded. What the
     // tests call is not called here, so that what ours would keep of a call is not taken for a cache.
@@ -49,7 +45,7 @@ protected:
             process("encA##lun1;snap1", {write("warm-up.xml", document)}, &flag, 1);
         }
     }
-    ~CMemory() override { fi_test::releaseBlocksLeft(); }
+    ~CMemory() override { releaseBlocksLeft(); }
 
     std::size_t leftByCall(const std::string& configuration, const std::vector<std::string>& names,
                            std::int32_t flagWord = 0) {
@@ -60,9 +56,9 @@ protected:
     std::size_t leftByCall(const std::string& configuration, const std::vector<std::string>& names,
                            std::int32_t* flags, std::int32_t size) {
         const std::ptrdiff_t filesBefore = openFiles();
-        fi_test::startRecording();
+        startRecording();
         process(configuration, names, flags, size);
-        fi_test::stopRecording();
+        stopRecording();
         EXPECT_EQ(openFiles(), filesBefore);
         return blocksLeft();
     }
@@ -82,7 +78,7 @@ private:
         status = -1;
         hasThrown = false;
         try {
-            status = fi_test::entryPoint()(files.data(), configuration.c_str(), flags, size, &result);
+            status = entryPoint()(files.data(), configuration.c_str(), flags, size, &result);
         } catch (const CFiUdidException&) {
             hasThrown = true;
         }
@@ -91,9 +87,9 @@ private:
 };
 
 TEST_F(CMemory, LedgerRecordsBlocksUntilTheyAreFreed) {
-    fi_test::startRecording();
+    startRecording();
     auto* const block = new std::string("long enough to need a block of its own");
-    fi_test::stopRecording();
+    stopRecording();
     EXPECT_EQ(blocksLeft(), 2U);
     delete block;
     EXPECT_EQ(blocksLeft(), 0U);
@@ -101,7 +97,7 @@ TEST_F(CMemory, LedgerRecordsBlocksUntilTheyAreFreed) {
 
 TEST_F(CMemory, LedgerSeesWhatTheLibraryAllocates) {
     leftByCall("a configuration ##that is too long for a string without a block of its own", {});
-    EXPECT_GT(fi_test::recordedAllocations(), 0U);
+    EXPECT_GT(recordedAllocations(), 0U);
 }
 
 TEST_F(CMemory, FirstBackupLeavesNothing) {
@@ -184,11 +180,11 @@ TEST_F(CMemory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
     std::string trace;
     std::int32_t flag = 0;
     {
-        fi_test::TraceRecorder recorder;
+        TraceRecorder recorder;
         leftByCall("encA##lun1;snap1", {several}, &flag, 1);
-        trace = fi_test::asGoldenText(recorder.take(), path(""));
+        trace = asGoldenText(recorder.take(), path(""));
     }
-    EXPECT_EQ(trace, fi_test::goldenText("several-top-level-nodes"));
+    EXPECT_EQ(trace, goldenText("several-top-level-nodes"));
     EXPECT_EQ(status, 0);
     EXPECT_EQ(flag, 2);
     EXPECT_EQ(blocksLeft(), 1U);
@@ -217,3 +213,4 @@ TEST_F(CMemory, ExceptionLeavesExactlyTheDroppedTrees) {
 }
 
 }  // namespace
+}  // namespace fi_test

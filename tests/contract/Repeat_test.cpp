@@ -9,21 +9,15 @@
 
 // Nothing of one call survives into the next: what a call does is decided by its arguments and the files
 // that they name.
+namespace fi_test {
 namespace {
-
-using fi_test::backup;
-using fi_test::call;
-using fi_test::SBackup;
-using fi_test::SObserved;
-using fi_test::toXml;
-using fi_test::udid;
 
 struct SScenario {
     std::string configuration;
     std::vector<SBackup> backups;
 };
 
-class CRepeat : public fi_test::CRotationTest {
+class CRepeat : public CRotationTest {
 protected:
     SBackup file(const std::string& name, const std::string& content, std::int32_t flagWord = 0) const {
         return {write(name, content), flagWord};
@@ -97,7 +91,7 @@ public:
         return text;
     }
 
-    fi_test::SNode document() {
+    SNode document() {
         std::vector<std::pair<std::string, std::string>> pairs;
         const int count = below(3);
         for (int i = 0; i < count; ++i) {
@@ -143,3 +137,4 @@ TEST_F(CRepeat, RandomCallsRepeatAndKeepTheirPromises) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -10,27 +10,10 @@
 #include "tests/contract/Decision.h"
 
 // Names and other texts of the caller and of the documents, and what is told apart by them.
+namespace fi_test {
 namespace {
 
-using fi_test::backup;
-using fi_test::call;
-using fi_test::decided;
-using fi_test::Flags;
-using fi_test::invalid;
-using fi_test::matched;
-using fi_test::missingFile;
-using fi_test::notReserved;
-using fi_test::notSelected;
-using fi_test::rejected;
-using fi_test::reserved;
-using fi_test::SBackup;
-using fi_test::selected;
-using fi_test::skipped;
-using fi_test::SNode;
-using fi_test::SObserved;
-using fi_test::udid;
-
-class CRotationNames : public fi_test::CRotationTest {
+class CRotationNames : public CRotationTest {
 protected:
     SBackup holder(const std::string& name, const std::string& timeStamp, const std::string& snap,
                    std::int32_t flagWord = 0) const {
@@ -218,3 +201,4 @@ TEST_F(CRotationNames, IdentifiersMatchByTheirWholeEnclosureAndDevice) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -8,25 +8,10 @@
 #include "tests/contract/Decision.h"
 
 // Which of several backups keep their targets, in which order, and what is written back.
+namespace fi_test {
 namespace {
 
-using fi_test::backup;
-using fi_test::decided;
-using fi_test::Flags;
-using fi_test::invalid;
-using fi_test::matched;
-using fi_test::notReserved;
-using fi_test::notSelected;
-using fi_test::reserved;
-using fi_test::SBackup;
-using fi_test::selected;
-using fi_test::skipped;
-using fi_test::SNode;
-using fi_test::SObserved;
-using fi_test::States;
-using fi_test::udid;
-
-class CRotationOrder : public fi_test::CRotationTest {
+class CRotationOrder : public CRotationTest {
 protected:
     // A backup of encA##lun1 that holds `snap`, in a file named after its time stamp.
     SBackup holder(const std::string& timeStamp, const std::string& snap, std::int32_t flagWord = 0) const {
@@ -160,3 +145,4 @@ TEST_F(CRotationOrder, ManyBackupsAreClaimedAndRotatedInOrder) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -7,26 +7,10 @@
 #include "tests/contract/Decision.h"
 
 // What one call decides about a few earlier backups.
+namespace fi_test {
 namespace {
 
-using fi_test::backup;
-using fi_test::callWithSize;
-using fi_test::decided;
-using fi_test::decisionOf;
-using fi_test::invalid;
-using fi_test::matched;
-using fi_test::missingFile;
-using fi_test::notReserved;
-using fi_test::notSelected;
-using fi_test::reserved;
-using fi_test::SBackup;
-using fi_test::selected;
-using fi_test::skipped;
-using fi_test::SNode;
-using fi_test::SObserved;
-using fi_test::udid;
-
-class CRotation : public fi_test::CRotationTest {};
+class CRotation : public CRotationTest {};
 
 const SNode kHolder = backup("20260101", {{"encA##lun1", "encA##snap1"}});
 const SNode kNewerHolder = backup("20260102", {{"encA##lun1", "encA##snap1"}});
@@ -195,3 +179,4 @@ TEST_F(CRotation, NegativeSizeFailsWithoutATarget) {
 }
 
 }  // namespace
+}  // namespace fi_test

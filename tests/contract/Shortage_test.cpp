@@ -44,9 +44,8 @@ extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level
     va_end(arguments);
 }
 
+namespace fi_test {
 namespace {
-
-using fi_test::EShortage;
 
 enum EEnd { kSelection, kNone, kException };
 
@@ -109,16 +108,15 @@ public:
         char untouched = 'u';
         char* result = &untouched;
         SOutcome outcome;
-        fi_test::startShortage(kind, failing);
+        startShortage(kind, failing);
         try {
-            const std::int32_t status =
-                fi_test::entryPoint()(files.data(), configuration.c_str(), flags.data(),
-                                      static_cast<std::int32_t>(files.size()), &result);
+            const std::int32_t status = entryPoint()(files.data(), configuration.c_str(), flags.data(),
+                                                     static_cast<std::int32_t>(files.size()), &result);
             outcome.end = status == 0 ? kSelection : kNone;
         } catch (...) {
             outcome.end = kException;
         }
-        fi_test::endShortage();
+        endShortage();
         isResultLeft = result == &untouched;
         if (!isResultLeft) {
             outcome.selection = result;
@@ -141,8 +139,8 @@ private:
 
 bool isXmlLibraryTerminated() {
     // The manager of its memory is there as long as somebody holds it.
-    static void* const* const manager = static_cast<void* const*>(
-        fi_test::librarySymbol("_ZN11xercesc_3_216XMLPlatformUtils15fgMemoryManagerE"));
+    static void* const* const manager =
+        static_cast<void* const*>(librarySymbol("_ZN11xercesc_3_216XMLPlatformUtils15fgMemoryManagerE"));
     return manager != nullptr && *manager == nullptr;
 }
 
@@ -160,7 +158,7 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
     for (;;) {
         ++progress.number;
         const SOutcome outcome = caller.call(kind, progress.number - 1);
-        if (!fi_test::hasBeenShort()) {
+        if (!hasBeenShort()) {
             progress.isFinished = true;
             std::exit(0);
         }
@@ -170,7 +168,7 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
         if (outcome.end != kSelection && !caller.areOutputsLeft(outcome)) {
             fail("a failure that changed the outputs");
         }
-        const std::size_t blocksLeft = fi_test::blocksLeftByShortage();
+        const std::size_t blocksLeft = blocksLeftByShortage();
         const bool isTerminated = isXmlLibraryTerminated();
         const SOutcome next = caller.call(kind, 0);
         if (!isTerminated && outcome.end == kException && next.end == kException &&
@@ -235,8 +233,7 @@ void expectSurvivalBehindSetUp(EShortage kind, const SScenario& scenario) {
 class CShortage : public testing::Test {
 protected:
     std::string holder(const std::string& name, const std::string& timeStamp, const std::string& further) {
-        return folder.write(
-            name, fi_test::toXml(fi_test::backup(timeStamp, {{kFirst, "enclosure A##" + further}})));
+        return folder.write(name, toXml(backup(timeStamp, {{kFirst, "enclosure A##" + further}})));
     }
 
     SScenario rotation() {
@@ -245,7 +242,7 @@ protected:
                          "<Node><timeStamp>3</timeStamp><Node><objid>L\xC3\xBCneburg &amp; "
                          "elsewhere</objid></Node></Node>");
         const std::string invalid =
-            folder.write("invalid.xml", fi_test::toXml(fi_test::backup("4", {{"encZ##gone", "encZ##s"}})));
+            folder.write("invalid.xml", toXml(backup("4", {{"encZ##gone", "encZ##s"}})));
         return {kFirst + ";snapshot 1 with a long name;snapshot 2&encB##lun2;a;b",
                 {holder("a.xml", "1", "snapshot 1 with a long name"), holder("b.xml", "2", "snapshot 2"),
                  foreign, invalid}};
@@ -265,7 +262,7 @@ protected:
     }
 
     const std::string kFirst = "enclosure A##lun 1 with a long name";
-    fi_test::TemporaryFolder folder;
+    TemporaryFolder folder;
 };
 
 TEST_F(CShortage, OfOneBlockIsSurvivedByAFirstBackup) {
@@ -297,3 +294,4 @@ TEST_F(CShortage, ThatLastsIsSurvivedByACallThatThrows) {
 }
 
 }  // namespace
+}  // namespace fi_test

@@ -30,12 +30,10 @@ extern "C" __attribute__((visibility("default"))) char* strdup(const char* text)
     return copy == nullptr ? nullptr : static_cast<char*>(std::memcpy(copy, text, size));
 }
 
+namespace fi_test {
 namespace {
 
-using fi_test::call;
-using fi_test::SObserved;
-
-class CStrdup : public fi_test::CContractTest {
+class CStrdup : public CContractTest {
 protected:
     CStrdup() { duplicates = 0; }
     ~CStrdup() override { isShortOfMemory = false; }
@@ -55,8 +53,7 @@ TEST_F(CStrdup, FailureFailsAFirstBackup) {
 }
 
 TEST_F(CStrdup, FailureFailsARotationAndLeavesTheFlagsAsTheyWere) {
-    const std::string a =
-        write("a.xml", fi_test::toXml(fi_test::backup("1", {{"encA##lun1", "encA##snap1"}})));
+    const std::string a = write("a.xml", toXml(backup("1", {{"encA##lun1", "encA##snap1"}})));
     isShortOfMemory = true;
     const SObserved observed = call("encA##lun1;snap1", {{a, 8}});
     EXPECT_EQ(observed.status, 3);
@@ -69,3 +66,4 @@ TEST_F(CStrdup, FailureFailsARotationAndLeavesTheFlagsAsTheyWere) {
 }
 
 }  // namespace
+}  // namespace fi_test

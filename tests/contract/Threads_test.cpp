@@ -10,13 +10,13 @@
 #include "tests/contract/Document.h"
 #include "tests/contract/Host.h"
 
+namespace fi_test {
 namespace {
 
-class CThreads : public fi_test::CContractTest {};
+class CThreads : public CContractTest {};
 
 TEST_F(CThreads, MakeCallsOneAtATime) {
-    const std::string file =
-        write("a.xml", fi_test::toXml(fi_test::backup("1", {{"encA##lun1", "encA##snap1"}})));
+    const std::string file = write("a.xml", toXml(backup("1", {{"encA##lun1", "encA##snap1"}})));
     std::mutex host;
     int wrong = 0;
     const auto makeCalls = [&] {
@@ -25,7 +25,7 @@ TEST_F(CThreads, MakeCallsOneAtATime) {
             const char* const files[] = {file.c_str()};
             std::int32_t flag = 0;
             char* result = nullptr;
-            const std::int32_t status = fi_test::entryPoint()(files, "encA##lun1;snap1", &flag, 1, &result);
+            const std::int32_t status = entryPoint()(files, "encA##lun1;snap1", &flag, 1, &result);
             const bool isRight = status == 0 && flag == 2 && result != nullptr &&
                                  std::string(result) == "[encA##lun1;encA##snap1]";
             wrong += isRight ? 0 : 1;
@@ -43,3 +43,4 @@ TEST_F(CThreads, MakeCallsOneAtATime) {
 }
 
 }  // namespace
+}  // namespace fi_test
