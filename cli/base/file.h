@@ -34,10 +34,10 @@ public:
     COutputFile& operator=(const COutputFile&) = delete;
 
     // As it was given.
-    const std::string& name() const { return given; }
+    [[nodiscard]] const std::string& name() const { return given; }
 
     // Takes the content, to be written as it comes; whether all of it could be is for commit() to find out.
-    std::FILE* stream() const { return content.get(); }
+    [[nodiscard]] std::FILE* stream() const { return content.get(); }
 
     // Moves the file to its place. Throws std::system_error when it could not be written whole.
     void commit();

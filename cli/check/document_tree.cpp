@@ -345,12 +345,12 @@ void CTreeReader::stopAt(EExcess excess, const std::string& name) {
 
 xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, const XMLCh* systemId) {
     const SSite site{here(), isInDtd ? "<!DOCTYPE" : "&"};
-    std::string what = fmt::format("the document refers to {}, which is not opened here",
-                                   inQuotes(toLocalCodePage(systemId)));
+    const std::string what = fmt::format("the document refers to {}, which is not opened here",
+                                         inQuotes(toLocalCodePage(systemId)));
     if (foreign == EForeign::kStop) {
-        stop(EHazard::kExternalEntity, site, std::move(what));
+        stop(EHazard::kExternalEntity, site, what);
     }
-    report(EHazard::kExternalEntity, site, std::move(what));
+    report(EHazard::kExternalEntity, site, what);
     static constexpr XMLByte kNothing[] = {0};
     // The reader deletes it.
     return new xercesc::MemBufInputSource(kNothing, 0, "nothing");
