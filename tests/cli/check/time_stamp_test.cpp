@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "cli/base/xml_reader.h"
-#include "host/library_call.h"
+#include "tests/cli/Program.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -56,9 +56,12 @@ TEST(FiRotateTimeStamp, AgreesWithWhatTheLibraryTraces) {
     for (const SRow& row : kRows) {
         const fi_test::TemporaryFolder folder;
         const std::string file = folder.write("backup.xml", row.document);
-        const auto outcome = fi_rotate::runCall({"encA##lun1;snap1", {{file, 0}}}, {}, true);
-        ASSERT_EQ(outcome.account.value().backups.size(), 1U) << row.description;
-        EXPECT_EQ(outcome.account->backups[0].timeStamp, row.timeStamp) << row.description;
+        const auto result = fi_test::runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", file});
+        EXPECT_NE(result.error.find("4 fi_process_backups : [RESERVE GOOD] " + file +
+                                    " - T: " + row.timeStamp + "\n"),
+                  std::string::npos)
+            << row.description << '\n'
+            << result.error;
     }
 }
 
