@@ -1,7 +1,6 @@
 // Compares the library with the model on random calls, and ends at the first difference, made as small as it
 // can be.
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -19,7 +18,9 @@ namespace {
 
 struct SOptions {
     std::uint64_t calls = 20000;
+    // Of the first call; each has the next one.
     std::uint64_t seed = 1;
+    // It fails when fewer calls had some outcome.
     std::uint64_t least = 0;
 };
 
@@ -67,12 +68,14 @@ bool soak(const SOptions& options) {
 
 int main(int count, char** arguments) {
     SOptions options;
-    CLI::App app("Compares the library with the model on random calls.");
-    app.add_option("--calls", options.calls, "How many calls")->capture_default_str();
-    app.add_option("--seed", options.seed, "Seed of the first call; each has the next one")
-        ->capture_default_str();
-    app.add_option("--least", options.least, "Fail when fewer calls had some outcome")->capture_default_str();
-    CLI11_PARSE(app, count, arguments);
+    try {
+        options.calls = count > 1 ? std::stoull(arguments[1]) : options.calls;
+        options.seed = count > 2 ? std::stoull(arguments[2]) : options.seed;
+        options.least = count > 3 ? std::stoull(arguments[3]) : options.least;
+    } catch (const std::exception&) {
+        std::fputs("usage: fi_model_soak [CALLS [SEED [LEAST]]]\n", stderr);
+        return EXIT_FAILURE;
+    }
     try {
         return soak(options) ? EXIT_SUCCESS : EXIT_FAILURE;
     } catch (const std::exception& problem) {
