@@ -56,19 +56,16 @@ Json shortagesOf(const SAccount& account) {
 
 Json backupsOf(const SOutcome& outcome, const SView& view, bool hasReasons) {
     Json rows = Json::array();
-    for (const SBackupOutcome& backup : outcome.backups) {
-        if (!view.shows(backup)) {
-            continue;
-        }
+    for (const SBackupOutcome* const backup : view.backupsOf(outcome)) {
         rows.push_back({
-            {"file", asUtf8(backup.given.file)},
-            {"time_stamp", orNullIfEmpty(backup.timeStamp)},
-            {"flag_word", backup.given.flagWord},
-            {"excluded", (backup.given.flagWord & FI_EXCLUDE_ROTATION) != 0},
-            {"state", orNull(stateWord(backup))},
+            {"file", asUtf8(backup->given.file)},
+            {"time_stamp", orNullIfEmpty(backup->timeStamp)},
+            {"flag_word", backup->given.flagWord},
+            {"excluded", (backup->given.flagWord & FI_EXCLUDE_ROTATION) != 0},
+            {"state", orNull(stateWord(*backup))},
         });
         if (hasReasons) {
-            rows.back()["reason"] = reasonJson(backup.reason);
+            rows.back()["reason"] = reasonJson(backup->reason);
         }
     }
     return rows;

@@ -57,16 +57,6 @@ std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colo
 
 using Backups = std::vector<const SBackupOutcome*>;
 
-Backups shownBackups(const SOutcome& outcome, const SView& view) {
-    Backups shown;
-    for (const SBackupOutcome& backup : outcome.backups) {
-        if (view.shows(backup)) {
-            shown.push_back(&backup);
-        }
-    }
-    return shown;
-}
-
 std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size_t width, bool colour) {
     const std::size_t hidden = outcome.backups.size() - shown.size();
     if (shown.empty() && hidden != 0) {
@@ -133,7 +123,7 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, const SView& view, std::size_t width, bool colour) {
-    const Backups shown = shownBackups(outcome, view);
+    const Backups shown = view.backupsOf(outcome);
     std::string text =
         selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, shown, width, colour);
     if (view.withReasons && outcome.account.has_value() && !shown.empty()) {

@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "host/outcome.h"
 
@@ -14,9 +15,16 @@ struct SView {
     // Why each backup came to its state and what is short, if the outcome has an account.
     bool withReasons = false;
 
-    [[nodiscard]] bool shows(const SBackupOutcome& backup) const {
-        const auto word = stateWord(backup);
-        return states.empty() || (word.has_value() && states.count(std::string(*word)) != 0);
+    // Those backups of `outcome`, which they are borrowed from, in the order in which they are shown.
+    [[nodiscard]] std::vector<const SBackupOutcome*> backupsOf(const SOutcome& outcome) const {
+        std::vector<const SBackupOutcome*> shown;
+        for (const SBackupOutcome& backup : outcome.backups) {
+            const auto word = stateWord(backup);
+            if (states.empty() || (word.has_value() && states.count(std::string(*word)) != 0)) {
+                shown.push_back(&backup);
+            }
+        }
+        return shown;
     }
 };
 
