@@ -98,6 +98,12 @@ COutputFile::~COutputFile() {
     }
 }
 
+void COutputFile::write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), content.get()) != text.size()) {
+        fail();
+    }
+}
+
 void COutputFile::commit() {
     const bool isBroken = std::ferror(content.get()) != 0;
     if (std::fclose(content.release()) != 0) {

@@ -36,10 +36,14 @@ public:
     // As it was given.
     [[nodiscard]] const std::string& name() const { return given; }
 
-    // Takes the content, to be written as it comes; whether all of it could be is for commit() to find out.
+    // Throws std::system_error when it cannot be written whole.
+    void write(std::string_view text);
+
+    // For content that is written as it comes; whether all of it could be is for commit() to find out.
     [[nodiscard]] std::FILE* stream() const { return content.get(); }
 
-    // Moves the file to its place. Throws std::system_error when it could not be written whole.
+    // Moves the file to its place, to be called once. Throws std::system_error when it could not be written
+    // whole.
     void commit();
 
 private:

@@ -129,8 +129,8 @@ std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::op
 }
 
 bool commitOrReport(COutputFile& file, const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), file.stream());
     try {
+        file.write(text);
         file.commit();
         return true;
     } catch (const std::system_error& error) {

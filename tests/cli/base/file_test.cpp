@@ -21,13 +21,13 @@ using testing::ElementsAre;
 // Writes the whole of it, as commands do.
 void write(const std::string& file, const std::string& content) {
     COutputFile output(file);
-    std::fputs(content.c_str(), output.stream());
+    output.write(content);
     output.commit();
 }
 
-int refusalOf(const std::string& file) {
+int refusalOf(const std::string& file, const std::string& content = "new") {
     try {
-        write(file, "new");
+        write(file, content);
     } catch (const std::system_error& error) {
         return error.code().value();
     }
@@ -87,6 +87,7 @@ TEST_F(OutputFile, IsRefusedBeforeItIsFilledWhereNoneCanBe) {
 
 TEST_F(OutputFile, SaysSoWhenNotAllOfItCouldBeWritten) {
     EXPECT_EQ(refusalOf("/dev/full"), ENOSPC);
+    EXPECT_EQ(refusalOf("/dev/full", std::string(1000000, 'x')), ENOSPC);
     EXPECT_EQ(refusalOf("/dev/null"), 0);
 }
 
