@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "cli/base/file.h"
 #include "tests/support/TemporaryFolder.h"
 
 extern char** environ;
@@ -164,6 +165,10 @@ SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
     result.output = readAll(ours.get());
     finish(result, process, error);
     return result;
+}
+
+std::string contentOf(const std::string& file) {
+    return fi_rotate::readFile(file).value_or("");
 }
 
 std::string example(const std::string& name) {

@@ -27,6 +27,9 @@ SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
 bool hasTerminals();
 constexpr const char* kNoTerminals = "no pseudo-terminals here";
 
+// What a file holds; nothing when it is not there.
+std::string contentOf(const std::string& file);
+
 // The path of a file in the examples.
 std::string example(const std::string& name);
 

@@ -217,6 +217,8 @@ TEST_F(SubcommandDocs, PageListsEveryOption) {
         Words known;
         for (const fi_rotate::SOption& option : fi_rotate::optionsOf(*subcommand)) {
             known.push_back(option.name + (option.value.empty() ? "" : " " + option.value));
+            EXPECT_NE(subcommand->help().find(known.back()), std::string::npos)
+                << known.back() << " of " << name;
         }
         expectSame(onPage(heading), optionsBelow(heading), "fi-rotate " + name + " --help", known);
     }

@@ -194,20 +194,14 @@ TEST(FiRotateCheck, WrongUsageEndsWithTwo) {
     }
 }
 
-TEST(FiRotateCheck, HelpShowsAnExampleAndItsOwnExitStatuses) {
-    const auto help = runFiRotate({"check", "--help"});
-    EXPECT_EQ(help.exitStatus, 0);
-    EXPECT_EQ(help.error, "");
-    for (const char* text : {"Example:", "fi-rotate check --config-file", "--explain NAME", "--json",
-                             "--request FILE", "FIID"}) {
-        EXPECT_THAT(help.output, HasSubstr(text));
-    }
-    EXPECT_THAT(help.output, EndsWith("\n\nExit status:\n"
-                                      "    0  no errors and no warnings\n"
-                                      "    1  the output could not be written, or the work not be finished\n"
-                                      "    2  wrong usage; nothing was done\n"
-                                      "    3  errors were found\n"
-                                      "    5  warnings were found, but no errors\n"));
+TEST(FiRotateCheck, HelpEndsWithTheExitStatusesOfThisSubcommand) {
+    EXPECT_THAT(runFiRotate({"check", "--help"}).output,
+                EndsWith("\n\nExit status:\n"
+                         "    0  no errors and no warnings\n"
+                         "    1  the output could not be written, or the work not be finished\n"
+                         "    2  wrong usage; nothing was done\n"
+                         "    3  errors were found\n"
+                         "    5  warnings were found, but no errors\n"));
 }
 
 TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {

@@ -1,5 +1,3 @@
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -11,6 +9,7 @@
 
 namespace {
 
+using fi_test::contentOf;
 using fi_test::example;
 using fi_test::exampleBackups;
 using fi_test::runFiRotate;
@@ -33,11 +32,6 @@ std::vector<std::string> selectExamples() {
         arguments.push_back(backup);
     }
     return arguments;
-}
-
-std::string contentOf(const std::string& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 TEST(FiRotateSelect, ShowsSelectionAndEveryBackupInTheOrderGiven) {

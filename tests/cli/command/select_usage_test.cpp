@@ -69,14 +69,19 @@ TEST(FiRotateUsage, RefusesAConfigurationFileThatTheLibraryWouldReadInPart) {
     EXPECT_THAT(result.error, HasSubstr("\"" + file + "\" holds a NUL byte"));
 }
 
+// That it names every option is for the comparison with the manual page.
 TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
-    const auto help = runFiRotate({"select", "--help"});
-    EXPECT_EQ(help.exitStatus, 0);
-    EXPECT_EQ(help.error, "");
-    for (const char* text : {"--config ", "--config-file ", "--exclude ", "--flags ", "--json", "--trace ",
-                             "--trace-file ", "--request ", "--save-request ", "--only ", "--explain",
-                             "--svg ", "FIID", "Exit status:", "Example:", "\\xNN"}) {
-        EXPECT_THAT(help.output, HasSubstr(text));
+    for (const std::string usage : {"select [OPTIONS] [FIID...]", "check [OPTIONS] [FIID...]",
+                                    "explain [OPTIONS] [LOG]", "simulate [OPTIONS]"}) {
+        SCOPED_TRACE(usage);
+        const auto help = runFiRotate({usage.substr(0, usage.find(' ')), "--help"});
+        EXPECT_EQ(help.exitStatus, 0);
+        EXPECT_EQ(help.error, "");
+        for (const std::string& text :
+             {"Usage: fi-rotate " + usage + "\n", std::string("Example:\n  fi-rotate "), std::string("\\xNN"),
+              std::string("Exit status:\n")}) {
+            EXPECT_THAT(help.output, HasSubstr(text));
+        }
     }
     const auto version = runFiRotate({"--version"});
     EXPECT_EQ(version.exitStatus, 0);

@@ -1,5 +1,3 @@
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -13,6 +11,7 @@
 
 namespace {
 
+using fi_test::contentOf;
 using fi_test::runFiRotate;
 using fi_test::runFiRotateOnTerminal;
 using fi_test::TemporaryFolder;
@@ -21,11 +20,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-
-std::string contentOf(const std::string& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 // `configuration` daily from 2026-10-01 on.
 std::vector<std::string> daily(const std::string& configuration, const std::string& rounds,
@@ -222,17 +216,6 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
         EXPECT_THAT(result.error, StartsWith("fi-rotate: "));
         EXPECT_THAT(result.error, HasSubstr(row.message));
         EXPECT_EQ(folder.entries(), std::vector<std::string>());
-    }
-}
-
-TEST(FiRotateSimulate, HelpNamesEveryOptionAndGivesAnExample) {
-    const auto help = runFiRotate({"simulate", "--help"});
-    EXPECT_EQ(help.exitStatus, 0);
-    EXPECT_EQ(help.error, "");
-    for (const char* text :
-         {"--config ", "--config-file ", "--rounds ", "--every ", "--start ", "--exclude-every ",
-          "--exclude-weekday ", "--keep-days ", "--json", "--csv ", "--svg ", "Exit status:", "Example:"}) {
-        EXPECT_THAT(help.output, HasSubstr(text));
     }
 }
 

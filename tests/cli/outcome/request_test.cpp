@@ -1,8 +1,6 @@
 #include "cli/outcome/request.h"
 
 #include <cstddef>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -18,15 +16,11 @@ namespace {
 using fi_rotate::parseRequest;
 using fi_rotate::SCall;
 using fi_rotate::toRequest;
+using fi_test::contentOf;
 using fi_test::example;
 using fi_test::exampleBackups;
 using fi_test::runFiRotate;
 using testing::HasSubstr;
-
-std::string contentOf(const std::string& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 TEST(FiRotateRequest, HoldsConfigurationNamesAndFlagWords) {
     const SCall call = parseRequest(
