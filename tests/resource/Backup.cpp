@@ -16,8 +16,8 @@ void CBackup::add(const std::string& objid, const std::string& altobjid) {
     auto node = std::make_unique<CFiFiidNode>();
     node->objid = objid;
     node->altobjid = altobjid;
-    node->parent = &root;
-    root.children.push_back(node.get());
+    node->parent = root.get();
+    root->children.push_back(node.get());
     nodes.push_back(std::move(node));
 }
 

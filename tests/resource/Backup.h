@@ -16,10 +16,10 @@ class CBackup {
 public:
     CBackup(std::initializer_list<std::pair<std::string, std::string>> pairs = {});
     void add(const std::string& objid, const std::string& altobjid);
-    CFiFiidNode* get() { return &root; }
+    [[nodiscard]] CFiFiidNode* get() const { return root.get(); }
 
 private:
-    CFiFiidNode root;
+    std::unique_ptr<CFiFiidNode> root = std::make_unique<CFiFiidNode>();
     std::vector<std::unique_ptr<CFiFiidNode>> nodes;
 };
 

@@ -25,7 +25,13 @@ constexpr int kClaim = 1;
 constexpr int kRelease = 2;
 constexpr int kAnotherMode = 7;
 
-std::optional<CFiUdidException> thrownBy(CFiResourceManager& manager, CBackup& backup, int mode) {
+// What comes of it, and the states behind it: "true 1:0,1 0:0".
+std::string validated(CFiResourceManager& manager, const CBackup& backup, int mode) {
+    const bool isValid = manager.validateResources(backup.get(), mode);
+    return (isValid ? "true " : "false ") + states(manager);
+}
+
+std::optional<CFiUdidException> thrownBy(CFiResourceManager& manager, const CBackup& backup, int mode) {
     try {
         manager.validateResources(backup.get(), mode);
     } catch (const CFiUdidException& malformed) {
@@ -38,39 +44,36 @@ TEST(CFiResourceManagerValidate, BackupWithoutPairsIsValidInEveryModeAndChangesN
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     CBackup backup{{"no identifier", "at all"}, {"UEID##v##m##encA##lun1", "x"}};
     for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
-        EXPECT_TRUE(manager.validateResources(backup.get(), mode)) << mode;
-        EXPECT_EQ(states(manager), "0:0") << mode;
+        EXPECT_EQ(validated(manager, backup, mode), "true 0:0") << mode;
     }
 }
 
 TEST(CFiResourceManagerValidate, CheckOfMatchingPairsIsTrueAndChangesNothing) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encB##lun2;snap3");
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}, {udid("encB##lun2"), udid("encB##snap3")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
-    EXPECT_EQ(states(manager), "0:0,0 0:0");
+    EXPECT_EQ(
+        validated(manager,
+                  {{udid("encA##lun1"), udid("encA##snap2")}, {udid("encB##lun2"), udid("encB##snap3")}},
+                  kCheck),
+        "true 0:0,0 0:0");
 }
 
 TEST(CFiResourceManagerValidate, ClaimMarksTheTargetAndItsListUsed) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encB##lun2;snap3");
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:0,1 0:0");
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), udid("encA##snap2")}}, kClaim), "true 1:0,1 0:0");
 }
 
 TEST(CFiResourceManagerValidate, ReleaseMarksTheTargetAvailableAndLeavesItsListUsed) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2");
     CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_TRUE(manager.validateResources(backup.get(), kRelease));
-    EXPECT_EQ(states(manager), "1:0,0");
+    EXPECT_EQ(validated(manager, backup, kClaim), "true 1:0,1");
+    EXPECT_EQ(validated(manager, backup, kRelease), "true 1:0,0");
 }
 
 TEST(CFiResourceManagerValidate, CheckPassesWhateverTheStatesAre) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
-    EXPECT_EQ(states(manager), "1:1");
+    EXPECT_EQ(validated(manager, backup, kClaim), "true 1:1");
+    EXPECT_EQ(validated(manager, backup, kCheck), "true 1:1");
 }
 
 TEST(CFiResourceManagerValidate, CheckEndsAtTheFirstUnmatchedPair) {
@@ -78,7 +81,7 @@ TEST(CFiResourceManagerValidate, CheckEndsAtTheFirstUnmatchedPair) {
     CBackup backup{{udid("encA##lun9"), udid("encA##snap1")},
                    {udid("encB##lun1"), "malformed"},
                    {udid("encC##lun1"), udid("encA##snap1")}};
-    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(validated(manager, backup, kCheck), "false 0:0");
 }
 
 TEST(CFiResourceManagerValidate, OtherModesGoOnBehindAnUnmatchedPair) {
@@ -87,8 +90,8 @@ TEST(CFiResourceManagerValidate, OtherModesGoOnBehindAnUnmatchedPair) {
         manager.resourceSet[0].resources[0].state = mode == kRelease ? 1 : 0;
         CBackup backup{{udid("encA##unknown"), udid("encA##snap1")},
                        {udid("encB##lun1"), udid("encB##snap1")}};
-        EXPECT_FALSE(manager.validateResources(backup.get(), mode)) << mode;
-        EXPECT_EQ(states(manager), mode == kClaim ? "1:1" : "0:0") << mode;
+        EXPECT_EQ(validated(manager, backup, mode), "false " + std::string(mode == kClaim ? "1:1" : "0:0"))
+            << mode;
     }
     CFiResourceManager manager = managerOf("encB##lun1;snap1");
     CBackup backup{{udid("encA##unknown"), udid("encA##snap1")}, {udid("encB##lun1"), "malformed"}};
@@ -98,53 +101,47 @@ TEST(CFiResourceManagerValidate, OtherModesGoOnBehindAnUnmatchedPair) {
 TEST(CFiResourceManagerValidate, AnotherModeChangesNothing) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kAnotherMode));
-    EXPECT_EQ(states(manager), "0:0");
-    EXPECT_TRUE(manager.validateResources(backup.get(), -1));
-    EXPECT_EQ(states(manager), "0:0");
+    EXPECT_EQ(validated(manager, backup, kAnotherMode), "true 0:0");
+    EXPECT_EQ(validated(manager, backup, -1), "true 0:0");
 }
 
 TEST(CFiResourceManagerValidate, ClaimOfOneTargetByTwoPairsFailsAndKeepsItUsed) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     CBackup backup{{"a" + udid("encA##lun1"), udid("encA##snap1")},
                    {"b" + udid("encA##lun1"), udid("encA##snap1")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
-    EXPECT_FALSE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:1");
+    EXPECT_EQ(validated(manager, backup, kCheck), "true 0:0");
+    EXPECT_EQ(validated(manager, backup, kClaim), "false 1:1");
 }
 
 TEST(CFiResourceManagerValidate, ClaimThatFailsPartWayKeepsWhatItClaimed) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1&encA##lun2;snap2&encA##lun3;snap3");
-    CBackup newer{{udid("encA##lun2"), udid("encA##snap2")}};
     CBackup older{{udid("encA##lun1"), udid("encA##snap1")},
                   {udid("encA##lun2"), udid("encA##snap2")},
                   {udid("encA##lun3"), udid("encA##snap3")}};
-    EXPECT_TRUE(manager.validateResources(newer.get(), kClaim));
-    EXPECT_FALSE(manager.validateResources(older.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:1 1:1 1:1");
+    EXPECT_EQ(validated(manager, {{udid("encA##lun2"), udid("encA##snap2")}}, kClaim), "true 0:0 1:1 0:0");
+    EXPECT_EQ(validated(manager, older, kClaim), "false 1:1 1:1 1:1");
 }
 
 TEST(CFiResourceManagerValidate, ClaimTakesATargetThatIsInvalidRatherThanUsed) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     manager.resourceSet[0].resources[0].state = 2;
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:1");
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), udid("encA##snap1")}}, kClaim), "true 1:1");
 }
 
 TEST(CFiResourceManagerValidate, ReleaseThatFailsPartWayStillReleasesWhatMatched) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1&encA##lun2;snap2");
     manager.resourceSet[0].resources[0].state = 1;
     manager.resourceSet[1].resources[0].state = 1;
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap9")}, {udid("encA##lun2"), udid("encA##snap2")}};
-    EXPECT_FALSE(manager.validateResources(backup.get(), kRelease));
-    EXPECT_EQ(states(manager), "0:1 0:0");
+    EXPECT_EQ(
+        validated(manager,
+                  {{udid("encA##lun1"), udid("encA##snap9")}, {udid("encA##lun2"), udid("encA##snap2")}},
+                  kRelease),
+        "false 0:1 0:0");
 }
 
 TEST(CFiResourceManagerValidate, PairThatNamesTheFirstTargetTwiceIsUnmatched) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
-    CBackup backup{{udid("encA##lun1"), udid("encA##lun1")}};
-    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), udid("encA##lun1")}}, kCheck), "false 0:0");
 }
 
 TEST(CFiResourceManagerValidate, PairOutsideTheConfigurationIsUnmatched) {
@@ -160,51 +157,41 @@ TEST(CFiResourceManagerValidate, PairOutsideTheConfigurationIsUnmatched) {
     };
     for (const auto& row : rows) {
         CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2&encA##lun2;snap3");
-        CBackup backup{row};
-        EXPECT_FALSE(manager.validateResources(backup.get(), kCheck)) << row.first << ' ' << row.second;
+        EXPECT_EQ(validated(manager, {row}, kCheck), "false 0:0,0 0:0") << row.first << ' ' << row.second;
     }
 }
 
 TEST(CFiResourceManagerValidate, PassesOverAListThatLacksTheTarget) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1&encB##lun1;snap2&encA##lun1;snap2");
     manager.resourceSet[1].resources[0].enclosure = "encA";
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "0:0 0:0 1:1");
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), udid("encA##snap2")}}, kClaim), "true 0:0 0:0 1:1");
 }
 
 TEST(CFiResourceManagerValidate, TakesTheFirstOfSeveralMatchingTargets) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1;snap2;snap2&encA##lun1;snap2");
     CBackup backup{{udid("encA##lun1"), udid("encA##snap2")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:0,1,0 0:0");
-    EXPECT_FALSE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:0,1,0 0:0");
+    EXPECT_EQ(validated(manager, backup, kClaim), "true 1:0,1,0 0:0");
+    EXPECT_EQ(validated(manager, backup, kClaim), "false 1:0,1,0 0:0");
 }
 
 TEST(CFiResourceManagerValidate, EnclosureIdentifierAsValueNamesNoTarget) {
     CFiResourceManager manager = managerOf("encA##lun1;c##snap1;##c");
-    CBackup backup{{udid("encA##lun1"), "UEID##a##b##c"}};
-    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), "UEID##a##b##c"}}, kCheck), "false 0:0,0");
 }
 
 TEST(CFiResourceManagerValidate, FourPartEnclosureIdentifierAsValueMatchesLikeADevice) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
-    CBackup backup{{udid("encA##lun1"), "UEID##v##m##encA##snap1"}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), "UEID##v##m##encA##snap1"}}, kCheck), "true 0:0");
 }
 
 TEST(CFiResourceManagerValidate, KeyWithoutAnEnclosureMatchesNoConfiguration) {
     CFiResourceManager manager = managerOf("encA##c;snap1");
-    CBackup backup{{"UDID##a##b##c", udid("encA##snap1")}};
-    EXPECT_FALSE(manager.validateResources(backup.get(), kCheck));
+    EXPECT_EQ(validated(manager, {{"UDID##a##b##c", udid("encA##snap1")}}, kCheck), "false 0:0");
 }
 
 TEST(CFiResourceManagerValidate, ValueWithoutAnEnclosureMatchesATargetWithoutOne) {
     CFiResourceManager manager = managerOf("encA##lun1;##c");
-    CBackup backup{{udid("encA##lun1"), "UDID##a##b##c"}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:1");
+    EXPECT_EQ(validated(manager, {{udid("encA##lun1"), "UDID##a##b##c"}}, kClaim), "true 1:1");
 }
 
 TEST(CFiResourceManagerValidate, OfNodesWithTheSameObjidTheLastCounts) {
@@ -212,8 +199,7 @@ TEST(CFiResourceManagerValidate, OfNodesWithTheSameObjidTheLastCounts) {
     CBackup backup{{udid("encA##lun1"), "malformed"},
                    {udid("encA##lun1"), udid("encA##snap1")},
                    {udid("encA##lun1"), udid("encA##snap2")}};
-    EXPECT_TRUE(manager.validateResources(backup.get(), kClaim));
-    EXPECT_EQ(states(manager), "1:0,1");
+    EXPECT_EQ(validated(manager, backup, kClaim), "true 1:0,1");
 }
 
 TEST(CFiResourceManagerValidate, MalformedIdentifiersAreTracedAndThrownOn) {
@@ -231,9 +217,8 @@ TEST(CFiResourceManagerValidate, MalformedIdentifiersAreTracedAndThrownOn) {
     for (const auto& row : rows) {
         for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
             CFiResourceManager manager = managerOf("encA##lun1;snap1");
-            CBackup backup{{row.objid, row.altobjid}};
             TraceRecorder recorder;
-            const auto thrown = thrownBy(manager, backup, mode);
+            const auto thrown = thrownBy(manager, {{row.objid, row.altobjid}}, mode);
             ASSERT_TRUE(thrown.has_value()) << row.objid << ' ' << row.altobjid;
             EXPECT_EQ(thrown->identifier, row.identifier);
             EXPECT_EQ(thrown->code, row.code) << row.identifier;
@@ -244,24 +229,27 @@ TEST(CFiResourceManagerValidate, MalformedIdentifiersAreTracedAndThrownOn) {
 
 TEST(CFiResourceManagerValidate, MalformedValueThrowsThoughItsKeyMatchesNoConfiguration) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
-    CBackup backup{{udid("encZ##unknown"), "malformed"}};
-    const auto thrown = thrownBy(manager, backup, kCheck);
+    const auto thrown = thrownBy(manager, {{udid("encZ##unknown"), "malformed"}}, kCheck);
     ASSERT_TRUE(thrown.has_value());
     EXPECT_EQ(thrown->identifier, "malformed");
 }
 
 TEST(CFiResourceManagerValidate, PairsAreVisitedInTheOrderOfTheirKeysNotOfTheDocument) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
-    CBackup malformedLast{{udid("encB##x"), "malformed"}, {udid("encA##x"), udid("encA##snap1")}};
-    EXPECT_FALSE(manager.validateResources(malformedLast.get(), kCheck));
-    CBackup malformedFirst{{udid("encB##x"), udid("encA##snap1")}, {udid("encA##x"), "malformed"}};
-    EXPECT_TRUE(thrownBy(manager, malformedFirst, kCheck).has_value());
+    EXPECT_EQ(
+        validated(manager, {{udid("encB##x"), "malformed"}, {udid("encA##x"), udid("encA##snap1")}}, kCheck),
+        "false 0:0");
+    EXPECT_TRUE(
+        thrownBy(manager, {{udid("encB##x"), udid("encA##snap1")}, {udid("encA##x"), "malformed"}}, kCheck)
+            .has_value());
 }
 
 TEST(CFiResourceManagerValidate, StatesChangedBeforeTheExceptionStayChanged) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1&encB##lun2;snap2");
-    CBackup backup{{udid("encA##lun1"), udid("encA##snap1")}, {udid("encB##lun2"), "malformed"}};
-    EXPECT_TRUE(thrownBy(manager, backup, kClaim).has_value());
+    EXPECT_TRUE(thrownBy(manager,
+                         {{udid("encA##lun1"), udid("encA##snap1")}, {udid("encB##lun2"), "malformed"}},
+                         kClaim)
+                    .has_value());
     EXPECT_EQ(states(manager), "1:1 0:0");
 }
 
@@ -353,8 +341,8 @@ TEST(CFiResourceManagerValidate, WritesNoTraceLinesOtherwise) {
     CBackup unmatched{{udid("encA##lun9"), udid("encA##snap1")}};
     TraceRecorder recorder;
     for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
-        manager.validateResources(matching.get(), mode);
-        manager.validateResources(unmatched.get(), mode);
+        validated(manager, matching, mode);
+        validated(manager, unmatched, mode);
     }
     EXPECT_EQ(recorder.take(), Trace());
 }
