@@ -112,7 +112,7 @@ void finish(SProgramResult& result, pid_t process, const CDescriptor& error) {
     }
 }
 
-CDescriptor scratchFile(const TemporaryFolder& folder, const std::string& name) {
+CDescriptor scratchFile(const CTemporaryFolder& folder, const std::string& name) {
     return CDescriptor(open(folder.path(name).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
 }
 
@@ -120,7 +120,7 @@ CDescriptor scratchFile(const TemporaryFolder& folder, const std::string& name) 
 
 SProgramResult runFiRotate(const std::vector<std::string>& arguments,
                            const std::vector<std::string>& environment) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const CDescriptor output = scratchFile(folder, "output");
     const CDescriptor error = scratchFile(folder, "error");
     SProgramResult result;
@@ -130,7 +130,7 @@ SProgramResult runFiRotate(const std::vector<std::string>& arguments,
 }
 
 SProgramResult runFiRotateTo(const std::string& file, const std::vector<std::string>& arguments) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const CDescriptor output(open(file.c_str(), O_WRONLY | O_CLOEXEC));
     const CDescriptor error = scratchFile(folder, "error");
     SProgramResult result;
@@ -150,7 +150,7 @@ bool hasTerminals() {
 
 SProgramResult runFiRotateOnTerminal(const std::vector<std::string>& arguments,
                                      const std::vector<std::string>& environment) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const CDescriptor error = scratchFile(folder, "error");
     int ends[2] = {-1, -1};
     if (openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr) == -1) {

@@ -60,7 +60,7 @@ Trace dated(const std::vector<SBackup>& backups, const std::string& start) {
 Trace decisionIn(const Trace& trace) {
     Trace lines;
     bool isBehindSelection = false;
-    for (const TraceLine& line : trace) {
+    for (const STraceLine& line : trace) {
         const bool isTarget = startsWith(line.text, "[") || startsWith(line.text, "{");
         if (isOfDecision(line.text) || (isBehindSelection && isTarget)) {
             lines.push_back(line);

@@ -39,7 +39,7 @@ TEST_F(CEntryPoint, NamesAreTheValuesOfTheContract) {
 
 TEST_F(CEntryPoint, AcceptsNullFlagsWithoutBackups) {
     char* result = nullptr;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_EQ(entryPoint()(nullptr, "encA##lun1;snap1", nullptr, 0, &result), 0);
     EXPECT_STREQ(result, "[encA##lun1;encA##snap1]");
     std::free(result);
@@ -51,7 +51,7 @@ void expectRejection(const char* configuration, std::int32_t* flags, std::int32_
     const char* const files[] = {"no such file"};
     char untouched = 'u';
     char* result = &untouched;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_EQ(entryPoint()(files, configuration, flags, size, hasResult ? &result : nullptr), 3) << size;
     EXPECT_EQ(decisionIn(recorder.take()), kInvalid) << size;
     EXPECT_EQ(result, &untouched) << size;

@@ -150,8 +150,8 @@ TEST_F(CFile, NameThatIsTooLongIsMissingAndNamedWhole) {
     const std::string file = "/" + std::string(4095, 'n');
     const SObserved observed = callWith(file);
     expectMissing(observed, file);
-    EXPECT_THAT(observed.trace, testing::Contains(TraceLine{3, "fi_process_backups :  Fiid [" + file +
-                                                                   "] exclude rotation flag [8] "}));
+    EXPECT_THAT(observed.trace, testing::Contains(STraceLine{3, "fi_process_backups :  Fiid [" + file +
+                                                                    "] exclude rotation flag [8] "}));
 }
 
 // All the descriptors that the process may have, but for `left`.

@@ -51,7 +51,7 @@ protected:
         selection = nullptr;
     }
 
-    TemporaryFolder folder;
+    CTemporaryFolder folder;
 };
 
 TEST_F(CHandOver, OutputsAreAsTheyWereUntilTheSelectionIsMade) {

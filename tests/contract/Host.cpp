@@ -39,7 +39,7 @@ std::ostream& operator<<(std::ostream& out, const SObserved& observed) {
         << testing::PrintToString(contentOf(observed)) << "\nselection "
         << testing::PrintToString(observed.selection) << "\nflags " << testing::PrintToString(observed.flags)
         << "\nstandard output " << observed.standardOutput;
-    for (const TraceLine& line : observed.trace) {
+    for (const STraceLine& line : observed.trace) {
         out << '\n' << line;
     }
     return out;
@@ -62,7 +62,7 @@ SObserved callWithSize(const char* configuration, const std::vector<SBackup>& ba
     char untouched = 'u';
     char* result = &untouched;
     SObserved observed;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     testing::internal::CaptureStdout();
     try {
         observed.status = process(files.data(), configuration, words.data() + 1, size, &result);

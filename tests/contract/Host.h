@@ -52,7 +52,7 @@ protected:
         return folder.write(name, content);
     }
 
-    TemporaryFolder folder;
+    CTemporaryFolder folder;
 };
 
 }  // namespace fi_test

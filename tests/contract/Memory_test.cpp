@@ -180,7 +180,7 @@ TEST_F(CMemory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
     std::string trace;
     std::int32_t flag = 0;
     {
-        TraceRecorder recorder;
+        CTraceRecorder recorder;
         leftByCall("encA##lun1;snap1", {several}, &flag, 1);
         trace = asGoldenText(recorder.take(), path(""));
     }

@@ -262,7 +262,7 @@ protected:
     }
 
     const std::string kFirst = "enclosure A##lun 1 with a long name";
-    TemporaryFolder folder;
+    CTemporaryFolder folder;
 };
 
 TEST_F(CShortage, OfOneBlockIsSurvivedByAFirstBackup) {

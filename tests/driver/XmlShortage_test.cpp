@@ -113,7 +113,7 @@ protected:
         EXPECT_GT(number, 100U);
     }
 
-    TemporaryFolder folder;
+    CTemporaryFolder folder;
     const std::string first =
         folder.write("a.xml",
                      "<?xml version='1.0' encoding='UTF-8'?>\n<Node a='b'><!-- a comment --><objid>"

@@ -14,10 +14,10 @@
 namespace fi_test {
 namespace {
 
-const TraceLine kEnteringStart{4, "Entering CFiFiidHandler::startElement\n"};
-const TraceLine kExitingStart{4, "Exiting CFiFiidHandler::startElement\n"};
-const TraceLine kEnteringEnd{4, "Entering CFiFiidHandler::endElement\n"};
-const TraceLine kExitingEnd{4, "Exiting CFiFiidHandler::endElement\n"};
+const STraceLine kEnteringStart{4, "Entering CFiFiidHandler::startElement\n"};
+const STraceLine kExitingStart{4, "Exiting CFiFiidHandler::startElement\n"};
+const STraceLine kEnteringEnd{4, "Entering CFiFiidHandler::endElement\n"};
+const STraceLine kExitingEnd{4, "Exiting CFiFiidHandler::endElement\n"};
 
 // A handler whose callbacks the test calls itself, in the life of a parser as the XML library needs it.
 class CFiFiidHandlerEvents : public testing::Test {
@@ -137,7 +137,7 @@ TEST_F(CFiFiidHandlerEvents, TextOutsideAsciiIsConvertedToTheLocalCodePage) {
 }
 
 TEST_F(CFiFiidHandlerEvents, StartTagsAndEndTagsTraceEntryAndExit) {
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     open(u"Node");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringStart, kExitingStart}));
     open(u"objid");
@@ -151,7 +151,7 @@ TEST_F(CFiFiidHandlerEvents, StartTagsAndEndTagsTraceEntryAndExit) {
 TEST_F(CFiFiidHandlerEvents, ClosingTheOutermostNodeTracesOneMoreExit) {
     open(u"Node");
     open(u"Node");
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     close(u"Node");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringEnd, kExitingEnd}));
     close(u"Node");
@@ -161,7 +161,7 @@ TEST_F(CFiFiidHandlerEvents, ClosingTheOutermostNodeTracesOneMoreExit) {
 TEST_F(CFiFiidHandlerEvents, EveryTagBehindTheOutermostNodeTracesOneMoreExit) {
     open(u"Node");
     close(u"Node");
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     open(u"other");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringStart, kExitingStart, kExitingStart}));
     close(u"other");
@@ -175,7 +175,7 @@ TEST_F(CFiFiidHandlerEvents, ClosingASecondTopLevelNodeTracesTwoMoreExits) {
     open(u"Node");
     close(u"Node");
     open(u"Node");
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     close(u"Node");
     EXPECT_EQ(recorder.take(), (Trace{kEnteringEnd, kExitingEnd, kExitingEnd, kExitingEnd}));
 }
@@ -195,7 +195,7 @@ TEST_F(CFiFiidHandlerEvents, ReportsAreRecordedAndTracedByNameOnly) {
     XMLFileLoc line = 7;
     for (const auto& row : rows) {
         handler.errorSeen = false;
-        TraceRecorder recorder;
+        CTraceRecorder recorder;
         (handler.*row.callback)(report(u"m", ++line));
         EXPECT_EQ(recorder.take(), entryAndExit("" + row.name + ""));
         EXPECT_TRUE(handler.errorSeen) << row.name;
@@ -206,7 +206,7 @@ TEST_F(CFiFiidHandlerEvents, ReportsAreRecordedAndTracedByNameOnly) {
 
 TEST(CFiFiidHandler, ConstructionAndDestructionTraceEntryAndExit) {
     const CFiFiidParser parser(nullptr);
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     auto handler = std::make_unique<CFiFiidHandler>();
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidHandler::CFiFiidHandler"));
     handler.reset();

@@ -39,14 +39,14 @@ protected:
         return content;
     }
 
-    TemporaryFolder folder;
+    CTemporaryFolder folder;
     CFiFiidLoader loader;
     CFiTreeReleaser releaser{loader.nodes};
 };
 
 TEST_F(CFiFiidLoaderTest, EmptyListLoadsNothingAndEmptiesFiles) {
     loader.files = {"old"};
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_EQ(loader.import({}), 0);
     EXPECT_EQ(recorder.take(), entryAndExit(""));
     EXPECT_TRUE(loader.nodes.empty());
@@ -81,7 +81,7 @@ TEST_F(CFiFiidLoaderTest, MissingFileEndsTheImport) {
 
 TEST_F(CFiFiidLoaderTest, MissingFileTracesTheFailureBetweenEntryAndExit) {
     testing::internal::CaptureStdout();
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_EQ(loader.import({folder.path("missing"), document("a", "A")}), 6);
     EXPECT_EQ(recorder.take(), progress({"Entering \n", "Entering \n"}) + failure(kCannotOpen) +
                                    progress({"Exiting \n", "Exiting \n"}));
@@ -100,7 +100,7 @@ TEST_F(CFiFiidLoaderTest, LoadOfAMissingFileClearsTheContent) {
 TEST_F(CFiFiidLoaderTest, LoadReplacesTheContentAndTracesEntryAndExit) {
     const std::string file = folder.write("a", "new");
     std::string content = "old";
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_EQ(loader.load(file, content), 0);
     EXPECT_EQ(content, "new");
     EXPECT_EQ(recorder.take(), entryAndExit(""));
@@ -172,7 +172,7 @@ TEST_F(CFiFiidLoaderTest, SecondImportAppendsRootsAndReplacesFiles) {
 
 TEST_F(CFiFiidLoaderTest, OneDocumentTracesLoadParserAndHandlerInTheOrderOfTheirLives) {
     const std::string file = folder.write("a", "<Node><objid>A</objid></Node>");
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_EQ(loader.import({file}), 0);
     EXPECT_EQ(
         recorder.take(),
@@ -188,9 +188,9 @@ TEST_F(CFiFiidLoaderTest, OneDocumentTracesLoadParserAndHandlerInTheOrderOfTheir
 }
 
 TEST(CFiFiidLoader, DestructionTracesNothingAndDeletesNoNode) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     STrees trees;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     {
         CFiFiidLoader loader;
         EXPECT_EQ(loader.import({folder.write("a", "<Node><objid>A</objid></Node>")}), 0);

@@ -11,7 +11,7 @@ namespace fi_test {
 namespace {
 
 Trace printed(CFiFiidNode& node, std::int32_t level) {
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     node.print(level);
     return recorder.take();
 }

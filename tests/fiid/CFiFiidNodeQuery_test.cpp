@@ -106,7 +106,7 @@ TEST(CFiFiidNodeQuery, SeesTheTreeBelowItsNodeOnly) {
 
 TEST(CFiFiidNodeQuery, WritesNoTraceLines) {
     const auto trees = chain({{"UDID##a", "b"}});
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     found(*trees->roots[0], "UDID##");
     EXPECT_EQ(recorder.take(), Trace());
 }

@@ -78,7 +78,7 @@ void expectThatParsersWork() {
 
 TEST_F(CFiFiidParserWithoutReader, InitDropsTheExceptionOfTheXmlLibrary) {
     {
-        TraceRecorder recorder;
+        CTraceRecorder recorder;
         const CFiFiidParser parser(nullptr);
         EXPECT_EQ(parser.reader, nullptr);
         EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
@@ -91,7 +91,7 @@ TEST_F(CFiFiidParserWithoutReader, InitDropsTheExceptionOfTheXmlLibrary) {
 TEST_F(CFiFiidParserWithoutReader, SetHandlerStoresTheHandler) {
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     parser.setHandler(&handler);
     EXPECT_EQ(parser.handler, &handler);
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::setHandler"));
@@ -101,7 +101,7 @@ TEST_F(CFiFiidParserWithoutReader, ParseDoesNothing) {
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
     parser.setHandler(&handler);
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     parser.parse("<Node/>");
     EXPECT_EQ(handler.root, nullptr);
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::parse"));
@@ -109,7 +109,7 @@ TEST_F(CFiFiidParserWithoutReader, ParseDoesNothing) {
 
 TEST_F(CFiFiidParserWithoutReader, DestructorStillTerminatesTheXmlLibrary) {
     auto parser = std::make_unique<CFiFiidParser>(nullptr);
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     parser.reset();
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::~CFiFiidParser"));
     // Initialised as often as terminated: the library's own memory manager is gone.
@@ -117,7 +117,7 @@ TEST_F(CFiFiidParserWithoutReader, DestructorStillTerminatesTheXmlLibrary) {
 }
 
 TEST_F(CFiFiidParserWithoutReader, DocumentYieldsNoTreeAndCountsAsLoaded) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     CFiFiidLoader loader;
     EXPECT_EQ(loader.import({folder.write("a.xml", "<Node/>")}), 0);
     EXPECT_TRUE(loader.nodes.empty());
@@ -130,7 +130,7 @@ TEST_F(CFiFiidParserWithoutReader, OtherExceptionsLeaveTheConstructorWithTheXmlL
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
 
     readerFailure = [] { throw std::bad_alloc(); };
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_THROW(CFiFiidParser(nullptr), std::bad_alloc);
     EXPECT_EQ(recorder.take(),
               progress({"Entering CFiFiidParser::CFiFiidParser\n", "Entering CFiFiidParser::init\n"}));
@@ -149,14 +149,14 @@ public:
 TEST(CFiFiidParserThrowing, ParsePassesOnWhatTheReaderThrowsWithoutAnExitLine) {
     CThrowingHandler handler;
     CFiFiidParser parser(&handler);
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     EXPECT_THROW(parser.parse("<a/>"), std::bad_alloc);
     EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::parse\n"}));
 }
 
 // The second document's reader fails with what nobody catches.
 TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string good = folder.write("a.xml", "<Node/>");
     int calls = 0;
     readerFailure = [&calls] {
@@ -175,7 +175,7 @@ TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
 
 // Whoever holds the loader must find the tree to free it.
 TEST(CFiFiidLoaderThrowing, ImportKeepsTheTreeThatWasBuiltBeforeTheReaderFailed) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<Node><objid>x</objid><Node/></Node>");
     CFiFiidLoader loader;
     isMemoryShortBehindADocument = true;

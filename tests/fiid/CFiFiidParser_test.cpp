@@ -45,7 +45,7 @@ std::string notesOf(const std::string& document) {
 }
 
 TEST(CFiFiidParser, ConstructionWithoutAHandlerInitialisesOnly) {
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     const CFiFiidParser parser(nullptr);
     EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
                                    entryAndExit("CFiFiidParser::init") +
@@ -56,7 +56,7 @@ TEST(CFiFiidParser, ConstructionWithoutAHandlerInitialisesOnly) {
 
 TEST(CFiFiidParser, ConstructionWithAHandlerInstallsIt) {
     CEventNotes handler;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     CFiFiidParser parser(&handler);
     EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::CFiFiidParser\n"}) +
                                    entryAndExit("CFiFiidParser::init") +
@@ -70,7 +70,7 @@ TEST(CFiFiidParser, ConstructionWithAHandlerInstallsIt) {
 TEST(CFiFiidParser, SetHandlerInstallsForContentAndErrorsOnly) {
     CFiFiidParser parser(nullptr);
     CEventNotes handler;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     parser.setHandler(&handler);
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::setHandler"));
     EXPECT_EQ(parser.handler, &handler);
@@ -104,7 +104,7 @@ TEST(CFiFiidParser, SwitchesValidationAndNamespacesOff) {
 
 TEST(CFiFiidParser, ParseTracesEntryAndExit) {
     CFiFiidParser parser(nullptr);
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     parser.parse("<a/>");
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::parse"));
     parser.parse("<a>");
@@ -113,7 +113,7 @@ TEST(CFiFiidParser, ParseTracesEntryAndExit) {
 
 TEST(CFiFiidParser, DestructionTracesEntryAndExit) {
     auto parser = std::make_unique<CFiFiidParser>(nullptr);
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     parser.reset();
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::~CFiFiidParser"));
 }

@@ -104,7 +104,7 @@ TEST_F(CFiXmlLimitsTest, AcceptAnExternalEntityThatNobodyRefersTo) {
 }
 
 TEST_F(CFiXmlLimitsTest, RefuseWhatIsExternalAlthoughItIsThere) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string file = folder.write("file", "<!ELEMENT a ANY>");
     EXPECT_TRUE(isRefused("<!DOCTYPE a SYSTEM '" + file + "'><a/>"));
     EXPECT_TRUE(isRefused("<!DOCTYPE a PUBLIC 'name' '" + file + "'><a/>"));

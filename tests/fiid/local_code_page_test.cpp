@@ -80,7 +80,7 @@ TEST(LocalCodePage, AgreesWithTheTranscoderInAUtf8Locale) {
 }
 
 TEST(LocalCodePage, AgreesWithTheTranscoderInALatin1Locale) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string command = "localedef -i de_DE -f ISO-8859-1 " + folder.path("de_DE.ISO-8859-1");
     ASSERT_EQ(std::system(command.c_str()), 0);
     setenv("LOCPATH", folder.path("").c_str(), 1);

@@ -14,9 +14,9 @@ std::string document(const std::string& timeStamp, const std::vector<SPair>& pai
     return xml + "</Node>\n";
 }
 
-RandomCall::RandomCall(unsigned seed, const TemporaryFolder& place) : random(seed), folder(place) {}
+CRandomCall::CRandomCall(unsigned seed, const CTemporaryFolder& place) : random(seed), folder(place) {}
 
-SCall RandomCall::make() {
+SCall CRandomCall::make() {
     SCall call;
     for (int lists = below(7); lists > 0; --lists) {
         call.configuration += first();
@@ -34,19 +34,19 @@ SCall RandomCall::make() {
     return call;
 }
 
-int RandomCall::below(int bound) {
+int CRandomCall::below(int bound) {
     return static_cast<int>(random() % static_cast<unsigned>(bound));
 }
 
-std::string RandomCall::first() {
+std::string CRandomCall::first() {
     return std::string("A##x") + std::to_string(below(3));
 }
 
-std::string RandomCall::further() {
+std::string CRandomCall::further() {
     return std::string("A##") + std::to_string(below(5));
 }
 
-SBackup RandomCall::backup(int number, const std::vector<SBackup>& earlier) {
+SBackup CRandomCall::backup(int number, const std::vector<SBackup>& earlier) {
     SBackup backup;
     backup.flagWord = below(4) == 0 ? 4 : 0;
     if (!earlier.empty() && below(16) == 0) {

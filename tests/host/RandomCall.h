@@ -23,10 +23,10 @@ std::string document(const std::string& timeStamp, const std::vector<SPair>& pai
 constexpr unsigned kRandomCalls = FI_RANDOM_CALLS;
 
 // Makes a call of few names, so that they meet often, and writes its documents.
-class RandomCall {
+class CRandomCall {
 public:
     // `place` is borrowed.
-    RandomCall(unsigned seed, const TemporaryFolder& place);
+    CRandomCall(unsigned seed, const CTemporaryFolder& place);
 
     fi_rotate::SCall make();
 
@@ -37,7 +37,7 @@ private:
     fi_rotate::SBackup backup(int number, const std::vector<fi_rotate::SBackup>& earlier);
 
     std::mt19937 random;
-    const TemporaryFolder& folder;
+    const CTemporaryFolder& folder;
 };
 
 }  // namespace fi_test

@@ -26,9 +26,9 @@ using fi_rotate::SBackupOutcome;
 using fi_rotate::SCall;
 using fi_rotate::SOutcome;
 using fi_rotate::SReason;
+using fi_test::CRandomCall;
 using fi_test::document;
 using fi_test::kRandomCalls;
-using fi_test::RandomCall;
 using fi_test::SPair;
 using testing::ElementsAre;
 
@@ -49,7 +49,7 @@ protected:
         return outcome.backups.at(place).reason.value();
     }
 
-    fi_test::TemporaryFolder folder;
+    fi_test::CTemporaryFolder folder;
     SCall call;
 };
 
@@ -195,7 +195,7 @@ TEST_F(HostExplanation, AgreesWithTheLibraryOnRandomCalls) {
     unsigned withoutSelection = 0;
     for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
         SCOPED_TRACE(seed);
-        const SOutcome outcome = runCall(RandomCall(seed, folder).make(), {}, true);
+        const SOutcome outcome = runCall(CRandomCall(seed, folder).make(), {}, true);
         ASSERT_TRUE(outcome.account.has_value());
         EXPECT_EQ(outcome.account->selection, outcome.selection);
         if (outcome.exception.has_value()) {

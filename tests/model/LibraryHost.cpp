@@ -47,7 +47,7 @@ private:
 // The documents of one call, there while the call runs.
 class CDocuments {
 public:
-    CDocuments(const fi_test::TemporaryFolder& place, const std::map<std::string, SDocument>& contents)
+    CDocuments(const fi_test::CTemporaryFolder& place, const std::map<std::string, SDocument>& contents)
         : folder(place), files(contents) {
         for (const auto& [name, document] : files) {
             if (!document.isDirectory) {
@@ -66,7 +66,7 @@ public:
     CDocuments& operator=(const CDocuments&) = delete;
 
 private:
-    const fi_test::TemporaryFolder& folder;
+    const fi_test::CTemporaryFolder& folder;
     const std::map<std::string, SDocument>& files;
 };
 
@@ -143,7 +143,7 @@ SAnswer CLibraryHost::run(const SCall& call) {
     const CWorkingFolder inFolder(folder.path(""));
     const CDocuments documents(folder, call.files);
     {
-        fi_test::TraceRecorder recorder;
+        fi_test::CTraceRecorder recorder;
         const COutputCapture capture(captureFile);
         callLibrary(call, answer);
         answer.trace = recorder.take();

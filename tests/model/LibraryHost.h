@@ -24,7 +24,7 @@ public:
     const fi_test::Formats& formats() const { return seenFormats; }
 
 private:
-    fi_test::TemporaryFolder folder;
+    fi_test::CTemporaryFolder folder;
     int captureFile = -1;
     fi_test::Formats seenFormats;
 };

@@ -62,7 +62,7 @@ struct SAlterationCase {
 };
 
 TEST(Comparison, NoticesEveryPartOfAnAnswer) {
-    const fi_test::TraceLine more{4, "more"};
+    const fi_test::STraceLine more{4, "more"};
     const SMalformed thrown{"x", 1};
     const SAlterationCase kCases[] = {
         {"trace line", [](SAnswer& answer) { answer.trace.back().level = 0; }},
@@ -119,7 +119,7 @@ TEST(Comparison, AcceptsNoOtherOrderOfBackupsWithDifferentTimeStamps) {
     }
     const Subject swapped = [](const SCall& asked) {
         SAnswer answer = predict(asked).answer;
-        const auto reserves = [](const fi_test::TraceLine& line) {
+        const auto reserves = [](const fi_test::STraceLine& line) {
             return line.text.find("[RESERVE GOOD]") != std::string::npos;
         };
         const auto first = std::find_if(answer.trace.begin(), answer.trace.end(), reserves);

@@ -13,7 +13,7 @@ namespace fi_model {
 inline std::vector<std::string> textsOf(const fi_test::Trace& trace) {
     std::vector<std::string> texts;
     texts.reserve(trace.size());
-    for (const fi_test::TraceLine& line : trace) {
+    for (const fi_test::STraceLine& line : trace) {
         texts.push_back(line.text);
     }
     return texts;

@@ -55,7 +55,7 @@ TEST(BackupTargets, AreNotFoundWhenAPairMatchesNoTarget) {
 
 TEST(BackupTargets, MalformedPairIsTracedAndThrownUnlessOneBeforeItMatchesNoTarget) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
-    fi_test::TraceRecorder recorder;
+    fi_test::CTraceRecorder recorder;
     EXPECT_FALSE(
         found(manager, {{udid("encB##x"), "malformed"}, {udid("encA##x"), udid("encA##snap1")}}).has_value());
     EXPECT_EQ(recorder.take(), fi_test::Trace());
@@ -92,14 +92,14 @@ TEST(BackupTargets, ReleaseMakesThemAvailableAndLeavesTheirListsUsed) {
 // What came of `work`: its result or what it threw, the trace, and the states that it left.
 template <typename Work>
 std::string outcome(const CFiResourceManager& manager, Work work) {
-    fi_test::TraceRecorder recorder;
+    fi_test::CTraceRecorder recorder;
     std::string text;
     try {
         text = work() ? "true" : "false";
     } catch (const CFiUdidException& malformed) {
         text = "thrown: " + malformed.identifier + ' ' + std::to_string(malformed.code);
     }
-    for (const fi_test::TraceLine& line : recorder.take()) {
+    for (const fi_test::STraceLine& line : recorder.take()) {
         text += '\n' + std::to_string(line.level) + ' ' + line.text;
     }
     return text + '\n' + states(manager);

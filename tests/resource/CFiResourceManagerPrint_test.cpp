@@ -12,7 +12,7 @@ namespace {
 Trace printed(const std::vector<SFiResourceList>& set) {
     CFiResourceManager manager;
     manager.resourceSet = set;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     manager.print();
     return recorder.take();
 }

@@ -217,7 +217,7 @@ TEST(CFiResourceManagerValidate, MalformedIdentifiersAreTracedAndThrownOn) {
     for (const auto& row : rows) {
         for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
             CFiResourceManager manager = managerOf("encA##lun1;snap1");
-            TraceRecorder recorder;
+            CTraceRecorder recorder;
             const auto thrown = thrownBy(manager, {{row.objid, row.altobjid}}, mode);
             ASSERT_TRUE(thrown.has_value()) << row.objid << ' ' << row.altobjid;
             EXPECT_EQ(thrown->identifier, row.identifier);
@@ -339,7 +339,7 @@ TEST(CFiResourceManagerValidate, WritesNoTraceLinesOtherwise) {
     CFiResourceManager manager = managerOf("encA##lun1;snap1");
     CBackup matching{{udid("encA##lun1"), udid("encA##snap1")}};
     CBackup unmatched{{udid("encA##lun9"), udid("encA##snap1")}};
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     for (const int mode : {kCheck, kClaim, kRelease, kAnotherMode}) {
         validated(manager, matching, mode);
         validated(manager, unmatched, mode);

@@ -46,7 +46,7 @@ struct SParsed {
 
 SParsed parsed(const char* specification) {
     CFiResourceParser parser;
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     const std::int32_t status = parser.parse(specification);
     return {status, dump(parser), recorder.take()};
 }
@@ -186,7 +186,7 @@ TEST(CFiResourceParser, RejectsAFirstTargetWithoutAnEnclosureAndNamesTheTarget) 
         EXPECT_EQ(result.status, 3);
         EXPECT_EQ(result.configurations, "");
         EXPECT_EQ(result.trace.size(), 3U) << row.specification;
-        EXPECT_EQ(result.trace.back(), (TraceLine{3, row.message}));
+        EXPECT_EQ(result.trace.back(), (STraceLine{3, row.message}));
     }
 }
 

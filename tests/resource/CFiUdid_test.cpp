@@ -153,7 +153,7 @@ TEST(CFiUdid, LeavesReservedAsItIs) {
 }
 
 TEST(CFiUdid, WritesNoTraceLines) {
-    TraceRecorder recorder;
+    CTraceRecorder recorder;
     CFiUdid udid;
     udid.parse("UDID##a##b##c");
     ASSERT_TRUE(thrownBy(udid, "UDID##a").has_value());

@@ -25,7 +25,7 @@ std::string escaped(const std::string& text) {
 }
 
 // Whether `line` is the entry of an operation and `next` the exit of the same one.
-bool areEntryAndExit(const TraceLine& line, const TraceLine& next) {
+bool areEntryAndExit(const STraceLine& line, const STraceLine& next) {
     return line.text.compare(0, kEntering.size(), kEntering) == 0 && next.level == line.level &&
            next.text == "Exiting " + line.text.substr(kEntering.size());
 }

@@ -9,7 +9,7 @@
 
 namespace fi_test {
 
-TemporaryFolder::TemporaryFolder(const std::filesystem::path& parent) {
+CTemporaryFolder::CTemporaryFolder(const std::filesystem::path& parent) {
     std::string pattern = (parent / "fi-rotation-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) {
         throw std::system_error(errno, std::generic_category(), pattern);
@@ -17,16 +17,16 @@ TemporaryFolder::TemporaryFolder(const std::filesystem::path& parent) {
     folder = pattern;
 }
 
-TemporaryFolder::~TemporaryFolder() {
+CTemporaryFolder::~CTemporaryFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(folder, ignored);
 }
 
-std::string TemporaryFolder::path(const std::string& name) const {
+std::string CTemporaryFolder::path(const std::string& name) const {
     return (folder / name).string();
 }
 
-std::string TemporaryFolder::write(const std::string& name, std::string_view content) const {
+std::string CTemporaryFolder::write(const std::string& name, std::string_view content) const {
     std::ofstream file(folder / name, std::ios::binary);
     file.exceptions(std::ios::failbit | std::ios::badbit);
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
@@ -34,7 +34,7 @@ std::string TemporaryFolder::write(const std::string& name, std::string_view con
     return path(name);
 }
 
-std::vector<std::string> TemporaryFolder::entries() const {
+std::vector<std::string> CTemporaryFolder::entries() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         names.push_back(entry.path().filename().string());

@@ -8,12 +8,12 @@
 namespace fi_test {
 
 // A folder of its own for one test, removed with all that is in it.
-class TemporaryFolder {
+class CTemporaryFolder {
 public:
-    explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    explicit CTemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
+    ~CTemporaryFolder();
+    CTemporaryFolder(const CTemporaryFolder&) = delete;
+    CTemporaryFolder& operator=(const CTemporaryFolder&) = delete;
 
     // The path of `name` in this folder, whether it exists or not.
     std::string path(const std::string& name) const;

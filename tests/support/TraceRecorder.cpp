@@ -10,7 +10,7 @@ namespace fi_test {
 namespace {
 
 // The trace call has no context argument, so its receiver must be reachable without one.
-TraceRecorder* activeRecorder = nullptr;
+CTraceRecorder* activeRecorder = nullptr;
 
 std::string formatted(const char* format, std::va_list arguments) {
     std::va_list again;
@@ -25,7 +25,7 @@ std::string formatted(const char* format, std::va_list arguments) {
 
 }  // namespace
 
-std::ostream& operator<<(std::ostream& out, const TraceLine& line) {
+std::ostream& operator<<(std::ostream& out, const STraceLine& line) {
     return out << line.level << ' ' << line.text;
 }
 
@@ -50,22 +50,22 @@ Trace operator+(Trace left, const Trace& right) {
     return left;
 }
 
-TraceRecorder::TraceRecorder() {
+CTraceRecorder::CTraceRecorder() {
     if (activeRecorder != nullptr) {
         throw std::logic_error("a trace recorder exists already");
     }
     activeRecorder = this;
 }
 
-TraceRecorder::~TraceRecorder() {
+CTraceRecorder::~CTraceRecorder() {
     activeRecorder = nullptr;
 }
 
-Trace TraceRecorder::take() {
+Trace CTraceRecorder::take() {
     return std::exchange(lines, {});
 }
 
-void TraceRecorder::add(TraceLine line, const char* format) {
+void CTraceRecorder::add(STraceLine line, const char* format) {
     if (seenFormats.find(format) == seenFormats.end()) {
         seenFormats.emplace(format, line.level);
     }

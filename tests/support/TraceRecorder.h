@@ -9,16 +9,16 @@
 namespace fi_test {
 
 // One call of mofi_tracelog as the host sees it.
-struct TraceLine {
+struct STraceLine {
     int level;
     std::string text;
 
-    bool operator==(const TraceLine& other) const { return level == other.level && text == other.text; }
+    bool operator==(const STraceLine& other) const { return level == other.level && text == other.text; }
 };
 
-std::ostream& operator<<(std::ostream& out, const TraceLine& line);
+std::ostream& operator<<(std::ostream& out, const STraceLine& line);
 
-using Trace = std::vector<TraceLine>;
+using Trace = std::vector<STraceLine>;
 
 // Lines that a test expects: at level 4, one at level 3, and the entry of an operation with its exit.
 Trace progress(const std::vector<std::string>& texts);
@@ -32,12 +32,12 @@ using Formats = std::map<std::string, int, std::less<>>;
 
 // Collects the calls of mofi_tracelog, formatted, from its construction to its destruction. At most
 // one exists at a time; without one the calls are dropped.
-class TraceRecorder {
+class CTraceRecorder {
 public:
-    TraceRecorder();
-    ~TraceRecorder();
-    TraceRecorder(const TraceRecorder&) = delete;
-    TraceRecorder& operator=(const TraceRecorder&) = delete;
+    CTraceRecorder();
+    ~CTraceRecorder();
+    CTraceRecorder(const CTraceRecorder&) = delete;
+    CTraceRecorder& operator=(const CTraceRecorder&) = delete;
 
     // The lines since the last take.
     Trace take();
@@ -45,7 +45,7 @@ public:
     // The formats since its construction, each with its level.
     const Formats& formats() const { return seenFormats; }
 
-    void add(TraceLine line, const char* format);
+    void add(STraceLine line, const char* format);
 
 private:
     Trace lines;

@@ -36,7 +36,7 @@ int refusalOf(const std::string& file, const std::string& content = "new") {
 
 class OutputFile : public testing::Test {
 protected:
-    fi_test::TemporaryFolder folder;
+    fi_test::CTemporaryFolder folder;
 };
 
 TEST_F(OutputFile, IsThereWholeOnceItIsCommitted) {

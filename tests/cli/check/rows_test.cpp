@@ -19,9 +19,9 @@ namespace {
 using fi_rotate::CFindings;
 using fi_rotate::EHazard;
 using fi_rotate::SFinding;
+using fi_test::CTemporaryFolder;
 using fi_test::SCheckedCall;
 using fi_test::SCheckRow;
-using fi_test::TemporaryFolder;
 
 std::vector<SCheckRow> allRows() {
     std::vector<SCheckRow> rows;
@@ -46,7 +46,7 @@ struct SChecked {
 };
 
 SChecked check(const SCheckedCall& call) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     fi_rotate::SInputs inputs{call.configuration, "config", {}};
     for (const fi_test::SCheckedDocument& document : call.documents) {
         const bool isAbsolute = document.name[0] == '/';

@@ -54,7 +54,7 @@ TEST(FiRotateTimeStamp, IsReadAsTheDocumentRulesSay) {
 // Two readers of one document must agree, or a table would show an order that the rotation did not see.
 TEST(FiRotateTimeStamp, AgreesWithWhatTheLibraryTraces) {
     for (const SRow& row : kRows) {
-        const fi_test::TemporaryFolder folder;
+        const fi_test::CTemporaryFolder folder;
         const std::string file = folder.write("backup.xml", row.document);
         const auto result = fi_test::runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", file});
         EXPECT_NE(result.error.find("4 fi_process_backups : [RESERVE GOOD] " + file +
@@ -68,7 +68,7 @@ TEST(FiRotateTimeStamp, AgreesWithWhatTheLibraryTraces) {
 // The library may open what a document names; a program for looking at documents must not.
 TEST(FiRotateTimeStamp, IsNotTakenFromAForeignFile) {
     const fi_rotate::CXmlLibrary library;
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string foreign = folder.write("foreign", "20260101");
     EXPECT_EQ(readTimeStamp("<!DOCTYPE Node [<!ENTITY e SYSTEM '" + foreign +
                             "'>]><Node><timeStamp>&e;</timeStamp></Node>"),

@@ -13,10 +13,10 @@
 
 namespace {
 
+using fi_test::CTemporaryFolder;
 using fi_test::example;
 using fi_test::exampleBackups;
 using fi_test::runFiRotate;
-using fi_test::TemporaryFolder;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
@@ -89,7 +89,7 @@ TEST(FiRotateCheck, EndsAlikeInJsonAndInWords) {
 }
 
 TEST(FiRotateCheck, TakesAWholeCallFromARequest) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string request = folder.write(
         "call.json", R"({"configuration": "encA##lun1", "backups": [{"file": "/", "flag_word": 4}]})");
     const auto result = runFiRotate({"check", "--request", request});
@@ -106,7 +106,7 @@ TEST(FiRotateCheck, TakesAWholeCallFromARequest) {
 }
 
 TEST(FiRotateCheck, ReportsANulInAConfigurationFileRatherThanRefusingIt) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string file = folder.write("c", std::string("encA##lun1;snap1\0;snap2", 23));
     const auto result = runFiRotate({"check", "--config-file", file});
     EXPECT_EQ(result.exitStatus, 3);
@@ -127,7 +127,7 @@ TEST(FiRotateCheck, ShowsBytesThatAreNotPrintableAndPutsTheCaretUnderThePlace) {
 }
 
 TEST(FiRotateCheck, ShowsTwentyOfAHazardAndCountsTheOthers) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     std::string document =
         "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##e##l</objid>"
         "<altobjid>UDID##v##m##e##s</altobjid>\n";
@@ -212,7 +212,7 @@ TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {
 
 // The XML library quotes what it found in its messages.
 TEST(FiRotateCheck, TakesNoFaultForALimitBecauseOfWhatTheDocumentHolds) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string file =
         folder.write("backup.xml", "<?xml version=\"1entity expansions.0\"?>\n<Node/>\n");
     const auto result = runFiRotate({"check", "--config", "encA##lun1;snap1", file});

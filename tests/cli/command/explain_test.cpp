@@ -28,7 +28,7 @@ protected:
         std::ofstream(log, std::ios::app) << std::ifstream(trace).rdbuf() << "2 a line of the host's\n";
     }
 
-    fi_test::TemporaryFolder folder;
+    fi_test::CTemporaryFolder folder;
     std::string log = folder.path("log");
     std::string backup = folder.write("backup",
                                       "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##A##x</objid>"

@@ -101,7 +101,7 @@ TEST(FiRotateSelect, WithoutBackupsChoosesTheFirstTargets) {
 }
 
 TEST(FiRotateSelect, ExitsWith3AndSaysSoWhenThereIsNoSelection) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", kHolder);
     const auto result = runFiRotate({"select", "--config", kConfiguration, "--exclude", file, file});
     EXPECT_EQ(result.exitStatus, 3);
@@ -124,7 +124,7 @@ TEST(FiRotateSelect, ExitsWith4AndNamesTheIdentifierWhenAnExceptionLeavesTheLibr
         {"UDID##a##b", "only one ## follows its prefix"},
     };
     for (const auto& row : rows) {
-        const fi_test::TemporaryFolder folder;
+        const fi_test::CTemporaryFolder folder;
         const std::string file =
             folder.write("a.xml", std::string("<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>") +
                                       row.identifier + "</altobjid></Node>");
@@ -138,7 +138,7 @@ TEST(FiRotateSelect, ExitsWith4AndNamesTheIdentifierWhenAnExceptionLeavesTheLibr
 }
 
 TEST(FiRotateSelect, NamesTheFirstBackupThatWasNotLoadedAndCountsTheOthers) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", kHolder);
     const std::string missing = folder.path("missing.xml");
     const auto result =
@@ -153,7 +153,7 @@ TEST(FiRotateSelect, NamesTheFirstBackupThatWasNotLoadedAndCountsTheOthers) {
 }
 
 TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<nothing/>");
     const auto result = runFiRotate({"select", "--config", kConfiguration, file});
     EXPECT_EQ(result.exitStatus, 0);
@@ -180,7 +180,7 @@ TEST(FiRotateSelect, WritesTheTraceToStandardErrorOneLineACall) {
 }
 
 TEST(FiRotateSelect, KeepsLineBreaksOfATraceTextOnItsLine) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<Node><objid>one\ntwo</objid></Node>");
     const auto result = runFiRotate({"select", "--config", kConfiguration, "--trace", file});
     EXPECT_THAT(result.error, HasSubstr("4  [one\\ntwo]\n4  {"));
@@ -188,7 +188,7 @@ TEST(FiRotateSelect, KeepsLineBreaksOfATraceTextOnItsLine) {
 }
 
 TEST(FiRotateSelect, WritesTheSameTraceToAFile) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.path("trace");
     const auto onError = runFiRotate({"select", "--config", kConfiguration, "--trace"});
     const auto inFile = runFiRotate({"select", "--config", kConfiguration, "--trace-file", file});

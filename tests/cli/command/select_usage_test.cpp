@@ -62,7 +62,7 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
 }
 
 TEST(FiRotateUsage, RefusesAConfigurationFileThatTheLibraryWouldReadInPart) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("c", std::string("a##b;c\0&d##e;f", 14));
     const auto result = runFiRotate({"select", "--config-file", file});
     EXPECT_EQ(result.exitStatus, 2);
@@ -89,7 +89,7 @@ TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
 }
 
 TEST(FiRotateUsage, FlagWordsAndExclusionsReachTheLibrary) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string a = folder.write("a=1.xml", "<Node/>");
     const std::string b = folder.write("b.xml", "<Node/>");
     const auto result = runFiRotate({"select", "--config", "encA##lun1;snap1", "--trace", "--flags",
@@ -118,7 +118,7 @@ TEST(FiRotateUsage, EveryOutputFileIsReplacedAsAWhole) {
                 {simulate, "--svg"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments.front() + " " + row.option);
-        const fi_test::TemporaryFolder folder;
+        const fi_test::CTemporaryFolder folder;
         const std::string file = folder.write("file", "old");
         const std::string same = folder.path("same");
         std::filesystem::create_hard_link(file, same);

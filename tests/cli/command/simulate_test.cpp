@@ -12,9 +12,9 @@
 namespace {
 
 using fi_test::contentOf;
+using fi_test::CTemporaryFolder;
 using fi_test::runFiRotate;
 using fi_test::runFiRotateOnTerminal;
-using fi_test::TemporaryFolder;
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -141,7 +141,7 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
 }
 
 TEST(FiRotateSimulate, CsvHasALineForEachRound) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string file = folder.write("rounds.csv", "of another time");
     const auto result =
         runFiRotate(daily("encA##lun,1;s\"1;s2", "4", {"--exclude-weekday", "fri", "--csv", file}));
@@ -156,7 +156,7 @@ TEST(FiRotateSimulate, CsvHasALineForEachRound) {
 }
 
 TEST(FiRotateSimulate, CsvTellsRoundsWithoutATargetAndWhatWasLost) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string file = folder.path("rounds.csv");
     runFiRotate(daily("encA##lun1;s1", "2", {"--exclude-every", "1", "--csv", file}));
     EXPECT_EQ(contentOf(file),
@@ -168,7 +168,7 @@ TEST(FiRotateSimulate, CsvTellsRoundsWithoutATargetAndWhatWasLost) {
 }
 
 TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
-    const TemporaryFolder folder;
+    const CTemporaryFolder folder;
     const std::string csv = folder.path("rounds.csv");
     const auto with = [&csv](const std::string& option, const std::string& value) {
         std::map<std::string, std::string> options = {{"--config", "a##b;c"},

@@ -27,9 +27,9 @@ using fi_rotate::SAccountBackup;
 using fi_rotate::SCall;
 using fi_rotate::SLoggedCall;
 using fi_rotate::SOutcome;
+using fi_test::CRandomCall;
 using fi_test::document;
 using fi_test::kRandomCalls;
-using fi_test::RandomCall;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -95,14 +95,14 @@ protected:
         return call;
     }
 
-    fi_test::TemporaryFolder folder;
+    fi_test::CTemporaryFolder folder;
 };
 
 TEST_F(FiRotateLog, TellsOfRandomCallsWhatTheyCameTo) {
     std::vector<std::string> lines;
     std::vector<SOutcome> outcomes;
     for (unsigned seed = 5000; seed < 5000 + kRandomCalls; ++seed) {
-        outcomes.push_back(traced(RandomCall(seed, folder).make(), lines));
+        outcomes.push_back(traced(CRandomCall(seed, folder).make(), lines));
     }
     const std::vector<SLoggedCall> calls = callsOf(lines);
     ASSERT_EQ(calls.size(), outcomes.size());
@@ -135,7 +135,7 @@ TEST_F(FiRotateLog, TellsThreeCallsApartInALogOfTheHost) {
     std::vector<std::string> lines;
     std::vector<SOutcome> outcomes;
     for (const unsigned seed : {1U, 2U, 3U}) {
-        outcomes.push_back(traced(RandomCall(seed, folder).make(), lines));
+        outcomes.push_back(traced(CRandomCall(seed, folder).make(), lines));
     }
     std::mt19937 random(4);
     const std::vector<SLoggedCall> calls = callsOf(asHostLog(lines, random));
@@ -269,7 +269,7 @@ TEST_F(FiRotateLog, TellsNothingFalseOfACallThatBreaksOff) {
     for (unsigned seed = 0; seed < 300; ++seed) {
         SCOPED_TRACE(seed);
         std::vector<std::string> lines;
-        const SOutcome outcome = traced(RandomCall(seed, folder).make(), lines);
+        const SOutcome outcome = traced(CRandomCall(seed, folder).make(), lines);
         std::mt19937 random(seed);
         lines.resize(1 + random() % lines.size());
         const auto calls = callsOf(lines);
@@ -283,7 +283,7 @@ TEST_F(FiRotateLog, TellsNothingFalseOfACallThatLacksALine) {
     for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
         SCOPED_TRACE(seed);
         std::vector<std::string> lines;
-        const SOutcome outcome = traced(RandomCall(seed, folder).make(), lines);
+        const SOutcome outcome = traced(CRandomCall(seed, folder).make(), lines);
         std::mt19937 random(seed);
         const auto lost = lines.begin() + static_cast<std::ptrdiff_t>(random() % lines.size());
         SCOPED_TRACE(*lost);

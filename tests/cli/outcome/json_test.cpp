@@ -56,7 +56,7 @@ TEST(FiRotateSelectJson, HoldsTheFactsOfTheTables) {
 }
 
 TEST(FiRotateSelectJson, StaysWholeWhenAFileIsMissing) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string missing = folder.path("missing.xml");
     EXPECT_EQ(selectJson({"--config", "encA##lun1;snap1", missing}, 0),
               (Json{
@@ -75,7 +75,7 @@ TEST(FiRotateSelectJson, StaysWholeWhenAFileIsMissing) {
 }
 
 TEST(FiRotateSelectJson, HasNullsWhereThereIsNoSelection) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<Node/>");
     EXPECT_EQ(selectJson({"--config", "encA##lun1", "--flags", file + "=-3", file}, 3),
               (Json{
@@ -96,7 +96,7 @@ TEST(FiRotateSelectJson, HasNullsWhereThereIsNoSelection) {
 }
 
 TEST(FiRotateSelectJson, HoldsTheExceptionThatLeftTheLibrary) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write(
         "a.xml", "<Node><objid>UDID##a##b##encA##lun1</objid><altobjid>UDID##\xC3\xA4</altobjid></Node>");
     const Json document = selectJson({"--config", "encA##lun1;snap1", file}, 4);
@@ -107,7 +107,7 @@ TEST(FiRotateSelectJson, HoldsTheExceptionThatLeftTheLibrary) {
 }
 
 TEST(FiRotateSelectJson, CarriesNamesThatAreNotUtf8) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("B\xFCro.xml", "<Node/>");
     const Json document = selectJson({"--config", "enc\xE4##lun1;snap1", file}, 0);
     EXPECT_EQ(document["backups"][0]["file"], folder.path("B\\xFCro.xml"));

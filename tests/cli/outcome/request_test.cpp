@@ -101,7 +101,7 @@ TEST(FiRotateRequest, CannotBeWrittenOfTextsThatAreNotUtf8) {
 }
 
 TEST(FiRotateRequest, SavedFromACallMakesTheSameCall) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string request = folder.path("request.json");
     std::vector<std::string> arguments{"select",         "--json",
                                        "--config-file",  example("resource.conf"),
@@ -119,14 +119,14 @@ TEST(FiRotateRequest, SavedFromACallMakesTheSameCall) {
 }
 
 TEST(FiRotateRequest, IsSavedOfACallWithoutASelectionToo) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string request = folder.path("request.json");
     EXPECT_EQ(runFiRotate({"select", "--config", "encA##lun1", "--save-request", request}).exitStatus, 3);
     EXPECT_EQ(contentOf(request), "{\n  \"configuration\": \"encA##lun1\",\n  \"backups\": []\n}\n");
 }
 
 TEST(FiRotateRequest, IsNotWrittenWhenItCannotBeSavedWhole) {
-    const fi_test::TemporaryFolder folder;
+    const fi_test::CTemporaryFolder folder;
     const std::string request = folder.path("request.json");
     const auto result =
         runFiRotate({"select", "--config", "encA##lun1;s", "--save-request", request, "a\xFF.xml"});
