@@ -9,19 +9,32 @@
  * oldest releasable ones, one backup at a time, until every configuration has a free target, and
  * says which target of each configuration to use.
  *
- * The host supplies the trace facility, a function with C linkage that the library calls on the
- * calling thread for every diagnostic and that must not throw:
- *
- *   void mofi_tracelog(int level, const char* format, ...);
- *
- * The format is printf's; level 3 carries failures, level 4 progress.
+ * The host supplies the trace facility, mofi_tracelog.
  */
 
 #include <stdint.h> /* NOLINT(modernize-deprecated-headers): C reads this header too. */
 
+/* The version of the library that this header came with. */
+#define FI_ROTATION_VERSION_MAJOR 1
+#define FI_ROTATION_VERSION_MINOR 0
+#define FI_ROTATION_VERSION_PATCH 0
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/*
+ * The trace facility, which the host defines: the library calls it for every diagnostic, on the thread
+ * that called the library. The format and the arguments are printf's and borrowed for the call; few texts
+ * end with a line end. Level 3 carries failures, level 4 progress. It must not throw, and must not call
+ * the library.
+ *
+ * It is visible outside the program even when that is compiled with hidden visibility; a program that
+ * loads the library at run time exports it besides, with
+ * -Wl,--export-dynamic-symbol=mofi_tracelog.
+ */
+__attribute__((visibility("default"), format(printf, 2, 3))) void mofi_tracelog(int level, const char* format,
+                                                                                ...);
 
 /* Bit of a flag word: the targets of this backup are never rotated. Other bits are ignored. */
 enum { FI_EXCLUDE_ROTATION = 4 };

@@ -34,8 +34,6 @@ enum { NOT_LOADED = 256 };
  * since nothing that it sees refers to it: that is the -Wl option above (-rdynamic exports everything).
  * A host in production keeps these lines; this one shows only failures.
  */
-void mofi_tracelog(int level, const char* format, ...);
-
 void mofi_tracelog(int level, const char* format, ...) {
     if (level != TRACE_FAILURE) {
         return;

@@ -25,13 +25,9 @@ enum { TRACE_FAILURE = 3 };
 enum { NOT_LOADED = 256 };
 
 /*
- * The library takes this function from the program. The linker sees that and exports it without being
- * told, unless it is hidden: a program compiled with -fvisibility=hidden must mark it
- * __attribute__((visibility("default"))). A host in production keeps these lines; this one shows only
- * failures.
+ * The library takes this function, which its header declares, from the program. The linker sees that and
+ * exports it without being told. A host in production keeps these lines; this one shows only failures.
  */
-void mofi_tracelog(int level, const char* format, ...);
-
 void mofi_tracelog(int level, const char* format, ...) {
     if (level != TRACE_FAILURE) {
         return;

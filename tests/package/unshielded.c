@@ -3,8 +3,6 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
-void mofi_tracelog(int level, const char* format, ...);
-
 void mofi_tracelog(int level, const char* format, ...) {
     (void)level;
     (void)format;
