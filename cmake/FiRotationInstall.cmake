@@ -1,6 +1,6 @@
 # What `cmake --install` puts where, in three components:
 #   runtime      the library under its soname: all that a linked or loading program needs to run
-#   development  what a host is built with: headers, CMake package, pkg-config file, manual of the call
+#   development  what a host is built with: headers, CMake package, pkg-config file, manual of the call, guides
 #   tools        fi-rotate, its manual, completions and schemas, and the manual of the files that it reads
 # Every path is found relative to the file that names it, so that an installed tree can be moved, unless the
 # builder chose absolute folders.
@@ -12,6 +12,10 @@ install(TARGETS fi_rotation EXPORT fi_rotationTargets
     INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(FILES ${FI_ROTATION_PUBLIC_HEADERS}
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/fi_rotation" COMPONENT development)
+
+install(FILES "${PROJECT_SOURCE_DIR}/SECURITY.md" "${PROJECT_SOURCE_DIR}/docs/abi.md"
+    "${PROJECT_SOURCE_DIR}/docs/host-guide.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
 
 # find_package(fi_rotation) gives fi_rotation::fi_rotation. The target asks for nothing more: what the
 # library itself is built on is no part of its interface.
@@ -66,6 +70,8 @@ if(FI_ROTATION_BUILD_CLI)
     install(FILES "${completions}/_fi-rotate"
         DESTINATION "${FI_ROTATION_ZSH_COMPLETIONS}" COMPONENT tools)
 
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/simulate.md"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/fi-rotate" COMPONENT tools)
     # Where the manual page of fi-rotate says.
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/schema"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/fi-rotate" COMPONENT tools)
