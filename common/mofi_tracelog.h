@@ -6,6 +6,9 @@
 // `format` and the arguments follow printf. Formats carry a line end only where the text does;
 // texts taken from documents or configurations are always arguments, never part of a format. The
 // call is made on the thread that called the library and must not throw.
+//
+// The public header declares it for hosts; where both are included, the compiler compares them.
+// NOLINTNEXTLINE(readability-redundant-declaration)
 extern "C" void mofi_tracelog(int level, const char* format, ...)
     __attribute__((format(printf, 2, 3), visibility("default")));
 

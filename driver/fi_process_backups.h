@@ -14,10 +14,12 @@
 
 #include <stdint.h> /* NOLINT(modernize-deprecated-headers): C reads this header too. */
 
-/* The version of the library that this header came with. */
+/* The version of the library that this header came with, for the preprocessor. */
+/* NOLINTBEGIN(cppcoreguidelines-macro-usage,modernize-macro-to-enum) */
 #define FI_ROTATION_VERSION_MAJOR 1
 #define FI_ROTATION_VERSION_MINOR 0
 #define FI_ROTATION_VERSION_PATCH 0
+/* NOLINTEND(cppcoreguidelines-macro-usage,modernize-macro-to-enum) */
 
 #ifdef __cplusplus
 extern "C" {
@@ -33,6 +35,7 @@ extern "C" {
  * loads the library at run time exports it besides, with
  * -Wl,--export-dynamic-symbol=mofi_tracelog.
  */
+/* NOLINTNEXTLINE(readability-redundant-declaration): our own sources have one without this header. */
 __attribute__((visibility("default"), format(printf, 2, 3))) void mofi_tracelog(int level, const char* format,
                                                                                 ...);
 
