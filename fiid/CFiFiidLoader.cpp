@@ -51,8 +51,6 @@ void parseDocument(const std::string& content, std::vector<CFiFiidNode*>& nodes)
 
 }  // namespace
 
-// The operation takes a copy.
-// cppcheck-suppress passedByValue
 std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
     content.clear();
     traceEntering(kNoName);
