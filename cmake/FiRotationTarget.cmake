@@ -4,3 +4,11 @@ function(fi_rotation_target target)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
     target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 endfunction()
+
+# fi_rotation_hidden(TARGET): its code can be part of a shared library and shows nothing outside.
+function(fi_rotation_hidden target)
+    set_target_properties(${target} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+endfunction()

@@ -7,11 +7,20 @@
 
 #include "fiid/CFiFiidNode.h"
 #include "fiid/entry_exit_trace.h"
+#include "fiid/host_library.h"
 #include "fiid/local_code_page.h"
 
 using xercesc::XMLPlatformUtils;
 
 namespace {
+
+void tracePlace(const xercesc::SAXParseException& report) {
+    std::string words;
+    toLocalCodePage(report.getMessage(), words);
+    mofi_tracelog(kTraceFailure, "CFiFiidHandler::fatalError : line %s, column %s : %s",
+                  std::to_string(report.getLineNumber()).c_str(),
+                  std::to_string(report.getColumnNumber()).c_str(), words.c_str());
+}
 
 // Names are compared as they arrive, in UTF-16: no character but ASCII's own becomes ASCII in a local
 // code page.
@@ -118,6 +127,9 @@ void CFiFiidHandler::error(const xercesc::SAXParseException& report) {
 
 void CFiFiidHandler::fatalError(const xercesc::SAXParseException& report) {
     traceEntering("CFiFiidHandler::fatalError");
+    if constexpr (kInHostLibrary) {
+        tracePlace(report);
+    }
     record(report);
     traceExiting("CFiFiidHandler::fatalError");
 }

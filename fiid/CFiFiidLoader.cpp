@@ -11,11 +11,14 @@
 #include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
 #include "fiid/entry_exit_trace.h"
+#include "fiid/host_library.h"
 
 namespace {
 
 // The loader's entry and exit lines carry no name.
 constexpr const char* kNoName = "";
+
+constexpr const char* kOpenMode = kInHostLibrary ? "re" : "r";
 
 struct SFileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -51,18 +54,21 @@ void parseDocument(const std::string& content, std::vector<CFiFiidNode*>& nodes)
 
 }  // namespace
 
+// The operation takes a copy.
 std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
     content.clear();
     traceEntering(kNoName);
 
-    std::unique_ptr<std::FILE, SFileClose> stream(fopen64(file.c_str(), "r"));
+    std::unique_ptr<std::FILE, SFileClose> stream(fopen64(file.c_str(), kOpenMode));
     if (stream == nullptr && errno == ENOMEM) {
         // The file is there, as far as anybody knows. Without it, and all behind it, a target that it holds
         // would be taken for free.
         throw std::bad_alloc();
     }
     if (stream == nullptr) {
-        std::printf("ERROR: failed to load FIID file [%s]\n", file.c_str());
+        if constexpr (!kInHostLibrary) {
+            std::printf("ERROR: failed to load FIID file [%s]\n", file.c_str());
+        }
         mofi_tracelog(kTraceFailure, "CFiFiidLoader::load: ERROR: failed to load FIID file");
         traceExiting(kNoName);
         return kCannotOpen;

@@ -50,7 +50,6 @@ std::vector<const CFiFiidNode*> CFiFiidNode::findNodes(const std::string& patter
 }
 
 // The operation takes a copy.
-// cppcheck-suppress passedByValue
 std::int32_t CFiFiidNode::getNodes(std::string pattern, std::map<std::string, std::string>& result) const {
     for (const CFiFiidNode* node : findNodes(pattern)) {
         result[node->objid] = node->altobjid;

@@ -7,6 +7,7 @@
 #include <xercesc/util/XMLUni.hpp>
 
 #include "fiid/entry_exit_trace.h"
+#include "fiid/host_library.h"
 
 using xercesc::MemBufInputSource;
 using xercesc::XMLException;
@@ -38,7 +39,10 @@ CFiFiidParser::~CFiFiidParser() {
 void CFiFiidParser::init() {
     traceEntering("CFiFiidParser::init");
     try {
-        XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
+        // In the host library it is held, and its count of users, which is not thread-safe, is left alone.
+        if constexpr (!kInHostLibrary) {
+            XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
+        }
         reader.reset(XMLReaderFactory::createXMLReader(XMLPlatformUtils::fgMemoryManager));
         reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
         reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
@@ -84,5 +88,7 @@ void CFiFiidParser::parse(const std::string& document) {
 
 void CFiFiidParser::release() {
     reader.reset();
-    XMLPlatformUtils::Terminate();
+    if constexpr (!kInHostLibrary) {
+        XMLPlatformUtils::Terminate();
+    }
 }

@@ -8,6 +8,7 @@
 #include <xercesc/util/XMLUni.hpp>
 
 #include "fiid/CFiXmlMemory.h"
+#include "fiid/host_library.h"
 
 using xercesc::XMLPlatformUtils;
 
@@ -23,6 +24,9 @@ public:
 // process, to nobody's use.
 bool isHalfSetUp = false;
 
+// In the host library only.
+bool isHeldForProcess = false;
+
 }  // namespace
 
 // What the library uses as long as anybody holds it.
@@ -31,21 +35,33 @@ struct CFiXmlLibrary::SSurroundings {
     CThrowingPanicHandler panicHandler;
 };
 
-CFiXmlLibrary::CFiXmlLibrary() : surroundings(std::make_unique<SSurroundings>()) {
+CFiXmlLibrary::CFiXmlLibrary() {
+    if (isHeldForProcess) {
+        return;
+    }
     if (isHalfSetUp) {
         throw std::runtime_error("The XML library could not be set up in this process.");
     }
+    surroundings = std::make_unique<SSurroundings>();
     try {
         initialize();
         // GCOVR_EXCL_START: nothing is known that makes the set-up end with one.
     } catch (const xercesc::XMLException&) {
         terminate();
         surroundings.reset();
+        if constexpr (kInHostLibrary) {
+            // No parser of it sets the library up by itself.
+            throw std::runtime_error("The XML library could not be set up.");
+        }
         // GCOVR_EXCL_STOP
     } catch (...) {
         isHalfSetUp = true;
         static_cast<void>(surroundings.release());
         throw;
+    }
+    if constexpr (kInHostLibrary) {
+        static_cast<void>(surroundings.release());
+        isHeldForProcess = true;
     }
 }
 

@@ -8,6 +8,8 @@
 //
 // Unless the host holds the library itself, it gets its memory from here, so that a shortage of memory
 // neither ends the process nor leaves anything behind.
+//
+// In the host library the first scope holds it for the rest of the process.
 class CFiXmlLibrary {
 public:
     // An XMLException is dropped, and nothing is held then: the parsers meet it again and deal with it. What

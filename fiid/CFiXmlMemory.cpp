@@ -6,6 +6,8 @@
 
 #include <xercesc/util/OutOfMemoryException.hpp>
 
+#include "fiid/host_library.h"
+
 CFiXmlMemory::CFiXmlMemory() : reserve(new std::byte[kReserve]) {}
 
 CFiXmlMemory::~CFiXmlMemory() {
@@ -19,6 +21,10 @@ CFiXmlMemory::~CFiXmlMemory() {
 void* CFiXmlMemory::allocate(XMLSize_t size) {
     if (size > SIZE_MAX / 2) {
         throw xercesc::OutOfMemoryException();
+    }
+    if constexpr (kInHostLibrary) {
+        void* const memory = operator new(size, std::nothrow);
+        return memory != nullptr ? memory : drawOnReserve(size);
     }
     if (size > kLargestSmall) {
         return new (newPiece(sizeof(UHeader) + size)) UHeader{0} + 1;
@@ -36,6 +42,12 @@ void* CFiXmlMemory::allocate(XMLSize_t size) {
 
 void CFiXmlMemory::deallocate(void* memory) {
     if (memory == nullptr) {
+        return;
+    }
+    if constexpr (kInHostLibrary) {
+        if (!isOfReserve(memory)) {
+            operator delete(memory);
+        }
         return;
     }
     UHeader* const header = static_cast<UHeader*>(memory) - 1;

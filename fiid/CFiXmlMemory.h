@@ -12,6 +12,9 @@
 //
 // Small blocks, which a reader makes and drops by the hundred for each document, are cut from larger ones and
 // used again.
+//
+// In the host library, where the XML library is shared with other threads, each block is allocated by itself,
+// which is thread-safe; blocks that the XML library loses when memory runs out stay lost.
 class CFiXmlMemory : public xercesc::MemoryManager {
 public:
     CFiXmlMemory();

@@ -80,6 +80,8 @@ struct SShortage {
     std::vector<SHeldTarget> targets;
 };
 
+using Holders = std::vector<std::vector<std::optional<std::size_t>>>;
+
 struct SAccount {
     std::vector<SAccountConfiguration> configurations;
     // In the order of loading.
@@ -87,6 +89,11 @@ struct SAccount {
     // The library traces it for a call with earlier backups only.
     std::optional<std::string> selection;
     std::vector<SShortage> shortages;
+    // By configuration and target, the place in `backups` of the one that holds it: before any was released,
+    // and in the end. Without a selection all that can be released are. Empty when lines of the trace are
+    // missing.
+    Holders heldBefore;
+    Holders heldAfter;
 };
 
 // "newest_holder" and so on: a stable name for programs.

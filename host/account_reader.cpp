@@ -1,6 +1,7 @@
 #include "host/account_reader.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 #include <fmt/format.h>
@@ -18,10 +19,32 @@ std::int32_t numberIn(std::string_view text) {
     return number;
 }
 
-// What a line with one argument holds.
-std::optional<std::string_view> nameIn(ETraceText kind, std::string_view text) {
-    const auto arguments = argumentsOf(kind, text);
-    return arguments.has_value() ? std::optional(arguments->front()) : std::nullopt;
+// The order in which a line of a log is asked what it is: a text that holds another one comes before it.
+constexpr std::array kInOrder{
+    ETraceText::kTarget,          ETraceText::kConfiguration,
+    ETraceText::kNoConfiguration, ETraceText::kNoTargets,
+    ETraceText::kNoDevice,        ETraceText::kNoEnclosure,
+    ETraceText::kResourceSet,     ETraceText::kFirstTarget,
+    ETraceText::kFurtherTarget,   ETraceText::kFlagWord,
+    ETraceText::kFinalState,      ETraceText::kParsed,
+    ETraceText::kCheckPassed,     ETraceText::kCheckFailed,
+    ETraceText::kSkipped,         ETraceText::kSelection,
+    ETraceText::kNotAvailable,    ETraceText::kClaimed,
+    ETraceText::kNotClaimed,      ETraceText::kMalformedIdentifier,
+};
+
+// A Node's lines, in order.
+constexpr std::array kOfTree{ETraceText::kNodeObjid, ETraceText::kNodeAltobjid, ETraceText::kNodeType};
+
+// What a line holds, if it is of this kind. A configuration may hold line breaks, so a log may have its
+// beginning only.
+std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text) {
+    const bool isToldByStart = kind == ETraceText::kConfiguration || kind == ETraceText::kNoConfiguration ||
+                               kind == ETraceText::kNotAvailable;
+    if (!isToldByStart) {
+        return argumentsOf(kind, text);
+    }
+    return startsAs(kind, text) ? std::optional<TraceArguments>(TraceArguments()) : std::nullopt;
 }
 
 }  // namespace
@@ -30,14 +53,23 @@ void CAccountReader::read(std::string_view text) {
     if (isInTree && readTree(text)) {
         return;
     }
-    if (isInTree && nextOfTree != ETreeLine::kObjid) {
-        contradict(text);
+    endTree(text);
+    for (const ETraceText kind : kInOrder) {
+        const auto arguments = argumentsIn(kind, text);
+        if (arguments.has_value() && takeOther(kind, *arguments)) {
+            return;
+        }
     }
-    isInTree = false;
-    // Each is asked in turn until one knows the line.
-    static_cast<void>(readConfiguration(text) || readPrintedSet(text) || readFlagWord(text) ||
-                      readFinalState(text) || readParsed(text) || readCheck(text) || readRotation(text) ||
-                      readClaim(text) || readMalformed(text));
+}
+
+void CAccountReader::take(ETraceText kind, const TraceArguments& arguments) {
+    const bool isOfTree = std::find(kOfTree.begin(), kOfTree.end(), kind) != kOfTree.end();
+    if (isOfTree && isInTree) {
+        takeOfTree(kind, arguments[1], formatOf(kind));
+    } else {
+        endTree(formatOf(kind));
+        takeOther(kind, arguments);
+    }
 }
 
 std::vector<std::string> CAccountReader::gaps() const {
@@ -104,23 +136,34 @@ bool CAccountReader::isEnded() const {
 }
 
 bool CAccountReader::readTree(std::string_view text) {
-    if (const auto first = nodeTextIn(ETraceText::kNodeObjid, text)) {
-        follow(ETreeLine::kObjid, ETreeLine::kAltobjid, text);
-        objid = *first;
-        return true;
-    }
-    if (const auto second = nodeTextIn(ETraceText::kNodeAltobjid, text)) {
-        follow(ETreeLine::kAltobjid, ETreeLine::kType, text);
-        if (objid.find("UDID##") != std::string::npos) {
-            account.backups.back().pairs[objid] = *second;
+    for (const ETraceText kind : kOfTree) {
+        if (const auto inner = nodeTextIn(kind, text)) {
+            takeOfTree(kind, *inner, text);
+            return true;
         }
-        return true;
-    }
-    if (nodeTextIn(ETraceText::kNodeType, text).has_value()) {
-        follow(ETreeLine::kType, ETreeLine::kObjid, text);
-        return true;
     }
     return false;
+}
+
+void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::string_view text) {
+    if (kind == ETraceText::kNodeObjid) {
+        follow(ETreeLine::kObjid, ETreeLine::kAltobjid, text);
+        objid = inner;
+    } else if (kind == ETraceText::kNodeAltobjid) {
+        follow(ETreeLine::kAltobjid, ETreeLine::kType, text);
+        if (objid.find("UDID##") != std::string::npos) {
+            account.backups.back().pairs[objid] = inner;
+        }
+    } else {
+        follow(ETreeLine::kType, ETreeLine::kObjid, text);
+    }
+}
+
+void CAccountReader::endTree(std::string_view text) {
+    if (isInTree && nextOfTree != ETreeLine::kObjid) {
+        contradict(text);
+    }
+    isInTree = false;
 }
 
 void CAccountReader::follow(ETreeLine line, ETreeLine next, std::string_view text) {
@@ -130,40 +173,47 @@ void CAccountReader::follow(ETreeLine line, ETreeLine next, std::string_view tex
     nextOfTree = next;
 }
 
-bool CAccountReader::readConfiguration(std::string_view text) {
-    if (const auto target = argumentsOf(ETraceText::kTarget, text)) {
-        parsedTargets.push_back({std::string(target->at(0)), std::string(target->at(1))});
-        return true;
+bool CAccountReader::takeOther(ETraceText kind, const TraceArguments& arguments) {
+    switch (kind) {
+        case ETraceText::kTarget:
+            parsedTargets.push_back({std::string(arguments[0]), std::string(arguments[1])});
+            return true;
+        case ETraceText::kConfiguration:
+        case ETraceText::kNoConfiguration:
+            isBegun = true;
+            return true;
+        case ETraceText::kNoTargets:
+        case ETraceText::kNoDevice:
+        case ETraceText::kNoEnclosure:
+            isRejected = true;
+            return true;
+        case ETraceText::kResourceSet:
+            ++printedSets;
+            return true;
+        case ETraceText::kFirstTarget:
+        case ETraceText::kFurtherTarget:
+            return takePrinted(kind, arguments);
+        case ETraceText::kFlagWord:
+            flagWords.emplace_back(arguments[0], numberIn(arguments[1]));
+            lastFlagWords[flagWords.back().first] = flagWords.back().second;
+            return true;
+        case ETraceText::kMalformedIdentifier:
+            return takeMalformed(arguments[0]);
+        default:
+            return takeOfBackup(kind, arguments);
     }
-    const bool isFirst =
-        startsAs(ETraceText::kConfiguration, text) || startsAs(ETraceText::kNoConfiguration, text);
-    isBegun = isBegun || isFirst;
-    const bool rejects = rejectsConfiguration(text);
-    isRejected = isRejected || rejects;
-    return isFirst || rejects;
 }
 
-bool CAccountReader::readPrintedSet(std::string_view text) {
-    if (text == formatOf(ETraceText::kResourceSet)) {
-        ++printedSets;
-        return true;
-    }
+bool CAccountReader::takePrinted(ETraceText kind, const TraceArguments& arguments) {
     // The first printed set, before anything is claimed, says how many targets each configuration has; their
     // enclosures stand in the lines of the parser only.
-    if (printedSets != 1) {
+    if (printedSets != 1 || arguments.back() != kAvailable) {
         return false;
     }
-    const auto first = argumentsOf(ETraceText::kFirstTarget, text);
-    if (first.has_value() && first->back() == kAvailable) {
-        readPrintedTarget(true, fmt::format("{}:{}", first->at(0), first->at(1)));
-        return true;
-    }
-    const auto further = argumentsOf(ETraceText::kFurtherTarget, text);
-    if (further.has_value() && further->back() == kAvailable) {
-        readPrintedTarget(false, std::string(further->front()));
-        return true;
-    }
-    return false;
+    const bool isFirst = kind == ETraceText::kFirstTarget;
+    readPrintedTarget(isFirst,
+                      isFirst ? fmt::format("{}:{}", arguments[0], arguments[1]) : std::string(arguments[0]));
+    return true;
 }
 
 void CAccountReader::readPrintedTarget(bool isFirst, const std::string& printed) {
@@ -185,23 +235,43 @@ void CAccountReader::readPrintedTarget(bool isFirst, const std::string& printed)
     }
 }
 
-bool CAccountReader::readFlagWord(std::string_view text) {
-    const auto listed = argumentsOf(ETraceText::kFlagWord, text);
-    if (!listed.has_value()) {
-        return false;
+// A line that names a backup or tells the end of the rotation.
+bool CAccountReader::takeOfBackup(ETraceText kind, const TraceArguments& arguments) {
+    switch (kind) {
+        case ETraceText::kFinalState:
+            return takeFinalState(arguments);
+        case ETraceText::kParsed:
+            return takeParsed(arguments[0]);
+        case ETraceText::kCheckPassed:
+        case ETraceText::kCheckFailed:
+            takeCheck(kind == ETraceText::kCheckPassed, arguments[0]);
+            return true;
+        case ETraceText::kClaimed:
+        case ETraceText::kNotClaimed:
+            takeClaim(kind == ETraceText::kClaimed, arguments);
+            return true;
+        case ETraceText::kSkipped:
+            if (const auto place = next("rotation", arguments[0])) {
+                skipped.insert(*place);
+            }
+            return true;
+        case ETraceText::kSelection:
+            account.selection = arguments[0];
+            return true;
+        case ETraceText::kNotAvailable:
+            isWithoutSelection = true;
+            return true;
+        default:
+            return false;
     }
-    flagWords.emplace_back(listed->at(0), numberIn(listed->at(1)));
-    lastFlagWords[flagWords.back().first] = flagWords.back().second;
-    return true;
 }
 
-bool CAccountReader::readParsed(std::string_view text) {
-    const auto file = nameIn(ETraceText::kParsed, text);
-    if (!file.has_value() || account.selection.has_value()) {
+bool CAccountReader::takeParsed(std::string_view file) {
+    if (account.selection.has_value()) {
         return false;
     }
     SAccountBackup backup;
-    backup.file = *file;
+    backup.file = file;
     places[backup.file].push_back(account.backups.size());
     account.backups.push_back(backup);
     isInTree = true;
@@ -209,69 +279,36 @@ bool CAccountReader::readParsed(std::string_view text) {
     return true;
 }
 
-bool CAccountReader::readFinalState(std::string_view text) {
-    const auto backup =
-        account.selection.has_value() ? argumentsOf(ETraceText::kFinalState, text) : std::nullopt;
-    if (!backup.has_value()) {
+bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
+    if (!account.selection.has_value()) {
         return false;
     }
-    if (const auto place = next("final", backup->at(0))) {
-        account.backups[*place].state = numberIn(backup->at(1));
+    if (const auto place = next("final", arguments[0])) {
+        account.backups[*place].state = numberIn(arguments[1]);
         oldestFirst.push_back(*place);
     }
     return true;
 }
 
-bool CAccountReader::readCheck(std::string_view text) {
-    if (const auto file = nameIn(ETraceText::kCheckPassed, text)) {
-        ++checked;
-        next("check", *file);
-        return true;
+void CAccountReader::takeCheck(bool isGood, std::string_view file) {
+    ++checked;
+    const auto place = next("check", file);
+    if (place.has_value() && !isGood) {
+        account.backups[*place].state = FI_BACKUP_INVALID;
+        failedCheck.push_back(*place);
     }
-    const auto file = nameIn(ETraceText::kCheckFailed, text);
-    if (file.has_value()) {
-        ++checked;
-        if (const auto place = next("check", *file)) {
-            account.backups[*place].state = FI_BACKUP_INVALID;
-            failedCheck.push_back(*place);
-        }
-    }
-    return file.has_value();
 }
 
-bool CAccountReader::readRotation(std::string_view text) {
-    if (const auto file = nameIn(ETraceText::kSkipped, text)) {
-        if (const auto place = next("rotation", *file)) {
-            skipped.insert(*place);
-        }
-        return true;
+void CAccountReader::takeClaim(bool isGood, const TraceArguments& arguments) {
+    const auto place = next("claim", arguments[0]);
+    if (!place.has_value()) {
+        return;
     }
-    if (const auto result = nameIn(ETraceText::kSelection, text)) {
-        account.selection = *result;
-        return true;
+    account.backups[*place].timeStamp = arguments[1];
+    claims.emplace_back(*place, isGood);
+    if (!isGood) {
+        account.backups[*place].state = FI_BACKUP_INVALID;
     }
-    if (startsAs(ETraceText::kNotAvailable, text)) {
-        isWithoutSelection = true;
-        return true;
-    }
-    return false;
-}
-
-bool CAccountReader::readClaim(std::string_view text) {
-    const auto claimed = argumentsOf(ETraceText::kClaimed, text);
-    const bool isGood = claimed.has_value();
-    const auto backup = isGood ? claimed : argumentsOf(ETraceText::kNotClaimed, text);
-    if (!backup.has_value()) {
-        return false;
-    }
-    if (const auto place = next("claim", backup->at(0))) {
-        account.backups[*place].timeStamp = backup->at(1);
-        claims.emplace_back(*place, isGood);
-        if (!isGood) {
-            account.backups[*place].state = FI_BACKUP_INVALID;
-        }
-    }
-    return true;
 }
 
 std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::string_view file) {
@@ -290,12 +327,11 @@ std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::stri
     return std::nullopt;
 }
 
-bool CAccountReader::readMalformed(std::string_view text) {
-    const auto identifier = nameIn(ETraceText::kMalformedIdentifier, text);
-    if (!identifier.has_value() || !isNamed(*identifier)) {
+bool CAccountReader::takeMalformed(std::string_view identifier) {
+    if (!isNamed(identifier)) {
         return false;
     }
-    malformed = *identifier;
+    malformed = identifier;
     return true;
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/account.h"
+#include "host/trace_text.h"
 
 namespace fi_rotate {
 
@@ -19,8 +20,10 @@ namespace fi_rotate {
 // passed over.
 class CAccountReader {
 public:
-    // The text of one line, without its line end.
+    // The text of one line of a log, without its line end.
     void read(std::string_view text);
+    // The same of a line that is known: which text it is and what stands in the places of its conversions.
+    void take(ETraceText kind, const TraceArguments& arguments);
 
     // What a call cannot be without up to its last line, and yet was not read: lines were lost, or another
     // call's stand in between. Empty for a call that is merely cut off at its end.
@@ -57,16 +60,18 @@ private:
     enum class ETreeLine { kObjid, kAltobjid, kType };
 
     bool readTree(std::string_view text);
+    void endTree(std::string_view text);
     void follow(ETreeLine line, ETreeLine next, std::string_view text);
-    bool readConfiguration(std::string_view text);
-    bool readPrintedSet(std::string_view text);
-    bool readFlagWord(std::string_view text);
-    bool readParsed(std::string_view text);
-    bool readFinalState(std::string_view text);
-    bool readCheck(std::string_view text);
-    bool readClaim(std::string_view text);
-    bool readRotation(std::string_view text);
-    bool readMalformed(std::string_view text);
+    void takeOfTree(ETraceText kind, std::string_view inner, std::string_view text);
+    // These say whether the line was one that can stand here.
+    bool takeOther(ETraceText kind, const TraceArguments& arguments);
+    bool takePrinted(ETraceText kind, const TraceArguments& arguments);
+    bool takeOfBackup(ETraceText kind, const TraceArguments& arguments);
+    bool takeParsed(std::string_view file);
+    bool takeFinalState(const TraceArguments& arguments);
+    bool takeMalformed(std::string_view identifier);
+    void takeCheck(bool isGood, std::string_view file);
+    void takeClaim(bool isGood, const TraceArguments& arguments);
 
     void readPrintedTarget(bool isFirst, const std::string& printed);
     void contradict(std::string_view text);

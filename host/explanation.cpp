@@ -49,10 +49,10 @@ public:
 
     bool isConfigured(const std::string& objid) const { return byFirst.count(targetOf(objid)) != 0; }
 
-    // The place of the backup that holds a target; nothing when it is free.
-    using Holder = std::optional<std::size_t>;
-
-    Holder& holder(const SPlace& place) { return holders[place.configuration][place.target]; }
+    // Nothing when it is free.
+    std::optional<std::size_t>& holder(const SPlace& place) {
+        return holders[place.configuration][place.target];
+    }
 
     // The first configuration without a free target.
     std::optional<std::size_t> firstShort() const {
@@ -66,16 +66,15 @@ public:
 
     bool isShort(std::size_t configuration) const {
         const auto& row = holders[configuration];
-        return std::none_of(row.begin(), row.end(), [](const Holder& holder) { return !holder.has_value(); });
+        return std::none_of(row.begin(), row.end(), [](const auto& holder) { return !holder.has_value(); });
     }
 
-    const std::vector<Holder>& holdersOf(std::size_t configuration) const { return holders[configuration]; }
+    const Holders& all() const { return holders; }
 
 private:
     const std::vector<SAccountConfiguration>& configurations;
     std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
-    // By configuration and target.
-    std::vector<std::vector<Holder>> holders;
+    Holders holders;
 };
 
 // Goes through the passes again and writes down why each backup came to its state.
@@ -89,9 +88,11 @@ public:
         }
         explainChecks();
         explainClaims();
+        passes.account.heldBefore = holders.all();
         if (passes.account.selection.has_value() || passes.isWithoutSelection) {
             explainRotation();
         }
+        passes.account.heldAfter = holders.all();
         if (passes.isWithoutSelection) {
             listShortages();
         }
@@ -130,7 +131,7 @@ private:
                 if (!found.has_value()) {
                     continue;
                 }
-                CHolders::Holder& holder = holders.holder(*found);
+                std::optional<std::size_t>& holder = holders.holder(*found);
                 if (!holder.has_value()) {
                     holder = place;
                 } else if (!isGood && !backup(place).reason.has_value()) {
@@ -211,7 +212,7 @@ private:
             }
             SShortage shortage;
             shortage.configuration = i;
-            for (const CHolders::Holder& holder : holders.holdersOf(i)) {
+            for (const auto& holder : holders.all()[i]) {
                 shortage.targets.push_back(
                     {shortage.targets.size(), *holder, passes.skipped.count(*holder) != 0});
             }

@@ -1,19 +1,25 @@
 #include "host/library_call.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <array>
+#include <charconv>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <memory>
+#include <new>
+#include <optional>
 #include <set>
 #include <stdexcept>
-#include <system_error>
+#include <string_view>
 #include <utility>
+#include <vector>
+
+#include <cxxabi.h>
+#include <fmt/format.h>
 
 #include <fi_rotation/CFiUdidException.h>
 #include <fi_rotation/fi_process_backups.h>
@@ -25,64 +31,53 @@
 namespace fi_rotate {
 namespace {
 
-// Standard output stands for standard error from construction to destruction.
-class CStandardOutputDiversion {
-public:
-    CStandardOutputDiversion() : saved(duplicateStandardOutput()) {
-        if (saved == -1 || dup2(STDERR_FILENO, STDOUT_FILENO) == -1) {
-            throw std::system_error(errno, std::generic_category(), "cannot divert standard output");
-        }
-    }
-    ~CStandardOutputDiversion() {
-        std::fflush(stdout);
-        dup2(saved, STDOUT_FILENO);
-        close(saved);
-    }
-    CStandardOutputDiversion(const CStandardOutputDiversion&) = delete;
-    CStandardOutputDiversion& operator=(const CStandardOutputDiversion&) = delete;
-
-private:
-    // What was written before the diversion must not follow it.
-    static int duplicateStandardOutput() {
-        std::fflush(stdout);
-        return dup(STDOUT_FILENO);
-    }
-
-    int saved;
-};
-
 struct SFree {
     void operator()(char* text) const { std::free(text); }
 };
 
+// With a list of no entries in place of none where that is wished for.
+std::int32_t sizeOfList(const SCall& call, const SWishes& wishes) {
+    constexpr std::int32_t kNoEntries = -1;
+    const bool isFirstBackup = call.backups.empty();
+    return isFirstBackup && wishes.configurationsOfFirstBackup
+               ? kNoEntries
+               : static_cast<std::int32_t>(call.backups.size());
+}
+
 // Status and selection, or the exception; `flags` is overwritten as the library does.
-void callLibrary(const SCall& call, std::vector<std::int32_t>& flags, SOutcome& outcome) {
+void callLibrary(const SCall& call, std::int32_t listSize, std::vector<std::int32_t>& flags,
+                 SOutcome& outcome) {
     std::vector<const char*> files;
     files.reserve(call.backups.size());
     for (const SBackup& backup : call.backups) {
         files.push_back(backup.file.c_str());
     }
+    // A list of no entries needs flags, too.
+    flags.reserve(1);
 
-    const CStandardOutputDiversion diversion;
     try {
         char* result = nullptr;
-        outcome.status = fi_process_backups(files.data(), call.configuration.c_str(), flags.data(),
-                                            static_cast<std::int32_t>(files.size()), &result);
+        outcome.status =
+            fi_process_backups(files.data(), call.configuration.c_str(), flags.data(), listSize, &result);
         const std::unique_ptr<char, SFree> selection(result);
         if (outcome.status == FI_STATUS_SUCCESS) {
             outcome.selection = selection.get();
         }
     } catch (const CFiUdidException& malformed) {
-        outcome.exception =
-            SException{malformed.identifier, malformed.code, std::string(identifierFault(malformed.code))};
+        outcome.exception = SException{
+            malformed.identifier, malformed.code, std::string(identifierFault(malformed.code)), {}, false};
+    } catch (const std::bad_alloc& shortage) {
+        outcome.exception = SException{{}, {}, shortage.what(), {}, true};
     } catch (const std::exception& other) {
-        outcome.exception = SException{std::nullopt, std::nullopt, other.what()};
+        outcome.exception = SException{{}, {}, other.what(), {}, false};
+    } catch (const abi::__forced_unwind&) {
+        // The thread ends, by pthread_exit in a trace function.
+        throw;
     } catch (...) {
-        outcome.exception = SException{std::nullopt, std::nullopt, "an exception of an unknown type"};
+        // The only one is the XML library's for a shortage of memory.
+        outcome.exception = SException{{}, {}, "memory ran out in the XML library", {}, true};
     }
 }
-
-constexpr int kFailureLevel = 3;
 
 std::string formatted(const char* format, std::va_list arguments) {
     std::va_list again;
@@ -105,35 +100,115 @@ std::string withoutLineEnd(std::string text) {
     return text;
 }
 
+// What the library's texts mean, by their addresses: a trace has many million lines, but all of them are made
+// of a few dozen literals of the library's.
+template <typename Meaning>
+class CMeanings {
+public:
+    explicit CMeanings(Meaning (*ofLiteral)(const char*)) : find(ofLiteral) {}
+
+    Meaning of(const char* literal) {
+        const auto address = reinterpret_cast<std::uintptr_t>(literal);
+        SSlot& slot = slots[(address ^ address / kSlots) % kSlots];
+        if (slot.literal != literal) {
+            slot = {literal, find(literal)};
+        }
+        return slot.meaning;
+    }
+
+private:
+    static constexpr std::size_t kSlots = 256;
+    struct SSlot {
+        const char* literal = nullptr;
+        Meaning meaning = {};
+    };
+
+    Meaning (*find)(const char*);
+    std::array<SSlot, kSlots> slots;
+};
+
+// The operations of the library whose entry or exit tells something of a document.
+enum class EOperation { kOther, kParse, kEndElement, kFatalError };
+
+EOperation operationOf(const char* name) {
+    if (std::strcmp(name, "CFiFiidParser::parse") == 0) {
+        return EOperation::kParse;
+    }
+    if (std::strcmp(name, "CFiFiidHandler::endElement") == 0) {
+        return EOperation::kEndElement;
+    }
+    return std::strcmp(name, "CFiFiidHandler::fatalError") == 0 ? EOperation::kFatalError
+                                                                : EOperation::kOther;
+}
+
+// The arguments of one line, without its being formatted.
+class CArguments {
+public:
+    const TraceArguments& read(std::string_view format, std::va_list arguments) {
+        taken.clear();
+        std::size_t numbersInUse = 0;
+        for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
+            if (format[at + 1] == 'd') {
+                auto& number = numbers.at(numbersInUse++);
+                const auto end = std::to_chars(number.begin(), number.end(), va_arg(arguments, int));
+                taken.emplace_back(number.data(), static_cast<std::size_t>(end.ptr - number.data()));
+            } else {
+                taken.emplace_back(va_arg(arguments, const char*));
+            }
+        }
+        return taken;
+    }
+
+private:
+    // No line holds more numbers than one, and none of them more digits.
+    std::array<std::array<char, 12>, 2> numbers{};
+    TraceArguments taken;
+};
+
 // Receives the library's trace from its construction to its destruction; at most one exists at a time.
-// Lines are formatted only where somebody reads them: the trace of a large document is many times its
-// size.
+// Lines are told by their formats, and formatted only where somebody reads them: the trace of a large
+// document is many times its size.
 class CTraceReceiver {
 public:
-    // Each call is written to every stream of `streams`, which are borrowed. `reader`, which is borrowed and
-    // may be null, gets each text without its line end.
-    CTraceReceiver(std::vector<std::FILE*> streams, CAccountReader* reader);
+    // `wishes` is borrowed, and `reader` too, which may be null.
+    CTraceReceiver(const SWishes& wishes, CAccountReader* reader);
     ~CTraceReceiver();
     CTraceReceiver(const CTraceReceiver&) = delete;
     CTraceReceiver& operator=(const CTraceReceiver&) = delete;
 
     void receive(int level, const char* format, std::va_list arguments);
 
+    // Documents that the reader came to, in order.
+    std::vector<SReading> readings;
     // Names of the documents that were loaded, in order.
     std::vector<std::string> loaded;
+    // How many of these were checked.
+    std::size_t checked = 0;
     // The failures that the library told of.
     std::vector<std::string> failures;
+    // What the sink threw; it is not asked again.
+    std::exception_ptr sinkFailure;
 
 private:
-    std::vector<std::FILE*> outputs;
+    void tell(int level, const char* format, std::va_list arguments);
+    void follow(const char* format, std::va_list arguments);
+    void enter(EOperation operation);
+    void leave(EOperation operation);
+
+    const SWishes& wished;
     CAccountReader* account;
+    CMeanings<std::optional<ETraceText>> texts{kindOf};
+    CMeanings<EOperation> operations{operationOf};
+    CArguments lastArguments;
+    // Of the end of one element.
+    int exits = 0;
 };
 
 // The library's trace call has no context argument, so its receiver must be reachable without one.
 CTraceReceiver* activeReceiver = nullptr;
 
-CTraceReceiver::CTraceReceiver(std::vector<std::FILE*> streams, CAccountReader* reader)
-    : outputs(std::move(streams)), account(reader) {
+CTraceReceiver::CTraceReceiver(const SWishes& wishes, CAccountReader* reader)
+    : wished(wishes), account(reader) {
     if (activeReceiver != nullptr) {
         throw std::logic_error("the trace has a receiver already");
     }
@@ -145,27 +220,83 @@ CTraceReceiver::~CTraceReceiver() {
 }
 
 void CTraceReceiver::receive(int level, const char* format, std::va_list arguments) {
-    const bool isFailure = level == kFailureLevel && format != formatOf(ETraceText::kFlagWord);
-    const bool isLoaded = format == formatOf(ETraceText::kParsed);
-    if (outputs.empty() && account == nullptr && !isFailure && !isLoaded) {
-        return;
-    }
-    if (isLoaded) {
+    const bool isWished = wished.trace != nullptr && level <= wished.traceLevel;
+    if (isWished || level == kFailureLevel) {
         std::va_list again;
         va_copy(again, arguments);
-        loaded.emplace_back(va_arg(again, const char*));
+        tell(level, format, again);
         va_end(again);
     }
+    follow(format, arguments);
+}
+
+void CTraceReceiver::tell(int level, const char* format, std::va_list arguments) {
     const std::string text = withoutLineEnd(formatted(format, arguments));
-    if (isFailure) {
+    if (level == kFailureLevel && format != formatOf(ETraceText::kFlagWord)) {
         failures.push_back(text);
     }
-    if (account != nullptr) {
-        account->read(text);
+    if (wished.trace == nullptr || level > wished.traceLevel || sinkFailure != nullptr) {
+        return;
     }
-    const std::string line = outputs.empty() ? "" : toTraceLine(level, text);
-    for (std::FILE* const output : outputs) {
-        std::fwrite(line.data(), 1, line.size(), output);
+    try {
+        wished.trace(level, text);
+    } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
+        sinkFailure = std::current_exception();
+    }
+}
+
+void CTraceReceiver::follow(const char* format, std::va_list arguments) {
+    const std::optional<ETraceText> kind = texts.of(format);
+    if (!kind.has_value()) {
+        return;
+    }
+    switch (*kind) {
+        case ETraceText::kEntering:
+            enter(operations.of(va_arg(arguments, const char*)));
+            return;
+        case ETraceText::kExiting:
+            leave(operations.of(va_arg(arguments, const char*)));
+            return;
+        case ETraceText::kMalformedDocument: {
+            const TraceArguments& place = lastArguments.read(format, arguments);
+            readings.back().fault = fmt::format("line {}, column {}: {}", place[0], place[1], place[2]);
+            return;
+        }
+        default:
+            break;
+    }
+    const bool isLoaded = *kind == ETraceText::kParsed;
+    if (account == nullptr && !isLoaded) {
+        checked += *kind == ETraceText::kCheckPassed || *kind == ETraceText::kCheckFailed ? 1 : 0;
+        return;
+    }
+    const TraceArguments& taken = lastArguments.read(format, arguments);
+    checked += *kind == ETraceText::kCheckPassed || *kind == ETraceText::kCheckFailed ? 1 : 0;
+    if (isLoaded) {
+        loaded.emplace_back(taken[0]);
+    }
+    if (account != nullptr) {
+        account->take(*kind, taken);
+    }
+}
+
+void CTraceReceiver::enter(EOperation operation) {
+    exits = 0;
+    if (operation == EOperation::kParse) {
+        readings.emplace_back();
+    } else if (operation == EOperation::kFatalError) {
+        readings.back().isMalformed = true;
+    }
+}
+
+// The end of an element is traced once; once more when it ends a Node that stands in no other; and once more
+// when such a Node has ended before.
+void CTraceReceiver::leave(EOperation operation) {
+    constexpr int kExitsOfFurtherRoot = 3;
+    if (operation == EOperation::kEndElement && ++exits == kExitsOfFurtherRoot) {
+        readings.back().hasSeveralRoots = true;
     }
 }
 
@@ -175,37 +306,54 @@ void forward(int level, const char* format, std::va_list arguments) {
     }
 }
 
+// What the trace tells of the documents and of a malformed identifier.
+void giveReadings(const CTraceReceiver& trace, SOutcome& outcome) {
+    const std::set<std::string_view> loaded(trace.loaded.begin(), trace.loaded.end());
+    for (std::size_t i = 0; i < outcome.backups.size(); ++i) {
+        SBackupOutcome& backup = outcome.backups[i];
+        backup.isLoaded = loaded.count(backup.given.file) != 0;
+        if (i < trace.readings.size()) {
+            backup.reading = trace.readings[i];
+        }
+    }
+    const bool isNamed = outcome.exception.has_value() && outcome.exception->identifier.has_value();
+    if (isNamed && trace.checked < trace.loaded.size()) {
+        const auto found = std::find_if(outcome.backups.begin(), outcome.backups.end(),
+                                        [&file = trace.loaded[trace.checked]](const SBackupOutcome& backup) {
+                                            return backup.given.file == file;
+                                        });
+        outcome.exception->backup = static_cast<std::size_t>(found - outcome.backups.begin());
+    }
+}
+
 }  // namespace
 
-SOutcome runCall(const SCall& call, const std::vector<std::FILE*>& traceOutputs, bool wantsAccount) {
+SOutcome runCall(const SCall& call, const SWishes& wishes) {
+    SOutcome outcome;
     std::vector<std::int32_t> flags;
     flags.reserve(call.backups.size());
     for (const SBackup& backup : call.backups) {
         flags.push_back(backup.flagWord);
+        outcome.backups.emplace_back().given = backup;
     }
 
-    SOutcome outcome;
-    std::set<std::string> loaded;
+    CAccountReader reader;
     {
-        CAccountReader reader;
-        CTraceReceiver trace(traceOutputs, wantsAccount ? &reader : nullptr);
-        callLibrary(call, flags, outcome);
-        loaded.insert(trace.loaded.begin(), trace.loaded.end());
+        CTraceReceiver trace(wishes, wishes.account ? &reader : nullptr);
+        callLibrary(call, sizeOfList(call, wishes), flags, outcome);
+        if (trace.sinkFailure != nullptr) {
+            std::rethrow_exception(trace.sinkFailure);
+        }
+        giveReadings(trace, outcome);
         outcome.messages = std::move(trace.failures);
-        if (wantsAccount) {
-            outcome.account = explain(std::move(reader));
-        }
     }
-
     for (std::size_t i = 0; i < flags.size(); ++i) {
-        SBackupOutcome& backup = outcome.backups.emplace_back();
-        backup.given = call.backups[i];
-        backup.isLoaded = loaded.count(backup.given.file) != 0;
-        if (backup.isLoaded && outcome.status == FI_STATUS_SUCCESS) {
-            backup.state = flags[i];
+        if (outcome.backups[i].isLoaded && outcome.status == FI_STATUS_SUCCESS) {
+            outcome.backups[i].state = flags[i];
         }
     }
-    if (wantsAccount) {
+    if (wishes.account) {
+        outcome.account = explain(std::move(reader));
         giveReasons(outcome);
     }
     return outcome;

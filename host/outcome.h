@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,6 +14,15 @@
 // What one call of the library came to, as facts that every renderer shows alike.
 namespace fi_rotate {
 
+// What the reader of the library found in a document.
+struct SReading {
+    bool isMalformed = false;
+    // What is wrong with a malformed one and where, if the library says so.
+    std::string fault;
+    // It has more than one Node that stands in no other.
+    bool hasSeveralRoots = false;
+};
+
 // What became of an earlier backup.
 struct SBackupOutcome {
     SBackup given;
@@ -24,6 +34,8 @@ struct SBackupOutcome {
     std::optional<std::int32_t> state;
     // Why it came to its state; nothing unless asked for and known.
     std::optional<SReason> reason;
+    // Nothing when the reader did not come to its document: that or one before it could not be opened.
+    std::optional<SReading> reading = std::nullopt;
 };
 
 // What left the library in place of a status.
@@ -32,6 +44,10 @@ struct SException {
     std::optional<std::string> identifier;
     std::optional<std::int32_t> code;
     std::string reason;
+    // The place in SOutcome::backups of the one whose document holds it.
+    std::optional<std::size_t> backup;
+    // Memory ran out.
+    bool isShortage = false;
 };
 
 struct SOutcome {

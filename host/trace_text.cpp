@@ -25,13 +25,20 @@ struct STraceText {
 constexpr std::size_t kTextCount = static_cast<std::size_t>(ETraceText::kCount);
 
 constexpr std::array<STraceText, kTextCount> kTexts{{
+    {ETraceText::kEntering, ELevel::kProgress, "Entering %s\n"},
+    {ETraceText::kExiting, ELevel::kProgress, "Exiting %s\n"},
+    {ETraceText::kNodeObjid, ELevel::kProgress, "%s [%s]", ESplit::kFirst},
+    {ETraceText::kNodeAltobjid, ELevel::kProgress, "%s {%s}", ESplit::kFirst},
+    {ETraceText::kNodeType, ELevel::kProgress, "%s <%d %s>", ESplit::kFirst},
+    {ETraceText::kTarget, ELevel::kProgress, "CFiResourceParser::parse : [%s][%s]", ESplit::kFirst},
+    {ETraceText::kFirstTarget, ELevel::kProgress, "[%s:%s](%s)"},
+    {ETraceText::kFurtherTarget, ELevel::kProgress, "{%s,%s}"},
     {ETraceText::kInvalidParameter, ELevel::kFailure, "fi_process_backups : Invalid/empty parameter"},
     {ETraceText::kNoSpecification, ELevel::kFailure,
      "CFiResourceParser::parse : Resource specification is null."},
     {ETraceText::kNoConfiguration, ELevel::kFailure,
      "CFiResourceParser::parse : Invalid resource specification [%s]"},
     {ETraceText::kConfiguration, ELevel::kProgress, "CFiResourceParser::parse : Resource specification [%s]"},
-    {ETraceText::kTarget, ELevel::kProgress, "CFiResourceParser::parse : [%s][%s]", ESplit::kFirst},
     {ETraceText::kNoTargets, ELevel::kFailure,
      "CFiResourceParser::parse : resource configuration \"%s\" has no targets specified."},
     {ETraceText::kNoDevice, ELevel::kFailure,
@@ -43,13 +50,10 @@ constexpr std::array<STraceText, kTextCount> kTexts{{
     {ETraceText::kNoResource, ELevel::kFailure, "fi_process_backups : no resource is available"},
     {ETraceText::kFlagWord, ELevel::kFailure, "fi_process_backups :  Fiid [%s] exclude rotation flag [%d] "},
     {ETraceText::kCannotLoad, ELevel::kFailure, "CFiFiidLoader::load: ERROR: failed to load FIID file"},
+    {ETraceText::kMalformedDocument, ELevel::kFailure,
+     "CFiFiidHandler::fatalError : line %s, column %s : %s"},
     {ETraceText::kParsed, ELevel::kProgress, "fi_process_backups : parsed [%s]"},
-    {ETraceText::kNodeObjid, ELevel::kProgress, "%s [%s]", ESplit::kFirst},
-    {ETraceText::kNodeAltobjid, ELevel::kProgress, "%s {%s}", ESplit::kFirst},
-    {ETraceText::kNodeType, ELevel::kProgress, "%s <%d %s>", ESplit::kFirst},
     {ETraceText::kResourceSet, ELevel::kProgress, "CFiResourceManager::print : printing resource set"},
-    {ETraceText::kFirstTarget, ELevel::kProgress, "[%s:%s](%s)"},
-    {ETraceText::kFurtherTarget, ELevel::kProgress, "{%s,%s}"},
     {ETraceText::kMalformedIdentifier, ELevel::kFailure, "ERROR: %s"},
     {ETraceText::kCheckPassed, ELevel::kProgress, "fi_process_backups : [RESOURCES MATCH] [%s]"},
     {ETraceText::kCheckFailed, ELevel::kProgress, "fi_process_backups : [INVALID RESOURCES] [%s]"},
@@ -125,6 +129,13 @@ std::optional<TraceArguments> split(std::string_view inner, const std::vector<st
 
 std::string_view formatOf(ETraceText kind) {
     return rowOf(kind).format;
+}
+
+std::optional<ETraceText> kindOf(const char* format) {
+    const auto* const row = std::find_if(kTexts.begin(), kTexts.end(), [format](const STraceText& candidate) {
+        return candidate.format.front() == *format && candidate.format == format;
+    });
+    return row != kTexts.end() ? std::optional(row->kind) : std::nullopt;
 }
 
 std::optional<TraceArguments> argumentsOf(ETraceText kind, std::string_view text) {

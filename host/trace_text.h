@@ -11,13 +11,25 @@
 // and the reader of logs know them from this one table; a test compares it with what the library writes.
 namespace fi_rotate {
 
-// Each has a row in trace_text.cpp, in this order.
+// The levels of the library's lines.
+constexpr int kFailureLevel = 3;
+constexpr int kProgressLevel = 4;
+
+// Each has a row in trace_text.cpp, in this order: those of which a call has most come first, since a line is
+// looked for from the beginning.
 enum class ETraceText {
+    kEntering,
+    kExiting,
+    kNodeObjid,
+    kNodeAltobjid,
+    kNodeType,
+    kTarget,
+    kFirstTarget,
+    kFurtherTarget,
     kInvalidParameter,
     kNoSpecification,
     kNoConfiguration,
     kConfiguration,
-    kTarget,
     kNoTargets,
     kNoDevice,
     kNoEnclosure,
@@ -25,13 +37,9 @@ enum class ETraceText {
     kNoResource,
     kFlagWord,
     kCannotLoad,
+    kMalformedDocument,
     kParsed,
-    kNodeObjid,
-    kNodeAltobjid,
-    kNodeType,
     kResourceSet,
-    kFirstTarget,
-    kFurtherTarget,
     kMalformedIdentifier,
     kCheckPassed,
     kCheckFailed,
@@ -46,6 +54,8 @@ enum class ETraceText {
 
 // The format that the library passes to the trace facility.
 std::string_view formatOf(ETraceText kind);
+// Which text has this format; nothing when it is none of the table's.
+std::optional<ETraceText> kindOf(const char* format);
 
 // What `text` holds in the places of the format's conversions; nothing when it is another line. Texts of the
 // host's may stand in several places, so that a line can have several readings: names of files and

@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <limits>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -22,6 +24,12 @@ extern "C" void noteSignal(int signal) {
 constexpr std::chrono::milliseconds kFirst{1000};
 constexpr std::chrono::milliseconds kBetween{100};
 constexpr std::size_t kBarWidth = 30;
+
+// What was written before must not follow what is diverted.
+int duplicateStandardOutput() {
+    std::fflush(stdout);
+    return dup(STDOUT_FILENO);
+}
 
 }  // namespace
 
@@ -83,6 +91,18 @@ void CProgress::show(std::size_t done, std::size_t all, const std::string& what)
     fmt::print(stderr, "\r{:<{}}", line, shown);
     std::fflush(stderr);
     shown = std::max(shown, line.size());
+}
+
+CStandardOutputDiversion::CStandardOutputDiversion() : saved(duplicateStandardOutput()) {
+    if (saved == -1 || dup2(STDERR_FILENO, STDOUT_FILENO) == -1) {
+        throw std::system_error(errno, std::generic_category(), "cannot divert standard output");
+    }
+}
+
+CStandardOutputDiversion::~CStandardOutputDiversion() {
+    std::fflush(stdout);
+    dup2(saved, STDOUT_FILENO);
+    close(saved);
 }
 
 }  // namespace fi_rotate

@@ -53,4 +53,18 @@ private:
     std::size_t shown = 0;
 };
 
+// Standard output stands for standard error from construction to destruction: the library prints a line of
+// its own there, and standard output is for what was asked for.
+class CStandardOutputDiversion {
+public:
+    // Throws std::system_error.
+    CStandardOutputDiversion();
+    ~CStandardOutputDiversion();
+    CStandardOutputDiversion(const CStandardOutputDiversion&) = delete;
+    CStandardOutputDiversion& operator=(const CStandardOutputDiversion&) = delete;
+
+private:
+    int saved;
+};
+
 }  // namespace fi_rotate

@@ -32,6 +32,7 @@
 #include "cli/picture/svg.h"
 #include "host/library_call.h"
 #include "host/outcome.h"
+#include "host/trace_text.h"
 
 namespace fi_rotate {
 namespace {
@@ -174,6 +175,27 @@ bool saveRequest(const SCall& call, const std::optional<std::string>& file) {
     return commitOrReport(*openOutput("--save-request", file), text);
 }
 
+// To standard error, to a file, to both or to nobody.
+TraceSink traceSinkOf(bool isShown, COutputFile* file) {
+    if (!isShown && file == nullptr) {
+        return nullptr;
+    }
+    return [isShown, file](int level, const std::string& text) {
+        const std::string line = toTraceLine(level, text);
+        if (isShown) {
+            std::fwrite(line.data(), 1, line.size(), stderr);
+        }
+        if (file != nullptr) {
+            std::fwrite(line.data(), 1, line.size(), file->stream());
+        }
+    };
+}
+
+SOutcome makeCall(const SCall& call, const SWishes& wishes) {
+    const CStandardOutputDiversion diversion;
+    return runCall(call, wishes);
+}
+
 int runSelect(const SOptions& options) {
     const SCall call = callOf(options);
     const auto trace = openOutput("--trace-file", options.traceFile);
@@ -182,14 +204,10 @@ int runSelect(const SOptions& options) {
         return kExitNotWritten;
     }
 
-    std::vector<std::FILE*> traceOutputs;
-    if (options.trace) {
-        traceOutputs.push_back(stderr);
-    }
-    if (trace != nullptr) {
-        traceOutputs.push_back(trace->stream());
-    }
-    SOutcome outcome = runCall(call, traceOutputs, options.explain || svg != nullptr);
+    SWishes wishes;
+    wishes.account = options.explain || svg != nullptr;
+    wishes.trace = traceSinkOf(options.trace, trace.get());
+    SOutcome outcome = makeCall(call, wishes);
     readTimeStamps(outcome.backups);
     const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
     if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {

@@ -184,7 +184,7 @@ void CLogReader::endDecision() {
     outcome.selection = account.account.selection;
     outcome.status = isFirstBackup ? firstBackupStatus(outcome.messages) : statusOf(account);
     if (account.malformed.has_value()) {
-        outcome.exception = SException{account.malformed, std::nullopt, "it is malformed"};
+        outcome.exception = SException{account.malformed, {}, "it is malformed", {}, false};
     }
     call.missing = account.gaps();
     outcome.backups = backupsOf(account, call.missing);

@@ -12,6 +12,7 @@
 
 #include "cli/base/calendar.h"
 #include "cli/base/file.h"
+#include "cli/base/terminal.h"
 #include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
 #include "host/library_call.h"
@@ -20,11 +21,12 @@
 namespace fi_rotate {
 namespace {
 
-// Without a Node it takes no part; but a call that is handed a document traces its configuration.
-constexpr const char* kDocumentWithoutNode = "<snapshotBackup/>\n";
-
 SOutcome call(const SCall& arguments, bool wantsAccount) {
-    SOutcome outcome = runCall(arguments, {}, wantsAccount);
+    const CStandardOutputDiversion diversion;
+    SWishes wishes;
+    wishes.account = wantsAccount;
+    wishes.configurationsOfFirstBackup = wantsAccount;
+    SOutcome outcome = runCall(arguments, wishes);
     if (outcome.exception.has_value()) {
         throw CLibraryFailure("an exception left the library: " + outcome.exception->reason);
     }
@@ -32,10 +34,9 @@ SOutcome call(const SCall& arguments, bool wantsAccount) {
 }
 
 // The account of a call without earlier backups.
-SAccount accountOfFirstCall(const std::string& configuration, const CTemporaryFolder& folder) {
+SAccount accountOfFirstCall(const std::string& configuration) {
     SCall arguments;
     arguments.configuration = configuration;
-    arguments.backups.push_back({folder.write("none.xml", kDocumentWithoutNode), 0});
     SOutcome outcome = call(arguments, true);
     for (const std::string& message : outcome.messages) {
         if (isOfParser(message)) {
@@ -56,7 +57,7 @@ class CRounds {
 public:
     explicit CRounds(const SPlan& plan) {
         simulation.plan = plan;
-        firstCall = accountOfFirstCall(plan.configuration, folder);
+        firstCall = accountOfFirstCall(plan.configuration);
         simulation.configurations = firstCall.configurations;
     }
 

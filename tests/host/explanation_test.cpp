@@ -19,6 +19,12 @@
 
 namespace {
 
+fi_rotate::SWishes withAccount() {
+    fi_rotate::SWishes wishes;
+    wishes.account = true;
+    return wishes;
+}
+
 using fi_rotate::EReason;
 using fi_rotate::runCall;
 using fi_rotate::SAccountBackup;
@@ -42,7 +48,7 @@ protected:
 
     SOutcome explained(const std::string& configuration) {
         call.configuration = configuration;
-        return runCall(call, {}, true);
+        return runCall(call, withAccount());
     }
 
     static const SReason& reasonFor(const SOutcome& outcome, std::size_t place) {
@@ -195,7 +201,7 @@ TEST_F(HostExplanation, AgreesWithTheLibraryOnRandomCalls) {
     unsigned withoutSelection = 0;
     for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
         SCOPED_TRACE(seed);
-        const SOutcome outcome = runCall(CRandomCall(seed, folder).make(), {}, true);
+        const SOutcome outcome = runCall(CRandomCall(seed, folder).make(), withAccount());
         ASSERT_TRUE(outcome.account.has_value());
         EXPECT_EQ(outcome.account->selection, outcome.selection);
         if (outcome.exception.has_value()) {

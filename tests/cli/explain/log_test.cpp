@@ -21,7 +21,6 @@
 
 namespace {
 
-using fi_rotate::CFile;
 using fi_rotate::CLogReader;
 using fi_rotate::SAccountBackup;
 using fi_rotate::SCall;
@@ -68,19 +67,13 @@ class FiRotateLog : public testing::Test {
 protected:
     // Makes the call; `lines` gets its trace as fi-rotate writes it.
     SOutcome traced(const SCall& call, std::vector<std::string>& lines) {
-        const std::string file = folder.path("trace");
-        SOutcome outcome;
-        {
-            const CFile trace(std::fopen(file.c_str(), "w"));
-            outcome = runCall(call, {trace.get()}, true);
-        }
-        const std::string text = fi_rotate::readFile(file).value();
-        for (std::size_t begin = 0; begin < text.size();) {
-            const std::size_t end = text.find('\n', begin);
-            lines.push_back(text.substr(begin, end - begin));
-            begin = end + 1;
-        }
-        return outcome;
+        fi_rotate::SWishes wishes;
+        wishes.account = true;
+        wishes.trace = [&lines](int level, const std::string& text) {
+            const std::string line = fi_rotate::toTraceLine(level, text);
+            lines.push_back(line.substr(0, line.size() - 1));
+        };
+        return runCall(call, wishes);
     }
 
     // Three backups of one configuration with two targets: the newest holds one, the one before lost its

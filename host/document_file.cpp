@@ -1,0 +1,138 @@
+#include "host/document_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "host/host.h"
+
+namespace fi_rotate {
+namespace {
+
+bool isSameTime(const timespec& one, const timespec& other) {
+    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
+class CDescriptor {
+public:
+    // Without waiting for whoever writes to a pipe of this name.
+    explicit CDescriptor(const std::string& file)
+        : number(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)) {}
+    ~CDescriptor() {
+        if (number != -1) {
+            close(number);
+        }
+    }
+    CDescriptor(const CDescriptor&) = delete;
+    CDescriptor& operator=(const CDescriptor&) = delete;
+
+    // -1 when it could not be opened.
+    const int number;
+};
+
+SDocumentFile withProblem(SDocumentFile file, fi_rotation_problem problem, std::string fault) {
+    file.problem = problem;
+    file.fault = std::move(fault);
+    return file;
+}
+
+SDocumentFile cannotOpen() {
+    return withProblem({}, FI_ROTATION_CANNOT_OPEN,
+                       fmt::format("cannot be opened: {}", strerrordesc_np(errno)));
+}
+
+std::string_view kindOfFile(mode_t mode) {
+    if (S_ISDIR(mode)) {
+        return "a folder";
+    }
+    return S_ISFIFO(mode) ? "a pipe" : S_ISSOCK(mode) ? "a socket" : "a device";
+}
+
+SDocumentFile notAFile(mode_t mode) {
+    return withProblem({}, FI_ROTATION_NOT_A_FILE, fmt::format("is {}, not a file", kindOfFile(mode)));
+}
+
+SDocumentFile tooLarge(SDocumentFile file, std::uint64_t bytes, std::uint64_t mostBytes) {
+    return withProblem(std::move(file), FI_ROTATION_TOO_LARGE,
+                       fmt::format("has {} bytes; at most {} are allowed", bytes, mostBytes));
+}
+
+// A read that was interrupted is made again.
+ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
+    while (true) {
+        const ssize_t count = read(descriptor, buffer, size);
+        if (count >= 0 || errno != EINTR) {
+            return count;
+        }
+    }
+}
+
+// Of a file that is open and of a size within the limit.
+SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBytes) {
+    std::array<char, std::size_t{64} << 10> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::uint64_t bytes = 0;
+    ssize_t count = 0;
+    while ((count = readSome(descriptor, buffer.data(), buffer.size())) > 0) {
+        const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
+        const std::size_t nul = file.problem == 0 ? piece.find('\0') : std::string_view::npos;
+        if (nul != std::string_view::npos) {
+            file =
+                withProblem(std::move(file), FI_ROTATION_NUL_BYTE,
+                            fmt::format("holds a NUL byte at byte {}, as text in UTF-16 does", bytes + nul));
+        }
+        bytes += piece.size();
+        if (bytes > mostBytes) {
+            return tooLarge(std::move(file), bytes, mostBytes);
+        }
+    }
+    if (count < 0) {
+        return withProblem(std::move(file), FI_ROTATION_READ_ERROR,
+                           fmt::format("cannot be read after byte {}: {}", bytes, strerrordesc_np(errno)));
+    }
+    return file;
+}
+
+}  // namespace
+
+bool CFileIdentity::operator==(const CFileIdentity& other) const {
+    return seen.st_dev == other.seen.st_dev && seen.st_ino == other.seen.st_ino &&
+           seen.st_size == other.seen.st_size && isSameTime(seen.st_mtim, other.seen.st_mtim) &&
+           isSameTime(seen.st_ctim, other.seen.st_ctim);
+}
+
+SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes) {
+    struct stat state {};
+    if (stat(file.c_str(), &state) != 0) {
+        return cannotOpen();
+    }
+    if (!S_ISREG(state.st_mode)) {
+        return notAFile(state.st_mode);
+    }
+    const CDescriptor descriptor(file);
+    if (descriptor.number == -1 || fstat(descriptor.number, &state) != 0) {
+        return cannotOpen();
+    }
+    if (!S_ISREG(state.st_mode)) {
+        return notAFile(state.st_mode);
+    }
+    SDocumentFile inspected;
+    inspected.identity.emplace(state);
+    const auto size = static_cast<std::uint64_t>(state.st_size);
+    return size > mostBytes ? tooLarge(std::move(inspected), size, mostBytes)
+                            : readToEnd(descriptor.number, std::move(inspected), mostBytes);
+}
+
+std::optional<CFileIdentity> identityOf(const std::string& file) {
+    struct stat state {};
+    return stat(file.c_str(), &state) == 0 ? std::optional<CFileIdentity>(state) : std::nullopt;
+}
+
+}  // namespace fi_rotate

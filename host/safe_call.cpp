@@ -1,0 +1,355 @@
+#include "host/safe_call.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <new>
+#include <set>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "host/document_file.h"
+#include "host/process_lock.h"
+#include "host/trace_text.h"
+
+namespace fi_rotate {
+namespace {
+
+// Why the library rejects a configuration, with what the line of its trace holds.
+struct SRejection {
+    ETraceText kind;
+    std::string_view words;
+};
+
+constexpr std::array kRejections{
+    SRejection{ETraceText::kNoConfiguration, "the configuration \"{}\" names no target"},
+    SRejection{ETraceText::kNoTargets, "the configuration \"{}\" names no targets"},
+    SRejection{ETraceText::kNoDevice, "the configuration \"{}\" has a target without a device"},
+    SRejection{ETraceText::kNoEnclosure, "the configuration \"{}\" has a target without an enclosure"},
+};
+
+class CSafeCall {
+public:
+    CSafeCall(const SCall& inputs, const SWishes& wished, const SSafety& asked)
+        : call(inputs), wishes(wished), safety(asked) {}
+
+    SDecision decide() {
+        inspectDocuments();
+        run();
+        findProblems();
+        if (isRefused()) {
+            refuse();
+        } else {
+            nameConfigurations();
+            judge();
+        }
+        return std::move(decision);
+    }
+
+private:
+    void add(std::uint32_t kind, std::optional<std::size_t> backup, const std::string& words) {
+        const std::string text =
+            backup.has_value() ? fmt::format("{}: {}", call.backups[*backup].file, words) : words;
+        decision.problems.push_back({kind, backup, text});
+    }
+
+    bool isPermitted(std::uint32_t kind) const { return (safety.permitted & kind) != 0; }
+
+    bool isRefused() const {
+        return std::any_of(decision.problems.begin(), decision.problems.end(),
+                           [this](const SProblem& problem) { return !isPermitted(problem.kind); });
+    }
+
+    void inspectDocuments() {
+        for (std::size_t i = 0; i < call.backups.size(); ++i) {
+            SDocumentFile file = inspectDocument(call.backups[i].file, safety.mostBytes);
+            if (file.problem != 0) {
+                add(file.problem, i, file.fault);
+            }
+            identities.push_back(file.identity);
+        }
+        findListedTwice();
+    }
+
+    void findListedTwice() {
+        std::map<std::string_view, std::size_t> firstOfName;
+        std::map<CFileIdentity, std::size_t, CFileIdentity::SFileOrder> firstOfFile;
+        for (std::size_t i = 0; i < call.backups.size(); ++i) {
+            std::size_t first = firstOfName.emplace(call.backups[i].file, i).first->second;
+            if (first == i && identities[i].has_value()) {
+                first = firstOfFile.emplace(*identities[i], i).first->second;
+            }
+            if (first != i) {
+                add(FI_ROTATION_LISTED_TWICE, i,
+                    fmt::format("is listed before, as {}", call.backups[first].file));
+            }
+        }
+    }
+
+    // What cannot be used is left out, so that the rest is looked at nevertheless; nothing is decided then.
+    SCall usableCall() {
+        std::set<std::size_t> unusable;
+        for (const SProblem& problem : decision.problems) {
+            if (!isPermitted(problem.kind)) {
+                unusable.insert(*problem.backup);
+            }
+        }
+        SCall usable;
+        usable.configuration = call.configuration;
+        for (std::size_t i = 0; i < call.backups.size(); ++i) {
+            if (unusable.count(i) == 0) {
+                usable.backups.push_back(call.backups[i]);
+                placeInCall.push_back(i);
+            }
+        }
+        return usable;
+    }
+
+    void run() {
+        const SCall usable = usableCall();
+        SWishes wishesNow = wishes;
+        wishesNow.configurationsOfFirstBackup = true;
+        wishesNow.account = wishes.account || safety.leastKept != 0;
+        const CProcessLock lock;
+        decision.outcome = runCall(usable, wishesNow);
+        const bool isAccountNeeded = !decision.outcome.exception.has_value() && !isToldBySelection();
+        if (isAccountNeeded && !wishesNow.account) {
+            wishesNow.account = true;
+            wishesNow.trace = nullptr;
+            decision.outcome = runCall(usable, wishesNow);
+        }
+    }
+
+    // Otherwise it takes an account to tell what is short, or what the configurations are.
+    bool isToldBySelection() const {
+        return decision.outcome.selection.has_value() && choices(*decision.outcome.selection).has_value();
+    }
+
+    void findProblems() {
+        if (decision.outcome.exception.has_value()) {
+            findMalformedIdentifier(*decision.outcome.exception);
+        }
+        for (const std::string& message : decision.outcome.messages) {
+            findRejection(message);
+        }
+        for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
+            findInDocument(placeInCall[i], decision.outcome.backups[i]);
+        }
+        std::stable_sort(
+            decision.problems.begin(), decision.problems.end(),
+            [](const SProblem& one, const SProblem& other) { return one.backup < other.backup; });
+    }
+
+    void findMalformedIdentifier(const SException& exception) {
+        if (exception.isShortage) {
+            throw std::bad_alloc();
+        }
+        if (!exception.identifier.has_value()) {
+            throw std::runtime_error(exception.reason);
+        }
+        const auto backup =
+            exception.backup.has_value() ? std::optional(placeInCall[*exception.backup]) : std::nullopt;
+        add(FI_ROTATION_MALFORMED_IDENTIFIER, backup,
+            fmt::format("holds the malformed identifier \"{}\": {}", *exception.identifier,
+                        exception.reason));
+    }
+
+    void findRejection(const std::string& message) {
+        for (const SRejection& rejection : kRejections) {
+            if (const auto arguments = argumentsOf(rejection.kind, message)) {
+                add(FI_ROTATION_CONFIGURATION_REJECTED, std::nullopt,
+                    fmt::format(fmt::runtime(rejection.words), arguments->front()));
+            }
+        }
+    }
+
+    void findInDocument(std::size_t place, const SBackupOutcome& backup) {
+        const auto& reading = backup.reading;
+        if (!reading.has_value()) {
+            const bool isKnown = decision.outcome.exception.has_value() || isKnownProblem(place);
+            if (!isKnown) {
+                add(FI_ROTATION_CANNOT_OPEN, place,
+                    "was not read, because it or one before it could not be opened");
+            }
+            return;
+        }
+        if (reading->isMalformed) {
+            add(FI_ROTATION_NOT_WELL_FORMED, place, "is not well-formed XML: " + reading->fault);
+        }
+        if (!backup.isLoaded && (!reading->isMalformed || isPermitted(FI_ROTATION_NOT_WELL_FORMED))) {
+            add(FI_ROTATION_NO_NODE, place, "has no Node");
+        }
+        if (reading->hasSeveralRoots) {
+            add(FI_ROTATION_SEVERAL_ROOTS, place, "has several Nodes that stand in no other");
+        }
+        const auto& before = identities[place];
+        const auto after = identityOf(call.backups[place].file);
+        if (before.has_value() && !(after.has_value() && *before == *after)) {
+            add(FI_ROTATION_CHANGED, place, "changed while it was read");
+        }
+    }
+
+    bool isKnownProblem(std::size_t place) const {
+        return std::any_of(decision.problems.begin(), decision.problems.end(),
+                           [place](const SProblem& problem) {
+                               return problem.backup == place && problem.kind == FI_ROTATION_CANNOT_OPEN;
+                           });
+    }
+
+    void refuse() {
+        decision.kind = FI_ROTATION_REFUSED;
+        std::vector<std::string_view> texts;
+        for (const SProblem& problem : decision.problems) {
+            if (!isPermitted(problem.kind)) {
+                texts.push_back(problem.text);
+            }
+        }
+        decision.message = fmt::format("{}", fmt::join(texts, "\n"));
+        decision.outcome.selection.reset();
+    }
+
+    void nameConfigurations() {
+        const auto& account = decision.outcome.account;
+        if (account.has_value()) {
+            nameFromAccount(*account);
+        }
+        const auto chosen =
+            decision.outcome.selection.has_value() ? choices(*decision.outcome.selection) : std::nullopt;
+        if (!chosen.has_value()) {
+            return;
+        }
+        decision.configurations.resize(chosen->size());
+        for (std::size_t i = 0; i < chosen->size(); ++i) {
+            decision.configurations[i].first = (*chosen)[i].first;
+            decision.configurations[i].chosen = (*chosen)[i].chosen;
+        }
+    }
+
+    void nameFromAccount(const SAccount& account) {
+        const std::vector<std::size_t> places = placesOfLoaded();
+        for (std::size_t i = 0; i < account.configurations.size(); ++i) {
+            SConfigurationOfDecision& configuration = decision.configurations.emplace_back();
+            configuration.first = account.configurations[i].first;
+            const auto& targets = account.configurations[i].targets;
+            for (std::size_t j = 0; j < targets.size(); ++j) {
+                const auto& holder = account.heldAfter[i][j];
+                configuration.targets.push_back(
+                    {targets[j], holder.has_value() ? std::optional(places[*holder]) : std::nullopt});
+                if (!holder.has_value() && decision.outcome.selection.has_value() &&
+                    !configuration.chosen.has_value()) {
+                    configuration.chosen = targets[j];
+                }
+            }
+            configuration.kept = holdersAmong(account.heldAfter[i], {FI_BACKUP_KEPT}).size();
+        }
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            decision.outcome.backups[places[i]].timeStamp = account.backups[i].timeStamp;
+        }
+    }
+
+    // The places in the call of the backups that the account tells of.
+    std::vector<std::size_t> placesOfLoaded() const {
+        std::vector<std::size_t> places;
+        for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
+            if (decision.outcome.backups[i].isLoaded) {
+                places.push_back(i);
+            }
+        }
+        return places;
+    }
+
+    // Those of the holders of a configuration's targets that came to one of these states.
+    std::set<std::size_t> holdersAmong(const std::vector<std::optional<std::size_t>>& holders,
+                                       const std::set<std::int32_t>& states) const {
+        std::set<std::size_t> found;
+        for (const auto& holder : holders) {
+            if (holder.has_value() && states.count(decision.outcome.account->backups[*holder].state) != 0) {
+                found.insert(*holder);
+            }
+        }
+        return found;
+    }
+
+    void judge() {
+        if (!decision.outcome.selection.has_value()) {
+            decision.kind = FI_ROTATION_NO_FREE_TARGET;
+            decision.message = shortageInWords();
+            return;
+        }
+        if (const std::string loss = lossInWords(); !loss.empty()) {
+            decision.kind = FI_ROTATION_TOO_FEW_BACKUPS;
+            decision.message = loss;
+            decision.outcome.selection.reset();
+            for (SBackupOutcome& backup : decision.outcome.backups) {
+                backup.state.reset();
+            }
+            for (SConfigurationOfDecision& configuration : decision.configurations) {
+                configuration.chosen.reset();
+            }
+            return;
+        }
+        decision.kind = FI_ROTATION_SELECTED;
+        decision.message = "every configuration has a free target";
+    }
+
+    std::string shortageInWords() const {
+        std::vector<std::string> lines;
+        for (const SShortage& shortage : decision.outcome.account->shortages) {
+            const SConfigurationOfDecision& configuration = decision.configurations[shortage.configuration];
+            if (shortage.targets.empty()) {
+                lines.push_back(configuration.first + " has no targets for its snapshots");
+                continue;
+            }
+            std::vector<std::string> held;
+            for (const SHeldTarget& target : shortage.targets) {
+                const STargetOfDecision& named = configuration.targets[target.target];
+                held.push_back(fmt::format("{} is held by {}, which is {}", named.name,
+                                           call.backups[*named.holder].file,
+                                           target.isExcluded ? "excluded from rotation" : "invalid"));
+            }
+            lines.push_back(
+                fmt::format("no target of {} is free: {}", configuration.first, fmt::join(held, "; ")));
+        }
+        return fmt::format("{}", fmt::join(lines, "\n"));
+    }
+
+    // Of each configuration that would keep fewer backups than asked for; empty when there is none.
+    std::string lossInWords() const {
+        std::vector<std::string> lines;
+        for (std::size_t i = 0; safety.leastKept != 0 && i < decision.configurations.size(); ++i) {
+            const SConfigurationOfDecision& configuration = decision.configurations[i];
+            const std::size_t before =
+                holdersAmong(decision.outcome.account->heldBefore[i], {FI_BACKUP_KEPT, FI_BACKUP_ROTATED})
+                    .size();
+            if (*configuration.kept < std::min(before, safety.leastKept)) {
+                lines.push_back(fmt::format("{} would keep {} of its {} backups; at least {} must remain",
+                                            configuration.first, *configuration.kept, before,
+                                            std::min(before, safety.leastKept)));
+            }
+        }
+        return fmt::format("{}", fmt::join(lines, "\n"));
+    }
+
+    const SCall& call;
+    const SWishes& wishes;
+    const SSafety& safety;
+    // By place in the call.
+    std::vector<std::optional<CFileIdentity>> identities;
+    // Of the backups that the library was handed, their places in the call.
+    std::vector<std::size_t> placeInCall;
+    SDecision decision;
+};
+
+}  // namespace
+
+SDecision decideSafely(const SCall& call, const SWishes& wishes, const SSafety& safety) {
+    return CSafeCall(call, wishes, safety).decide();
+}
+
+}  // namespace fi_rotate

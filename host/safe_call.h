@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/call.h"
+#include "host/host.h"
+#include "host/library_call.h"
+#include "host/outcome.h"
+
+// The call of the library made safe: decided from whole inputs or not at all.
+namespace fi_rotate {
+
+struct SSafety {
+    // Values of fi_rotation_problem.
+    std::uint32_t permitted = 0;
+    std::uint64_t mostBytes = std::uint64_t{128} << 20;
+    // Kept backups of each configuration; one that has fewer may not lose any.
+    std::size_t leastKept = 0;
+};
+
+struct SProblem {
+    // A value of fi_rotation_problem.
+    std::uint32_t kind = 0;
+    // Its place in the call; nothing for the configuration.
+    std::optional<std::size_t> backup;
+    std::string text;
+};
+
+struct STargetOfDecision {
+    // ENCLOSURE##DEVICE.
+    std::string name;
+    // The place in the call of the backup that holds it in the end; nothing when it is free.
+    std::optional<std::size_t> holder;
+};
+
+struct SConfigurationOfDecision {
+    std::string first;
+    std::optional<std::string> chosen;
+    // Kept backups that hold one of its targets; nothing when not asked for.
+    std::optional<std::size_t> kept;
+    std::vector<STargetOfDecision> targets;
+};
+
+struct SDecision {
+    fi_rotation_outcome kind = FI_ROTATION_FAILED;
+    // In words.
+    std::string message;
+    std::vector<SProblem> problems;
+    // As many backups as the call has when the inputs are whole; states and a selection only with
+    // FI_ROTATION_SELECTED.
+    SOutcome outcome;
+    std::vector<SConfigurationOfDecision> configurations;
+};
+
+// Throws std::bad_alloc, what the sink of the trace throws, and what CProcessLock does.
+SDecision decideSafely(const SCall& call, const SWishes& wishes, const SSafety& safety);
+
+}  // namespace fi_rotate
