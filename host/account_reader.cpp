@@ -283,8 +283,11 @@ bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
     if (!account.selection.has_value()) {
         return false;
     }
-    if (const auto place = next("final", arguments[0])) {
-        account.backups[*place].state = numberIn(arguments[1]);
+    // Of a name that is listed twice only one copy can have been claimed, and the trace does not tell in
+    // which order the two come: their states do.
+    const std::int32_t state = numberIn(arguments[1]);
+    if (const auto place = next(state == FI_BACKUP_INVALID ? "final, invalid" : "final", arguments[0])) {
+        account.backups[*place].state = state;
         oldestFirst.push_back(*place);
     }
     return true;
@@ -317,8 +320,8 @@ std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::stri
     while (done < all.size()) {
         const std::size_t place = all[done++];
         // A pass asks only for those that the passes before left in play.
-        const bool isOut =
-            pass != "check" && pass != "final" && account.backups[place].state != FI_BACKUP_KEPT;
+        const std::int32_t wanted = pass == "final, invalid" ? FI_BACKUP_INVALID : FI_BACKUP_KEPT;
+        const bool isOut = pass != "check" && account.backups[place].state != wanted;
         if (!isOut) {
             return place;
         }
