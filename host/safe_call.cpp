@@ -232,7 +232,7 @@ private:
     }
 
     void nameFromAccount(const SAccount& account) {
-        const std::vector<std::size_t> places = placesOfLoaded();
+        const std::vector<std::size_t> places = placesOf(account);
         for (std::size_t i = 0; i < account.configurations.size(); ++i) {
             SConfigurationOfDecision& configuration = decision.configurations.emplace_back();
             configuration.first = account.configurations[i].first;
@@ -253,11 +253,16 @@ private:
         }
     }
 
-    // The places in the call of the backups that the account tells of.
-    std::vector<std::size_t> placesOfLoaded() const {
+    // The places in the call of the backups that the account tells of. It has them in the order of the call;
+    // of a name that is listed twice it may have one only, since what is listed after a missing file is not
+    // read.
+    std::vector<std::size_t> placesOf(const SAccount& account) const {
         std::vector<std::size_t> places;
         for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
-            if (decision.outcome.backups[i].isLoaded) {
+            const SBackupOutcome& backup = decision.outcome.backups[i];
+            const bool isNext = backup.isRead && places.size() < account.backups.size() &&
+                                account.backups[places.size()].file == backup.given.file;
+            if (isNext) {
                 places.push_back(i);
             }
         }
