@@ -134,6 +134,9 @@ private:
     void findProblems() {
         if (decision.outcome.exception.has_value()) {
             findMalformedIdentifier(*decision.outcome.exception);
+        } else if (!decision.outcome.selection.has_value() && !isShortOfTargets()) {
+            // The library found a selection and had no memory to hand it over.
+            throw std::bad_alloc();
         }
         for (const std::string& message : decision.outcome.messages) {
             findRejection(message);
@@ -144,6 +147,13 @@ private:
         std::stable_sort(
             decision.problems.begin(), decision.problems.end(),
             [](const SProblem& one, const SProblem& other) { return one.backup < other.backup; });
+    }
+
+    bool isShortOfTargets() const {
+        const auto& messages = decision.outcome.messages;
+        return std::any_of(messages.begin(), messages.end(), [](const std::string& message) {
+            return startsAs(ETraceText::kNotAvailable, message);
+        });
     }
 
     void findMalformedIdentifier(const SException& exception) {
