@@ -186,7 +186,7 @@ public:
     std::size_t checked = 0;
     // The failures that the library told of.
     std::vector<std::string> failures;
-    // What the sink threw; it is not asked again.
+    // What the sink threw, or that there was no memory for a line; it is not asked again.
     std::exception_ptr sinkFailure;
 
 private:
@@ -231,15 +231,18 @@ void CTraceReceiver::receive(int level, const char* format, std::va_list argumen
 }
 
 void CTraceReceiver::tell(int level, const char* format, std::va_list arguments) {
-    const std::string text = withoutLineEnd(formatted(format, arguments));
-    if (level == kFailureLevel && format != formatOf(ETraceText::kFlagWord)) {
-        failures.push_back(text);
-    }
-    if (wished.trace == nullptr || level > wished.traceLevel || sinkFailure != nullptr) {
+    if (sinkFailure != nullptr) {
         return;
     }
+    // Some lines are traced by destructors, which must not throw.
     try {
-        wished.trace(level, text);
+        const std::string text = withoutLineEnd(formatted(format, arguments));
+        if (level == kFailureLevel && format != formatOf(ETraceText::kFlagWord)) {
+            failures.push_back(text);
+        }
+        if (wished.trace != nullptr && level <= wished.traceLevel) {
+            wished.trace(level, text);
+        }
     } catch (const abi::__forced_unwind&) {
         throw;
     } catch (...) {
