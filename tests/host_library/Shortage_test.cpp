@@ -1,0 +1,258 @@
+// What the host library does when memory runs out: each allocation fails in turn. Each time the answer is the
+// one that the call has otherwise, or that memory ran out and nothing is decided; and the next run works.
+//
+// One shortage cannot be undone. The XML library is set up once for the process, and a few of its allocations
+// on that way are not to be taken back. When one of those fails, later runs say so.
+
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "tests/contract/Shortage.h"
+#include "tests/host_library/Fixture.h"
+
+namespace fi_test {
+namespace {
+
+using MakeCall = std::function<HostCall()>;
+
+// Shared with the processes in which the calls run.
+struct SProgress {
+    // The next allocation to fail.
+    std::size_t number = 1;
+    bool isFinished = false;
+    std::size_t shortages = 0;
+    // Shortages behind which no call can be run in the process.
+    std::size_t lost = 0;
+    char fault[128] = {};
+};
+
+class CSharedProgress {
+public:
+    CSharedProgress()
+        : progress(new (mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
+                             -1, 0)) SProgress()) {}
+    ~CSharedProgress() { munmap(progress, sizeof(SProgress)); }
+    CSharedProgress(const CSharedProgress&) = delete;
+    CSharedProgress& operator=(const CSharedProgress&) = delete;
+    SProgress* operator->() const { return progress; }
+    SProgress& operator*() const { return *progress; }
+
+private:
+    SProgress* progress;
+};
+
+bool isNothingDecided(const fi_rotation_call* call) {
+    for (std::int32_t i = 0; i < fi_rotation_call_backup_count(call); ++i) {
+        if (fi_rotation_call_backup_state(call, i) != FI_ROTATION_NO_STATE) {
+            return false;
+        }
+    }
+    return fi_rotation_call_selection(call) == nullptr && fi_rotation_call_configuration_count(call) == 0 &&
+           fi_rotation_call_problem_count(call) == 0;
+}
+
+// Empty when all is well.
+const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call* call,
+                            const SHostAnswer& usual, SProgress& progress) {
+    errno = E2BIG;
+    startShortage(kind, number);
+    const fi_rotation_outcome outcome = fi_rotation_call_run(call);
+    endShortage();
+    if (errno != E2BIG) {
+        return "errno was changed";
+    }
+    if (!hasBeenShort()) {
+        progress.isFinished = true;
+        return "";
+    }
+    ++progress.shortages;
+    // That the XML library cannot be set up is an outcome of its own, where that is what the shortage came
+    // to.
+    const bool isFailure = outcome == FI_ROTATION_OUT_OF_MEMORY || outcome == FI_ROTATION_FAILED;
+    if (outcome != usual.outcome && !isFailure) {
+        return "another outcome than without the shortage";
+    }
+    if (isFailure && !isNothingDecided(call)) {
+        return "something is decided although memory ran out";
+    }
+    const SHostAnswer next = answerOf(call);
+    if (outcome == FI_ROTATION_FAILED && next.outcome != FI_ROTATION_FAILED) {
+        return "a failure that is none of the XML library";
+    }
+    if (next.outcome == FI_ROTATION_FAILED && isNothingDecided(call)) {
+        ++progress.lost;
+        return "";
+    }
+    return next == usual ? "" : "the next run has another answer";
+}
+
+// Runs `step` in a process of its own, as often as it takes.
+void expectEachSurvives(const std::function<void(SProgress&)>& step, const CSharedProgress& progress) {
+    while (!progress->isFinished) {
+        std::fflush(stdout);
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            step(*progress);
+            _exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
+            << "the process ended with status " << status << " at allocation " << progress->number;
+        ASSERT_STREQ(progress->fault, "") << "at allocation " << progress->number;
+        ++progress->number;
+    }
+    EXPECT_GT(progress->shortages, 0U);
+}
+
+// Of a process in which no call was run before, by an answer that is known.
+void expectSurvivalOfFirstRun(const MakeCall& makeCall, const SHostAnswer& usual) {
+    const CSharedProgress progress;
+    expectEachSurvives(
+        [&](SProgress& shared) {
+            const HostCall call = makeCall();
+            std::snprintf(shared.fault, sizeof shared.fault, "%s",
+                          faultOfShortage(EShortage::kOfOneBlock, shared.number, call.get(), usual, shared));
+        },
+        progress);
+    std::printf("%zu shortages, no call can be run behind %zu\n", progress->shortages, progress->lost);
+    // The converter of the local code page, and what is made with the plain operator new.
+    EXPECT_LE(progress->lost, 3U);
+}
+
+// Of a call that is run after others. One process goes through all shortages, as long as it lives.
+void expectSurvival(EShortage kind, const MakeCall& makeCall) {
+    const CSharedProgress progress;
+    expectEachSurvives(
+        [&](SProgress& shared) {
+            const HostCall call = makeCall();
+            const SHostAnswer usual = answerOf(call.get());
+            for (; shared.fault[0] == '\0' && !shared.isFinished; ++shared.number) {
+                std::snprintf(shared.fault, sizeof shared.fault, "%s",
+                              faultOfShortage(kind, shared.number, call.get(), usual, shared));
+            }
+        },
+        progress);
+    EXPECT_EQ(progress->lost, 0U);
+}
+
+void expectSurvival(const MakeCall& makeCall) {
+    expectSurvival(EShortage::kOfOneBlock, makeCall);
+    expectSurvival(EShortage::kLasting, makeCall);
+}
+
+class CHostLibraryShortage : public CHostLibraryTest {
+protected:
+    HostCall rotation() const {
+        return newCall(
+            "encA##lun1;snap1;snap2&encB##a device with a long name;snap1",
+            {holder("a.xml", "snap1"), holder("b.xml", "snap2"),
+             write("invalid.xml", documentOf("3", {{"encZ##gone and with a long name", "encZ##snap"}}))});
+    }
+    HostCall withoutSelection() const {
+        HostCall call = newCall("encA##lun1;snap1");
+        fi_rotation_call_add(call.get(), holder("a.xml", "snap1").c_str(), 1);
+        return call;
+    }
+    static void trace(void* /*user*/, std::int32_t /*level*/, const char* /*text*/) {}
+};
+
+// It runs before any other in this program, so that each of its processes sets up all there is. It takes no
+// document for that.
+TEST_F(CHostLibraryShortage, OfOneBlockIsSurvivedByTheFirstRunOfAProcess) {
+    SHostAnswer usual;
+    usual.outcome = FI_ROTATION_SELECTED;
+    usual.selection = "[encA##lun1;encA##snap1]";
+    usual.message = "every configuration has a free target";
+    expectSurvivalOfFirstRun([] { return newCall("encA##lun1;snap1"); }, usual);
+}
+
+TEST_F(CHostLibraryShortage, IsSurvivedByARotation) {
+    expectSurvival([this] { return rotation(); });
+}
+
+TEST_F(CHostLibraryShortage, IsSurvivedByARotationWithReasonsAndANumberToKeep) {
+    expectSurvival([this] {
+        HostCall call = rotation();
+        fi_rotation_call_ask_reasons(call.get(), 1);
+        fi_rotation_call_keep_at_least(call.get(), 1);
+        return call;
+    });
+}
+
+TEST_F(CHostLibraryShortage, IsSurvivedByARotationThatIsTraced) {
+    expectSurvival([this] {
+        HostCall call = rotation();
+        fi_rotation_call_set_trace(call.get(), 4, trace, nullptr);
+        return call;
+    });
+}
+
+TEST_F(CHostLibraryShortage, IsSurvivedByACallWithoutAFreeTarget) {
+    expectSurvival([this] { return withoutSelection(); });
+}
+
+TEST_F(CHostLibraryShortage, IsSurvivedByACallThatIsRefused) {
+    expectSurvival([this] {
+        return newCall("encA##lun1;snap1&broken",
+                       {path("missing.xml"), folder.path(""), write("cut.xml", "<Node><objid>"),
+                        write("none.xml", "<x/>"), holder("a.xml", "snap1")});
+    });
+}
+
+TEST_F(CHostLibraryShortage, IsSurvivedByACallWithAMalformedIdentifier) {
+    expectSurvival([this] {
+        return newCall(kConfiguration,
+                       {holder("a.xml", "snap1"),
+                        write("bad.xml",
+                              "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>an identifier "
+                              "without a prefix</altobjid></Node>")});
+    });
+}
+
+TEST_F(CHostLibraryShortage, GivesNoCall) {
+    std::size_t number = 0;
+    do {
+        startShortage(EShortage::kOfOneBlock, ++number);
+        fi_rotation_call* const call = fi_rotation_call_new("encA##a device with a long name;snap1");
+        endShortage();
+        EXPECT_EQ(call == nullptr, hasBeenShort()) << number;
+        fi_rotation_call_free(call);
+    } while (hasBeenShort());
+    EXPECT_GT(number, 1U);
+}
+
+TEST_F(CHostLibraryShortage, OfABackupIsNotForgotten) {
+    const std::string file = holder("a file with a long name.xml", "snap1");
+    std::size_t number = 0;
+    do {
+        const HostCall call = newCall(kConfiguration);
+        startShortage(EShortage::kOfOneBlock, ++number);
+        const std::int32_t index = fi_rotation_call_add(call.get(), file.c_str(), 0);
+        endShortage();
+        const bool isShort = hasBeenShort();
+        EXPECT_EQ(index, isShort ? -1 : 0);
+        // What is added later does not mend it.
+        EXPECT_EQ(fi_rotation_call_add(call.get(), holder("b.xml", "snap2").c_str(), 0), isShort ? 0 : 1);
+        EXPECT_EQ(fi_rotation_call_run(call.get()),
+                  isShort ? FI_ROTATION_OUT_OF_MEMORY : FI_ROTATION_SELECTED);
+        startShortage(EShortage::kOfOneBlock, 0);
+        endShortage();
+        if (!isShort) {
+            break;
+        }
+    } while (number < 100);
+    EXPECT_GT(number, 1U);
+    EXPECT_LT(number, 100U);
+}
+
+}  // namespace
+}  // namespace fi_test
