@@ -1,0 +1,152 @@
+// Documents that change while the call runs: nothing is decided from them.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "tests/host_library/Fixture.h"
+
+namespace fi_test {
+namespace {
+
+struct SOnce {
+    // At the first line that is this one; at the first of all when empty.
+    std::string line;
+    std::function<void()> action;
+    bool isDone = false;
+};
+
+void actOnce(void* user, std::int32_t /*level*/, const char* text) {
+    SOnce& once = *static_cast<SOnce*>(user);
+    if (!once.isDone && (once.line.empty() || once.line == text)) {
+        once.isDone = true;
+        once.action();
+    }
+}
+
+// Traced when a document was read and its text is parsed.
+const char* const kParsing = "Entering CFiFiidParser::parse";
+
+class CHostLibraryChanged : public CHostLibraryTest {
+protected:
+    CHostLibraryChanged() : file(holder("a.xml", "snap1")), other(holder("b.xml", "snap2")) {
+        // File systems count time in steps of milliseconds: what is changed later has a later time.
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    }
+
+    // Before the document is read, and behind.
+    void expectNoticed(const std::function<void()>& change) const {
+        for (const std::string line : {"", kParsing}) {
+            SCOPED_TRACE(line);
+            holder("a.xml", "snap1");
+            holder("b.xml", "snap2");
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            SOnce once{line, change};
+            const HostCall call = newCall(kConfiguration, {file});
+            fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
+            expectRefused(call.get(), {{FI_ROTATION_CHANGED, 0}});
+            EXPECT_TRUE(once.isDone);
+        }
+    }
+
+    const std::string file;
+    const std::string other;
+};
+
+TEST_F(CHostLibraryChanged, InPlaceToTheSameSizeAndTimeIsNoticed) {
+    expectNoticed([this] {
+        struct stat before {};
+        ASSERT_EQ(stat(file.c_str(), &before), 0);
+        holder("a.xml", "snap2");
+        const timespec times[] = {before.st_atim, before.st_mtim};
+        ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+        struct stat after {};
+        ASSERT_EQ(stat(file.c_str(), &after), 0);
+        ASSERT_EQ(after.st_size, before.st_size);
+    });
+}
+
+TEST_F(CHostLibraryChanged, ByAnotherFileOfTheSameSizeAndTimeIsNoticed) {
+    expectNoticed([this] {
+        std::filesystem::last_write_time(other, std::filesystem::last_write_time(file));
+        std::filesystem::rename(other, file);
+    });
+}
+
+TEST_F(CHostLibraryChanged, ByALinkToAnotherFileIsNoticed) {
+    expectNoticed([this] {
+        std::filesystem::remove(file);
+        std::filesystem::create_hard_link(other, file);
+    });
+}
+
+TEST_F(CHostLibraryChanged, ByFurtherBytesIsNoticed) {
+    expectNoticed([this] {
+        const int descriptor = open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+        EXPECT_EQ(::write(descriptor, "\n", 1), 1);
+        close(descriptor);
+    });
+}
+
+TEST_F(CHostLibraryChanged, ToNothingAfterItWasReadIsNoticed) {
+    SOnce once{kParsing, [this] { std::filesystem::remove(file); }};
+    const HostCall call = newCall(kConfiguration, {file});
+    fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
+    expectRefused(call.get(), {{FI_ROTATION_CHANGED, 0}});
+}
+
+TEST_F(CHostLibraryChanged, ToNothingBeforeItIsReadIsAFileThatCannotBeOpened) {
+    SOnce once{"", [this] { std::filesystem::remove(file); }};
+    const HostCall call = newCall(kConfiguration, {file});
+    fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
+    expectRefused(call.get(), {{FI_ROTATION_CANNOT_OPEN, 0}});
+}
+
+TEST_F(CHostLibraryChanged, IsNoticedOfADocumentThatWasReadLongAgo) {
+    SOnce once{"fi_process_backups : [RESERVE GOOD] " + other + " - T: 1",
+               [this] { holder("a.xml", "snap2"); }};
+    const HostCall call = newCall(kConfiguration, {file, other});
+    fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
+    expectRefused(call.get(), {{FI_ROTATION_CHANGED, 0}});
+    EXPECT_TRUE(once.isDone);
+}
+
+TEST_F(CHostLibraryChanged, IsNotWhatIsReadByOthers) {
+    SOnce once{"", [this] {
+                   struct stat before {};
+                   ASSERT_EQ(stat(file.c_str(), &before), 0);
+                   char byte = 0;
+                   const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+                   EXPECT_EQ(read(descriptor, &byte, 1), 1);
+                   close(descriptor);
+               }};
+    const HostCall call = newCall(kConfiguration, {file});
+    fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
+    EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
+    EXPECT_TRUE(once.isDone);
+}
+
+TEST_F(CHostLibraryChanged, IsWhatWasReadWhenItIsPermitted) {
+    const struct {
+        const char* line;
+        const char* selection;
+    } kCases[] = {{"", "[encA##lun1;encA##snap1]"}, {kParsing, "[encA##lun1;encA##snap2]"}};
+    for (const auto& one : kCases) {
+        holder("a.xml", "snap1");
+        SOnce once{one.line, [this] { holder("a.xml", "snap2"); }};
+        const HostCall call = newCall(kConfiguration, {file});
+        fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
+        fi_rotation_call_permit(call.get(), FI_ROTATION_CHANGED);
+        EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
+        EXPECT_STREQ(fi_rotation_call_selection(call.get()), one.selection);
+    }
+}
+
+}  // namespace
+}  // namespace fi_test
