@@ -1,7 +1,9 @@
-# What `cmake --install` puts where, in three components:
-#   runtime      the library under its soname: all that a linked or loading program needs to run
-#   development  what a host is built with: headers, CMake package, pkg-config file, manual of the call, guides
-#   tools        fi-rotate, its manual, completions and schemas, and the manual of the files that it reads
+# What `cmake --install` puts where, in four components:
+#   runtime       the library under its soname: all that a linked or loading program needs to run
+#   host_runtime  the same of the host library, which does without the first one
+#   development   what hosts of both are built with: headers, CMake package, pkg-config files, manual of the
+#                 calls, guides
+#   tools         fi-rotate, its manual, completions and schemas, and the manual of the files that it reads
 # Every path is found relative to the file that names it, so that an installed tree can be moved, unless the
 # builder chose absolute folders.
 include(GNUInstallDirs)
@@ -10,6 +12,11 @@ include(CMakePackageConfigHelpers)
 install(TARGETS fi_rotation EXPORT fi_rotationTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
     INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+if(FI_ROTATION_BUILD_HOST)
+    install(TARGETS fi_rotation_host EXPORT fi_rotationTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT host_runtime NAMELINK_COMPONENT development
+        INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
 install(FILES ${FI_ROTATION_PUBLIC_HEADERS}
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/fi_rotation" COMPONENT development)
 
@@ -17,8 +24,8 @@ install(FILES "${PROJECT_SOURCE_DIR}/SECURITY.md" "${PROJECT_SOURCE_DIR}/docs/ab
     "${PROJECT_SOURCE_DIR}/docs/host-guide.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
 
-# find_package(fi_rotation) gives fi_rotation::fi_rotation. The target asks for nothing more: what the
-# library itself is built on is no part of its interface.
+# find_package(fi_rotation) gives fi_rotation::fi_rotation and fi_rotation::host. The targets ask for nothing
+# more: what the libraries themselves are built on is no part of their interfaces.
 set(cmake_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/fi_rotation")
 install(EXPORT fi_rotationTargets NAMESPACE fi_rotation:: FILE fi_rotationConfig.cmake
     DESTINATION "${cmake_package_dir}" COMPONENT development)
@@ -48,9 +55,16 @@ if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
 else()
     set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
 endif()
-configure_file("${PROJECT_SOURCE_DIR}/cmake/fi_rotation.pc.in" "${PROJECT_BINARY_DIR}/fi_rotation.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/fi_rotation.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+# fi_install_pc(MODULE): what pkg-config tells of one of the libraries.
+function(fi_install_pc module)
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/${module}.pc.in" "${PROJECT_BINARY_DIR}/${module}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${module}.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+endfunction()
+fi_install_pc(fi_rotation)
+if(FI_ROTATION_BUILD_HOST)
+    fi_install_pc(fi_rotation_host)
+endif()
 
 if(FI_ROTATION_BUILD_CLI)
     if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_BINDIR}")
