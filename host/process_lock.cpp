@@ -24,8 +24,10 @@ bool isOwnedByThisThread() {
 void afterForkInChild() {
     if (mutex.try_lock()) {
         mutex.unlock();
-    } else {
-        isLost = !isOwnedByThisThread();
+    } else if (!isOwnedByThisThread()) {
+        isLost = true;
+        // A new thread may get the id of the one that had it.
+        isOwned = false;
     }
 }
 
