@@ -1,0 +1,227 @@
+"""rotate(): one call of the library, from checked arguments to records or an exception."""
+
+import os
+from collections.abc import Callable, Iterable, Iterator
+from contextlib import contextmanager
+from typing import Any, NoReturn
+
+from ._library import TraceFunction, library
+from ._outcome import (Backup, Configuration, NoFreeTarget, Outcome, OutcomeKind, Problem, ProblemKind, Refused,
+                       RotationError, Selected, State, Target, TooFewBackups)
+
+FileName = str | bytes | os.PathLike[str] | os.PathLike[bytes]
+
+_EXCEPTIONS: dict[OutcomeKind, type[RotationError]] = {
+    OutcomeKind.NO_FREE_TARGET: NoFreeTarget,
+    OutcomeKind.TOO_FEW_BACKUPS: TooFewBackups,
+    OutcomeKind.REFUSED: Refused,
+}
+_PROGRESS_LEVEL = 4
+
+
+# ---- arguments: ctypes cuts texts at a NUL and numbers to their bits, so neither may get that far ----
+
+def _without_nul(text: bytes, what: str) -> bytes:
+    if b"\0" in text:
+        raise ValueError(f"{what} holds a NUL character: {text!r}")
+    return text
+
+
+def _configuration_argument(configuration: str | bytes) -> bytes:
+    if not isinstance(configuration, (str, bytes)):
+        raise TypeError(f"configuration is a str or bytes, not {type(configuration).__name__}")
+    encoded = configuration.encode("utf-8", "surrogateescape") if isinstance(configuration, str) else configuration
+    return _without_nul(encoded, "configuration")
+
+
+def _names_argument(files: Iterable[FileName], what: str) -> list[bytes]:
+    if isinstance(files, (str, bytes)):
+        raise TypeError(f"{what} is a list of file names, not one of them: [{files!r}]")
+    return [_without_nul(os.fsencode(file), "a file name") for file in files]
+
+
+def _number_argument(number: int, bits: int, what: str) -> int:
+    if not 0 <= number < 1 << bits:
+        raise ValueError(f"{what} is out of range: {number}")
+    return number
+
+
+# ---- results ----
+
+def _text(text: Any) -> str:
+    """A name or a text that goes back to where it came from: encoding it with surrogateescape gives its bytes."""
+    decoded: str = text.decode("utf-8", "surrogateescape")
+    return decoded
+
+
+def _optional_text(text: Any) -> str | None:
+    return None if text is None else _text(text)
+
+
+def _words(words: Any) -> str:
+    """Words for people, which can be printed whatever is quoted in them."""
+    decoded: str = words.decode("utf-8", "backslashreplace")
+    return decoded
+
+
+def _optional_words(words: Any) -> str | None:
+    return None if words is None else _words(words)
+
+
+def _backup(call: Any, i: int) -> Backup:
+    return Backup(
+        file=os.fsdecode(library.fi_rotation_call_backup_file(call, i)),
+        state=State(library.fi_rotation_call_backup_state(call, i)),
+        problems=ProblemKind(library.fi_rotation_call_backup_problems(call, i)),
+        time_stamp=_optional_text(library.fi_rotation_call_backup_time_stamp(call, i)),
+        targets=tuple(_text(library.fi_rotation_call_backup_target(call, i, j))
+                      for j in range(library.fi_rotation_call_backup_target_count(call, i))),
+        reason=_optional_text(library.fi_rotation_call_backup_reason(call, i)),
+        reason_text=_optional_words(library.fi_rotation_call_backup_reason_text(call, i)))
+
+
+def _backup_at(backups: tuple[Backup, ...], index: int) -> Backup | None:
+    return None if index < 0 else backups[index]
+
+
+def _problem(call: Any, i: int, backups: tuple[Backup, ...]) -> Problem:
+    return Problem(
+        kind=ProblemKind(library.fi_rotation_call_problem_kind(call, i)),
+        backup=_backup_at(backups, library.fi_rotation_call_problem_backup(call, i)),
+        text=_words(library.fi_rotation_call_problem_text(call, i)))
+
+
+def _target(call: Any, i: int, j: int, backups: tuple[Backup, ...]) -> Target:
+    return Target(
+        name=_text(library.fi_rotation_call_target(call, i, j)),
+        holder=_backup_at(backups, library.fi_rotation_call_target_holder(call, i, j)))
+
+
+def _configuration(call: Any, i: int, backups: tuple[Backup, ...]) -> Configuration:
+    return Configuration(
+        first=_text(library.fi_rotation_call_configuration_first(call, i)),
+        chosen=_optional_text(library.fi_rotation_call_configuration_chosen(call, i)),
+        kept=library.fi_rotation_call_configuration_kept(call, i),
+        targets=tuple(_target(call, i, j, backups) for j in range(library.fi_rotation_call_target_count(call, i))))
+
+
+def _facts(call: Any, kind: OutcomeKind) -> dict[str, Any]:
+    """What every outcome has."""
+    backups = tuple(_backup(call, i) for i in range(library.fi_rotation_call_backup_count(call)))
+    return {
+        "kind": kind,
+        "message": _words(library.fi_rotation_call_message(call)),
+        "problems": tuple(_problem(call, i, backups) for i in range(library.fi_rotation_call_problem_count(call))),
+        "configurations": tuple(_configuration(call, i, backups)
+                                for i in range(library.fi_rotation_call_configuration_count(call))),
+        "backups": backups,
+    }
+
+
+def _raise(call: Any, kind: OutcomeKind) -> NoReturn:
+    if kind in _EXCEPTIONS:
+        raise _EXCEPTIONS[kind](Outcome(**_facts(call, kind)))
+    message = _words(library.fi_rotation_call_message(call))
+    raise MemoryError(message) if kind is OutcomeKind.OUT_OF_MEMORY else RuntimeError(message)
+
+
+# ---- the call ----
+
+class _Trace:
+    """Hands the lines on until that raises; an exception must not enter the library, so it is kept for later."""
+
+    def __init__(self, function: Callable[[int, str], object]) -> None:
+        self._function = function
+        self._failure: BaseException | None = None
+        self.callback = TraceFunction(self._receive)
+
+    def _receive(self, _user: int | None, level: int, text: bytes) -> None:
+        if self._failure is not None:
+            return
+        try:
+            self._function(level, _words(text))
+        except BaseException as failure:  # An interruption too.
+            self._failure = failure
+
+    def raise_failure(self) -> None:
+        if self._failure is not None:
+            raise self._failure
+
+
+@contextmanager
+def _new_call(configuration: bytes) -> Iterator[Any]:
+    # None when memory ran out, which every function takes: the run says so.
+    call = library.fi_rotation_call_new(configuration)
+    try:
+        yield call
+    finally:
+        library.fi_rotation_call_free(call)
+
+
+def rotate(configuration: str | bytes, backups: Iterable[FileName], *,
+           excluded: Iterable[FileName] = (),
+           permit: ProblemKind = ProblemKind(0),
+           keep_at_least: int = 0,
+           limit_document: int | None = None,
+           allow_no_backups: bool = False,
+           trace: Callable[[int, str], object] | None = None) -> Selected:
+    """Decides which targets a new snapshot backup may use, and returns them; raises when there are none.
+
+    configuration      configurations separated by '&' or line ends, the targets of one by ';'. A target is
+                       ENCLOSURE##DEVICE or, with the enclosure of the one before it, DEVICE. The first target names
+                       the device that is backed up, the further ones are the candidates for its snapshots. A str
+                       is encoded as UTF-8.
+    backups            the documents of all earlier backups: the targets of one that is not listed count as free.
+    excluded           those of `backups`, under the same names, whose targets are never released.
+    permit             problems that shall not raise Refused; see ProblemKind for what happens then.
+    keep_at_least      so many kept backups of each configuration must remain; one that has fewer may lose none.
+    limit_document     documents of more bytes are refused; 128 MiB unless given.
+    allow_no_backups   the first backup of all has none before it. Otherwise an empty list is an error: it comes
+                       of a wrong folder more often, and every target would count as free.
+    trace              receives each line of the trace, a level (3 failures, 4 progress) and a text, in this thread.
+                       What it raises, rotate() raises.
+
+    It reads the documents and writes nothing. Threads may call it at once and wait for one another inside.
+
+    Raises NoFreeTarget, TooFewBackups or Refused, all of them RotationError, when there is no selection; ValueError
+    and TypeError for arguments that make no sense, among them an excluded backup that is not listed; MemoryError;
+    and RuntimeError when `trace` calls rotate(), or in a process that was forked while another thread was in it.
+
+    >>> import fi_rotation, glob
+    >>> with open("resource.conf") as file:
+    ...     configuration = file.read()
+    >>> outcome = fi_rotation.rotate(configuration, sorted(glob.glob("backup-*.xml")),
+    ...                              excluded=["backup-2026-10-01.xml"])
+    >>> for choice in outcome.configurations:
+    ...     print(choice.first, "->", choice.chosen)
+    ENC-A##VOL-0011 -> ENC-A##SNP-0102
+    ENC-A##VOL-0012 -> ENC-A##SNP-0112
+    ENC-B##VOL-0021 -> ENC-B##SNP-0202
+    >>> [backup.file for backup in outcome.backups if backup.state is fi_rotation.State.ROTATED]
+    ['backup-2026-10-03.xml']
+    """
+    names = _names_argument(backups, "backups")
+    excluded_names = set(_names_argument(excluded, "excluded"))
+    unknown = sorted(os.fsdecode(name) for name in excluded_names.difference(names))
+    if unknown:
+        raise ValueError(f"excluded, but not among the backups: {unknown}")
+    if not names and not allow_no_backups:
+        raise ValueError("no backups are listed; if there are none indeed, say allow_no_backups=True")
+
+    with _new_call(_configuration_argument(configuration)) as call:
+        for name in names:
+            library.fi_rotation_call_add(call, name, name in excluded_names)
+        library.fi_rotation_call_permit(call, permit)
+        library.fi_rotation_call_keep_at_least(call, _number_argument(keep_at_least, 31, "keep_at_least"))
+        if limit_document is not None:
+            library.fi_rotation_call_limit_document(call, _number_argument(limit_document, 64, "limit_document"))
+        library.fi_rotation_call_ask_reasons(call, True)
+        tracing = None if trace is None else _Trace(trace)
+        if tracing is not None:
+            library.fi_rotation_call_set_trace(call, _PROGRESS_LEVEL, tracing.callback, None)
+        kind = OutcomeKind(library.fi_rotation_call_run(call))
+        if tracing is not None:
+            tracing.raise_failure()
+        if kind is not OutcomeKind.SELECTED:
+            _raise(call, kind)
+        return Selected(**_facts(call, kind), selection=_text(library.fi_rotation_call_selection(call)))
