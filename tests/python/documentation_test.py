@@ -6,6 +6,7 @@ All that is public has a documentation with an example, and the examples are tru
 import doctest
 import os
 import pathlib
+import subprocess
 import sys
 import unittest
 
@@ -34,6 +35,26 @@ class Documentation(unittest.TestCase):
             if isinstance(thing, type):
                 with self.subTest(name):
                     self.assertEqual(f"{thing.__module__}.{thing.__name__}", f"fi_rotation.{name}")
+
+
+class Example(unittest.TestCase):
+    def run_example(self, *arguments):
+        return subprocess.run([sys.executable, "-B", "safe-host.py", *arguments], cwd=PROJECT / "examples",
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=False)
+
+    def test_it_prints_the_selection_and_what_became_of_each_backup(self):
+        backups = sorted(file.name for file in (PROJECT / "examples").glob("backup-*.xml"))
+        run = self.run_example("resource.conf", *backups)
+        self.assertEqual((run.returncode, run.stderr), (0, ""))
+        lines = run.stdout.splitlines()
+        self.assertEqual(lines[0], "[ENC-A##VOL-0011;ENC-A##SNP-0101][ENC-A##VOL-0012;ENC-A##SNP-0111]"
+                                   "[ENC-B##VOL-0021;ENC-B##SNP-0201]")
+        self.assertEqual([line.split(":")[0] for line in lines[1:]], backups)
+
+    def test_it_prints_no_selection_when_a_document_is_not_whole(self):
+        run = self.run_example("resource.conf", "backup-2026-10-01.xml", "../tests/package/malformed.xml")
+        self.assertEqual((run.returncode, run.stdout), (1, ""))
+        self.assertIn("no-identifier", run.stderr)
 
 
 if __name__ == "__main__":
