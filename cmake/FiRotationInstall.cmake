@@ -1,9 +1,10 @@
-# What `cmake --install` puts where, in four components:
+# What `cmake --install` puts where, in five components:
 #   runtime       the library under its soname: all that a linked or loading program needs to run
 #   host_runtime  the same of the host library, which does without the first one
 #   development   what hosts of both are built with: headers, CMake package, pkg-config files, manual of the
 #                 calls, guides
 #   tools         fi-rotate, its manual, completions and schemas, and the manual of the files that it reads
+#   python        the package fi_rotation, which needs the host library
 # Every path is found relative to the file that names it, so that an installed tree can be moved, unless the
 # builder chose absolute folders.
 include(GNUInstallDirs)
@@ -89,6 +90,14 @@ if(FI_ROTATION_BUILD_CLI)
     # Where the manual page of fi-rotate says.
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/schema"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/fi-rotate" COMPONENT tools)
+endif()
+
+if(TARGET fi_rotation_host)
+    # Where Debian's interpreter looks when the prefix is /usr. Elsewhere PYTHONPATH names it.
+    set(FI_ROTATION_PYTHON_DIR "lib/python3/dist-packages" CACHE STRING "Where the Python package is installed")
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/python/fi_rotation"
+        DESTINATION "${FI_ROTATION_PYTHON_DIR}" COMPONENT python
+        PATTERN __pycache__ EXCLUDE)
 endif()
 
 # The manual pages that docs/man rendered; none when scdoc is missing. Section 3 is for those who build hosts.
