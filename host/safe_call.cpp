@@ -270,7 +270,7 @@ private:
         std::vector<std::size_t> places;
         for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
             const SBackupOutcome& backup = decision.outcome.backups[i];
-            const bool isNext = backup.isRead && places.size() < account.backups.size() &&
+            const bool isNext = backup.reading.has_value() && places.size() < account.backups.size() &&
                                 account.backups[places.size()].file == backup.given.file;
             if (isNext) {
                 places.push_back(i);
