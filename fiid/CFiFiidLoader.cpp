@@ -1,12 +1,14 @@
 #include "fiid/CFiFiidLoader.h"
 
 #include <stdio_ext.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <new>
 
+#include "common/CFiFileState.h"
 #include "fiid/CFiFiidHandler.h"
 #include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
@@ -42,6 +44,14 @@ private:
     const CFiFiidHandler& handler;
     std::vector<CFiFiidNode*>& nodes;
 };
+
+// Which state of which file was read, and whether to its end: the name may stand for another one by now.
+void traceWhatWasRead(std::FILE* stream) {
+    struct stat state {};
+    const bool isWhole = std::ferror(stream) == 0 && fstat(fileno(stream), &state) == 0;
+    mofi_tracelog(kTraceProgress, "CFiFiidLoader::load : read [%s] whole [%d]",
+                  CFiFileState(state).text.c_str(), isWhole ? 1 : 0);
+}
 
 void parseDocument(const std::string& content, std::vector<CFiFiidNode*>& nodes) {
     // The handler allocates through the XML library, which lives as long as the parser.
@@ -79,6 +89,9 @@ std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
     char piece[2048];
     while (std::fgets(piece, sizeof piece, stream.get()) != nullptr) {
         content += piece;
+    }
+    if constexpr (kInHostLibrary) {
+        traceWhatWasRead(stream.get());
     }
     stream.reset();
     traceExiting(kNoName);

@@ -1,6 +1,7 @@
 #include "host/document_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,10 +17,6 @@
 
 namespace fi_rotate {
 namespace {
-
-bool isSameTime(const timespec& one, const timespec& other) {
-    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
-}
 
 class CDescriptor {
 public:
@@ -44,9 +41,13 @@ SDocumentFile withProblem(SDocumentFile file, fi_rotation_problem problem, std::
     return file;
 }
 
+std::string lastError() {
+    const char* const words = strerrordesc_np(errno);
+    return words != nullptr ? words : fmt::format("error {}", errno);
+}
+
 SDocumentFile cannotOpen() {
-    return withProblem({}, FI_ROTATION_CANNOT_OPEN,
-                       fmt::format("cannot be opened: {}", strerrordesc_np(errno)));
+    return withProblem({}, FI_ROTATION_CANNOT_OPEN, fmt::format("cannot be opened: {}", lastError()));
 }
 
 std::string_view kindOfFile(mode_t mode) {
@@ -95,18 +96,12 @@ SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBy
     }
     if (count < 0) {
         return withProblem(std::move(file), FI_ROTATION_READ_ERROR,
-                           fmt::format("cannot be read after byte {}: {}", bytes, strerrordesc_np(errno)));
+                           fmt::format("cannot be read after byte {}: {}", bytes, lastError()));
     }
     return file;
 }
 
 }  // namespace
-
-bool CFileIdentity::operator==(const CFileIdentity& other) const {
-    return seen.st_dev == other.seen.st_dev && seen.st_ino == other.seen.st_ino &&
-           seen.st_size == other.seen.st_size && isSameTime(seen.st_mtim, other.seen.st_mtim) &&
-           isSameTime(seen.st_ctim, other.seen.st_ctim);
-}
 
 SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes) {
     struct stat state {};
@@ -124,15 +119,15 @@ SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes) 
         return notAFile(state.st_mode);
     }
     SDocumentFile inspected;
-    inspected.identity.emplace(state);
+    inspected.state.emplace(state);
     const auto size = static_cast<std::uint64_t>(state.st_size);
     return size > mostBytes ? tooLarge(std::move(inspected), size, mostBytes)
                             : readToEnd(descriptor.number, std::move(inspected), mostBytes);
 }
 
-std::optional<CFileIdentity> identityOf(const std::string& file) {
+std::optional<CFiFileState> stateOf(const std::string& file) {
     struct stat state {};
-    return stat(file.c_str(), &state) == 0 ? std::optional<CFileIdentity>(state) : std::nullopt;
+    return stat(file.c_str(), &state) == 0 ? std::optional<CFiFileState>(state) : std::nullopt;
 }
 
 }  // namespace fi_rotate

@@ -116,7 +116,8 @@ typedef enum fi_rotation_state {
 /*
  * Receives a line of the trace: level 3 for failures, 4 for progress, and the text without a line end,
  * borrowed for the call. It is called on the thread that runs the call, while other threads that want to run
- * one wait. If it throws, it is not called again, and the run ends with FI_ROTATION_TRACE_FAILED.
+ * one wait. If it throws, it is not called again, and the run ends with FI_ROTATION_TRACE_FAILED. It must not
+ * end its thread (pthread_exit) or jump out of the run (longjmp).
  */
 typedef void (*fi_rotation_trace_fn)(void* user, int32_t level, const char* text);
 
@@ -169,8 +170,8 @@ FI_ROTATION_API void fi_rotation_call_set_trace(fi_rotation_call* call, int32_t 
 /* ---- the run ---- */
 
 /*
- * Decides. What a former run left in the call is replaced. With FI_ROTATION_MISUSED and a call that is
- * running, the call is left as it is.
+ * Decides. What a former run left in the call is gone when it begins. With FI_ROTATION_MISUSED and a call
+ * that is running, the call is left as it is.
  */
 FI_ROTATION_API fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call);
 

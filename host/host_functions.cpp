@@ -43,6 +43,7 @@ struct fi_rotation_call {
 
     SDecision decision;
     // By backup.
+    std::vector<std::uint32_t> problemsOfBackups;
     std::vector<std::string> reasonTexts;
     // What decision.message says, or a text that needs no memory.
     const char* message = "the call was not run";
@@ -110,6 +111,8 @@ fi_rotate::SWishes wishesOf(const fi_rotation_call& call) {
 fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outcome, const char* message) {
     call.decision = SDecision();
     call.decision.kind = outcome;
+    call.problemsOfBackups.clear();
+    call.reasonTexts.clear();
     call.message = message;
     return outcome;
 }
@@ -132,8 +135,14 @@ fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outco
 }
 
 fi_rotation_outcome decide(fi_rotation_call& call) {
+    endWithout(call, FI_ROTATION_FAILED, "the run did not come to its end");
     call.decision = fi_rotate::decideSafely(call.inputs, wishesOf(call), call.safety);
-    call.reasonTexts.clear();
+    call.problemsOfBackups.assign(call.inputs.backups.size(), 0);
+    for (const SProblem& problem : call.decision.problems) {
+        if (problem.backup.has_value()) {
+            call.problemsOfBackups[*problem.backup] |= problem.kind;
+        }
+    }
     for (const SBackupOutcome& backup : call.decision.outcome.backups) {
         call.reasonTexts.push_back(backup.reason.has_value() ? fi_rotate::inWords(*backup.reason) : "");
     }
@@ -360,13 +369,8 @@ const char* fi_rotation_call_backup_file(const fi_rotation_call* call, std::int3
 }
 
 std::uint32_t fi_rotation_call_backup_problems(const fi_rotation_call* call, std::int32_t backup) {
-    std::uint32_t problems = 0;
-    for (std::int32_t i = 0; i < fi_rotation_call_problem_count(call); ++i) {
-        if (backup >= 0 && fi_rotation_call_problem_backup(call, i) == backup) {
-            problems |= fi_rotation_call_problem_kind(call, i);
-        }
-    }
-    return problems;
+    const std::uint32_t* const found = call != nullptr ? elementOf(call->problemsOfBackups, backup) : nullptr;
+    return found != nullptr ? *found : 0;
 }
 
 fi_rotation_state fi_rotation_call_backup_state(const fi_rotation_call* call, std::int32_t backup) {

@@ -197,6 +197,8 @@ private:
 
     const SWishes& wished;
     CAccountReader* account;
+    // Of the document that was loaded and not parsed yet.
+    SReading nextReading;
     CMeanings<std::optional<ETraceText>> texts{kindOf};
     CMeanings<EOperation> operations{operationOf};
     CArguments lastArguments;
@@ -262,6 +264,12 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
         case ETraceText::kExiting:
             leave(operations.of(va_arg(arguments, const char*)));
             return;
+        case ETraceText::kDocumentRead: {
+            const TraceArguments& read = lastArguments.read(format, arguments);
+            nextReading.file = read[0];
+            nextReading.isWhole = read[1] == "1";
+            return;
+        }
         case ETraceText::kMalformedDocument: {
             const TraceArguments& place = lastArguments.read(format, arguments);
             readings.back().fault = fmt::format("line {}, column {}: {}", place[0], place[1], place[2]);
@@ -288,7 +296,7 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
 void CTraceReceiver::enter(EOperation operation) {
     exits = 0;
     if (operation == EOperation::kParse) {
-        readings.emplace_back();
+        readings.push_back(std::exchange(nextReading, {}));
     } else if (operation == EOperation::kFatalError) {
         readings.back().isMalformed = true;
     }

@@ -21,6 +21,9 @@ struct SReading {
     std::string fault;
     // It has more than one Node that stands in no other.
     bool hasSeveralRoots = false;
+    // What was read (CFiFileState), and whether to its end; nothing if the library does not say.
+    std::optional<std::string> file;
+    bool isWhole = true;
 };
 
 // What became of an earlier backup.

@@ -72,18 +72,18 @@ private:
             if (file.problem != 0) {
                 add(file.problem, i, file.fault);
             }
-            identities.push_back(file.identity);
+            fileStates.push_back(file.state);
         }
         findListedTwice();
     }
 
     void findListedTwice() {
         std::map<std::string_view, std::size_t> firstOfName;
-        std::map<CFileIdentity, std::size_t, CFileIdentity::SFileOrder> firstOfFile;
+        std::map<std::string_view, std::size_t> firstOfFile;
         for (std::size_t i = 0; i < call.backups.size(); ++i) {
             std::size_t first = firstOfName.emplace(call.backups[i].file, i).first->second;
-            if (first == i && identities[i].has_value()) {
-                first = firstOfFile.emplace(*identities[i], i).first->second;
+            if (first == i && fileStates[i].has_value()) {
+                first = firstOfFile.emplace(fileStates[i]->file, i).first->second;
             }
             if (first != i) {
                 add(FI_ROTATION_LISTED_TWICE, i,
@@ -124,6 +124,33 @@ private:
             wishesNow.trace = nullptr;
             decision.outcome = runCall(usable, wishesNow);
         }
+        findMalformedIdentifiers(usable);
+    }
+
+    // The first one ends a call, so the documents after it are tried in calls of their own.
+    void findMalformedIdentifiers(SCall rest) {
+        std::optional<SException> exception = decision.outcome.exception;
+        std::size_t done = 0;
+        while (exception.has_value()) {
+            requireIdentifier(*exception);
+            add(FI_ROTATION_MALFORMED_IDENTIFIER, placeInCall[done + exception->backup.value()],
+                fmt::format("holds the malformed identifier \"{}\": {}", *exception->identifier,
+                            exception->reason));
+            const std::size_t tried = *exception->backup + 1;
+            done += tried;
+            rest.backups.erase(rest.backups.begin(),
+                               rest.backups.begin() + static_cast<std::ptrdiff_t>(tried));
+            exception = rest.backups.empty() ? std::nullopt : runCall(rest, {}).exception;
+        }
+    }
+
+    static void requireIdentifier(const SException& exception) {
+        if (exception.isShortage) {
+            throw std::bad_alloc();
+        }
+        if (!exception.identifier.has_value()) {
+            throw std::runtime_error(exception.reason);
+        }
     }
 
     // Otherwise it takes an account to tell what is short, or what the configurations are.
@@ -132,9 +159,8 @@ private:
     }
 
     void findProblems() {
-        if (decision.outcome.exception.has_value()) {
-            findMalformedIdentifier(*decision.outcome.exception);
-        } else if (!decision.outcome.selection.has_value() && !isShortOfTargets()) {
+        const bool isDecided = !decision.outcome.exception.has_value();
+        if (isDecided && !decision.outcome.selection.has_value() && !isShortOfTargets()) {
             // The library found a selection and had no memory to hand it over.
             throw std::bad_alloc();
         }
@@ -154,20 +180,6 @@ private:
         return std::any_of(messages.begin(), messages.end(), [](const std::string& message) {
             return startsAs(ETraceText::kNotAvailable, message);
         });
-    }
-
-    void findMalformedIdentifier(const SException& exception) {
-        if (exception.isShortage) {
-            throw std::bad_alloc();
-        }
-        if (!exception.identifier.has_value()) {
-            throw std::runtime_error(exception.reason);
-        }
-        const auto backup =
-            exception.backup.has_value() ? std::optional(placeInCall[*exception.backup]) : std::nullopt;
-        add(FI_ROTATION_MALFORMED_IDENTIFIER, backup,
-            fmt::format("holds the malformed identifier \"{}\": {}", *exception.identifier,
-                        exception.reason));
     }
 
     void findRejection(const std::string& message) {
@@ -198,11 +210,20 @@ private:
         if (reading->hasSeveralRoots) {
             add(FI_ROTATION_SEVERAL_ROOTS, place, "has several Nodes that stand in no other");
         }
-        const auto& before = identities[place];
-        const auto after = identityOf(call.backups[place].file);
-        if (before.has_value() && !(after.has_value() && *before == *after)) {
+        if (!reading->isWhole && fileStates[place].has_value()) {
+            add(FI_ROTATION_READ_ERROR, place, "could not be read to its end again");
+        } else if (hasChanged(place, *reading)) {
             add(FI_ROTATION_CHANGED, place, "changed while it was read");
         }
+    }
+
+    // Another file, or another state of it, was read than was looked at before; or its name stands for
+    // another one now.
+    bool hasChanged(std::size_t place, const SReading& reading) const {
+        const auto& before = fileStates[place];
+        const auto after = stateOf(call.backups[place].file);
+        return before.has_value() && (reading.file.value_or(before->text) != before->text ||
+                                      !after.has_value() || after->text != before->text);
     }
 
     bool isKnownProblem(std::size_t place) const {
@@ -355,7 +376,7 @@ private:
     const SWishes& wishes;
     const SSafety& safety;
     // By place in the call.
-    std::vector<std::optional<CFileIdentity>> identities;
+    std::vector<std::optional<CFiFileState>> fileStates;
     // Of the backups that the library was handed, their places in the call.
     std::vector<std::size_t> placeInCall;
     SDecision decision;

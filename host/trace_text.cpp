@@ -50,6 +50,7 @@ constexpr std::array<STraceText, kTextCount> kTexts{{
     {ETraceText::kNoResource, ELevel::kFailure, "fi_process_backups : no resource is available"},
     {ETraceText::kFlagWord, ELevel::kFailure, "fi_process_backups :  Fiid [%s] exclude rotation flag [%d] "},
     {ETraceText::kCannotLoad, ELevel::kFailure, "CFiFiidLoader::load: ERROR: failed to load FIID file"},
+    {ETraceText::kDocumentRead, ELevel::kProgress, "CFiFiidLoader::load : read [%s] whole [%d]"},
     {ETraceText::kMalformedDocument, ELevel::kFailure,
      "CFiFiidHandler::fatalError : line %s, column %s : %s"},
     {ETraceText::kParsed, ELevel::kProgress, "fi_process_backups : parsed [%s]"},

@@ -37,6 +37,7 @@ enum class ETraceText {
     kNoResource,
     kFlagWord,
     kCannotLoad,
+    kDocumentRead,
     kMalformedDocument,
     kParsed,
     kResourceSet,
