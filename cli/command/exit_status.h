@@ -13,6 +13,7 @@ enum EExit : int {
     kExitNegative = 3,
     kExitException = 4,
     kExitWarnings = 5,
+    kExitNotWhole = 6,
     // Plus the number of the signal, as shells tell of a program that a signal ended.
     kExitSignal = 128,
 };
@@ -38,6 +39,8 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitException, "select", "an exception left the library"},
     {kExitException, "simulate", "an exception left the library"},
     {kExitWarnings, "check", "warnings were found, but no errors"},
+    {kExitNotWhole, "select",
+     "documents took no part; with --strict, inputs are not whole and nothing is decided"},
     {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},
 };
 

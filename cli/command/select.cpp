@@ -30,8 +30,10 @@
 #include "cli/outcome/request.h"
 #include "cli/outcome/table.h"
 #include "cli/picture/svg.h"
+#include "host/document_file.h"
 #include "host/library_call.h"
 #include "host/outcome.h"
+#include "host/safe_call.h"
 #include "host/trace_text.h"
 
 namespace fi_rotate {
@@ -43,7 +45,8 @@ constexpr const char* kFooter = R"(Example:
   fi-rotate select --request call.json --only rotated,invalid
 
 Without FIID this is a first backup. Documents are loaded in the order given, up to the first that cannot be
-opened; that one and those after it are "not loaded" and take no part, like a document without a Node.
+opened; that one and those after it are "not loaded" and take no part, like a document without a Node. Targets
+that they hold may then be chosen; with --strict nothing is decided instead.
 State "-" (null in JSON): the library handed no states back, because there is no selection.
 
 A request is a whole call as JSON, configuration and backups; the schema fi-rotate-request.json describes it.
@@ -56,6 +59,7 @@ struct SOptions {
     std::set<std::string> shownStates;
     std::vector<std::string> excluded;
     std::vector<std::string> flagWords;
+    bool isStrict = false;
     bool explain = false;
     bool json = false;
     bool trace = false;
@@ -116,19 +120,45 @@ SCall callOf(const SOptions& options) {
     return call;
 }
 
-void reportNotLoaded(const std::vector<SBackupOutcome>& backups) {
-    const auto isNotLoaded = [](const SBackupOutcome& backup) { return !backup.isLoaded; };
-    const auto first = std::find_if(backups.begin(), backups.end(), isNotLoaded);
-    if (first == backups.end()) {
-        return;
-    }
-    const auto others = std::count_if(first + 1, backups.end(), isNotLoaded);
-    printError("not loaded: \"" + first->given.file + "\"" +
-               (others == 0 ? "" : fmt::format(" and {} more", others)) + "; took no part in the rotation");
+// What the command shows of a call.
+struct SShownCall {
+    SOutcome outcome;
+    // Inputs are not whole, and nothing was decided for that.
+    bool isRefused = false;
+};
+
+bool areAllLoaded(const SOutcome& outcome) {
+    return std::all_of(outcome.backups.begin(), outcome.backups.end(),
+                       [](const SBackupOutcome& backup) { return backup.isLoaded; });
 }
 
-void reportWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
-    if (!isTraceShown) {
+std::string whyNotLoaded(const SBackupOutcome& backup, bool isFirstUnread) {
+    if (backup.reading.has_value()) {
+        return backup.reading->isMalformed ? "it is not well-formed XML" : "it has no Node";
+    }
+    if (!isFirstUnread) {
+        return "a document before it cannot be opened";
+    }
+    const std::string fault = inspectDocument(backup.given.file, SSafety().mostBytes).fault;
+    return "it " + (fault.empty() ? "could not be opened" : fault);
+}
+
+void reportNotLoaded(const SOutcome& outcome) {
+    bool isFirstUnread = true;
+    for (const SBackupOutcome& backup : outcome.backups) {
+        if (!backup.isLoaded) {
+            printError(backup.given.file + " took no part: " + whyNotLoaded(backup, isFirstUnread));
+            isFirstUnread = isFirstUnread && backup.reading.has_value();
+        }
+    }
+    if (outcome.selection.has_value() && !areAllLoaded(outcome)) {
+        printError("the chosen targets may be in use by these documents' backups");
+    }
+}
+
+void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
+    const SOutcome& outcome = call.outcome;
+    if (!isTraceShown || call.isRefused) {
         std::for_each(outcome.messages.begin(), outcome.messages.end(), printError);
     }
     if (outcome.exception.has_value()) {
@@ -138,17 +168,27 @@ void reportWhatWentWrong(const SOutcome& outcome, bool isTraceShown) {
                                                     : "an exception left the library: " + exception.reason);
         return;
     }
-    reportNotLoaded(outcome.backups);
+    if (call.isRefused) {
+        printError("nothing was decided, because these inputs are not whole");
+        return;
+    }
+    reportNotLoaded(outcome);
     if (!outcome.selection.has_value()) {
         printError("no selection: at least one configuration has no free target");
     }
 }
 
-int exitStatusOf(const SOutcome& outcome) {
-    if (outcome.exception.has_value()) {
+int exitStatusOf(const SShownCall& call) {
+    if (call.isRefused) {
+        return kExitNotWhole;
+    }
+    if (call.outcome.exception.has_value()) {
         return kExitException;
     }
-    return outcome.selection.has_value() ? kExitDone : kExitNegative;
+    if (!call.outcome.selection.has_value()) {
+        return kExitNegative;
+    }
+    return areAllLoaded(call.outcome) ? kExitDone : kExitNotWhole;
 }
 
 // The library tells the time stamps of few backups; people look for the others too.
@@ -191,9 +231,32 @@ TraceSink traceSinkOf(bool isShown, COutputFile* file) {
     };
 }
 
-SOutcome makeCall(const SCall& call, const SWishes& wishes) {
+// Of a call from which nothing was decided: what is wrong stands in place of the library's messages.
+SOutcome refusedOutcome(const SCall& call, const SDecision& decision) {
+    SOutcome outcome;
+    outcome.status = FI_STATUS_FAILURE;
+    for (const SBackup& backup : call.backups) {
+        SBackupOutcome& row = outcome.backups.emplace_back();
+        row.given = backup;
+        row.isLoaded = true;
+    }
+    for (const SProblem& problem : decision.problems) {
+        outcome.messages.push_back(problem.text);
+        if (problem.backup.has_value()) {
+            outcome.backups[*problem.backup].isLoaded = false;
+        }
+    }
+    return outcome;
+}
+
+SShownCall makeCall(const SCall& call, const SWishes& wishes, bool isStrict) {
     const CStandardOutputDiversion diversion;
-    return runCall(call, wishes);
+    if (!isStrict) {
+        return {runCall(call, wishes), false};
+    }
+    SDecision decision = decideSafely(call, wishes, SSafety());
+    const bool isRefused = decision.kind == FI_ROTATION_REFUSED;
+    return {isRefused ? refusedOutcome(call, decision) : std::move(decision.outcome), isRefused};
 }
 
 int runSelect(const SOptions& options) {
@@ -207,7 +270,8 @@ int runSelect(const SOptions& options) {
     SWishes wishes;
     wishes.account = options.explain || svg != nullptr;
     wishes.trace = traceSinkOf(options.trace, trace.get());
-    SOutcome outcome = makeCall(call, wishes);
+    SShownCall made = makeCall(call, wishes, options.isStrict);
+    SOutcome& outcome = made.outcome;
     readTimeStamps(outcome.backups);
     const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
     if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {
@@ -217,8 +281,8 @@ int runSelect(const SOptions& options) {
     const std::string shown =
         options.json ? toJson(outcome, view) : toTables(outcome, view, widthOfOutput(), wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
-    reportWhatWentWrong(outcome, options.trace);
-    return flushOrReport() && isTraceWritten ? exitStatusOf(outcome) : kExitNotWritten;
+    reportWhatWentWrong(made, options.trace);
+    return flushOrReport() && isTraceWritten ? exitStatusOf(made) : kExitNotWritten;
 }
 
 }  // namespace
@@ -244,6 +308,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->type_name("FILE=N")
         ->allow_extra_args(false)
         ->excludes(request);
+    select.add_flag("--strict", options->isStrict, "Decide from whole inputs or not at all");
     addOnlyOption(select, options->shownStates);
     select.add_flag("--explain", options->explain,
                     "Say why each backup came to its state and, without a selection, what is short");

@@ -55,9 +55,8 @@ struct SLiveBackup {
 
 class CRounds {
 public:
-    explicit CRounds(const SPlan& plan) {
+    explicit CRounds(const SPlan& plan) : firstCall(accountOfFirstCall(plan.configuration)) {
         simulation.plan = plan;
-        firstCall = accountOfFirstCall(plan.configuration);
         simulation.configurations = firstCall.configurations;
     }
 

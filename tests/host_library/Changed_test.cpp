@@ -148,5 +148,30 @@ TEST_F(CHostLibraryChanged, IsWhatWasReadWhenItIsPermitted) {
     }
 }
 
+// A name that stands for another file only while that is read.
+TEST_F(CHostLibraryChanged, ByAnotherFileAndBackIsNoticed) {
+    const std::string link = path("link.xml");
+    const auto pointTo = [&link](const std::string& target) {
+        std::filesystem::remove(link);
+        std::filesystem::create_symlink(target, link);
+    };
+    pointTo(file);
+    struct SState {
+        std::function<void()> away, back;
+        int lines = 0;
+    } state{[&] { pointTo(other); }, [&] { pointTo(file); }};
+    const auto swap = [](void* user, std::int32_t /*level*/, const char* text) {
+        SState& own = *static_cast<SState*>(user);
+        if (own.lines++ == 0) {
+            own.away();
+        } else if (std::string(text) == kParsing) {
+            own.back();
+        }
+    };
+    const HostCall call = newCall(kConfiguration, {link});
+    fi_rotation_call_set_trace(call.get(), 4, swap, &state);
+    expectRefused(call.get(), {{FI_ROTATION_CHANGED, 0}});
+}
+
 }  // namespace
 }  // namespace fi_test

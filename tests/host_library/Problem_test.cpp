@@ -281,6 +281,12 @@ TEST_F(CHostLibraryProblem, OfAMalformedIdentifierIsThatOfTheDocumentThatHoldsIt
     expectRefused(call.get(), {{FI_ROTATION_MALFORMED_IDENTIFIER, 1}});
 }
 
+TEST_F(CHostLibraryProblem, OfAMalformedIdentifierIsNamedForEveryDocumentThatHoldsOne) {
+    const HostCall call = newCall(kConfiguration, {write("a.xml", "<Node><objid>UDID##a</objid></Node>"),
+                                                   write("b.xml", "<Node><objid>UDID##b</objid></Node>")});
+    expectRefused(call.get(), {{FI_ROTATION_MALFORMED_IDENTIFIER, 0}, {FI_ROTATION_MALFORMED_IDENTIFIER, 1}});
+}
+
 TEST_F(CHostLibraryProblem, OfAnExternalEntityIsNamedAndItIsNotOpened) {
     // Whoever opened it would wait for ever.
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);

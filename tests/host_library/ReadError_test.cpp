@@ -111,5 +111,13 @@ TEST_F(CHostLibraryReadError, OfALaterReadingLeavesNothingDecided) {
     }
 }
 
+TEST_F(CHostLibraryReadError, OfALaterReadingIsNotTakenForDamageThatIsPermitted) {
+    const HostCall call = newCall(kConfiguration, {longHolder()});
+    fi_rotation_call_permit(call.get(), kEveryProblem & ~std::uint32_t{FI_ROTATION_READ_ERROR});
+    failLine(50);
+    EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_REFUSED);
+    EXPECT_NE(fi_rotation_call_backup_problems(call.get(), 0) & FI_ROTATION_READ_ERROR, 0U);
+}
+
 }  // namespace
 }  // namespace fi_test

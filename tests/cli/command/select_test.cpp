@@ -137,18 +137,23 @@ TEST(FiRotateSelect, ExitsWith4AndNamesTheIdentifierWhenAnExceptionLeavesTheLibr
     }
 }
 
-TEST(FiRotateSelect, NamesTheFirstBackupThatWasNotLoadedAndCountsTheOthers) {
+TEST(FiRotateSelect, NamesEveryBackupThatWasNotLoadedWithTheReasonAndExitsWith6) {
     const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", kHolder);
     const std::string missing = folder.path("missing.xml");
     const auto result =
         runFiRotate({"select", "--config", "encA##lun1;encA##snap1;snap2", file, missing, file + "2"});
-    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.exitStatus, 6);
     EXPECT_EQ(result.error, "ERROR: failed to load FIID file [" + missing +
                                 "]\n"
                                 "fi-rotate: CFiFiidLoader::load: ERROR: failed to load FIID file\n"
-                                "fi-rotate: not loaded: \"" +
-                                missing + "\" and 1 more; took no part in the rotation\n");
+                                "fi-rotate: " +
+                                missing +
+                                " took no part: it cannot be opened: No such file or directory\n"
+                                "fi-rotate: " +
+                                file +
+                                "2 took no part: a document before it cannot be opened\n"
+                                "fi-rotate: the chosen targets may be in use by these documents' backups\n");
     EXPECT_THAT(result.output, HasSubstr("  -           0      not loaded\n"));
 }
 
@@ -156,9 +161,47 @@ TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
     const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<nothing/>");
     const auto result = runFiRotate({"select", "--config", kConfiguration, file});
-    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.exitStatus, 6);
     EXPECT_THAT(result.output, EndsWith("not loaded\n"));
-    EXPECT_EQ(result.error, "fi-rotate: not loaded: \"" + file + "\"; took no part in the rotation\n");
+    EXPECT_EQ(result.error, "fi-rotate: " + file +
+                                " took no part: it has no Node\n"
+                                "fi-rotate: the chosen targets may be in use by these documents' backups\n");
+}
+
+TEST(FiRotateSelect, StrictSelectsFromWholeInputsAsWithoutIt) {
+    std::vector<std::string> arguments = selectExamples();
+    const auto bare = runFiRotate(arguments);
+    arguments.insert(arguments.begin() + 1, "--strict");
+    const auto strict = runFiRotate(arguments);
+    EXPECT_EQ(strict.exitStatus, 0);
+    EXPECT_EQ(strict.error, "");
+    EXPECT_EQ(strict.output, bare.output);
+}
+
+TEST(FiRotateSelect, StrictNamesEveryInputThatIsNotWholeAndDecidesNothing) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string file = folder.write("a.xml", kHolder);
+    const std::string missing = folder.path("missing.xml");
+    const std::string without = folder.write("b.xml", "<nothing/>");
+    const auto result = runFiRotate(
+        {"select", "--strict", "--config", "encA##lun1;encA##snap1;snap2&encB##", missing, without, file});
+    EXPECT_EQ(result.exitStatus, 6);
+    EXPECT_THAT(result.output, StartsWith("Selection: none\n"));
+    EXPECT_EQ(result.error,
+              "fi-rotate: the configuration \"encB##\" has a target without a device\n"
+              "fi-rotate: " +
+                  missing + ": cannot be opened: No such file or directory\n" + "fi-rotate: " + without +
+                  ": has no Node\n"
+                  "fi-rotate: nothing was decided, because these inputs are not whole\n");
+}
+
+TEST(FiRotateSelect, StrictExitsWith3WhenNoTargetIsFree) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string file = folder.write("a.xml", kHolder);
+    const auto result =
+        runFiRotate({"select", "--strict", "--config", kConfiguration, "--exclude", file, file});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output, StartsWith("Selection: none\n"));
 }
 
 TEST(FiRotateSelect, TellsWhichConfigurationWasRejected) {
