@@ -58,7 +58,7 @@ TEST(FiRotateSelectJson, HoldsTheFactsOfTheTables) {
 TEST(FiRotateSelectJson, StaysWholeWhenAFileIsMissing) {
     const fi_test::CTemporaryFolder folder;
     const std::string missing = folder.path("missing.xml");
-    EXPECT_EQ(selectJson({"--config", "encA##lun1;snap1", missing}, 0),
+    EXPECT_EQ(selectJson({"--config", "encA##lun1;snap1", missing}, 6),
               (Json{
                   {"status", 0},
                   {"selection", "[encA##lun1;encA##snap1]"},
