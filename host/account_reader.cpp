@@ -136,13 +136,13 @@ bool CAccountReader::isEnded() const {
 }
 
 bool CAccountReader::readTree(std::string_view text) {
-    for (const ETraceText kind : kOfTree) {
-        if (const auto inner = nodeTextIn(kind, text)) {
+    return std::any_of(kOfTree.begin(), kOfTree.end(), [this, text](ETraceText kind) {
+        const auto inner = nodeTextIn(kind, text);
+        if (inner.has_value()) {
             takeOfTree(kind, *inner, text);
-            return true;
         }
-    }
-    return false;
+        return inner.has_value();
+    });
 }
 
 void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::string_view text) {

@@ -1,53 +1,29 @@
 #include <pthread.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <memory>
 #include <new>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include <cxxabi.h>
 
 #include <fi_rotation/fi_process_backups.h>
 
 #include "host/account.h"
+#include "host/call_handle.h"
 #include "host/host.h"
 #include "host/process_lock.h"
 #include "host/safe_call.h"
 
-// The functions of the host library. Nothing leaves them but the end of the thread.
+// The functions of the host library that take inputs and run a call. Nothing leaves them but the end of the
+// thread.
 
 using fi_rotate::SBackupOutcome;
-using fi_rotate::SConfigurationOfDecision;
 using fi_rotate::SDecision;
 using fi_rotate::SProblem;
-
-struct fi_rotation_call {
-    fi_rotate::SCall inputs;
-    fi_rotate::SSafety safety;
-    bool wantsReasons = false;
-    std::int32_t traceLevel = fi_rotate::kProgressLevel;
-    fi_rotation_trace_fn traceFunction = nullptr;
-    void* traceUser = nullptr;
-    // A backup could not be added.
-    bool isIncomplete = false;
-
-    std::atomic<bool> isRunning = false;
-    // It was freed while it ran.
-    bool isAbandoned = false;
-
-    SDecision decision;
-    // By backup.
-    std::vector<std::uint32_t> problemsOfBackups;
-    std::vector<std::string> reasonTexts;
-    // What decision.message says, or a text that needs no memory.
-    const char* message = "the call was not run";
-};
 
 namespace {
 
@@ -150,50 +126,6 @@ fi_rotation_outcome decide(fi_rotation_call& call) {
     return call.decision.kind;
 }
 
-// An element of a sequence by an index from outside; null when there is none.
-template <typename Sequence>
-auto elementOf(const Sequence& sequence, std::int32_t index) -> const typename Sequence::value_type* {
-    const bool isInside = index >= 0 && static_cast<std::size_t>(index) < sequence.size();
-    return isInside ? &sequence[static_cast<std::size_t>(index)] : nullptr;
-}
-
-template <typename Sequence>
-std::int32_t countOf(const Sequence& sequence) {
-    return static_cast<std::int32_t>(sequence.size());
-}
-
-constexpr std::int32_t kNothing = -1;
-
-template <typename Number>
-std::int32_t numberOr(const std::optional<Number>& number) {
-    return number.has_value() ? static_cast<std::int32_t>(*number) : kNothing;
-}
-
-const SProblem* problemOf(const fi_rotation_call* call, std::int32_t problem) {
-    return call != nullptr ? elementOf(call->decision.problems, problem) : nullptr;
-}
-
-const SConfigurationOfDecision* configurationOf(const fi_rotation_call* call, std::int32_t configuration) {
-    return call != nullptr ? elementOf(call->decision.configurations, configuration) : nullptr;
-}
-
-const fi_rotate::STargetOfDecision* targetOf(const fi_rotation_call* call, std::int32_t configuration,
-                                             std::int32_t target) {
-    const SConfigurationOfDecision* const found = configurationOf(call, configuration);
-    return found != nullptr ? elementOf(found->targets, target) : nullptr;
-}
-
-// What a run that decided something says of a backup.
-const SBackupOutcome* backupOf(const fi_rotation_call* call, std::int32_t backup) {
-    const bool isDecided = call != nullptr && call->decision.kind <= FI_ROTATION_TOO_FEW_BACKUPS;
-    return isDecided ? elementOf(call->decision.outcome.backups, backup) : nullptr;
-}
-
-const fi_rotate::SReason* reasonOf(const fi_rotation_call* call, std::int32_t backup) {
-    const SBackupOutcome* const found = backupOf(call, backup);
-    return found != nullptr && found->reason.has_value() ? &*found->reason : nullptr;
-}
-
 }  // namespace
 
 const char* fi_rotation_version() {
@@ -223,17 +155,17 @@ void fi_rotation_call_free(fi_rotation_call* call) {
 std::int32_t fi_rotation_call_add(fi_rotation_call* call, const char* file, std::int32_t excluded) {
     const CThreadState unchanged;
     if (call == nullptr || call->isRunning) {
-        return kNothing;
+        return -1;
     }
     try {
         if (file != nullptr) {
             call->inputs.backups.push_back({file, excluded != 0 ? FI_EXCLUDE_ROTATION : 0});
-            return countOf(call->inputs.backups) - 1;
+            return static_cast<std::int32_t>(call->inputs.backups.size()) - 1;
         }
     } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): told by what is returned.
     }
     call->isIncomplete = true;
-    return kNothing;
+    return -1;
 }
 
 void fi_rotation_call_permit(fi_rotation_call* call, std::uint32_t problems) {
@@ -296,113 +228,4 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
 
 const char* fi_rotation_call_message(const fi_rotation_call* call) {
     return call != nullptr ? call->message : "memory ran out before there was a call";
-}
-
-std::int32_t fi_rotation_call_problem_count(const fi_rotation_call* call) {
-    return call != nullptr ? countOf(call->decision.problems) : 0;
-}
-
-std::uint32_t fi_rotation_call_problem_kind(const fi_rotation_call* call, std::int32_t problem) {
-    const SProblem* const found = problemOf(call, problem);
-    return found != nullptr ? found->kind : 0;
-}
-
-std::int32_t fi_rotation_call_problem_backup(const fi_rotation_call* call, std::int32_t problem) {
-    const SProblem* const found = problemOf(call, problem);
-    return found != nullptr ? numberOr(found->backup) : kNothing;
-}
-
-const char* fi_rotation_call_problem_text(const fi_rotation_call* call, std::int32_t problem) {
-    const SProblem* const found = problemOf(call, problem);
-    return found != nullptr ? found->text.c_str() : nullptr;
-}
-
-const char* fi_rotation_call_selection(const fi_rotation_call* call) {
-    const bool isSelected = call != nullptr && call->decision.outcome.selection.has_value();
-    return isSelected ? call->decision.outcome.selection->c_str() : nullptr;
-}
-
-std::int32_t fi_rotation_call_configuration_count(const fi_rotation_call* call) {
-    return call != nullptr ? countOf(call->decision.configurations) : 0;
-}
-
-const char* fi_rotation_call_configuration_first(const fi_rotation_call* call, std::int32_t configuration) {
-    const SConfigurationOfDecision* const found = configurationOf(call, configuration);
-    return found != nullptr ? found->first.c_str() : nullptr;
-}
-
-const char* fi_rotation_call_configuration_chosen(const fi_rotation_call* call, std::int32_t configuration) {
-    const SConfigurationOfDecision* const found = configurationOf(call, configuration);
-    return found != nullptr && found->chosen.has_value() ? found->chosen->c_str() : nullptr;
-}
-
-std::int32_t fi_rotation_call_configuration_kept(const fi_rotation_call* call, std::int32_t configuration) {
-    const SConfigurationOfDecision* const found = configurationOf(call, configuration);
-    return found != nullptr ? numberOr(found->kept) : kNothing;
-}
-
-std::int32_t fi_rotation_call_target_count(const fi_rotation_call* call, std::int32_t configuration) {
-    const SConfigurationOfDecision* const found = configurationOf(call, configuration);
-    return found != nullptr ? countOf(found->targets) : 0;
-}
-
-const char* fi_rotation_call_target(const fi_rotation_call* call, std::int32_t configuration,
-                                    std::int32_t target) {
-    const auto* const found = targetOf(call, configuration, target);
-    return found != nullptr ? found->name.c_str() : nullptr;
-}
-
-std::int32_t fi_rotation_call_target_holder(const fi_rotation_call* call, std::int32_t configuration,
-                                            std::int32_t target) {
-    const auto* const found = targetOf(call, configuration, target);
-    return found != nullptr ? numberOr(found->holder) : kNothing;
-}
-
-std::int32_t fi_rotation_call_backup_count(const fi_rotation_call* call) {
-    return call != nullptr ? countOf(call->inputs.backups) : 0;
-}
-
-const char* fi_rotation_call_backup_file(const fi_rotation_call* call, std::int32_t backup) {
-    const fi_rotate::SBackup* const found =
-        call != nullptr ? elementOf(call->inputs.backups, backup) : nullptr;
-    return found != nullptr ? found->file.c_str() : nullptr;
-}
-
-std::uint32_t fi_rotation_call_backup_problems(const fi_rotation_call* call, std::int32_t backup) {
-    const std::uint32_t* const found = call != nullptr ? elementOf(call->problemsOfBackups, backup) : nullptr;
-    return found != nullptr ? *found : 0;
-}
-
-fi_rotation_state fi_rotation_call_backup_state(const fi_rotation_call* call, std::int32_t backup) {
-    const SBackupOutcome* const found = backupOf(call, backup);
-    const bool isKnown = found != nullptr && found->state.has_value();
-    return isKnown ? static_cast<fi_rotation_state>(*found->state) : FI_ROTATION_NO_STATE;
-}
-
-const char* fi_rotation_call_backup_time_stamp(const fi_rotation_call* call, std::int32_t backup) {
-    const SBackupOutcome* const found = backupOf(call, backup);
-    return found != nullptr && !found->timeStamp.empty() ? found->timeStamp.c_str() : nullptr;
-}
-
-std::int32_t fi_rotation_call_backup_target_count(const fi_rotation_call* call, std::int32_t backup) {
-    const fi_rotate::SReason* const reason = reasonOf(call, backup);
-    return reason != nullptr ? countOf(reason->targets) : 0;
-}
-
-const char* fi_rotation_call_backup_target(const fi_rotation_call* call, std::int32_t backup,
-                                           std::int32_t target) {
-    const fi_rotate::SReason* const reason = reasonOf(call, backup);
-    const std::string* const found = reason != nullptr ? elementOf(reason->targets, target) : nullptr;
-    return found != nullptr ? found->c_str() : nullptr;
-}
-
-const char* fi_rotation_call_backup_reason(const fi_rotation_call* call, std::int32_t backup) {
-    const fi_rotate::SReason* const reason = reasonOf(call, backup);
-    // A literal.
-    return reason != nullptr ? fi_rotate::nameOf(reason->kind).data() : nullptr;
-}
-
-const char* fi_rotation_call_backup_reason_text(const fi_rotation_call* call, std::int32_t backup) {
-    const bool isKnown = reasonOf(call, backup) != nullptr;
-    return isKnown ? call->reasonTexts[static_cast<std::size_t>(backup)].c_str() : nullptr;
 }

@@ -278,13 +278,12 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
         default:
             break;
     }
+    checked += *kind == ETraceText::kCheckPassed || *kind == ETraceText::kCheckFailed ? 1 : 0;
     const bool isLoaded = *kind == ETraceText::kParsed;
     if (account == nullptr && !isLoaded) {
-        checked += *kind == ETraceText::kCheckPassed || *kind == ETraceText::kCheckFailed ? 1 : 0;
         return;
     }
     const TraceArguments& taken = lastArguments.read(format, arguments);
-    checked += *kind == ETraceText::kCheckPassed || *kind == ETraceText::kCheckFailed ? 1 : 0;
     if (isLoaded) {
         loaded.emplace_back(taken[0]);
     }

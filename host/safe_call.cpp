@@ -59,9 +59,9 @@ private:
         decision.problems.push_back({kind, backup, text});
     }
 
-    bool isPermitted(std::uint32_t kind) const { return (safety.permitted & kind) != 0; }
+    [[nodiscard]] bool isPermitted(std::uint32_t kind) const { return (safety.permitted & kind) != 0; }
 
-    bool isRefused() const {
+    [[nodiscard]] bool isRefused() const {
         return std::any_of(decision.problems.begin(), decision.problems.end(),
                            [this](const SProblem& problem) { return !isPermitted(problem.kind); });
     }
@@ -154,7 +154,7 @@ private:
     }
 
     // Otherwise it takes an account to tell what is short, or what the configurations are.
-    bool isToldBySelection() const {
+    [[nodiscard]] bool isToldBySelection() const {
         return decision.outcome.selection.has_value() && choices(*decision.outcome.selection).has_value();
     }
 
@@ -175,7 +175,7 @@ private:
             [](const SProblem& one, const SProblem& other) { return one.backup < other.backup; });
     }
 
-    bool isShortOfTargets() const {
+    [[nodiscard]] bool isShortOfTargets() const {
         const auto& messages = decision.outcome.messages;
         return std::any_of(messages.begin(), messages.end(), [](const std::string& message) {
             return startsAs(ETraceText::kNotAvailable, message);
@@ -219,14 +219,14 @@ private:
 
     // Another file, or another state of it, was read than was looked at before; or its name stands for
     // another one now.
-    bool hasChanged(std::size_t place, const SReading& reading) const {
+    [[nodiscard]] bool hasChanged(std::size_t place, const SReading& reading) const {
         const auto& before = fileStates[place];
         const auto after = stateOf(call.backups[place].file);
         return before.has_value() && (reading.file.value_or(before->text) != before->text ||
                                       !after.has_value() || after->text != before->text);
     }
 
-    bool isKnownProblem(std::size_t place) const {
+    [[nodiscard]] bool isKnownProblem(std::size_t place) const {
         return std::any_of(decision.problems.begin(), decision.problems.end(),
                            [place](const SProblem& problem) {
                                return problem.backup == place && problem.kind == FI_ROTATION_CANNOT_OPEN;
@@ -287,7 +287,7 @@ private:
     // The places in the call of the backups that the account tells of. It has them in the order of the call;
     // of a name that is listed twice it may have one only, since what is listed after a missing file is not
     // read.
-    std::vector<std::size_t> placesOf(const SAccount& account) const {
+    [[nodiscard]] std::vector<std::size_t> placesOf(const SAccount& account) const {
         std::vector<std::size_t> places;
         for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
             const SBackupOutcome& backup = decision.outcome.backups[i];
@@ -301,8 +301,8 @@ private:
     }
 
     // Those of the holders of a configuration's targets that came to one of these states.
-    std::set<std::size_t> holdersAmong(const std::vector<std::optional<std::size_t>>& holders,
-                                       const std::set<std::int32_t>& states) const {
+    [[nodiscard]] std::set<std::size_t> holdersAmong(const std::vector<std::optional<std::size_t>>& holders,
+                                                     const std::set<std::int32_t>& states) const {
         std::set<std::size_t> found;
         for (const auto& holder : holders) {
             if (holder.has_value() && states.count(decision.outcome.account->backups[*holder].state) != 0) {
@@ -334,7 +334,7 @@ private:
         decision.message = "every configuration has a free target";
     }
 
-    std::string shortageInWords() const {
+    [[nodiscard]] std::string shortageInWords() const {
         std::vector<std::string> lines;
         for (const SShortage& shortage : decision.outcome.account->shortages) {
             const SConfigurationOfDecision& configuration = decision.configurations[shortage.configuration];
@@ -356,7 +356,7 @@ private:
     }
 
     // Of each configuration that would keep fewer backups than asked for; empty when there is none.
-    std::string lossInWords() const {
+    [[nodiscard]] std::string lossInWords() const {
         std::vector<std::string> lines;
         for (std::size_t i = 0; safety.leastKept != 0 && i < decision.configurations.size(); ++i) {
             const SConfigurationOfDecision& configuration = decision.configurations[i];
