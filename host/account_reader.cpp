@@ -152,7 +152,9 @@ void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::st
     } else if (kind == ETraceText::kNodeAltobjid) {
         follow(ETreeLine::kAltobjid, ETreeLine::kType, text);
         if (objid.find("UDID##") != std::string::npos) {
-            account.backups.back().pairs[objid] = inner;
+            auto& pairs = account.backups.back().pairs;
+            // Most documents have them in order.
+            pairs.insert_or_assign(pairs.end(), objid, inner);
         }
     } else {
         follow(ETreeLine::kType, ETreeLine::kObjid, text);

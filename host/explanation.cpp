@@ -131,6 +131,7 @@ private:
                 if (!found.has_value()) {
                     continue;
                 }
+                placesOf[place].push_back(*found);
                 std::optional<std::size_t>& holder = holders.holder(*found);
                 if (!holder.has_value()) {
                     holder = place;
@@ -191,17 +192,16 @@ private:
 
     std::vector<std::string> targetsOf(std::size_t place) {
         std::vector<std::string> targets;
-        for (const auto& [objid, altobjid] : backup(place).pairs) {
-            targets.push_back(targetOf(altobjid));
+        targets.reserve(placesOf[place].size());
+        for (const auto& [configuration, target] : placesOf[place]) {
+            targets.push_back(passes.account.configurations[configuration].targets[target]);
         }
         return targets;
     }
 
     void release(std::size_t place) {
-        for (const auto& [objid, altobjid] : backup(place).pairs) {
-            if (const auto found = holders.find(objid, altobjid)) {
-                holders.holder(*found).reset();
-            }
+        for (const auto& found : placesOf[place]) {
+            holders.holder(found).reset();
         }
     }
 
@@ -222,6 +222,9 @@ private:
 
     CAccountReader passes;
     CHolders holders{passes.account.configurations};
+    // What each backup that passed the check holds, if its claim was good.
+    std::vector<std::vector<CHolders::SPlace>> placesOf =
+        std::vector<std::vector<CHolders::SPlace>>(passes.account.backups.size());
 };
 
 }  // namespace

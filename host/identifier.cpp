@@ -11,32 +11,42 @@ constexpr std::string_view kDevicePrefix = "UDID##";
 constexpr std::string_view kEnclosurePrefix = "UEID##";
 constexpr std::string_view kSeparator = "##";
 
-SIdentifier malformed(std::int32_t fault) {
-    return {"", "", fault};
-}
+// What stands behind the second separator after the prefix, or why there is none.
+struct SThirdPart {
+    std::string_view text;
+    bool isDevice = false;
+    std::optional<std::int32_t> fault;
+};
 
-}  // namespace
-
-SIdentifier parseIdentifier(std::string_view text) {
+SThirdPart thirdPartOf(std::string_view text) {
     const std::size_t devicePrefix = text.find(kDevicePrefix);
     const bool isDevice = devicePrefix != std::string_view::npos;
     const std::size_t prefix = isDevice ? devicePrefix : text.find(kEnclosurePrefix);
     if (prefix == std::string_view::npos) {
-        return malformed(CFiUdidException::kNoPrefix);
+        return {{}, false, CFiUdidException::kNoPrefix};
     }
     std::string_view rest = text.substr(prefix + kDevicePrefix.size());
     for (const std::int32_t fault :
          {CFiUdidException::kNoSeparatorAfterFirstPart, CFiUdidException::kNoSeparatorAfterSecondPart}) {
         const std::size_t end = rest.find(kSeparator);
         if (end == std::string_view::npos) {
-            return malformed(fault);
+            return {{}, false, fault};
         }
         rest.remove_prefix(end + kSeparator.size());
     }
     if (rest.empty()) {
-        return malformed(CFiUdidException::kNothingAfterSecondPart);
+        return {{}, false, CFiUdidException::kNothingAfterSecondPart};
     }
+    return {rest, isDevice, {}};
+}
 
+}  // namespace
+
+SIdentifier parseIdentifier(std::string_view text) {
+    const auto [rest, isDevice, fault] = thirdPartOf(text);
+    if (fault.has_value()) {
+        return {"", "", fault};
+    }
     const std::size_t end = rest.find(kSeparator);
     if (end == std::string_view::npos) {
         // The third part alone is the device of a device identifier and the enclosure of the other one.
@@ -48,7 +58,10 @@ SIdentifier parseIdentifier(std::string_view text) {
 }
 
 std::string targetOf(std::string_view identifier) {
-    return parseIdentifier(identifier).name();
+    const std::string_view rest = thirdPartOf(identifier).text;
+    // An enclosure and a device stand there as the target is called.
+    return rest.find(kSeparator) != std::string_view::npos ? std::string(rest)
+                                                           : parseIdentifier(identifier).name();
 }
 
 std::string_view identifierFault(std::int32_t code) {
