@@ -192,8 +192,8 @@ public:
 private:
     void tell(int level, const char* format, std::va_list arguments);
     void follow(const char* format, std::va_list arguments);
-    void enter(EOperation operation);
-    void leave(EOperation operation);
+    void enter(const char* name);
+    void leave(const char* name);
 
     const SWishes& wished;
     CAccountReader* account;
@@ -202,8 +202,11 @@ private:
     CMeanings<std::optional<ETraceText>> texts{kindOf};
     CMeanings<EOperation> operations{operationOf};
     CArguments lastArguments;
-    // Of the end of one element.
+    // Since the last entry.
     int exits = 0;
+    // The formats of entries and exits, once they were seen.
+    const char* entering = nullptr;
+    const char* exiting = nullptr;
 };
 
 // The library's trace call has no context argument, so its receiver must be reachable without one.
@@ -253,16 +256,27 @@ void CTraceReceiver::tell(int level, const char* format, std::va_list arguments)
 }
 
 void CTraceReceiver::follow(const char* format, std::va_list arguments) {
+    // Nearly all lines are of these two.
+    if (format == entering) {
+        enter(va_arg(arguments, const char*));
+        return;
+    }
+    if (format == exiting) {
+        leave(va_arg(arguments, const char*));
+        return;
+    }
     const std::optional<ETraceText> kind = texts.of(format);
     if (!kind.has_value()) {
         return;
     }
     switch (*kind) {
         case ETraceText::kEntering:
-            enter(operations.of(va_arg(arguments, const char*)));
+            entering = format;
+            enter(va_arg(arguments, const char*));
             return;
         case ETraceText::kExiting:
-            leave(operations.of(va_arg(arguments, const char*)));
+            exiting = format;
+            leave(va_arg(arguments, const char*));
             return;
         case ETraceText::kDocumentRead: {
             const TraceArguments& read = lastArguments.read(format, arguments);
@@ -292,8 +306,9 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
     }
 }
 
-void CTraceReceiver::enter(EOperation operation) {
+void CTraceReceiver::enter(const char* name) {
     exits = 0;
+    const EOperation operation = operations.of(name);
     if (operation == EOperation::kParse) {
         readings.push_back(std::exchange(nextReading, {}));
     } else if (operation == EOperation::kFatalError) {
@@ -303,9 +318,9 @@ void CTraceReceiver::enter(EOperation operation) {
 
 // The end of an element is traced once; once more when it ends a Node that stands in no other; and once more
 // when such a Node has ended before.
-void CTraceReceiver::leave(EOperation operation) {
+void CTraceReceiver::leave(const char* name) {
     constexpr int kExitsOfFurtherRoot = 3;
-    if (operation == EOperation::kEndElement && ++exits == kExitsOfFurtherRoot) {
+    if (++exits == kExitsOfFurtherRoot && operations.of(name) == EOperation::kEndElement) {
         readings.back().hasSeveralRoots = true;
     }
 }
