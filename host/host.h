@@ -23,7 +23,8 @@
  * that could not be allocated: running it gives FI_ROTATION_OUT_OF_MEMORY, all else does nothing.
  *
  * Threads: any number of threads may run calls at once, each on its own fi_rotation_call; inside, they wait
- * for one another. One fi_rotation_call is used by one thread at a time.
+ * for one another. One fi_rotation_call is used by one thread at a time. While it runs, that is from its
+ * trace function, the functions that would change it do nothing.
  *
  * Ownership: texts that are passed in are copied. Texts that are returned belong to the call and stay as they
  * are until it is run again or freed. They are NUL-terminated; names of files and texts of documents are
@@ -62,7 +63,8 @@ typedef enum fi_rotation_outcome {
     FI_ROTATION_TRACE_FAILED = 5,
     /* The call was run from its own or another call's trace function, or by two threads at once. */
     FI_ROTATION_MISUSED = 6,
-    /* The XML library could not be set up, or this process was forked while another thread ran a call. */
+    /* The XML library could not be set up, for want of memory as a rule, or this process was forked while
+       another thread ran a call. */
     FI_ROTATION_FAILED = 7
 } fi_rotation_outcome;
 
@@ -226,7 +228,7 @@ FI_ROTATION_API const char* fi_rotation_call_backup_file(const fi_rotation_call*
 FI_ROTATION_API uint32_t fi_rotation_call_backup_problems(const fi_rotation_call* call, int32_t backup);
 FI_ROTATION_API fi_rotation_state fi_rotation_call_backup_state(const fi_rotation_call* call, int32_t backup);
 /* The text of its document's timeStamp; null when not known, as for a backup that does not agree with the
- * configuration. Known when reasons were asked for. */
+ * configuration. Known when reasons were asked for, and with FI_ROTATION_NO_FREE_TARGET. */
 FI_ROTATION_API const char* fi_rotation_call_backup_time_stamp(const fi_rotation_call* call, int32_t backup);
 /* The targets that it held before any was released, ENCLOSURE##DEVICE; none of a backup that is invalid.
  * Known when reasons were asked for, and with FI_ROTATION_NO_FREE_TARGET. */
