@@ -178,9 +178,9 @@ def environment_for(tools, arguments):
     write_program(tools / "fi-rotate", shlex.quote(arguments.program))
     write_program(tools / "cc", f"{arguments.cc} {warnings}")
     write_program(tools / "c++", f"{arguments.cxx} {warnings}")
-    folder = os.path.dirname(arguments.library)
+    folders = ":".join(os.path.dirname(library) for library in arguments.library)
     return {**os.environ, "PATH": f"{tools}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8", "NO_COLOR": "1",
-            "CPATH": arguments.include, "LIBRARY_PATH": folder, "LD_LIBRARY_PATH": folder}
+            "CPATH": arguments.include, "LIBRARY_PATH": folders, "LD_LIBRARY_PATH": folders}
 
 
 def faults_of(page, arguments):
@@ -202,7 +202,7 @@ def main():
     parser = argparse.ArgumentParser(description="Runs the examples of a page.")
     parser.add_argument("page", type=pathlib.Path)
     parser.add_argument("--program", required=True, help="fi-rotate")
-    parser.add_argument("--library", required=True)
+    parser.add_argument("--library", required=True, action="append", help="each library that hosts link")
     parser.add_argument("--include", required=True, help="the folder of the public headers' folder")
     parser.add_argument("--examples", required=True)
     parser.add_argument("--cc", required=True, help="the C compiler with its flags")

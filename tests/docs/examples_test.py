@@ -26,7 +26,7 @@ class Page(unittest.TestCase):
         page.write_text(text)
         try:
             return examples.faults_of(page, argparse.Namespace(
-                program="/bin/true", library="/lib/none.so", include=str(self.folder / "include"),
+                program="/bin/true", library=["/lib/none.so"], include=str(self.folder / "include"),
                 examples=self.folder / "shown", cc="/usr/bin/cc", cxx="/usr/bin/c++"))
         except examples.NoTerminals as reason:
             self.skipTest(str(reason))
