@@ -10,6 +10,7 @@ A comment directly above a literal block says what the block is. Manual pages (s
   file NAME    the content of a file
   declaration  C that must agree with the public header
   statements   C as it could stand in a function, compiled only
+  python       a session of Python, which tests/python runs; not run here
   form         a form to be filled in; not run
 
 A block without such a comment is a mistake, so that no example goes untested by being forgotten.
@@ -31,7 +32,7 @@ import sys
 import tempfile
 import termios
 
-KINDS = {"run": 0, "file": 1, "declaration": 0, "statements": 0, "form": 0}
+KINDS = {"run": 0, "file": 1, "declaration": 0, "statements": 0, "python": 0, "form": 0}
 FENCES = {".scd": re.compile(r"```$"), ".md": re.compile(r"```\w*$")}
 COMMENTS = {".scd": re.compile(r"; (.*)$"), ".md": re.compile(r"<!-- (.*) -->$")}
 # The exit status that tests/docs/CMakeLists.txt takes for a test that was skipped.

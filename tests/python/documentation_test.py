@@ -6,6 +6,7 @@ All that is public has a documentation with an example, and the examples are tru
 import doctest
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import unittest
@@ -35,6 +36,18 @@ class Documentation(unittest.TestCase):
             if isinstance(thing, type):
                 with self.subTest(name):
                     self.assertEqual(f"{thing.__module__}.{thing.__name__}", f"fi_rotation.{name}")
+
+
+class Readme(unittest.TestCase):
+    def test_its_session_is_true(self):
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(PROJECT)
+        sessions = re.findall(r"^<!-- python -->\n```python\n(.*?)^```$", (PROJECT / "README.md").read_text(),
+                              re.MULTILINE | re.DOTALL)
+        self.assertEqual(len(sessions), 1)
+        parsed = doctest.DocTestParser().get_doctest(sessions[0], {}, "README.md", None, None)
+        self.assertNotEqual(parsed.examples, [])
+        self.assertEqual(doctest.DocTestRunner().run(parsed).failed, 0)
 
 
 class Example(unittest.TestCase):
