@@ -88,6 +88,11 @@ void CFiFiidHandler::openNode() {
     } else {
         // A root made earlier in this document is dropped from view here and stays allocated:
         // nobody holds it any more, and nodes are never deleted by the code that builds them.
+        // The host library keeps it for who releases the trees.
+        if (kInHostLibrary && root != nullptr) {
+            root->parent = replaced;
+            replaced = root;
+        }
         root = node.get();
     }
     current = node.release();

@@ -46,6 +46,8 @@ public:
     bool errorSeen = false;
     // The latest piece of character data; white space between tags included.
     std::string text;
+    // In the host library: the root before the last one, if there is one; `parent` of each is the one before.
+    CFiFiidNode* replaced = nullptr;
 
 private:
     void openNode();

@@ -26,15 +26,22 @@ struct SFileClose {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Adds the root of a handler's tree to a list at the end of the scope, also when an exception ends it: a
-// tree that no list knows would never be freed. The list must have room.
+// Hands the trees of a handler to the loader at the end of the scope, also when an exception ends it: a tree
+// that no list knows would never be freed. The list must have room.
 class CRootKeeper {
 public:
-    CRootKeeper(const CFiFiidHandler& reading, std::vector<CFiFiidNode*>& roots)
-        : handler(reading), nodes(roots) {}
+    CRootKeeper(const CFiFiidHandler& reading, CFiFiidLoader& reader) : handler(reading), loader(reader) {}
     ~CRootKeeper() {
         if (handler.root != nullptr) {
-            nodes.push_back(handler.root);
+            loader.nodes.push_back(handler.root);
+        }
+        if (handler.replaced != nullptr) {
+            CFiFiidNode* first = handler.replaced;
+            while (first->parent != nullptr) {
+                first = first->parent;
+            }
+            first->parent = loader.replaced.front();
+            loader.replaced.front() = handler.replaced;
         }
     }
     CRootKeeper(const CRootKeeper&) = delete;
@@ -42,7 +49,7 @@ public:
 
 private:
     const CFiFiidHandler& handler;
-    std::vector<CFiFiidNode*>& nodes;
+    CFiFiidLoader& loader;
 };
 
 // Which state of which file was read, and whether to its end: the name may stand for another one by now.
@@ -53,11 +60,11 @@ void traceWhatWasRead(std::FILE* stream) {
                   CFiFileState(state).text.c_str(), isWhole ? 1 : 0);
 }
 
-void parseDocument(const std::string& content, std::vector<CFiFiidNode*>& nodes) {
+void parseDocument(const std::string& content, CFiFiidLoader& loader) {
     // The handler allocates through the XML library, which lives as long as the parser.
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
-    const CRootKeeper keeper(handler, nodes);
+    const CRootKeeper keeper(handler, loader);
     parser.setHandler(&handler);
     parser.parse(content);
 }
@@ -111,7 +118,7 @@ std::int32_t CFiFiidLoader::import(const std::vector<std::string>& names) {
             return status;
         }
         const std::size_t before = nodes.size();
-        parseDocument(content, nodes);
+        parseDocument(content, *this);
         if (nodes.size() > before) {
             nodes.back()->fiidFile = name;
         }

@@ -26,6 +26,9 @@ public:
 
     // Roots of the loaded documents in the order of import. Not owned: they outlive the loader.
     std::vector<CFiFiidNode*> nodes;
+    // In the host library: the last of the roots that another one in their document replaced, if there is
+    // any; `parent` of each is the one before. Not owned either.
+    std::vector<CFiFiidNode*> replaced{nullptr};
     // The list last given to import.
     std::vector<std::string> files;
 };

@@ -199,6 +199,10 @@ TEST_F(CHostLibraryTraceFunction, SeesNoDescriptorThatAProgramWouldInherit) {
     EXPECT_EQ(inherited(), before);
 }
 
+#ifndef __SANITIZE_ADDRESS__
+// A trace function must not end its thread, but where it does the rest of the process goes on. What unwinds
+// the thread is no object, which the sanitizer takes for a null reference.
+
 // Ends a thread at this line of a run.
 void endThreadAtLine(const std::function<HostCall(SLines&)>& makeCall, int at) {
     struct SThread {
@@ -222,13 +226,13 @@ void endThreadAtLine(const std::function<HostCall(SLines&)>& makeCall, int at) {
     ASSERT_EQ(pthread_join(id, nullptr), 0);
 }
 
-TEST_F(CHostLibraryTraceFunction, MayEndItsThreadAndOtherThreadsRunCallsAfterwards) {
+TEST_F(CHostLibraryTraceFunction, ThatEndsItsThreadLeavesOtherThreadsTheirCalls) {
     endThreadAtLine([this](SLines& lines) { return newTracedCall(lines); }, 1);
     expectCallsWork();
 }
 
 // Of the lines that a destructor traces none can end a thread.
-TEST_F(CHostLibraryTraceFunction, MayEndItsThreadAtAnyLineButADestructors) {
+TEST_F(CHostLibraryTraceFunction, ThatEndsItsThreadMayDoSoAtAnyLineButADestructors) {
     std::vector<std::string> texts;
     SLines all{[&](int /*line*/, int /*level*/, const std::string& text) { texts.push_back(text); }};
     fi_rotation_call_run(newTracedCall(all).get());
@@ -242,6 +246,7 @@ TEST_F(CHostLibraryTraceFunction, MayEndItsThreadAtAnyLineButADestructors) {
         expectCallsWork();
     }
 }
+#endif
 
 }  // namespace
 }  // namespace fi_test
