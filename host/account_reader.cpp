@@ -212,29 +212,37 @@ bool CAccountReader::takePrinted(ETraceText kind, const TraceArguments& argument
     if (printedSets != 1 || arguments.back() != kAvailable) {
         return false;
     }
-    const bool isFirst = kind == ETraceText::kFirstTarget;
-    readPrintedTarget(isFirst,
-                      isFirst ? fmt::format("{}:{}", arguments[0], arguments[1]) : std::string(arguments[0]));
+    readPrintedTarget(kind == ETraceText::kFirstTarget, arguments);
     return true;
 }
 
-void CAccountReader::readPrintedTarget(bool isFirst, const std::string& printed) {
+void CAccountReader::readPrintedTarget(bool isFirst, const TraceArguments& printed) {
     if (usedTargets == parsedTargets.size()) {
-        contradict(printed);
+        contradict(printed.front());
         return;
     }
     const SParsedTarget& target = parsedTargets[usedTargets++];
-    const bool isSame = printed == (isFirst ? target.enclosure + ":" + target.device : target.device);
-    if (!isSame || (!isFirst && account.configurations.empty())) {
-        contradict(printed);
+    if (!isPrinted(target, isFirst, printed) || (!isFirst && account.configurations.empty())) {
+        contradict(printed.front());
         return;
     }
-    const std::string name = target.enclosure + "##" + target.device;
+    std::string name;
+    name.reserve(target.enclosure.size() + target.device.size() + 2);
+    name.append(target.enclosure).append("##").append(target.device);
     if (isFirst) {
-        account.configurations.push_back({name, {}});
+        account.configurations.push_back({std::move(name), {}});
     } else {
-        account.configurations.back().targets.push_back(name);
+        account.configurations.back().targets.push_back(std::move(name));
     }
+}
+
+// A name may hold what stands between two of them.
+bool CAccountReader::isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed) {
+    if (!isFirst) {
+        return printed[0] == target.device;
+    }
+    return (printed[0] == target.enclosure && printed[1] == target.device) ||
+           fmt::format("{}:{}", printed[0], printed[1]) == target.enclosure + ":" + target.device;
 }
 
 // A line that names a backup or tells the end of the rotation.

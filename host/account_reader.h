@@ -73,7 +73,8 @@ private:
     void takeCheck(bool isGood, std::string_view file);
     void takeClaim(bool isGood, const TraceArguments& arguments);
 
-    void readPrintedTarget(bool isFirst, const std::string& printed);
+    void readPrintedTarget(bool isFirst, const TraceArguments& printed);
+    static bool isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed);
     void contradict(std::string_view text);
 
     // The next backup of this name in this pass. A name listed twice stands for two backups with one content,

@@ -277,7 +277,7 @@ private:
                     configuration.chosen = targets[j];
                 }
             }
-            configuration.kept = holdersAmong(account.heldAfter[i], {FI_BACKUP_KEPT}).size();
+            configuration.kept = countKept(account.heldAfter[i], false);
         }
         for (std::size_t i = 0; i < places.size(); ++i) {
             decision.outcome.backups[places[i]].timeStamp = account.backups[i].timeStamp;
@@ -300,16 +300,19 @@ private:
         return places;
     }
 
-    // Those of the holders of a configuration's targets that came to one of these states.
-    [[nodiscard]] std::set<std::size_t> holdersAmong(const std::vector<std::optional<std::size_t>>& holders,
-                                                     const std::set<std::int32_t>& states) const {
-        std::set<std::size_t> found;
+    // How many of the holders of a configuration's targets are kept; or were, before any was rotated.
+    [[nodiscard]] std::size_t countKept(const std::vector<std::optional<std::size_t>>& holders,
+                                        bool isBeforeRotation) const {
+        std::vector<std::size_t> kept;
         for (const auto& holder : holders) {
-            if (holder.has_value() && states.count(decision.outcome.account->backups[*holder].state) != 0) {
-                found.insert(*holder);
+            const std::int32_t state =
+                holder.has_value() ? decision.outcome.account->backups[*holder].state : FI_BACKUP_INVALID;
+            if (state == FI_BACKUP_KEPT || (isBeforeRotation && state == FI_BACKUP_ROTATED)) {
+                kept.push_back(*holder);
             }
         }
-        return found;
+        std::sort(kept.begin(), kept.end());
+        return static_cast<std::size_t>(std::unique(kept.begin(), kept.end()) - kept.begin());
     }
 
     void judge() {
@@ -360,9 +363,7 @@ private:
         std::vector<std::string> lines;
         for (std::size_t i = 0; safety.leastKept != 0 && i < decision.configurations.size(); ++i) {
             const SConfigurationOfDecision& configuration = decision.configurations[i];
-            const std::size_t before =
-                holdersAmong(decision.outcome.account->heldBefore[i], {FI_BACKUP_KEPT, FI_BACKUP_ROTATED})
-                    .size();
+            const std::size_t before = countKept(decision.outcome.account->heldBefore[i], true);
             if (*configuration.kept < std::min(before, safety.leastKept)) {
                 lines.push_back(fmt::format("{} would keep {} of its {} backups; at least {} must remain",
                                             configuration.first, *configuration.kept, before,
