@@ -6,6 +6,7 @@
 
 // A file, and the state that it is in, as texts to be compared. The host library looks at each document
 // before it is read, and what reads it says what it has read: both ask here.
+// GCOVR_EXCL_START: in the host library only.
 class CFiFileState {
 public:
     explicit CFiFileState(const struct stat& seen)
@@ -23,3 +24,4 @@ private:
         return std::to_string(time.tv_sec) + '.' + std::to_string(time.tv_nsec);
     }
 };
+// GCOVR_EXCL_STOP

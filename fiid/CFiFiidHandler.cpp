@@ -14,6 +14,7 @@ using xercesc::XMLPlatformUtils;
 
 namespace {
 
+// GCOVR_EXCL_START: in the host library only.
 void tracePlace(const xercesc::SAXParseException& report) {
     std::string words;
     toLocalCodePage(report.getMessage(), words);
@@ -21,6 +22,7 @@ void tracePlace(const xercesc::SAXParseException& report) {
                   std::to_string(report.getLineNumber()).c_str(),
                   std::to_string(report.getColumnNumber()).c_str(), words.c_str());
 }
+// GCOVR_EXCL_STOP
 
 // Names are compared as they arrive, in UTF-16: no character but ASCII's own becomes ASCII in a local
 // code page.
@@ -89,14 +91,22 @@ void CFiFiidHandler::openNode() {
         // A root made earlier in this document is dropped from view here and stays allocated:
         // nobody holds it any more, and nodes are never deleted by the code that builds them.
         // The host library keeps it for who releases the trees.
-        if (kInHostLibrary && root != nullptr) {
-            root->parent = replaced;
-            replaced = root;
+        if constexpr (kInHostLibrary) {
+            keepReplaced();
         }
         root = node.get();
     }
     current = node.release();
 }
+
+// GCOVR_EXCL_START: in the host library only.
+void CFiFiidHandler::keepReplaced() {
+    if (root != nullptr) {
+        root->parent = replaced;
+        replaced = root;
+    }
+}
+// GCOVR_EXCL_STOP
 
 void CFiFiidHandler::closeNode() {
     --depth;

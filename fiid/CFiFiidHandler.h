@@ -51,6 +51,7 @@ public:
 
 private:
     void openNode();
+    void keepReplaced();
     void closeNode();
     void storeInCurrent(const XMLCh* qname);
     void record(const xercesc::SAXParseException& report);

@@ -35,6 +35,7 @@ public:
         if (handler.root != nullptr) {
             loader.nodes.push_back(handler.root);
         }
+        // GCOVR_EXCL_START: in the host library only.
         if (handler.replaced != nullptr) {
             CFiFiidNode* first = handler.replaced;
             while (first->parent != nullptr) {
@@ -43,6 +44,7 @@ public:
             first->parent = loader.replaced.front();
             loader.replaced.front() = handler.replaced;
         }
+        // GCOVR_EXCL_STOP
     }
     CRootKeeper(const CRootKeeper&) = delete;
     CRootKeeper& operator=(const CRootKeeper&) = delete;
@@ -52,6 +54,7 @@ private:
     CFiFiidLoader& loader;
 };
 
+// GCOVR_EXCL_START: in the host library only.
 // Which state of which file was read, and whether to its end: the name may stand for another one by now.
 void traceWhatWasRead(std::FILE* stream) {
     struct stat state {};
@@ -59,6 +62,7 @@ void traceWhatWasRead(std::FILE* stream) {
     mofi_tracelog(kTraceProgress, "CFiFiidLoader::load : read [%s] whole [%d]",
                   CFiFileState(state).text.c_str(), isWhole ? 1 : 0);
 }
+// GCOVR_EXCL_STOP
 
 void parseDocument(const std::string& content, CFiFiidLoader& loader) {
     // The handler allocates through the XML library, which lives as long as the parser.
