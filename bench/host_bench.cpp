@@ -1,6 +1,6 @@
-// What a call through the host library costs beside the same call of the first library. Each measurement is made in
-// a process of its own, since the host library sets up the XML library for the whole process, which the first
-// library's calls would profit from.
+// What a call through the host library costs beside the same call of the first library. Each measurement is
+// made in a process of its own, since the host library sets up the XML library for the whole process, which
+// the first library's calls would profit from.
 //
 // Usage: fi_rotation_host_bench FOLDER ROUNDS
 
@@ -54,7 +54,8 @@ double secondsAlone(const std::function<void()>& work, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
             work();
         }
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double seconds =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         const bool isTold = write(ends[1], &seconds, sizeof seconds) == sizeof seconds;
         _exit(isTold ? 0 : 1);
     }
