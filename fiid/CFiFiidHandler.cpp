@@ -15,7 +15,7 @@ using xercesc::XMLPlatformUtils;
 namespace {
 
 // GCOVR_EXCL_START: in the host library only.
-void tracePlace(const xercesc::SAXParseException& report) {
+[[maybe_unused]] void tracePlace(const xercesc::SAXParseException& report) {
     std::string words;
     toLocalCodePage(report.getMessage(), words);
     mofi_tracelog(kTraceFailure, "CFiFiidHandler::fatalError : line %s, column %s : %s",

@@ -56,7 +56,7 @@ private:
 
 // GCOVR_EXCL_START: in the host library only.
 // Which state of which file was read, and whether to its end: the name may stand for another one by now.
-void traceWhatWasRead(std::FILE* stream) {
+[[maybe_unused]] void traceWhatWasRead(std::FILE* stream) {
     struct stat state {};
     const bool isWhole = std::ferror(stream) == 0 && fstat(fileno(stream), &state) == 0;
     mofi_tracelog(kTraceProgress, "CFiFiidLoader::load : read [%s] whole [%d]",
