@@ -1,5 +1,6 @@
 #include "host/account.h"
 
+#include <algorithm>
 #include <array>
 
 #include <fmt/format.h>
@@ -38,6 +39,31 @@ const SReasonKind& rowOf(EReason kind) {
 }
 
 }  // namespace
+
+void CPairs::add(std::string_view objid, std::string_view altobjid) {
+    ends.push_back(text.append(objid).size());
+    ends.push_back(text.append(altobjid).size());
+}
+
+std::vector<CPairs::SPair> CPairs::inOrder() const {
+    std::vector<SPair> pairs;
+    pairs.reserve(ends.size() / 2);
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < ends.size(); i += 2) {
+        const std::string_view all = text;
+        pairs.push_back({all.substr(begin, ends[i] - begin), all.substr(ends[i], ends[i + 1] - ends[i])});
+        begin = ends[i + 1];
+    }
+    const auto isBefore = [](const SPair& one, const SPair& other) { return one.objid < other.objid; };
+    // Most documents have them in order.
+    if (!std::is_sorted(pairs.begin(), pairs.end(), isBefore)) {
+        std::stable_sort(pairs.begin(), pairs.end(), isBefore);
+    }
+    const auto isSame = [](const SPair& one, const SPair& other) { return one.objid == other.objid; };
+    const auto counting = std::unique(pairs.rbegin(), pairs.rend(), isSame);
+    pairs.erase(pairs.begin(), counting.base());
+    return pairs;
+}
 
 std::string_view nameOf(EReason kind) {
     return rowOf(kind).name;

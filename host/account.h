@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,10 +51,28 @@ struct SReason {
     std::vector<std::string> targets;
 };
 
+// The identifier pairs of one backup. They may be a hundred thousand, so all stand in one text.
+class CPairs {
+public:
+    struct SPair {
+        std::string_view objid;
+        std::string_view altobjid;
+    };
+
+    void add(std::string_view objid, std::string_view altobjid);
+    // In the order in which the library goes through them, which is that of the objids. Of several with one
+    // objid the last counts.
+    [[nodiscard]] std::vector<SPair> inOrder() const;
+
+private:
+    std::string text;
+    // Of each objid and altobjid in turn, where it ends.
+    std::vector<std::size_t> ends;
+};
+
 struct SAccountBackup {
     std::string file;
-    // objid to altobjid.
-    std::map<std::string, std::string> pairs;
+    CPairs pairs;
     // Told only of a backup that passed the check.
     std::string timeStamp;
     // FI_BACKUP_...; in a call without a selection the one that it had come to.

@@ -152,9 +152,7 @@ void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::st
     } else if (kind == ETraceText::kNodeAltobjid) {
         follow(ETreeLine::kAltobjid, ETreeLine::kType, text);
         if (objid.find("UDID##") != std::string::npos) {
-            auto& pairs = account.backups.back().pairs;
-            // Most documents have them in order.
-            pairs.insert_or_assign(pairs.end(), objid, inner);
+            account.backups.back().pairs.add(objid, inner);
         }
     } else {
         follow(ETreeLine::kType, ETreeLine::kObjid, text);
@@ -351,8 +349,9 @@ bool CAccountReader::takeMalformed(std::string_view identifier) {
 bool CAccountReader::isNamed(std::string_view identifier) const {
     const auto& backups = account.backups;
     return std::any_of(backups.begin(), backups.end(), [identifier](const SAccountBackup& backup) {
-        return std::any_of(backup.pairs.begin(), backup.pairs.end(), [identifier](const auto& pair) {
-            return pair.first == identifier || pair.second == identifier;
+        const std::vector<CPairs::SPair> pairs = backup.pairs.inOrder();
+        return std::any_of(pairs.begin(), pairs.end(), [identifier](const CPairs::SPair& pair) {
+            return pair.objid == identifier || pair.altobjid == identifier;
         });
     });
 }

@@ -31,7 +31,7 @@ public:
     };
 
     // Of several configurations or targets of one name the first is meant.
-    std::optional<SPlace> find(const std::string& objid, const std::string& altobjid) const {
+    std::optional<SPlace> find(std::string_view objid, std::string_view altobjid) const {
         const auto named = byFirst.find(targetOf(objid));
         if (named == byFirst.end()) {
             return std::nullopt;
@@ -47,7 +47,7 @@ public:
         return std::nullopt;
     }
 
-    bool isConfigured(const std::string& objid) const { return byFirst.count(targetOf(objid)) != 0; }
+    bool isConfigured(std::string_view objid) const { return byFirst.count(targetOf(objid)) != 0; }
 
     // Nothing when it is free.
     std::optional<std::size_t>& holder(const SPlace& place) {
@@ -108,7 +108,7 @@ private:
 
     void explainChecks() {
         for (const std::size_t place : passes.failedCheck) {
-            for (const auto& [objid, altobjid] : backup(place).pairs) {
+            for (const auto& [objid, altobjid] : backup(place).pairs.inOrder()) {
                 if (holders.find(objid, altobjid).has_value()) {
                     continue;
                 }
@@ -126,7 +126,7 @@ private:
 
     void explainClaims() {
         for (const auto& [place, isGood] : passes.claims) {
-            for (const auto& [objid, altobjid] : backup(place).pairs) {
+            for (const auto& [objid, altobjid] : backup(place).pairs.inOrder()) {
                 const auto found = holders.find(objid, altobjid);
                 if (!found.has_value()) {
                     continue;
@@ -148,13 +148,13 @@ private:
     }
 
     void explainRotation() {
-        const bool wasNeeded = holders.firstShort().has_value();
+        auto shortOne = holders.firstShort();
+        const bool wasNeeded = shortOne.has_value();
         for (const std::size_t place : rotationOrder()) {
             if (backup(place).reason.has_value()) {
                 continue;
             }
             const bool isSkipped = passes.skipped.count(place) != 0;
-            const auto shortOne = holders.firstShort();
             SReason reason;
             reason.targets = targetsOf(place);
             reason.configuration = shortOne.has_value() ? nameOf(*shortOne) : "";
@@ -163,12 +163,13 @@ private:
             } else if (backup(place).state == FI_BACKUP_ROTATED) {
                 reason.kind = EReason::kNeeded;
                 release(place);
+                shortOne = holders.firstShort();
             } else if (reason.targets.empty()) {
                 reason.kind = EReason::kHoldsNothing;
             } else {
                 reason.kind = wasNeeded ? EReason::kRotationStopped : EReason::kNewestHolder;
             }
-            backup(place).reason = reason;
+            backup(place).reason = std::move(reason);
         }
     }
 

@@ -264,10 +264,12 @@ private:
 
     void nameFromAccount(const SAccount& account) {
         const std::vector<std::size_t> places = placesOf(account);
+        decision.configurations.reserve(account.configurations.size());
         for (std::size_t i = 0; i < account.configurations.size(); ++i) {
             SConfigurationOfDecision& configuration = decision.configurations.emplace_back();
             configuration.first = account.configurations[i].first;
             const auto& targets = account.configurations[i].targets;
+            configuration.targets.reserve(targets.size());
             for (std::size_t j = 0; j < targets.size(); ++j) {
                 const auto& holder = account.heldAfter[i][j];
                 configuration.targets.push_back(

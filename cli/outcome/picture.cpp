@@ -152,7 +152,7 @@ const SBackupOutcome& handedOver(const SOutcome& outcome, const std::string& fil
 
 void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, const SAccountBackup& backup) {
     const SBackupOutcome& listed = handedOver(outcome, backup.file);
-    for (const auto& [objid, altobjid] : backup.pairs) {
+    for (const auto& [objid, altobjid] : backup.pairs.inOrder()) {
         const auto place = placeOf(picture, targetOf(objid), targetOf(altobjid));
         if (!place.has_value()) {
             picture.notes.push_back(fmt::format("Not drawn: {}, which holds {} of {}: not configured",
