@@ -48,9 +48,8 @@ CProcessLock::CProcessLock() {
     }
     if (isLost) {
         throw std::runtime_error(
-            "this process was forked while another thread ran a call, and cannot run any; fork while none "
-            "runs, or "
-            "start a program");
+            "this process was forked while another thread ran a call, and cannot run any; "
+            "fork while none runs, or start a program");
     }
     mutex.lock();
     owner = pthread_self();

@@ -28,8 +28,8 @@ struct SRejection {
 };
 
 constexpr std::array kRejections{
-    SRejection{ETraceText::kNoConfiguration, "the configuration \"{}\" names no target"},
-    SRejection{ETraceText::kNoTargets, "the configuration \"{}\" names no targets"},
+    SRejection{ETraceText::kNoConfiguration, "there is no configuration in \"{}\""},
+    SRejection{ETraceText::kNoTargets, "the configuration \"{}\" names no target"},
     SRejection{ETraceText::kNoDevice, "the configuration \"{}\" has a target without a device"},
     SRejection{ETraceText::kNoEnclosure, "the configuration \"{}\" has a target without an enclosure"},
 };

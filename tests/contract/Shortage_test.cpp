@@ -7,8 +7,6 @@
 // later calls throw too.
 
 #include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -64,34 +62,6 @@ struct SScenario {
     std::vector<std::string> files;
 };
 
-// Shared with the processes in which the calls run.
-struct SProgress {
-    // The next allocation to fail.
-    std::size_t number = 1;
-    bool isFinished = false;
-    std::size_t survived = 0;
-    // Shortages behind which the XML library is lost.
-    std::size_t lost = 0;
-    char fault[64] = {};
-};
-
-class CSharedProgress {
-public:
-    CSharedProgress()
-        : progress(static_cast<SProgress*>(
-              mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {
-        *progress = SProgress();
-    }
-    ~CSharedProgress() { munmap(progress, sizeof(SProgress)); }
-    CSharedProgress(const CSharedProgress&) = delete;
-    CSharedProgress& operator=(const CSharedProgress&) = delete;
-    SProgress* operator->() const { return progress; }
-    SProgress& operator*() const { return *progress; }
-
-private:
-    SProgress* progress;
-};
-
 constexpr std::int32_t kFlagWord = 8;
 
 class CCaller {
@@ -145,7 +115,7 @@ bool isXmlLibraryTerminated() {
 }
 
 // Tries the shortages from where `progress` stands; ends the process early when the XML library is lost.
-void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress) {
+void tryShortages(EShortage kind, const SScenario& scenario, SShortageProgress& progress) {
     // The line that names a missing file is of no interest here.
     const int nowhere = open("/dev/null", O_WRONLY);
     dup2(nowhere, STDOUT_FILENO);
@@ -155,12 +125,11 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
         std::strncpy(progress.fault, fault, sizeof progress.fault - 1);
         std::exit(0);
     };
-    for (;;) {
-        ++progress.number;
-        const SOutcome outcome = caller.call(kind, progress.number - 1);
+    for (;; ++progress.number) {
+        const SOutcome outcome = caller.call(kind, progress.number);
         if (!hasBeenShort()) {
             progress.isFinished = true;
-            std::exit(0);
+            return;
         }
         if (!(outcome == usual) && outcome.end == kSelection) {
             fail("another selection than without the shortage");
@@ -174,7 +143,7 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
         if (!isTerminated && outcome.end == kException && next.end == kException &&
             caller.areOutputsLeft(next)) {
             ++progress.lost;
-            std::exit(0);
+            return;
         }
         if (!isTerminated) {
             fail("the XML library is not terminated");
@@ -190,27 +159,12 @@ void tryShortages(EShortage kind, const SScenario& scenario, SProgress& progress
 }
 
 void expectSurvival(EShortage kind, const SScenario& scenario, std::size_t first) {
-    const CSharedProgress progress;
-    progress->number = first;
-    while (!progress->isFinished) {
-        // The child ends like any process, with what this one has not written yet.
-        std::fflush(stdout);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            tryShortages(kind, scenario, *progress);
-        }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
-            << "the process ended at allocation " << progress->number - 1;
-        ASSERT_STREQ(progress->fault, "") << "at allocation " << progress->number - 1;
-    }
-    std::printf("%zu shortages survived, the XML library lost behind %zu\n", progress->survived,
-                progress->lost);
-    EXPECT_GT(progress->survived, 0U);
+    const SShortageProgress progress =
+        expectEachSurvives(first, [&](SShortageProgress& shared) { tryShortages(kind, scenario, shared); });
+    std::printf("%zu shortages survived, the XML library lost behind %zu\n", progress.survived,
+                progress.lost);
     // The converter of the local code page, and what is made with the plain operator new.
-    EXPECT_LE(progress->lost, 3U);
+    EXPECT_LE(progress.lost, 3U);
 }
 
 // Each allocation of the call.

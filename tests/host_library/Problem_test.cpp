@@ -237,12 +237,24 @@ TEST_F(CHostLibraryProblem, IsNotThatTwoFilesAreAlike) {
 }
 
 TEST_F(CHostLibraryProblem, OfARejectedConfigurationIsNamed) {
-    for (const char* const configuration :
-         {"", "&\n\r", ";;", "encA##", "##lun1", "lun1", "encA##lun1;encA##", "encA##lun1;snap1&;",
-          "encA##lun1;snap1\nlun2;snap2"}) {
+    const std::string noDevice = " has a target without a device";
+    const std::string noEnclosure = " has a target without an enclosure";
+    const std::vector<std::pair<const char*, std::string>> rows{
+        {"", "there is no configuration in \"\""},
+        {"&\n\r", "there is no configuration in \"&\n\r\""},
+        {";;", "the configuration \";;\" names no target"},
+        {"encA##", "the configuration \"encA##\"" + noDevice},
+        {"##lun1", "the configuration \"##lun1\"" + noEnclosure},
+        {"lun1", "the configuration \"lun1\"" + noEnclosure},
+        {"encA##lun1;encA##", "the configuration \"encA##\"" + noDevice},
+        {"encA##lun1;snap1&;", "the configuration \";\" names no target"},
+        {"encA##lun1;snap1\nlun2;snap2", "the configuration \"lun2\"" + noEnclosure},
+    };
+    for (const auto& [configuration, message] : rows) {
         SCOPED_TRACE(configuration);
         const HostCall call = newCall(configuration);
         expectRefused(call.get(), {{FI_ROTATION_CONFIGURATION_REJECTED, -1}});
+        EXPECT_EQ(fi_rotation_call_message(call.get()), message);
     }
 }
 

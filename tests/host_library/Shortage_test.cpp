@@ -4,10 +4,6 @@
 // One shortage cannot be undone. The XML library is set up once for the process, and a few of its allocations
 // on that way are not to be taken back. When one of those fails, later runs say so.
 
-#include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -22,32 +18,6 @@ namespace {
 
 using MakeCall = std::function<HostCall()>;
 
-// Shared with the processes in which the calls run.
-struct SProgress {
-    // The next allocation to fail.
-    std::size_t number = 1;
-    bool isFinished = false;
-    std::size_t shortages = 0;
-    // Shortages behind which no call can be run in the process.
-    std::size_t lost = 0;
-    char fault[128] = {};
-};
-
-class CSharedProgress {
-public:
-    CSharedProgress()
-        : progress(new (mmap(nullptr, sizeof(SProgress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS,
-                             -1, 0)) SProgress()) {}
-    ~CSharedProgress() { munmap(progress, sizeof(SProgress)); }
-    CSharedProgress(const CSharedProgress&) = delete;
-    CSharedProgress& operator=(const CSharedProgress&) = delete;
-    SProgress* operator->() const { return progress; }
-    SProgress& operator*() const { return *progress; }
-
-private:
-    SProgress* progress;
-};
-
 bool isNothingDecided(const fi_rotation_call* call) {
     for (std::int32_t i = 0; i < fi_rotation_call_backup_count(call); ++i) {
         if (fi_rotation_call_backup_state(call, i) != FI_ROTATION_NO_STATE) {
@@ -60,7 +30,7 @@ bool isNothingDecided(const fi_rotation_call* call) {
 
 // Empty when all is well.
 const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call* call,
-                            const SHostAnswer& usual, SProgress& progress) {
+                            const SHostAnswer& usual, SShortageProgress& progress) {
     errno = E2BIG;
     startShortage(kind, number);
     const fi_rotation_outcome outcome = fi_rotation_call_run(call);
@@ -72,7 +42,6 @@ const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call
         progress.isFinished = true;
         return "";
     }
-    ++progress.shortages;
     // That the XML library cannot be set up is an outcome of its own, where that is what the shortage came
     // to.
     const bool isFailure = outcome == FI_ROTATION_OUT_OF_MEMORY || outcome == FI_ROTATION_FAILED;
@@ -90,58 +59,33 @@ const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call
         ++progress.lost;
         return "";
     }
+    ++progress.survived;
     return next == usual ? "" : "the next run has another answer";
-}
-
-// Runs `step` in a process of its own, as often as it takes.
-void expectEachSurvives(const std::function<void(SProgress&)>& step, const CSharedProgress& progress) {
-    while (!progress->isFinished) {
-        std::fflush(stdout);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            step(*progress);
-            _exit(0);
-        }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0)
-            << "the process ended with status " << status << " at allocation " << progress->number;
-        ASSERT_STREQ(progress->fault, "") << "at allocation " << progress->number;
-        ++progress->number;
-    }
-    EXPECT_GT(progress->shortages, 0U);
 }
 
 // Of a process in which no call was run before, by an answer that is known.
 void expectSurvivalOfFirstRun(const MakeCall& makeCall, const SHostAnswer& usual) {
-    const CSharedProgress progress;
-    expectEachSurvives(
-        [&](SProgress& shared) {
-            const HostCall call = makeCall();
-            std::snprintf(shared.fault, sizeof shared.fault, "%s",
-                          faultOfShortage(EShortage::kOfOneBlock, shared.number, call.get(), usual, shared));
-        },
-        progress);
-    std::printf("%zu shortages, no call can be run behind %zu\n", progress->shortages, progress->lost);
+    const SShortageProgress progress = expectEachSurvives(1, [&](SShortageProgress& shared) {
+        const HostCall call = makeCall();
+        std::snprintf(shared.fault, sizeof shared.fault, "%s",
+                      faultOfShortage(EShortage::kOfOneBlock, shared.number, call.get(), usual, shared));
+    });
+    std::printf("%zu shortages survived, no call can be run behind %zu\n", progress.survived, progress.lost);
     // The converter of the local code page, and what is made with the plain operator new.
-    EXPECT_LE(progress->lost, 3U);
+    EXPECT_LE(progress.lost, 3U);
 }
 
-// Of a call that is run after others. One process goes through all shortages, as long as it lives.
+// Of a call that is run after others. One process goes through all shortages.
 void expectSurvival(EShortage kind, const MakeCall& makeCall) {
-    const CSharedProgress progress;
-    expectEachSurvives(
-        [&](SProgress& shared) {
-            const HostCall call = makeCall();
-            const SHostAnswer usual = answerOf(call.get());
-            for (; shared.fault[0] == '\0' && !shared.isFinished; ++shared.number) {
-                std::snprintf(shared.fault, sizeof shared.fault, "%s",
-                              faultOfShortage(kind, shared.number, call.get(), usual, shared));
-            }
-        },
-        progress);
-    EXPECT_EQ(progress->lost, 0U);
+    const SShortageProgress progress = expectEachSurvives(1, [&](SShortageProgress& shared) {
+        const HostCall call = makeCall();
+        const SHostAnswer usual = answerOf(call.get());
+        for (; shared.fault[0] == '\0' && !shared.isFinished; ++shared.number) {
+            std::snprintf(shared.fault, sizeof shared.fault, "%s",
+                          faultOfShortage(kind, shared.number, call.get(), usual, shared));
+        }
+    });
+    EXPECT_EQ(progress.lost, 0U);
 }
 
 void expectSurvival(const MakeCall& makeCall) {

@@ -18,6 +18,7 @@
 
 #include "tests/host_library/Expectation.h"
 #include "tests/host_library/HostCall.h"
+#include "tests/model/DocumentFiles.h"
 #include "tests/model/Generator.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -60,31 +61,6 @@ const char* nameOf(std::uint32_t kind) {
             return "refused: another kind";
     }
 }
-
-// The documents of a call, there while it is run.
-class CDocuments {
-public:
-    CDocuments(const fi_test::CTemporaryFolder& place, const SCall& call) : folder(place), files(call.files) {
-        for (const auto& [name, document] : files) {
-            if (!document.isDirectory) {
-                folder.write(name, fi_model::xmlText(document));
-            }
-        }
-    }
-    ~CDocuments() {
-        for (const auto& [name, document] : files) {
-            if (!document.isDirectory) {
-                unlink(folder.path(name).c_str());
-            }
-        }
-    }
-    CDocuments(const CDocuments&) = delete;
-    CDocuments& operator=(const CDocuments&) = delete;
-
-private:
-    const fi_test::CTemporaryFolder& folder;
-    const std::map<std::string, fi_model::SDocument>& files;
-};
 
 HostCall hostCallOf(const SCall& call) {
     constexpr std::int32_t kExcludeBit = 4;
@@ -289,7 +265,7 @@ bool compareAll(const SOptions& options) {
             ++tally["left out: does not fit the interface"];
             continue;
         }
-        const CDocuments documents(folder, call);
+        const fi_model::CDocumentFiles documents(folder, call.files);
         isRight = agrees(call, tally);
     }
     std::filesystem::current_path("/");

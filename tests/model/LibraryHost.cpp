@@ -13,6 +13,8 @@
 #include <fi_rotation/CFiUdidException.h>
 #include <fi_rotation/fi_process_backups.h>
 
+#include "tests/model/DocumentFiles.h"
+
 namespace fi_model {
 namespace {
 
@@ -42,32 +44,6 @@ public:
 
 private:
     std::filesystem::path former;
-};
-
-// The documents of one call, there while the call runs.
-class CDocuments {
-public:
-    CDocuments(const fi_test::CTemporaryFolder& place, const std::map<std::string, SDocument>& contents)
-        : folder(place), files(contents) {
-        for (const auto& [name, document] : files) {
-            if (!document.isDirectory) {
-                folder.write(name, xmlText(document));
-            }
-        }
-    }
-    ~CDocuments() {
-        for (const auto& [name, document] : files) {
-            if (!document.isDirectory) {
-                unlink(folder.path(name).c_str());
-            }
-        }
-    }
-    CDocuments(const CDocuments&) = delete;
-    CDocuments& operator=(const CDocuments&) = delete;
-
-private:
-    const fi_test::CTemporaryFolder& folder;
-    const std::map<std::string, SDocument>& files;
 };
 
 // Sends the standard output into a file while it lives. The descriptor is exchanged, because the
@@ -141,7 +117,7 @@ CLibraryHost::~CLibraryHost() {
 SAnswer CLibraryHost::run(const SCall& call) {
     SAnswer answer;
     const CWorkingFolder inFolder(folder.path(""));
-    const CDocuments documents(folder, call.files);
+    const CDocumentFiles documents(folder, call.files);
     {
         fi_test::CTraceRecorder recorder;
         const COutputCapture capture(captureFile);
