@@ -221,6 +221,12 @@ std::string toTraceLine(int level, std::string_view text) {
     return line + '\n';
 }
 
+bool isTraceFile(std::string_view text) {
+    // Every call begins with the configuration.
+    constexpr std::string_view kBegins = " CFiResourceParser::parse : ";
+    return !text.empty() && text[0] >= '0' && text[0] <= '9' && text.substr(1, kBegins.size()) == kBegins;
+}
+
 bool isOwnPrefix(std::string_view prefix) {
     return prefix == "3 " || prefix == "4 ";
 }

@@ -98,6 +98,9 @@ bool isUnnamed(std::string_view text);
 // A text as a line of a trace file: the level, a blank and the text without its line end; line breaks and
 // backslashes within it become \n, \r, \\.
 std::string toTraceLine(int level, std::string_view text);
+
+// Whether a file with this text is the trace of a call, as such lines.
+bool isTraceFile(std::string_view text);
 // What stands before the text in such a line; then `withLineBreaks` gives back what the text was.
 bool isOwnPrefix(std::string_view prefix);
 std::string withLineBreaks(std::string_view text);

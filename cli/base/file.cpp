@@ -28,18 +28,6 @@ mode_t modeOfNewFiles() {
     return kAllMayReadAndWrite & ~mask;
 }
 
-// Where a link leads, also when nothing is there yet: moving a file onto a link would replace the link.
-std::string resolved(const std::string& file) {
-    constexpr int kMostLinks = 40;
-    std::error_code ignored;
-    std::filesystem::path path = file;
-    for (int i = 0; i < kMostLinks && !exists(path, ignored) && is_symlink(path, ignored); ++i) {
-        path = path.parent_path() / read_symlink(path, ignored);
-    }
-    const auto target = canonical(path, ignored);
-    return target.empty() ? path : target;
-}
-
 std::string parentFolder() {
     constexpr const char* kInMemory = "/dev/shm";
     return access(kInMemory, W_OK | X_OK) == 0 ? kInMemory : std::filesystem::temp_directory_path().string();
@@ -74,7 +62,20 @@ std::optional<std::string> readFile(const std::string& file) {
     return stream == nullptr ? std::nullopt : readAll(stream.get());
 }
 
-COutputFile::COutputFile(std::string file) : given(std::move(file)), place(resolved(given)) {
+// The system's own function does not follow a link that leads to nothing yet.
+std::string placeOf(const std::string& file) {
+    constexpr int kMostLinks = 40;
+    std::error_code ignored;
+    std::filesystem::path path = std::filesystem::absolute(file, ignored);
+    for (int i = 0; i < kMostLinks && !exists(path, ignored) && is_symlink(path, ignored); ++i) {
+        path = path.parent_path() / read_symlink(path, ignored);
+    }
+    const auto place = weakly_canonical(path, ignored);
+    return place.empty() ? path : place;
+}
+
+// Moving a file onto a link would replace the link.
+COutputFile::COutputFile(std::string file) : given(std::move(file)), place(placeOf(given)) {
     struct stat before = {};
     const bool exists = stat(place.c_str(), &before) == 0;
     if (exists && !S_ISREG(before.st_mode)) {

@@ -22,6 +22,9 @@ std::optional<std::string> readAll(std::FILE* stream);
 // All bytes of `file`; nothing, with errno set, when it cannot be opened or read.
 std::optional<std::string> readFile(const std::string& file);
 
+// Where a file is, or would be when it is not there yet: the same for all its names, but for hard links.
+std::string placeOf(const std::string& file);
+
 // A file that is there whole or not at all: written beside its place under another name, and moved there in
 // the end. What is no ordinary file (a pipe, a device) is written in place.
 class COutputFile {

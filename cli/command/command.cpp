@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -87,6 +86,19 @@ SCall readCallWithoutNul(const SCallOptions& options) {
     return call;
 }
 
+std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call) {
+    std::vector<std::string> inputs;
+    for (const auto& file : {options.configurationFile, options.request}) {
+        if (file.has_value()) {
+            inputs.push_back(*file);
+        }
+    }
+    for (const SBackup& backup : call.backups) {
+        inputs.push_back(backup.file);
+    }
+    return inputs;
+}
+
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states) {
     subcommand.add_option("--only", states, "Show only the backups of these states, separated by commas")
         ->type_name("STATE")
@@ -114,29 +126,6 @@ bool flushOrReport() {
 bool printOrReport(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     return flushOrReport();
-}
-
-std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::optional<std::string>& file) {
-    if (!file.has_value()) {
-        return nullptr;
-    }
-    try {
-        return std::make_unique<COutputFile>(*file);
-    } catch (const std::system_error& error) {
-        throw CLI::ValidationError(option,
-                                   "cannot write " + quotedPrintable(*file) + ": " + error.code().message());
-    }
-}
-
-bool commitOrReport(COutputFile& file, const std::string& text) {
-    try {
-        file.write(text);
-        file.commit();
-        return true;
-    } catch (const std::system_error& error) {
-        printError("cannot write " + file.name() + ": " + error.code().message());
-        return false;
-    }
 }
 
 }  // namespace fi_rotate

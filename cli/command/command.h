@@ -1,13 +1,12 @@
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
-#include "cli/base/file.h"
 #include "cli/command/exit_status.h"
 #include "host/library_call.h"
 
@@ -39,6 +38,9 @@ SCall readCall(const SCallOptions& options);
 // CLI::ValidationError when it holds one.
 SCall readCallWithoutNul(const SCallOptions& options);
 
+// The files that the options name, and the documents of the call.
+std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call = {});
+
 // Adds --only, which fills `states`.
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states);
 
@@ -54,13 +56,5 @@ bool printOrReport(const std::string& text);
 
 // The same of what was written there before.
 bool flushOrReport();
-
-// Before the work that fills it, so that a file that cannot be written is refused at once: throws
-// CLI::ValidationError. Null without a file.
-std::unique_ptr<COutputFile> openOutput(const std::string& option, const std::optional<std::string>& file);
-
-// Writes `text`, behind what its stream took before, and commits the file; false, with a message, when it
-// could not be written whole.
-bool commitOrReport(COutputFile& file, const std::string& text = "");
 
 }  // namespace fi_rotate

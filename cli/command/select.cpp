@@ -24,6 +24,7 @@
 #include "cli/base/xml_reader.h"
 #include "cli/check/document_tree.h"
 #include "cli/command/command.h"
+#include "cli/command/outputs.h"
 #include "cli/command/subcommands.h"
 #include "cli/outcome/json.h"
 #include "cli/outcome/picture.h"
@@ -65,6 +66,7 @@ struct SOptions {
     bool trace = false;
     std::optional<std::string> traceFile;
     std::optional<std::string> svgFile;
+    bool isForced = false;
     std::vector<std::string> files;
 };
 
@@ -202,8 +204,8 @@ void readTimeStamps(std::vector<SBackupOutcome>& backups) {
 }
 
 // Nothing to do without a file; false, with a message, when it could not be written whole.
-bool saveRequest(const SCall& call, const std::optional<std::string>& file) {
-    if (!file.has_value()) {
+bool saveRequest(const SCall& call, const SOutput& file) {
+    if (!file.file.has_value()) {
         return true;
     }
     std::string text;
@@ -212,7 +214,7 @@ bool saveRequest(const SCall& call, const std::optional<std::string>& file) {
     } catch (const std::invalid_argument& fault) {
         throw CLI::ValidationError("--save-request", std::string("cannot save: ") + fault.what());
     }
-    return commitOrReport(*openOutput("--save-request", file), text);
+    return commitOrReport(*openOutput(file), text);
 }
 
 // To standard error, to a file, to both or to nobody.
@@ -261,9 +263,13 @@ SShownCall makeCall(const SCall& call, const SWishes& wishes, bool isStrict) {
 
 int runSelect(const SOptions& options) {
     const SCall call = callOf(options);
-    const auto trace = openOutput("--trace-file", options.traceFile);
-    const auto svg = openOutput("--svg", options.svgFile);
-    if (!saveRequest(call, options.savedRequest)) {
+    const SOutput request{"--save-request", options.savedRequest, isRequest};
+    const SOutput traceOutput{"--trace-file", options.traceFile, isTraceFile};
+    const SOutput picture{"--svg", options.svgFile, isOwnPicture};
+    requireHarmless({request, traceOutput, picture}, inputsOf(options.call, call), options.isForced);
+    const auto trace = openOutput(traceOutput);
+    const auto svg = openOutput(picture);
+    if (!saveRequest(call, request)) {
         return kExitNotWritten;
     }
 
@@ -318,6 +324,7 @@ void addSelect(CLI::App& app, int& exitStatus) {
     select.add_option("--trace-file", options->traceFile, "Write the trace to a file")->type_name("FILE");
     select.add_option("--svg", options->svgFile, "Draw who holds which target as an SVG picture to a file")
         ->type_name("FILE");
+    addForceOption(select, options->isForced);
     select.add_option("FIID", options->files, "Documents of the earlier backups")
         ->type_name("")
         ->excludes(request);

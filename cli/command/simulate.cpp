@@ -13,6 +13,7 @@
 #include "cli/base/terminal.h"
 #include "cli/base/text.h"
 #include "cli/command/command.h"
+#include "cli/command/outputs.h"
 #include "cli/command/subcommands.h"
 #include "cli/picture/svg.h"
 #include "cli/simulate/csv.h"
@@ -44,6 +45,7 @@ struct SOptions {
     bool json = false;
     std::optional<std::string> csvFile;
     std::optional<std::string> svgFile;
+    bool isForced = false;
 };
 
 template <typename Value>
@@ -130,8 +132,11 @@ std::string toText(const SSimulationReport& report) {
 
 int runSimulate(const SOptions& options) {
     const CInterrupt interrupt;
-    const auto csv = openOutput("--csv", options.csvFile);
-    const auto svg = openOutput("--svg", options.svgFile);
+    const SOutput rounds{"--csv", options.csvFile, isOwnTable};
+    const SOutput picture{"--svg", options.svgFile, isOwnPicture};
+    requireHarmless({rounds, picture}, inputsOf(options.call), options.isForced);
+    const auto csv = openOutput(rounds);
+    const auto svg = openOutput(picture);
     const SSimulationReport report = makeReport(options, interrupt);
     if ((csv != nullptr && !commitOrReport(*csv, toCsv(report.simulation))) ||
         (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(report.simulation))))) {
@@ -184,6 +189,8 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         ->type_name("FILE");
     simulate.add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")
         ->type_name("FILE");
+
+    addForceOption(simulate, options->isForced);
 
     simulate.callback([options, &exitStatus] {
         try {

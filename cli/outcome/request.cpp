@@ -108,4 +108,13 @@ std::string toRequest(const SCall& call) {
     return request.dump(2) + "\n";
 }
 
+bool isRequest(std::string_view text) {
+    try {
+        parseRequest(std::string(text));
+        return true;
+    } catch (const std::invalid_argument&) {
+        return false;
+    }
+}
+
 }  // namespace fi_rotate

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "host/call.h"
 
@@ -13,5 +14,8 @@ SCall parseRequest(const std::string& text);
 // With a line end. Throws std::invalid_argument when a text of the call is not UTF-8, which JSON cannot carry
 // unchanged.
 std::string toRequest(const SCall& call);
+
+// Whether a file with this text is such a document.
+bool isRequest(std::string_view text);
 
 }  // namespace fi_rotate

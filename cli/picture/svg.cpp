@@ -127,6 +127,11 @@ std::string shape(double x, double y, double width, bool isOpen) {
                        width, kTip, kBarHeight / 2, kTip, kBarHeight / 2, width);
 }
 
+// By which a picture of ours is known.
+constexpr std::string_view kBeginning =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!-- drawn by fi-rotate -->\n";
+
 class CDrawing {
 public:
     explicit CDrawing(const SPicture& shown) : picture(shown), layout(shown) {}
@@ -144,18 +149,17 @@ public:
                      escaped(picture.timeLabel));
         body += legend();
         body += notes();
-        return fmt::format(
-            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-            R"(<svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" )"
-            "viewBox=\"0 0 {0:.0f} {1:.0f}\" role=\"img\">\n"
-            "  <title>{2}</title>\n"
-            "  <style>{3}</style>\n"
-            "{4}"
-            "  <rect class=\"page\" width=\"100%\" height=\"100%\"/>\n"
-            "{5}"
-            "</svg>\n",
-            layout.left + layout.width + kAfterEnd + kPictureMargin, top + kPictureMargin,
-            escaped(picture.title), kStyle, kPatterns, body);
+        return std::string(kBeginning) +
+               fmt::format(R"(<svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" )"
+                           "viewBox=\"0 0 {0:.0f} {1:.0f}\" role=\"img\">\n"
+                           "  <title>{2}</title>\n"
+                           "  <style>{3}</style>\n"
+                           "{4}"
+                           "  <rect class=\"page\" width=\"100%\" height=\"100%\"/>\n"
+                           "{5}"
+                           "</svg>\n",
+                           layout.left + layout.width + kAfterEnd + kPictureMargin, top + kPictureMargin,
+                           escaped(picture.title), kStyle, kPatterns, body);
     }
 
 private:
@@ -324,6 +328,10 @@ private:
 };
 
 }  // namespace
+
+bool isOwnPicture(std::string_view text) {
+    return text.substr(0, kBeginning.size()) == kBeginning;
+}
 
 std::string toSvg(const SPicture& picture) {
     return CDrawing(picture).draw();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "cli/picture/picture.h"
 
@@ -10,5 +11,8 @@ namespace fi_rotate {
 // prefers, and everything that a colour says is said by a pattern or a shape too. Bars of a row that overlap
 // are drawn below one another.
 std::string toSvg(const SPicture& picture);
+
+// Whether a file with this text is such a document.
+bool isOwnPicture(std::string_view text);
 
 }  // namespace fi_rotate

@@ -14,6 +14,8 @@
 namespace fi_rotate {
 namespace {
 
+constexpr std::string_view kFixedColumns = "round,time,excluded,selection,rotated,lost";
+
 std::string field(std::string_view text) {
     std::string quoted = "\"";
     const std::string shown = asUtf8(text);
@@ -38,7 +40,7 @@ public:
     }
 
     [[nodiscard]] std::string heading() const {
-        std::string line = "round,time,excluded,selection,rotated,lost";
+        std::string line(kFixedColumns);
         for (const SAccountConfiguration& configuration : simulation.configurations) {
             line += "," + field(configuration.first);
         }
@@ -92,6 +94,10 @@ std::string toCsv(const SSimulation& simulation) {
         text += lines.line(round);
     }
     return text;
+}
+
+bool isOwnTable(std::string_view text) {
+    return text.substr(0, kFixedColumns.size()) == kFixedColumns;
 }
 
 }  // namespace fi_rotate

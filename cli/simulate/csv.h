@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "cli/simulate/simulation.h"
 
@@ -9,5 +10,8 @@ namespace fi_rotate {
 // A heading and a line for each round: its number and time, whether it was excluded, the rounds whose backups
 // it ended, and what it took of each configuration.
 std::string toCsv(const SSimulation& simulation);
+
+// Whether a file with this text is such a table.
+bool isOwnTable(std::string_view text);
 
 }  // namespace fi_rotate

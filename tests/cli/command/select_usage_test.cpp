@@ -123,7 +123,7 @@ TEST(FiRotateUsage, EveryOutputFileIsReplacedAsAWhole) {
         const std::string same = folder.path("same");
         std::filesystem::create_hard_link(file, same);
         auto arguments = row.arguments;
-        arguments.insert(arguments.end(), {row.option, file});
+        arguments.insert(arguments.end(), {row.option, file, "--force"});
         EXPECT_EQ(runFiRotate(arguments).exitStatus, 0);
         // Whoever has the old file open keeps it.
         EXPECT_EQ(fi_rotate::readFile(same), "old");

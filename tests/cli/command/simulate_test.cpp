@@ -142,7 +142,7 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
 
 TEST(FiRotateSimulate, CsvHasALineForEachRound) {
     const CTemporaryFolder folder;
-    const std::string file = folder.write("rounds.csv", "of another time");
+    const std::string file = folder.path("rounds.csv");
     const auto result =
         runFiRotate(daily("encA##lun,1;s\"1;s2", "4", {"--exclude-weekday", "fri", "--csv", file}));
     EXPECT_EQ(result.exitStatus, 0);

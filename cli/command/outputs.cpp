@@ -1,0 +1,121 @@
+#include "cli/command/outputs.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "cli/base/text.h"
+#include "cli/command/command.h"
+
+namespace fi_rotate {
+namespace {
+
+std::optional<struct stat> stateOf(const std::string& file) {
+    struct stat state = {};
+    return stat(file.c_str(), &state) == 0 ? std::optional(state) : std::nullopt;
+}
+
+// Ordinary files by what they are, so that a second name or a link makes no difference; what is not there yet
+// by the place where it would be. Nothing for a pipe or a device, which a second use does not harm.
+std::optional<std::string> identityOf(const std::string& file) {
+    const auto state = stateOf(file);
+    if (state.has_value()) {
+        return S_ISREG(state->st_mode) ? std::optional(fmt::format("{}:{}", state->st_dev, state->st_ino))
+                                       : std::nullopt;
+    }
+    return placeOf(file);
+}
+
+std::optional<std::string> identityOf(int descriptor) {
+    struct stat state = {};
+    const bool isFile = fstat(descriptor, &state) == 0 && S_ISREG(state.st_mode);
+    return isFile ? std::optional(fmt::format("{}:{}", state.st_dev, state.st_ino)) : std::nullopt;
+}
+
+[[noreturn]] void refuse(const SOutput& output, const std::string& reason) {
+    throw CLI::ValidationError(output.option, quotedPrintable(*output.file) + " " + reason);
+}
+
+// A pipe or a terminal is written to, which harms nothing; a disk is not.
+void requireReplaceable(const SOutput& output) {
+    const auto state = stateOf(*output.file);
+    const bool isHarmless = !state.has_value() || (!S_ISREG(state->st_mode) && !S_ISBLK(state->st_mode)) ||
+                            (S_ISREG(state->st_mode) &&
+                             (state->st_size == 0 || output.isOwn(readFile(*output.file).value_or(""))));
+    if (!isHarmless) {
+        refuse(output,
+               fmt::format("exists and was not written by {}; give another name, or --force to replace it",
+                           output.option));
+    }
+}
+
+}  // namespace
+
+void addForceOption(CLI::App& subcommand, bool& isForced) {
+    subcommand.add_flag("--force", isForced, "Replace output files that fi-rotate did not write");
+}
+
+void requireHarmless(const std::vector<SOutput>& outputs, const std::vector<std::string>& inputs,
+                     bool isForced) {
+    // What must not be written to, and what it is.
+    std::map<std::string, std::string> taken;
+    const auto take = [&taken](const std::optional<std::string>& identity, const std::string& use) {
+        if (identity.has_value()) {
+            taken.emplace(*identity, use);
+        }
+    };
+    for (const std::string& input : inputs) {
+        take(identityOf(input), "is an input of this command");
+    }
+    take(identityOf(STDOUT_FILENO), "is where standard output goes");
+    take(identityOf(STDERR_FILENO), "is where standard error goes");
+    for (const SOutput& output : outputs) {
+        if (!output.file.has_value()) {
+            continue;
+        }
+        if (*output.file == "-") {
+            refuse(output,
+                   "is no name of a file; give ./- for a file of that name, /dev/stdout for standard output");
+        }
+        const auto identity = identityOf(*output.file);
+        const auto use = identity.has_value() ? taken.find(*identity) : taken.end();
+        if (use != taken.end()) {
+            refuse(output, use->second);
+        }
+        take(identity, fmt::format("is the output of {}", output.option));
+        if (!isForced) {
+            requireReplaceable(output);
+        }
+    }
+}
+
+std::unique_ptr<COutputFile> openOutput(const SOutput& output) {
+    if (!output.file.has_value()) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<COutputFile>(*output.file);
+    } catch (const std::system_error& error) {
+        throw CLI::ValidationError(
+            output.option, "cannot write " + quotedPrintable(*output.file) + ": " + error.code().message());
+    }
+}
+
+bool commitOrReport(COutputFile& file, const std::string& text) {
+    try {
+        file.write(text);
+        file.commit();
+        return true;
+    } catch (const std::system_error& error) {
+        printError("cannot write " + file.name() + ": " + error.code().message());
+        return false;
+    }
+}
+
+}  // namespace fi_rotate
