@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include <fi_rotation/fi_process_backups.h>
 
 #include "host/rows.h"
 
@@ -38,6 +41,20 @@ const SReasonKind& rowOf(EReason kind) {
     return kKinds.at(static_cast<std::size_t>(kind));
 }
 
+std::size_t countHolders(const SAccount& account, const Holders& holders, std::size_t configuration,
+                         const std::set<std::int32_t>& states) {
+    std::set<std::size_t> counted;
+    // There are no holders when lines of the trace are missing.
+    if (configuration < holders.size()) {
+        for (const auto& holder : holders[configuration]) {
+            if (holder.has_value() && states.count(account.backups[*holder].state) != 0) {
+                counted.insert(*holder);
+            }
+        }
+    }
+    return counted.size();
+}
+
 }  // namespace
 
 void CPairs::add(std::string_view objid, std::string_view altobjid) {
@@ -63,6 +80,14 @@ std::vector<CPairs::SPair> CPairs::inOrder() const {
     const auto counting = std::unique(pairs.rbegin(), pairs.rend(), isSame);
     pairs.erase(pairs.begin(), counting.base());
     return pairs;
+}
+
+std::size_t keptHolders(const SAccount& account, std::size_t configuration) {
+    return countHolders(account, account.heldAfter, configuration, {FI_BACKUP_KEPT});
+}
+
+std::size_t keptHoldersBeforeRotation(const SAccount& account, std::size_t configuration) {
+    return countHolders(account, account.heldBefore, configuration, {FI_BACKUP_KEPT, FI_BACKUP_ROTATED});
 }
 
 std::string_view nameOf(EReason kind) {

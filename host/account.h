@@ -113,6 +113,14 @@ struct SAccount {
     Holders heldAfter;
 };
 
+// How many backups hold targets of a configuration, which is given by its place in the account: those that
+// are kept, in the end. Neither function counts a backup twice, nor an invalid one, of which nothing can be
+// restored. None when lines of the trace are missing.
+std::size_t keptHolders(const SAccount& account, std::size_t configuration);
+
+// The same before any was rotated, those that were rotated afterwards among them.
+std::size_t keptHoldersBeforeRotation(const SAccount& account, std::size_t configuration);
+
 // "newest_holder" and so on: a stable name for programs.
 std::string_view nameOf(EReason kind);
 

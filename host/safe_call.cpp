@@ -279,7 +279,7 @@ private:
                     configuration.chosen = targets[j];
                 }
             }
-            configuration.kept = countKept(account.heldAfter[i], false);
+            configuration.kept = keptHolders(account, i);
         }
         for (std::size_t i = 0; i < places.size(); ++i) {
             decision.outcome.backups[places[i]].timeStamp = account.backups[i].timeStamp;
@@ -300,21 +300,6 @@ private:
             }
         }
         return places;
-    }
-
-    // How many of the holders of a configuration's targets are kept; or were, before any was rotated.
-    [[nodiscard]] std::size_t countKept(const std::vector<std::optional<std::size_t>>& holders,
-                                        bool isBeforeRotation) const {
-        std::vector<std::size_t> kept;
-        for (const auto& holder : holders) {
-            const std::int32_t state =
-                holder.has_value() ? decision.outcome.account->backups[*holder].state : FI_BACKUP_INVALID;
-            if (state == FI_BACKUP_KEPT || (isBeforeRotation && state == FI_BACKUP_ROTATED)) {
-                kept.push_back(*holder);
-            }
-        }
-        std::sort(kept.begin(), kept.end());
-        return static_cast<std::size_t>(std::unique(kept.begin(), kept.end()) - kept.begin());
     }
 
     void judge() {
@@ -365,7 +350,7 @@ private:
         std::vector<std::string> lines;
         for (std::size_t i = 0; safety.leastKept != 0 && i < decision.configurations.size(); ++i) {
             const SConfigurationOfDecision& configuration = decision.configurations[i];
-            const std::size_t before = countKept(decision.outcome.account->heldBefore[i], true);
+            const std::size_t before = keptHoldersBeforeRotation(*decision.outcome.account, i);
             if (*configuration.kept < std::min(before, safety.leastKept)) {
                 lines.push_back(fmt::format("{} would keep {} of its {} backups; at least {} must remain",
                                             configuration.first, *configuration.kept, before,
