@@ -42,6 +42,7 @@ struct SOptions {
     std::optional<std::size_t> excludedEvery;
     std::optional<std::string> excludedWeekday;
     std::optional<std::string> goal;
+    bool isWithoutTimeline = false;
     bool json = false;
     std::optional<std::string> csvFile;
     std::optional<std::string> svgFile;
@@ -123,11 +124,14 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
     return report;
 }
 
-std::string toText(const SSimulationReport& report) {
-    // In a file nothing needs to be cut but the timeline, whose columns have no end.
-    const std::size_t width = widthOfTerminal(STDOUT_FILENO);
-    const std::string timeline = toTimeline(report.simulation, width);
-    return timeline + (timeline.empty() ? "" : "\n") + toSummary(report, widthOfOutput(), wantsColour());
+std::string toText(const SSimulationReport& report, bool isWithoutTimeline) {
+    std::string text = toSummary(report, widthOfOutput(), wantsColour());
+    if (!isWithoutTimeline) {
+        // In a file nothing needs to be cut but the timeline, whose columns have no end.
+        const std::string timeline = toTimeline(report.simulation, widthOfTerminal(STDOUT_FILENO));
+        text += (timeline.empty() ? "" : "\n") + timeline;
+    }
+    return text;
 }
 
 int runSimulate(const SOptions& options) {
@@ -142,7 +146,7 @@ int runSimulate(const SOptions& options) {
         (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(report.simulation))))) {
         return kExitNotWritten;
     }
-    if (!printOrReport(options.json ? toJson(report) : toText(report))) {
+    if (!printOrReport(options.json ? toJson(report) : toText(report, options.isWithoutTimeline))) {
         return kExitNotWritten;
     }
     const auto signal = interrupt.signal();
@@ -184,7 +188,9 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         .add_option("--keep-days", options->goal,
                     "Search the least number of targets that keeps every snapshot so many days")
         ->type_name("GOAL");
-    simulate.add_flag("--json", options->json, "Show the summary as one JSON document");
+    CLI::Option* const noTimeline =
+        simulate.add_flag("--no-timeline", options->isWithoutTimeline, "Show the summary only");
+    simulate.add_flag("--json", options->json, "Show the summary as one JSON document")->excludes(noTimeline);
     simulate.add_option("--csv", options->csvFile, "Write a line for each round to a file")
         ->type_name("FILE");
     simulate.add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")

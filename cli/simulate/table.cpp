@@ -79,10 +79,27 @@ std::string configurationTable(const SSimulationReport& report, std::size_t widt
     return toTable(std::move(rows), width, colour);
 }
 
+std::string lostLine(const SSimulationReport& report) {
+    std::size_t lost = 0;
+    std::size_t taken = 0;
+    for (const SConfigurationSummary& summary : report.summaries) {
+        lost += summary.lost;
+        taken += summary.taken;
+    }
+    return lost == 0
+               ? ""
+               : fmt::format("{} of {} snapshots were lost: later rounds overwrote them\n", lost, taken);
+}
+
 std::string standstillLines(const SSimulationReport& report) {
     const SSimulation& simulation = report.simulation;
     if (!simulation.standstill.has_value()) {
-        return "Every round found a target\n";
+        // A round that overwrites a snapshot has not found a target to take.
+        if (simulation.hasLost) {
+            return "";
+        }
+        return simulation.finishedRounds < simulation.plan.rounds ? "Every finished round found a target\n"
+                                                                  : "Every round found a target\n";
     }
     const std::size_t first = simulation.standstill->first;
     const std::size_t count = simulation.finishedRounds + 1 - first;
@@ -102,7 +119,7 @@ std::string standstillLines(const SSimulationReport& report) {
 std::string toSummary(const SSimulationReport& report, std::size_t width, bool colour) {
     std::string text = headline(report.simulation);
     if (report.simulation.finishedRounds != 0) {
-        text += configurationTable(report, width, colour) + "\n" + standstillLines(report);
+        text += configurationTable(report, width, colour) + "\n" + lostLine(report) + standstillLines(report);
     }
     return text;
 }

@@ -38,7 +38,7 @@ std::vector<std::string> untilNoneIsLeft(const std::vector<std::string>& more = 
     return arguments;
 }
 
-TEST(FiRotateSimulate, ShowsEveryTargetsHoldersAndASummary) {
+TEST(FiRotateSimulate, ShowsASummaryAndEveryTargetsHoldersBelowIt) {
     const auto result = runFiRotate(untilNoneIsLeft({"--keep-days", "2"}));
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.error, "");
@@ -46,6 +46,14 @@ TEST(FiRotateSimulate, ShowsEveryTargetsHoldersAndASummary) {
     // + k, n - k + 1 days old; k goes up to 12 - n. With 7 targets the last is the fifth, 3 days old; with 6
     // it would be the sixth, 1 day old.
     EXPECT_EQ(result.output,
+              "12 rounds: 2026-10-01 00:00 to 2026-10-12 00:00\n"
+              "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
+              "  encA##lun1     3        6      3        3     1 d      2 d     3 d  7\n"
+              "  encA##lun2     4        6      3        3     1 d      2 d     3 d  7\n"
+              "\n"
+              "No target was found from round 7 on (2026-10-07 00:00), in 6 of 12 rounds\n"
+              "  encA##lun1: all 3 targets are held by excluded backups\n"
+              "\n"
               "Rounds 1 to 9, a column each\n"
               "  left out, since they found no target either: 10 to 12\n"
               "                 1\n"
@@ -59,26 +67,18 @@ TEST(FiRotateSimulate, ShowsEveryTargetsHoldersAndASummary) {
               "    encA##t3     ..cceFFFF\n"
               "    encA##t4     .........\n"
               "    (no target)        !!!\n"
-              "  letter: a backup that holds the target; capital: an excluded one; .: free\n"
-              "\n"
-              "12 rounds: 2026-10-01 00:00 to 2026-10-12 00:00\n"
-              "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
-              "  encA##lun1     3        6      3        3     1 d      2 d     3 d  7\n"
-              "  encA##lun2     4        6      3        3     1 d      2 d     3 d  7\n"
-              "\n"
-              "No target was found from round 7 on (2026-10-07 00:00), in 6 of 12 rounds\n"
-              "  encA##lun1: all 3 targets are held by excluded backups\n");
+              "  letter: a backup that holds the target; capital: an excluded one; .: free\n");
 }
 
 TEST(FiRotateSimulate, SaysThatEveryRoundFoundATarget) {
-    const auto result = runFiRotate(daily("encA##lun1;s1;s2", "2"));
+    const auto result = runFiRotate(daily("encA##lun1;s1;s2", "2", {"--no-timeline"}));
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_THAT(result.output,
-                EndsWith("2 rounds: 2026-10-01 00:00 to 2026-10-02 00:00\n"
-                         "  configuration  targets  taken  rotated  held  age min  median  max\n"
-                         "  encA##lun1     2        2      0        2     -        -       -\n"
-                         "\n"
-                         "Every round found a target\n"));
+    EXPECT_EQ(result.output,
+              "2 rounds: 2026-10-01 00:00 to 2026-10-02 00:00\n"
+              "  configuration  targets  taken  rotated  held  age min  median  max\n"
+              "  encA##lun1     2        2      0        2     -        -       -\n"
+              "\n"
+              "Every round found a target\n");
 }
 
 TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
@@ -88,7 +88,10 @@ TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
         result.output,
         HasSubstr("  configuration  targets  taken  rotated  held  lost  age min  median  max  needs\n"
                   "  encA##lun1     2        3      0        1     2     -        -       -    no "
-                  "number\n"));
+                  "number\n"
+                  "\n"
+                  "2 of 3 snapshots were lost: later rounds overwrote them\n"));
+    EXPECT_THAT(result.output, Not(HasSubstr("found a target")));
 }
 
 TEST(FiRotateSimulate, JsonHoldsTheSummary) {
@@ -185,6 +188,8 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
     };
     auto bothExclusions = with("--exclude-every", "2");
     bothExclusions.insert(bothExclusions.end(), {"--exclude-weekday", "sun"});
+    auto timelineOfJson = with("--start", "2026-10-01");
+    timelineOfJson.insert(timelineOfJson.end(), {"--json", "--no-timeline"});
     const struct {
         std::vector<std::string> arguments;
         const char* message;
@@ -197,6 +202,7 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
         {with("--start", "1.10.2026"), "\"1.10.2026\" is not a date like 2026-10-01"},
         {with("--exclude-every", "0"), "Value 0 not in range"},
         {with("--exclude-weekday", "someday"), "\"someday\" is not a day of the week"},
+        {timelineOfJson, "--no-timeline excludes --json"},
         {bothExclusions, "--exclude-every excludes --exclude-weekday"},
         {with("--keep-days", "x"), "\"x\" is not a whole number of days"},
         {with("--keep-days", "5"), "\"5\" is more than all rounds last; give more --rounds"},
