@@ -31,7 +31,8 @@ constexpr const char* kFooter = R"(Example:
       --exclude-every 7
 
 Each round is one call of the library with all backups that hold their targets still; then a new backup is
-taken on the targets it chose. A backup that is rotated is gone; one that is excluded stays for good.
+taken on the targets it chose. A backup that is rotated is gone; one that is excluded stays for good,
+or for the time given with --exclude-for.
 docs/simulate.md has more.)";
 
 struct SOptions {
@@ -41,6 +42,7 @@ struct SOptions {
     std::string start;
     std::optional<std::size_t> excludedEvery;
     std::optional<std::string> excludedWeekday;
+    std::optional<std::string> excludedFor;
     std::optional<std::string> goal;
     bool isWithoutTimeline = false;
     bool json = false;
@@ -73,6 +75,13 @@ SPlan planOf(const SOptions& options) {
             valueOf("--exclude-weekday", *options.excludedWeekday, parseWeekday(*options.excludedWeekday),
                     "a day of the week like sunday or sun");
     }
+    if (options.excludedFor.has_value()) {
+        plan.excludedFor =
+            valueOf("--exclude-for", *options.excludedFor, parseDuration(*options.excludedFor), kDuration);
+        if (!options.excludedEvery.has_value() && !options.excludedWeekday.has_value()) {
+            throw CLI::ValidationError("--exclude-for", "give --exclude-every or --exclude-weekday, too");
+        }
+    }
     if (static_cast<std::int64_t>(plan.rounds - 1) > (lastTime() - plan.start) / plan.every) {
         throw CLI::ValidationError("--rounds", "the last round would be after the year 9999");
     }
@@ -85,9 +94,11 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
     }
     const std::int64_t days =
         valueOf("--keep-days", *options.goal, parseDuration(*options.goal + "d"), "a whole number of days");
-    if (days > timeOf(plan, plan.rounds) - plan.start) {
-        throw CLI::ValidationError("--keep-days", quotedPrintable(*options.goal) +
-                                                      " is more than all rounds last; give more --rounds");
+    const auto least = roundsUntilSettled(plan, days);
+    if (least.has_value() && plan.rounds < *least) {
+        throw CLI::ValidationError("--keep-days",
+                                   fmt::format("{} takes at least {} rounds to tell; give more --rounds",
+                                               quotedPrintable(*options.goal), *least));
     }
     return days;
 }
@@ -184,6 +195,10 @@ void addSimulate(CLI::App& app, int& exitStatus) {
                     "Exclude the rounds of this day of the week from rotation")
         ->type_name("DAY")
         ->excludes(every);
+    simulate
+        .add_option("--exclude-for", options->excludedFor,
+                    "How long they stay excluded, like 8w; for good without this")
+        ->type_name("TIME");
     simulate
         .add_option("--keep-days", options->goal,
                     "Search the least number of targets that keeps every snapshot so many days")

@@ -23,8 +23,10 @@ Json shortageOf(const SConfigurationSummary& summary, const SAccountConfiguratio
                            {"holder_round", held.round},
                            {"excluded", held.isExcluded}});
     }
-    return {
-        {"rounds", summary.roundsShort}, {"words", shortageInWords(summary.holders)}, {"targets", targets}};
+    return {{"rounds", summary.roundsShort},
+            {"first_round", summary.firstShort},
+            {"words", shortageInWords(summary.holders)},
+            {"targets", targets}};
 }
 
 Json leastOf(const SLeastTargets& least) {
@@ -33,6 +35,8 @@ Json leastOf(const SLeastTargets& least) {
             return {{"search", "found"}, {"targets", least.targets}};
         case ESearch::kNever:
             return {{"search", "never"}, {"targets", nullptr}};
+        case ESearch::kNoLimit:
+            return {{"search", "no_limit"}, {"targets", nullptr}};
         case ESearch::kStopped:
             return {{"search", "stopped"}, {"targets", nullptr}};
     }
@@ -63,7 +67,7 @@ Json configurationsOf(const SSimulationReport& report) {
 std::string toJson(const SSimulationReport& report) {
     const SSimulation& simulation = report.simulation;
     const SPlan& plan = simulation.plan;
-    const auto& standstill = simulation.standstill;
+    const auto& without = simulation.withoutTarget;
     const Json document = {
         {"rounds", plan.rounds},
         {"finished_rounds", simulation.finishedRounds},
@@ -73,8 +77,10 @@ std::string toJson(const SSimulationReport& report) {
         {"exclude_weekday", plan.excludedWeekday.has_value()
                                 ? Json(kWeekdays.at(static_cast<std::size_t>(*plan.excludedWeekday)))
                                 : Json(nullptr)},
+        {"exclude_seconds", orNull(plan.excludedFor)},
         {"keep_seconds", orNull(report.goal)},
-        {"first_round_without_target", standstill.has_value() ? Json(standstill->first) : Json(nullptr)},
+        {"first_round_without_target", without.empty() ? Json(nullptr) : Json(without.front().first)},
+        {"rounds_without_target", countWithoutTarget(simulation)},
         {"configurations", configurationsOf(report)},
     };
     return document.dump(2) + "\n";

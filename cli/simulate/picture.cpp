@@ -13,10 +13,11 @@ namespace {
 
 // The last round that is drawn.
 std::size_t lastRoundOf(const SSimulation& simulation) {
-    if (!simulation.standstill.has_value()) {
+    const auto standstill = standstillOf(simulation);
+    if (!standstill.has_value()) {
         return simulation.finishedRounds;
     }
-    const std::size_t first = simulation.standstill->first;
+    const std::size_t first = *standstill;
     constexpr std::size_t kAtLeast = 3;
     constexpr std::size_t kTwentieth = 20;
     return std::min(simulation.finishedRounds, first + std::max(kAtLeast, first / kTwentieth));
@@ -26,12 +27,20 @@ const char* wordOf(EEnd end) {
     return end == EEnd::kRotated ? "rotated" : "lost";
 }
 
+std::string exclusionOf(const SPlan& plan, const SSnapshot& snapshot) {
+    if (!isExcluded(plan, snapshot.taken)) {
+        return "";
+    }
+    return plan.excludedFor.has_value() ? ", excluded from rotation for " + toShownDuration(*plan.excludedFor)
+                                        : ", excluded from rotation";
+}
+
 std::string titleOf(const SSimulation& simulation, const SSnapshot& snapshot) {
     const auto& target = simulation.configurations[snapshot.configuration].targets[snapshot.target];
     const SPlan& plan = simulation.plan;
-    const std::string text = fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
-                                         toShownTime(timeOf(plan, snapshot.taken)),
-                                         isExcluded(plan, snapshot.taken) ? ", excluded from rotation" : "");
+    const std::string text =
+        fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
+                    toShownTime(timeOf(plan, snapshot.taken)), exclusionOf(plan, snapshot));
     return text + (snapshot.end == EEnd::kHeld
                        ? "still held"
                        : fmt::format("{} in round {} after {}", wordOf(snapshot.end), snapshot.ended,
@@ -66,6 +75,9 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t la
     std::vector<std::string> remarks{
         fmt::format("{} from {} on, every {}; the number in a bar is its round's", rounds,
                     toShownTime(plan.start), toShownDuration(plan.every))};
+    if (const std::size_t without = countWithoutTarget(simulation); without != 0) {
+        remarks.push_back(fmt::format("{} of them found no target, the first at the line across", without));
+    }
     if (last < simulation.finishedRounds) {
         remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out", last + 1,
                                       simulation.finishedRounds));
@@ -102,8 +114,8 @@ SPicture pictureOf(const SSimulation& simulation) {
     picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
     picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: a later round was given its target" : "";
     picture.openMeaning = picture.bars.empty() ? "" : "still held in the end";
-    if (simulation.standstill.has_value()) {
-        picture.lineAt = static_cast<double>(timeOf(plan, simulation.standstill->first));
+    if (!simulation.withoutTarget.empty()) {
+        picture.lineAt = static_cast<double>(timeOf(plan, simulation.withoutTarget.front().first));
         picture.lineLabel = "no target";
     }
     return picture;

@@ -42,11 +42,14 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
         rows[i].ages = agesOf(std::move(ages[i]));
     }
 
-    if (simulation.standstill.has_value()) {
-        for (const SShortConfiguration& shortage : simulation.standstill->shortages) {
+    for (const SRoundsWithoutTarget& rounds : simulation.withoutTarget) {
+        for (const SShortConfiguration& shortage : rounds.shortages) {
             SConfigurationSummary& row = rows[shortage.configuration];
-            row.roundsShort = simulation.finishedRounds + 1 - simulation.standstill->first;
-            row.holders = shortage.targets;
+            if (row.roundsShort == 0) {
+                row.firstShort = rounds.first;
+                row.holders = shortage.targets;
+            }
+            row.roundsShort += rounds.count();
         }
     }
     return rows;

@@ -30,7 +30,9 @@ struct SConfigurationSummary {
     std::optional<SAges> ages;
     // Rounds in which this configuration was short.
     std::size_t roundsShort = 0;
-    // Who held its targets then; empty when it was never short or has no further targets.
+    // The first of them, and who held its targets then; none when it was never short. No holders when it has
+    // no further targets.
+    std::size_t firstShort = 0;
     std::vector<SHeldByRound> holders;
 };
 

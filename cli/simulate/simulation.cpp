@@ -21,11 +21,12 @@
 namespace fi_rotate {
 namespace {
 
-SOutcome call(const SCall& arguments, bool wantsAccount) {
+// With its account.
+SOutcome call(const SCall& arguments) {
     const CStandardOutputDiversion diversion;
     SWishes wishes;
-    wishes.account = wantsAccount;
-    wishes.configurationsOfFirstBackup = wantsAccount;
+    wishes.account = true;
+    wishes.configurationsOfFirstBackup = true;
     SOutcome outcome = runCall(arguments, wishes);
     if (outcome.exception.has_value()) {
         throw CLibraryFailure("an exception left the library: " + outcome.exception->reason);
@@ -33,17 +34,26 @@ SOutcome call(const SCall& arguments, bool wantsAccount) {
     return outcome;
 }
 
-// The account of a call without earlier backups.
-SAccount accountOfFirstCall(const std::string& configuration) {
+// What the library makes of the configuration, told by a call without earlier backups.
+std::vector<SAccountConfiguration> configurationsOf(const std::string& configuration) {
     SCall arguments;
     arguments.configuration = configuration;
-    SOutcome outcome = call(arguments, true);
+    SOutcome outcome = call(arguments);
     for (const std::string& message : outcome.messages) {
         if (isOfParser(message)) {
             throw std::invalid_argument(asPrintable(message));
         }
     }
-    return std::move(*outcome.account);
+    return std::move(outcome.account->configurations);
+}
+
+bool areSame(const SShortConfiguration& one, const SShortConfiguration& other) {
+    return one.configuration == other.configuration &&
+           std::equal(one.targets.begin(), one.targets.end(), other.targets.begin(), other.targets.end(),
+                      [](const SHeldByRound& held, const SHeldByRound& before) {
+                          return held.target == before.target && held.round == before.round &&
+                                 held.isExcluded == before.isExcluded;
+                      });
 }
 
 struct SLiveBackup {
@@ -55,9 +65,9 @@ struct SLiveBackup {
 
 class CRounds {
 public:
-    explicit CRounds(const SPlan& plan) : firstCall(accountOfFirstCall(plan.configuration)) {
+    explicit CRounds(const SPlan& plan) {
         simulation.plan = plan;
-        simulation.configurations = firstCall.configurations;
+        simulation.configurations = configurationsOf(plan.configuration);
     }
 
     SSimulation run(const GoOn& goOn) {
@@ -69,23 +79,22 @@ public:
     }
 
 private:
-    [[nodiscard]] SCall callOfLive() const {
+    [[nodiscard]] SCall callOf(std::size_t round) const {
+        const std::int64_t now = timeOf(simulation.plan, round);
         SCall arguments;
         arguments.configuration = simulation.plan.configuration;
         for (const SLiveBackup& backup : live) {
             // A call overwrites the word with the state, so it is set again for each.
             arguments.backups.push_back(
-                {backup.file, isExcluded(simulation.plan, backup.round) ? FI_EXCLUDE_ROTATION : 0});
+                {backup.file, isExcludedAt(simulation.plan, backup.round, now) ? FI_EXCLUDE_ROTATION : 0});
         }
         return arguments;
     }
 
     void runRound(std::size_t round) {
-        const SOutcome outcome = call(callOfLive(), false);
+        const SOutcome outcome = call(callOf(round));
         if (!outcome.selection.has_value()) {
-            if (!simulation.standstill.has_value()) {
-                simulation.standstill = SStandstill{round, shortages()};
-            }
+            noteWithoutTarget(round, outcome.account->shortages);
             return;
         }
         const auto chosen = choices(*outcome.selection);
@@ -96,10 +105,9 @@ private:
         take(*chosen, round);
     }
 
-    [[nodiscard]] std::vector<SShortConfiguration> shortages() const {
-        const SAccount account = live.empty() ? firstCall : *call(callOfLive(), true).account;
+    void noteWithoutTarget(std::size_t round, const std::vector<SShortage>& shortages) {
         std::vector<SShortConfiguration> found;
-        for (const SShortage& shortage : account.shortages) {
+        for (const SShortage& shortage : shortages) {
             SShortConfiguration& row = found.emplace_back();
             row.configuration = shortage.configuration;
             for (const SHeldTarget& held : shortage.targets) {
@@ -107,7 +115,15 @@ private:
                 row.targets.push_back({held.target, live.at(held.holder).round, held.isExcluded});
             }
         }
-        return found;
+        auto& all = simulation.withoutTarget;
+        const bool isAsBefore = !all.empty() && all.back().last + 1 == round &&
+                                std::equal(found.begin(), found.end(), all.back().shortages.begin(),
+                                           all.back().shortages.end(), areSame);
+        if (isAsBefore) {
+            all.back().last = round;
+        } else {
+            all.push_back({round, round, std::move(found)});
+        }
     }
 
     void dropEnded(const SOutcome& outcome, std::size_t round) {
@@ -182,7 +198,6 @@ private:
 
     CXmlLibrary xmlLibrary;
     CTemporaryFolder folder;
-    SAccount firstCall;
     SSimulation simulation;
     std::vector<SLiveBackup> live;
 };
@@ -224,6 +239,31 @@ bool isExcluded(const SPlan& plan, std::size_t round) {
         return round % *plan.excludedEvery == 0;
     }
     return plan.excludedWeekday.has_value() && weekdayOf(timeOf(plan, round)) == *plan.excludedWeekday;
+}
+
+bool isExcludedAt(const SPlan& plan, std::size_t round, std::int64_t time) {
+    return isExcluded(plan, round) &&
+           (!plan.excludedFor.has_value() || time - timeOf(plan, round) < *plan.excludedFor);
+}
+
+std::size_t countWithoutTarget(const SSimulation& simulation) {
+    std::size_t count = 0;
+    for (const SRoundsWithoutTarget& rounds : simulation.withoutTarget) {
+        count += rounds.count();
+    }
+    return count;
+}
+
+std::optional<std::size_t> standstillOf(const SSimulation& simulation) {
+    std::optional<std::size_t> first;
+    const auto& all = simulation.withoutTarget;
+    for (auto rounds = all.rbegin(); rounds != all.rend(); ++rounds) {
+        if (rounds->last + 1 != first.value_or(simulation.finishedRounds + 1)) {
+            break;
+        }
+        first = rounds->first;
+    }
+    return first;
 }
 
 SSimulation simulate(const SPlan& plan, const GoOn& goOn) {

@@ -25,11 +25,16 @@ struct SPlan {
     // rotation.
     std::optional<std::size_t> excludedEvery;
     std::optional<int> excludedWeekday;
+    // Seconds after which an excluded backup may be rotated like the others; never without.
+    std::optional<std::int64_t> excludedFor;
 };
 
 // Rounds are counted from 1.
 std::int64_t timeOf(const SPlan& plan, std::size_t round);
+// Whether the backup of this round is excluded when it is taken.
 bool isExcluded(const SPlan& plan, std::size_t round);
+// And whether it is still at `time`.
+bool isExcludedAt(const SPlan& plan, std::size_t round, std::int64_t time);
 
 enum class EEnd : std::uint8_t {
     kHeld,
@@ -53,6 +58,7 @@ struct SSnapshot {
 struct SHeldByRound {
     std::size_t target = 0;
     std::size_t round = 0;
+    // Then; otherwise it is invalid and never released.
     bool isExcluded = false;
 };
 
@@ -62,11 +68,14 @@ struct SShortConfiguration {
     std::vector<SHeldByRound> targets;
 };
 
-// A call without a selection leaves every backup as it was, so the next round finds the same: from the first
-// round without a target on there is none in any round.
-struct SStandstill {
+// Rounds one after another that found no target, all for the same reason: a call without a selection leaves
+// every backup as it was, so the next round finds the same as long as no exclusion ends.
+struct SRoundsWithoutTarget {
     std::size_t first = 0;
+    std::size_t last = 0;
     std::vector<SShortConfiguration> shortages;
+
+    [[nodiscard]] std::size_t count() const { return last + 1 - first; }
 };
 
 struct SSimulation {
@@ -76,11 +85,18 @@ struct SSimulation {
     std::size_t finishedRounds = 0;
     // In the order of taking.
     std::vector<SSnapshot> snapshots;
-    std::optional<SStandstill> standstill;
+    // In their order.
+    std::vector<SRoundsWithoutTarget> withoutTarget;
     // Of those that were rotated.
     std::optional<std::size_t> fewestRoundsHeld;
     bool hasLost = false;
 };
+
+std::size_t countWithoutTarget(const SSimulation& simulation);
+
+// The first of the rounds without a target that the simulation ended with; nothing when its last round found
+// one.
+std::optional<std::size_t> standstillOf(const SSimulation& simulation);
 
 // Asked before each round with what came of those before; false ends the simulation there.
 using GoOn = std::function<bool(const SSimulation&)>;

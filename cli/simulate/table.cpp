@@ -18,6 +18,8 @@ std::string inWords(const SLeastTargets& least) {
             return fmt::to_string(least.targets);
         case ESearch::kNever:
             return "no number";
+        case ESearch::kNoLimit:
+            return "no limit";
         case ESearch::kStopped:
             return "not known";
     }
@@ -91,27 +93,73 @@ std::string lostLine(const SSimulationReport& report) {
                : fmt::format("{} of {} snapshots were lost: later rounds overwrote them\n", lost, taken);
 }
 
-std::string standstillLines(const SSimulationReport& report) {
-    const SSimulation& simulation = report.simulation;
-    if (!simulation.standstill.has_value()) {
-        // A round that overwrites a snapshot has not found a target to take.
-        if (simulation.hasLost) {
-            return "";
-        }
-        return simulation.finishedRounds < simulation.plan.rounds ? "Every finished round found a target\n"
-                                                                  : "Every round found a target\n";
+std::string foundLine(const SSimulation& simulation) {
+    // A round that overwrites a snapshot has not found a target to take.
+    if (simulation.hasLost) {
+        return "";
     }
-    const std::size_t first = simulation.standstill->first;
-    const std::size_t count = simulation.finishedRounds + 1 - first;
+    return simulation.finishedRounds < simulation.plan.rounds ? "Every finished round found a target\n"
+                                                              : "Every round found a target\n";
+}
+
+std::string shownRounds(std::size_t first, std::size_t last) {
+    return first == last ? fmt::to_string(first) : fmt::format("{} to {}", first, last);
+}
+
+// "3, 7 to 9 and more".
+std::string listWithoutTarget(const SSimulation& simulation) {
+    constexpr std::size_t kMostShown = 5;
+    const auto& all = simulation.withoutTarget;
+    std::string text;
+    std::size_t shown = 0;
+    for (std::size_t i = 0; i < all.size(); ++shown) {
+        if (shown == kMostShown) {
+            return text + " and more";
+        }
+        const std::size_t first = all[i].first;
+        std::size_t last = all[i].last;
+        for (++i; i < all.size() && all[i].first == last + 1; ++i) {
+            last = all[i].last;
+        }
+        text += (text.empty() ? "" : ", ") + shownRounds(first, last);
+    }
+    return text;
+}
+
+std::string withoutTargetLines(const SSimulationReport& report) {
+    const SSimulation& simulation = report.simulation;
+    const std::size_t count = countWithoutTarget(simulation);
+    if (count == 0) {
+        return foundLine(simulation);
+    }
+    const std::size_t first = simulation.withoutTarget.front().first;
+    const bool isForTheRest = standstillOf(simulation) == first;
     std::string text =
-        fmt::format("No target was found from round {} on ({}), in {} of {} rounds\n", first,
-                    toShownTime(timeOf(simulation.plan, first)), count, simulation.finishedRounds);
+        isForTheRest
+            ? fmt::format("No target was found from round {} on ({}), in {} of {} rounds\n", first,
+                          toShownTime(timeOf(simulation.plan, first)), count, simulation.finishedRounds)
+            : fmt::format("No target was found in {} of {} rounds: {}\n", count, simulation.finishedRounds,
+                          listWithoutTarget(simulation));
     for (const SConfigurationSummary& summary : report.summaries) {
         if (summary.roundsShort != 0) {
-            text += fmt::format("  {}: {}\n", asPrintable(summary.first), shortageInWords(summary.holders));
+            const std::string when =
+                isForTheRest && summary.roundsShort == count
+                    ? ""
+                    : fmt::format(" ({} rounds, the first is {})", summary.roundsShort, summary.firstShort);
+            text += fmt::format("  {}{}: {}\n", asPrintable(summary.first), when,
+                                shortageInWords(summary.holders));
         }
     }
     return text;
+}
+
+std::string noLimitLine(const SSimulationReport& report) {
+    const auto& all = report.leastTargets;
+    const bool hasNoLimit = std::any_of(
+        all.begin(), all.end(), [](const SLeastTargets& least) { return least.search == ESearch::kNoLimit; });
+    return hasNoLimit
+               ? "No number of targets is enough for good: exclusions that never end take one after another\n"
+               : "";
 }
 
 }  // namespace
@@ -119,7 +167,8 @@ std::string standstillLines(const SSimulationReport& report) {
 std::string toSummary(const SSimulationReport& report, std::size_t width, bool colour) {
     std::string text = headline(report.simulation);
     if (report.simulation.finishedRounds != 0) {
-        text += configurationTable(report, width, colour) + "\n" + lostLine(report) + standstillLines(report);
+        text += configurationTable(report, width, colour) + "\n" + lostLine(report) +
+                withoutTargetLines(report) + noLimitLine(report);
     }
     return text;
 }

@@ -1,10 +1,13 @@
 #include "cli/simulate/target_search.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+
+#include "cli/base/calendar.h"
 
 namespace fi_rotate {
 namespace {
@@ -19,6 +22,22 @@ std::string withTargets(const SAccountConfiguration& configuration, std::size_t 
     }
     targets.resize(count);
     return fmt::format("{};{}", configuration.first, fmt::join(targets, ";"));
+}
+
+// So many rounds after one of them the next is excluded for the same reason, or none is. Nothing when no
+// round is ever excluded.
+std::optional<std::size_t> periodOfExclusions(const SPlan& plan) {
+    if (plan.excludedEvery.has_value()) {
+        return plan.excludedEvery;
+    }
+    constexpr std::int64_t kWeek = 7 * kSecondsPerDay;
+    const auto period = static_cast<std::size_t>(kWeek / std::gcd(kWeek, plan.every));
+    for (std::size_t round = 1; round <= period; ++round) {
+        if (isExcluded(plan, round)) {
+            return period;
+        }
+    }
+    return std::nullopt;
 }
 
 class CSearch {
@@ -62,7 +81,7 @@ private:
         const auto& youngest = simulation.fewestRoundsHeld;
         const bool isTooYoung =
             youngest.has_value() && static_cast<std::int64_t>(*youngest) * plan.every < goal;
-        return simulation.standstill.has_value() || simulation.hasLost || isTooYoung;
+        return !simulation.withoutTarget.empty() || simulation.hasLost || isTooYoung;
     }
 
     SPlan plan;
@@ -76,7 +95,20 @@ private:
 
 SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
                            const GoOnSearch& goOn) {
+    if (!roundsUntilSettled(plan, goal).has_value()) {
+        return {ESearch::kNoLimit, 0};
+    }
     return CSearch(plan, configuration, goal, goOn).run();
+}
+
+std::optional<std::size_t> roundsUntilSettled(const SPlan& plan, std::int64_t goal) {
+    const auto period = periodOfExclusions(plan);
+    if (period.has_value() && !plan.excludedFor.has_value()) {
+        return std::nullopt;
+    }
+    const std::int64_t longest = period.has_value() ? std::max(goal, *plan.excludedFor) : goal;
+    const std::int64_t roundsKept = (longest - 1) / plan.every + 1;
+    return static_cast<std::size_t>(roundsKept) + period.value_or(0) + 1;
 }
 
 }  // namespace fi_rotate

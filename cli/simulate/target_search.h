@@ -15,6 +15,8 @@ enum class ESearch {
     kFound,
     // However many targets, it is not met.
     kNever,
+    // Exclusions that never end take target after target: the more rounds, the more targets it takes.
+    kNoLimit,
     // Somebody stopped it.
     kStopped,
 };
@@ -36,5 +38,9 @@ using GoOnSearch = std::function<bool(std::size_t targets, std::size_t rounds)>;
 // first round without a target later, so with the least number every larger one meets the goal too.
 SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
                            const GoOnSearch& goOn);
+
+// So many rounds it takes until all that is to be kept for a time is there at once, whichever rounds are
+// excluded: with more of them the least number of targets is the same. Nothing when there is no such number.
+std::optional<std::size_t> roundsUntilSettled(const SPlan& plan, std::int64_t goal);
 
 }  // namespace fi_rotate

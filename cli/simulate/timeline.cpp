@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kLetters = 26;
 constexpr std::size_t kFewestColumns = 10;
-// Rounds without a target are all alike; so many are shown.
+// Of the rounds without a target that are the last so many are shown.
 constexpr std::size_t kStandstillColumns = 3;
 constexpr char kFree = '.';
 constexpr char kNoTarget = '!';
@@ -55,6 +55,10 @@ private:
     std::size_t last = kLetters - 1;
 };
 
+char upperCase(char letter) {
+    return static_cast<char>(letter - 'a' + 'A');
+}
+
 std::size_t endOf(const SSnapshot& snapshot) {
     return snapshot.end == EEnd::kHeld ? std::numeric_limits<std::size_t>::max() : snapshot.ended;
 }
@@ -68,8 +72,8 @@ struct SWindow {
 SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
     SWindow window;
     window.last = simulation.finishedRounds;
-    if (simulation.standstill.has_value()) {
-        window.last = std::min(window.last, simulation.standstill->first + kStandstillColumns - 1);
+    if (const auto standstill = standstillOf(simulation)) {
+        window.last = std::min(window.last, *standstill + kStandstillColumns - 1);
     }
     window.first = window.last > columns ? window.last - columns + 1 : 1;
     return window;
@@ -100,8 +104,7 @@ std::vector<char> lettersOf(const SSimulation& simulation) {
             const SSnapshot& snapshot = simulation.snapshots[j];
             lastOn[{snapshot.configuration, snapshot.target}] = letter;
         }
-        result.push_back(
-            static_cast<char>((isExcluded(simulation.plan, taken) ? 'A' : 'a') + static_cast<char>(letter)));
+        result.push_back(static_cast<char>('a' + static_cast<char>(letter)));
     }
     return result;
 }
@@ -119,12 +122,29 @@ std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation, con
         const SSnapshot& snapshot = simulation.snapshots[i];
         const std::size_t from = std::max<std::size_t>(snapshot.taken, window.first);
         const std::size_t to = std::min(endOf(snapshot), window.last + 1);
-        if (from < to) {
-            cells[snapshot.configuration][snapshot.target].replace(from - window.first, to - from, to - from,
-                                                                   letters[i / cells.size()]);
+        std::string& row = cells[snapshot.configuration][snapshot.target];
+        for (std::size_t round = from; round < to; ++round) {
+            const bool isCapital =
+                isExcludedAt(simulation.plan, snapshot.taken, timeOf(simulation.plan, round));
+            const char letter = letters[i / cells.size()];
+            row[round - window.first] = isCapital ? upperCase(letter) : letter;
         }
     }
     return cells;
+}
+
+// A mark for each round of the window that found no target, and blanks before them.
+std::string marksOf(const SSimulation& simulation, const SWindow& window) {
+    std::string marks;
+    for (const SRoundsWithoutTarget& rounds : simulation.withoutTarget) {
+        const std::size_t from = std::max(rounds.first, window.first);
+        const std::size_t to = std::min(rounds.last, window.last) + 1;
+        if (from < to) {
+            marks.resize(from - window.first, ' ');
+            marks.append(to - from, kNoTarget);
+        }
+    }
+    return marks;
 }
 
 std::string heading(const SSimulation& simulation, const SWindow& window) {
@@ -193,10 +213,9 @@ std::string toTimeline(const SSimulation& simulation, std::size_t width) {
             text += line(configuration.targets[target], cells[i][target]);
         }
     }
-    if (simulation.standstill.has_value()) {
-        const std::size_t first = std::max(simulation.standstill->first, window.first);
-        text += line("(no target)", std::string(first - window.first, ' ') +
-                                        std::string(window.last + 1 - first, kNoTarget));
+    const std::string marks = marksOf(simulation, window);
+    if (marks.find(kNoTarget) != std::string::npos) {
+        text += line("(no target)", marks);
     }
     return text + "  letter: a backup that holds the target; capital: an excluded one; .: free\n";
 }

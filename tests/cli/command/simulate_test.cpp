@@ -42,17 +42,15 @@ TEST(FiRotateSimulate, ShowsASummaryAndEveryTargetsHoldersBelowIt) {
     const auto result = runFiRotate(untilNoneIsLeft({"--keep-days", "2"}));
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.error, "");
-    // With n targets, the k-th of the rounds that are not excluded is number 2k - 1 and is rotated in round n
-    // + k, n - k + 1 days old; k goes up to 12 - n. With 7 targets the last is the fifth, 3 days old; with 6
-    // it would be the sixth, 1 day old.
     EXPECT_EQ(result.output,
               "12 rounds: 2026-10-01 00:00 to 2026-10-12 00:00\n"
               "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
-              "  encA##lun1     3        6      3        3     1 d      2 d     3 d  7\n"
-              "  encA##lun2     4        6      3        3     1 d      2 d     3 d  7\n"
+              "  encA##lun1     3        6      3        3     1 d      2 d     3 d  no limit\n"
+              "  encA##lun2     4        6      3        3     1 d      2 d     3 d  no limit\n"
               "\n"
               "No target was found from round 7 on (2026-10-07 00:00), in 6 of 12 rounds\n"
               "  encA##lun1: all 3 targets are held by excluded backups\n"
+              "No number of targets is enough for good: exclusions that never end take one after another\n"
               "\n"
               "Rounds 1 to 9, a column each\n"
               "  left out, since they found no target either: 10 to 12\n"
@@ -81,6 +79,29 @@ TEST(FiRotateSimulate, SaysThatEveryRoundFoundATarget) {
               "Every round found a target\n");
 }
 
+// Excluded for four days each, so that the two targets serve two rounds of four. A round needs a target;
+// those of the three before it are excluded still.
+TEST(FiRotateSimulate, ShowsEveryStretchOfRoundsWithoutATarget) {
+    const auto result = runFiRotate(
+        daily("encA##lun1;s1;s2", "9", {"--exclude-every", "1", "--exclude-for", "4d", "--keep-days", "3"}));
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.output,
+              "9 rounds: 2026-10-01 00:00 to 2026-10-09 00:00\n"
+              "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
+              "  encA##lun1     2        5      3        2     4 d      4 d     4 d  4\n"
+              "\n"
+              "No target was found in 4 of 9 rounds: 3 to 4, 7 to 8\n"
+              "  encA##lun1 (4 rounds, the first is 3): all 2 targets are held by excluded backups\n"
+              "\n"
+              "Rounds 1 to 9, a column each\n"
+              "                 1\n"
+              "  encA##lun1\n"
+              "    encA##s1     AAAACCCCE\n"
+              "    encA##s2     .BBBBDDDD\n"
+              "    (no target)    !!  !!\n"
+              "  letter: a backup that holds the target; capital: an excluded one; .: free\n");
+}
+
 TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
     const auto result = runFiRotate(daily("encA##lun1;s1;s1", "3", {"--keep-days", "2"}));
     EXPECT_EQ(result.exitStatus, 0);
@@ -104,7 +125,7 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
     auto second = targets("t");
     second.push_back("encA##t4");
     const nlohmann::json ages = {{"minimum", 86400}, {"median", 2 * 86400}, {"maximum", 3 * 86400}};
-    const nlohmann::json least = {{"search", "found"}, {"targets", 7}};
+    const nlohmann::json least = {{"search", "no_limit"}, {"targets", nullptr}};
     const nlohmann::json expected = {
         {"rounds", 12},
         {"finished_rounds", 12},
@@ -112,8 +133,10 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
         {"every_seconds", 86400},
         {"exclude_every", 2},
         {"exclude_weekday", nullptr},
+        {"exclude_seconds", nullptr},
         {"keep_seconds", 2 * 86400},
         {"first_round_without_target", 7},
+        {"rounds_without_target", 6},
         {"configurations",
          {{{"first", "encA##lun1"},
            {"targets", targets("s")},
@@ -124,6 +147,7 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
            {"seconds_until_rotated", ages},
            {"shortage",
             {{"rounds", 6},
+             {"first_round", 7},
              {"words", "all 3 targets are held by excluded backups"},
              {"targets",
               {{{"target", "encA##s1"}, {"holder_round", 4}, {"excluded", true}},
@@ -205,7 +229,9 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
         {timelineOfJson, "--no-timeline excludes --json"},
         {bothExclusions, "--exclude-every excludes --exclude-weekday"},
         {with("--keep-days", "x"), "\"x\" is not a whole number of days"},
-        {with("--keep-days", "5"), "\"5\" is more than all rounds last; give more --rounds"},
+        {with("--keep-days", "5"), "\"5\" takes at least 6 rounds to tell; give more --rounds"},
+        {with("--exclude-for", "8w"), "--exclude-for: give --exclude-every or --exclude-weekday, too"},
+        {with("--exclude-for", "8"), "\"8\" is not a whole number with one of the units s, m, h, d, w"},
         {with("--every", "999999w"), "the last round would be after the year 9999"},
         {with("--config-file", "no/such/file"), "2 were given"},
         {with("--config", "a##b;c&d"),

@@ -73,7 +73,7 @@ TEST(FiRotateSimulation, TheOldestBackupGivesItsTargetToTheRoundThatFindsNoneFre
     EXPECT_EQ(simulation.finishedRounds, 4);
     EXPECT_THAT(simulation.snapshots,
                 ElementsAre(rotated(0, 0, 1, 3), rotated(0, 1, 2, 4), held(0, 0, 3), held(0, 1, 4)));
-    EXPECT_FALSE(simulation.standstill.has_value());
+    EXPECT_THAT(simulation.withoutTarget, SizeIs(0));
     EXPECT_EQ(simulation.fewestRoundsHeld, 2);
 }
 
@@ -85,10 +85,11 @@ TEST(FiRotateSimulation, ExcludedBackupsKeepTheirTargetsUntilNoneIsLeft) {
     EXPECT_EQ(simulation.finishedRounds, 9);
     EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 4), held(0, 1, 2), rotated(0, 2, 3, 5),
                                                   held(0, 0, 4), rotated(0, 2, 5, 6), held(0, 2, 6)));
-    ASSERT_TRUE(simulation.standstill.has_value());
-    EXPECT_EQ(simulation.standstill->first, 7);
-    ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
-    const auto& shortage = simulation.standstill->shortages.front();
+    ASSERT_THAT(simulation.withoutTarget, SizeIs(1));
+    EXPECT_EQ(simulation.withoutTarget[0].first, 7);
+    EXPECT_EQ(simulation.withoutTarget[0].last, 9);
+    ASSERT_THAT(simulation.withoutTarget[0].shortages, SizeIs(1));
+    const auto& shortage = simulation.withoutTarget[0].shortages.front();
     EXPECT_EQ(shortage.configuration, 0U);
     ASSERT_THAT(shortage.targets, SizeIs(3));
     EXPECT_EQ(shortage.targets[0].target, 0U);
@@ -98,6 +99,42 @@ TEST(FiRotateSimulation, ExcludedBackupsKeepTheirTargetsUntilNoneIsLeft) {
     EXPECT_TRUE(shortage.targets[2].isExcluded);
 }
 
+// Rounds 2, 4, 6 and 8 are excluded. Round 2 is four days old in round 6, which rotates it; round 4 in
+// round 8.
+TEST(FiRotateSimulation, AnExclusionThatHasEndedKeepsNoBackup) {
+    SPlan plan = daily("encA##lun1;s1;s2;s3", 9);
+    plan.excludedEvery = 2;
+    plan.excludedFor = 4 * fi_rotate::kSecondsPerDay;
+    const SSimulation simulation = run(plan);
+    EXPECT_THAT(
+        simulation.snapshots,
+        ElementsAre(rotated(0, 0, 1, 4), rotated(0, 1, 2, 6), rotated(0, 2, 3, 5), rotated(0, 0, 4, 8),
+                    rotated(0, 2, 5, 7), held(0, 1, 6), rotated(0, 2, 7, 9), held(0, 0, 8), held(0, 2, 9)));
+    EXPECT_THAT(simulation.withoutTarget, SizeIs(0));
+}
+
+// Every backup is excluded for four days, and the two targets serve two rounds of four.
+TEST(FiRotateSimulation, RoundsWithoutATargetEndWhenAnExclusionDoes) {
+    SPlan plan = daily("encA##lun1;s1;s2", 9);
+    plan.excludedEvery = 1;
+    plan.excludedFor = 4 * fi_rotate::kSecondsPerDay;
+    SSimulation simulation = run(plan);
+    EXPECT_THAT(simulation.snapshots, ElementsAre(rotated(0, 0, 1, 5), rotated(0, 1, 2, 6),
+                                                  rotated(0, 0, 5, 9), held(0, 1, 6), held(0, 0, 9)));
+    ASSERT_THAT(simulation.withoutTarget, SizeIs(2));
+    EXPECT_EQ(simulation.withoutTarget[0].first, 3);
+    EXPECT_EQ(simulation.withoutTarget[0].last, 4);
+    EXPECT_EQ(simulation.withoutTarget[1].first, 7);
+    EXPECT_EQ(simulation.withoutTarget[1].last, 8);
+    ASSERT_THAT(simulation.withoutTarget[1].shortages, SizeIs(1));
+    EXPECT_EQ(simulation.withoutTarget[1].shortages[0].targets.at(0).round, 5);
+    EXPECT_EQ(simulation.withoutTarget[1].shortages[0].targets.at(1).round, 6);
+    EXPECT_EQ(countWithoutTarget(simulation), 4);
+    EXPECT_EQ(standstillOf(simulation), std::nullopt);
+    plan.rounds = 8;
+    EXPECT_EQ(standstillOf(run(plan)), 7);
+}
+
 // 2026-10-01 is a Thursday, so rounds 3 and 10 are on Saturdays.
 TEST(FiRotateSimulation, ADayOfTheWeekIsExcluded) {
     SPlan plan = daily("encA##lun1;s1;s2", 11);
@@ -105,8 +142,8 @@ TEST(FiRotateSimulation, ADayOfTheWeekIsExcluded) {
     const SSimulation simulation = run(plan);
     EXPECT_EQ(simulation.snapshots[2], held(0, 0, 3));
     EXPECT_EQ(simulation.snapshots[9], held(0, 1, 10));
-    ASSERT_TRUE(simulation.standstill.has_value());
-    EXPECT_EQ(simulation.standstill->first, 11);
+    ASSERT_THAT(simulation.withoutTarget, SizeIs(1));
+    EXPECT_EQ(simulation.withoutTarget[0].first, 11);
 }
 
 // The second configuration has a target to spare, but a backup gives all its targets back at once.
@@ -120,20 +157,20 @@ TEST(FiRotateSimulation, OnlyConfigurationsThatAreShortAreSaidToBe) {
     SPlan plan = daily("encA##lun1;s1&encB##lun2;t1;t2", 3);
     plan.excludedEvery = 1;
     const SSimulation simulation = run(plan);
-    ASSERT_TRUE(simulation.standstill.has_value());
-    EXPECT_EQ(simulation.standstill->first, 2);
-    ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
-    EXPECT_EQ(simulation.standstill->shortages[0].configuration, 0U);
+    ASSERT_THAT(simulation.withoutTarget, SizeIs(1));
+    EXPECT_EQ(simulation.withoutTarget[0].first, 2);
+    ASSERT_THAT(simulation.withoutTarget[0].shortages, SizeIs(1));
+    EXPECT_EQ(simulation.withoutTarget[0].shortages[0].configuration, 0U);
 }
 
 TEST(FiRotateSimulation, AConfigurationWithoutFurtherTargetsIsShortFromTheFirstRoundOn) {
     const SSimulation simulation = run(daily("encA##lun1", 2));
     EXPECT_EQ(simulation.finishedRounds, 2);
     EXPECT_THAT(simulation.snapshots, SizeIs(0));
-    ASSERT_TRUE(simulation.standstill.has_value());
-    EXPECT_EQ(simulation.standstill->first, 1);
-    ASSERT_THAT(simulation.standstill->shortages, SizeIs(1));
-    EXPECT_THAT(simulation.standstill->shortages[0].targets, SizeIs(0));
+    ASSERT_THAT(simulation.withoutTarget, SizeIs(1));
+    EXPECT_EQ(simulation.withoutTarget[0].first, 1);
+    ASSERT_THAT(simulation.withoutTarget[0].shortages, SizeIs(1));
+    EXPECT_THAT(simulation.withoutTarget[0].shortages[0].targets, SizeIs(0));
 }
 
 // The library marks the first of the two as held and finds the second free.

@@ -44,14 +44,54 @@ TEST(FiRotateGoal, CountsInTimeNotInRounds) {
     EXPECT_EQ(leastTargets(plan, {"encA##lun1", {}}, kSecondsPerDay + 1, always).targets, 3);
 }
 
-// Of 9 rounds 3, 6 and 9 are excluded. With n targets the k-th other round is number k + (k-1)/2 (rounded
-// down); it is rotated in round n + k, when it is n - (k-1)/2 days old. With 5 targets k goes up to 4, and
-// the fourth is 4 days old, which is the goal; with 4, round 6 rotates the second, 4 days old, and round 7
-// the third, 3 days old.
+// Each third round is excluded, for six days. In each round all backups of the last three days are younger
+// than the goal, and of those four and five days old at most one is excluded: four that must stay, and a
+// target for the round.
 TEST(FiRotateGoal, ExcludedBackupsNeedTargetsOfTheirOwn) {
-    SPlan plan = daily(9);
+    SPlan plan = daily(10);
     plan.excludedEvery = 3;
+    plan.excludedFor = 6 * kSecondsPerDay;
     EXPECT_EQ(leastTargets(plan, {"encA##lun1", {"encA##s1"}}, 4 * kSecondsPerDay, always).targets, 5);
+}
+
+TEST(FiRotateGoal, ExclusionsThatNeverEndHaveNoLimit) {
+    SPlan byNumber = daily(10);
+    byNumber.excludedEvery = 3;
+    SPlan byDay = daily(10);
+    byDay.excludedWeekday = fi_rotate::parseWeekday("sunday");
+    for (const SPlan& plan : {byNumber, byDay}) {
+        EXPECT_EQ(leastTargets(plan, {"encA##lun1", {"encA##s1"}}, kSecondsPerDay, always).search,
+                  ESearch::kNoLimit);
+    }
+}
+
+// 2026-10-01 is a Thursday, and so are all rounds.
+TEST(FiRotateGoal, ADayOfTheWeekWithoutRoundsExcludesNone) {
+    SPlan plan = daily(10);
+    plan.every = 7 * kSecondsPerDay;
+    plan.excludedWeekday = fi_rotate::parseWeekday("sunday");
+    const SLeastTargets least = leastTargets(plan, {"encA##lun1", {}}, 21 * kSecondsPerDay, always);
+    EXPECT_EQ(least.search, ESearch::kFound);
+    EXPECT_EQ(least.targets, 3);
+}
+
+TEST(FiRotateGoal, MoreRoundsThanItTakesToSettleNeedNoMoreTargets) {
+    for (const std::size_t every : {1U, 3U}) {
+        for (const int days : {2, 7}) {
+            for (const int goal : {1, 5}) {
+                SPlan plan = daily(0);
+                plan.excludedEvery = every;
+                plan.excludedFor = days * kSecondsPerDay;
+                plan.rounds = fi_rotate::roundsUntilSettled(plan, goal * kSecondsPerDay).value();
+                const auto leastOf = [&plan, goal] {
+                    return leastTargets(plan, {"encA##lun1", {}}, goal * kSecondsPerDay, always).targets;
+                };
+                const std::size_t settled = leastOf();
+                plan.rounds *= 3;
+                EXPECT_EQ(leastOf(), settled) << every << " " << days << " " << goal;
+            }
+        }
+    }
 }
 
 TEST(FiRotateGoal, NoNumberHelpsWhereATargetIsNamedTwice) {

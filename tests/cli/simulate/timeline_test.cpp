@@ -92,6 +92,18 @@ TEST(FiRotateTimeline, BackupsThatFollowOneAnotherOnATargetHaveDifferentLetters)
     EXPECT_EQ(row, kTargets);
 }
 
+// Excluded for two days, and no target in round 3.
+TEST(FiRotateTimeline, CapitalsAndMarksLastAsLongAsWhatTheyStandFor) {
+    SSimulation simulation = oneTarget(0);
+    simulation.plan.excludedEvery = 1;
+    simulation.plan.excludedFor = 2 * fi_rotate::kSecondsPerDay;
+    simulation.finishedRounds = 6;
+    simulation.snapshots = {{0, 0, 1, 5, EEnd::kRotated}, {0, 0, 5, 0, EEnd::kHeld}};
+    simulation.withoutTarget = {{2, 2, {}}, {4, 4, {}}};
+    EXPECT_THAT(linesOf(toTimeline(simulation, 80)),
+                testing::IsSupersetOf({"    encA##s1     AAaaBB", "    (no target)   ! !"}));
+}
+
 TEST(FiRotateTimeline, IsEmptyWhenNoRoundWasFinished) {
     EXPECT_EQ(toTimeline(oneTarget(0), 80), "");
 }
