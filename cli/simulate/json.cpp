@@ -13,6 +13,10 @@ Json agesOf(const std::optional<SAges>& ages) {
     return {{"minimum", ages->minimum}, {"median", ages->median}, {"maximum", ages->maximum}};
 }
 
+Json keptOf(const std::optional<SKept>& kept) {
+    return kept.has_value() ? Json{{"count", kept->count}, {"round", kept->round}} : Json(nullptr);
+}
+
 Json shortageOf(const SConfigurationSummary& summary, const SAccountConfiguration& configuration) {
     if (summary.roundsShort == 0) {
         return nullptr;
@@ -55,6 +59,8 @@ Json configurationsOf(const SSimulationReport& report) {
             {"held", summary.held},
             {"lost", summary.lost},
             {"seconds_until_rotated", agesOf(summary.ages)},
+            {"fewest_restore_points", keptOf(summary.fewestKept.everSince)},
+            {"fewest_restore_points_since_rotation", keptOf(summary.fewestKept.sinceRotation)},
             {"shortage", shortageOf(summary, report.simulation.configurations[i])},
             {"least_targets", report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
         });

@@ -40,6 +40,7 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
     }
     for (std::size_t i = 0; i < rows.size(); ++i) {
         rows[i].ages = agesOf(std::move(ages[i]));
+        rows[i].fewestKept = simulation.fewestKept[i];
     }
 
     for (const SRoundsWithoutTarget& rounds : simulation.withoutTarget) {

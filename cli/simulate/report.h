@@ -28,6 +28,7 @@ struct SConfigurationSummary {
     std::size_t held = 0;
     // Of snapshots when they were rotated; nothing when none was.
     std::optional<SAges> ages;
+    SFewestKept fewestKept;
     // Rounds in which this configuration was short.
     std::size_t roundsShort = 0;
     // The first of them, and who held its targets then; none when it was never short. No holders when it has

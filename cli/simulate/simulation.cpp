@@ -56,6 +56,17 @@ bool areSame(const SShortConfiguration& one, const SShortConfiguration& other) {
                       });
 }
 
+bool rotatesOne(const SOutcome& outcome) {
+    return std::any_of(outcome.backups.begin(), outcome.backups.end(),
+                       [](const SBackupOutcome& backup) { return backup.state == FI_BACKUP_ROTATED; });
+}
+
+void lower(std::optional<SKept>& fewest, const SKept& kept) {
+    if (!fewest.has_value() || kept.count < fewest->count) {
+        fewest = kept;
+    }
+}
+
 struct SLiveBackup {
     std::size_t round = 0;
     std::string file;
@@ -68,6 +79,7 @@ public:
     explicit CRounds(const SPlan& plan) {
         simulation.plan = plan;
         simulation.configurations = configurationsOf(plan.configuration);
+        simulation.fewestKept.resize(simulation.configurations.size());
     }
 
     SSimulation run(const GoOn& goOn) {
@@ -93,6 +105,7 @@ private:
 
     void runRound(std::size_t round) {
         const SOutcome outcome = call(callOf(round));
+        noteKept(outcome, round);
         if (!outcome.selection.has_value()) {
             noteWithoutTarget(round, outcome.account->shortages);
             return;
@@ -103,6 +116,23 @@ private:
         }
         dropEnded(outcome, round);
         take(*chosen, round);
+    }
+
+    void noteKept(const SOutcome& outcome, std::size_t round) {
+        hasRotated = hasRotated || rotatesOne(outcome);
+        for (std::size_t i = 0; i < simulation.configurations.size(); ++i) {
+            const std::size_t before = keptHoldersBeforeRotation(*outcome.account, i);
+            // Without a selection the library hands back no states, and every backup stays as it was.
+            const std::size_t kept =
+                outcome.selection.has_value() ? keptHolders(*outcome.account, i) : before;
+            SFewestKept& fewest = simulation.fewestKept[i];
+            if (before != 0 || fewest.everSince.has_value()) {
+                lower(fewest.everSince, {kept, round});
+                if (hasRotated) {
+                    lower(fewest.sinceRotation, {kept, round});
+                }
+            }
+        }
     }
 
     void noteWithoutTarget(std::size_t round, const std::vector<SShortage>& shortages) {
@@ -200,6 +230,7 @@ private:
     CTemporaryFolder folder;
     SSimulation simulation;
     std::vector<SLiveBackup> live;
+    bool hasRotated = false;
 };
 
 constexpr std::string_view kSectionEnd = "]]>";

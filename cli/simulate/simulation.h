@@ -78,6 +78,21 @@ struct SRoundsWithoutTarget {
     [[nodiscard]] std::size_t count() const { return last + 1 - first; }
 };
 
+// So many restore points a configuration had after the call of a round. A restore point is a kept backup that
+// holds one of its targets; in a round without a target all are, since it rotates none.
+struct SKept {
+    std::size_t count = 0;
+    std::size_t round = 0;
+};
+
+// The fewest of a configuration, each with the first round that had so few.
+struct SFewestKept {
+    // From the first call on that finds a backup of it.
+    std::optional<SKept> everSince;
+    // From the first call on that rotates a backup. Before that the backups are only growing in number.
+    std::optional<SKept> sinceRotation;
+};
+
 struct SSimulation {
     SPlan plan;
     std::vector<SAccountConfiguration> configurations;
@@ -87,6 +102,8 @@ struct SSimulation {
     std::vector<SSnapshot> snapshots;
     // In their order.
     std::vector<SRoundsWithoutTarget> withoutTarget;
+    // One for each configuration.
+    std::vector<SFewestKept> fewestKept;
     // Of those that were rotated.
     std::optional<std::size_t> fewestRoundsHeld;
     bool hasLost = false;

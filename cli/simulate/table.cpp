@@ -81,6 +81,25 @@ std::string configurationTable(const SSimulationReport& report, std::size_t widt
     return toTable(std::move(rows), width, colour);
 }
 
+std::string inWords(const SPlan& plan, const SKept& kept) {
+    return fmt::format("{} in round {} ({})", kept.count, kept.round, toShownTime(timeOf(plan, kept.round)));
+}
+
+std::string fewestKeptLines(const SSimulationReport& report) {
+    const SPlan& plan = report.simulation.plan;
+    std::string text;
+    for (const SConfigurationSummary& summary : report.summaries) {
+        const auto& [everSince, sinceRotation] = summary.fewestKept;
+        if (everSince.has_value()) {
+            text += fmt::format("  {}: {}", asPrintable(summary.first), inWords(plan, *everSince));
+            text += sinceRotation.has_value() && sinceRotation->count != everSince->count
+                        ? fmt::format(", since the first rotation {}\n", inWords(plan, *sinceRotation))
+                        : "\n";
+        }
+    }
+    return text.empty() ? "" : "Fewest restore points after the call of a round\n" + text + "\n";
+}
+
 std::string lostLine(const SSimulationReport& report) {
     std::size_t lost = 0;
     std::size_t taken = 0;
@@ -167,8 +186,8 @@ std::string noLimitLine(const SSimulationReport& report) {
 std::string toSummary(const SSimulationReport& report, std::size_t width, bool colour) {
     std::string text = headline(report.simulation);
     if (report.simulation.finishedRounds != 0) {
-        text += configurationTable(report, width, colour) + "\n" + lostLine(report) +
-                withoutTargetLines(report) + noLimitLine(report);
+        text += configurationTable(report, width, colour) + "\n" + fewestKeptLines(report) +
+                lostLine(report) + withoutTargetLines(report) + noLimitLine(report);
     }
     return text;
 }

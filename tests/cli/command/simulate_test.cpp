@@ -48,6 +48,12 @@ TEST(FiRotateSimulate, ShowsASummaryAndEveryTargetsHoldersBelowIt) {
               "  encA##lun1     3        6      3        3     1 d      2 d     3 d  no limit\n"
               "  encA##lun2     4        6      3        3     1 d      2 d     3 d  no limit\n"
               "\n"
+              "Fewest restore points after the call of a round\n"
+              "  encA##lun1: 1 in round 2 (2026-10-02 00:00), since the first rotation 2 in round 4 "
+              "(2026-10-04 00:00)\n"
+              "  encA##lun2: 1 in round 2 (2026-10-02 00:00), since the first rotation 2 in round 4 "
+              "(2026-10-04 00:00)\n"
+              "\n"
               "No target was found from round 7 on (2026-10-07 00:00), in 6 of 12 rounds\n"
               "  encA##lun1: all 3 targets are held by excluded backups\n"
               "No number of targets is enough for good: exclusions that never end take one after another\n"
@@ -76,6 +82,9 @@ TEST(FiRotateSimulate, SaysThatEveryRoundFoundATarget) {
               "  configuration  targets  taken  rotated  held  age min  median  max\n"
               "  encA##lun1     2        2      0        2     -        -       -\n"
               "\n"
+              "Fewest restore points after the call of a round\n"
+              "  encA##lun1: 1 in round 2 (2026-10-02 00:00)\n"
+              "\n"
               "Every round found a target\n");
 }
 
@@ -89,6 +98,9 @@ TEST(FiRotateSimulate, ShowsEveryStretchOfRoundsWithoutATarget) {
               "9 rounds: 2026-10-01 00:00 to 2026-10-09 00:00\n"
               "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
               "  encA##lun1     2        5      3        2     4 d      4 d     4 d  4\n"
+              "\n"
+              "Fewest restore points after the call of a round\n"
+              "  encA##lun1: 1 in round 2 (2026-10-02 00:00)\n"
               "\n"
               "No target was found in 4 of 9 rounds: 3 to 4, 7 to 8\n"
               "  encA##lun1 (4 rounds, the first is 3): all 2 targets are held by excluded backups\n"
@@ -110,6 +122,9 @@ TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
         HasSubstr("  configuration  targets  taken  rotated  held  lost  age min  median  max  needs\n"
                   "  encA##lun1     2        3      0        1     2     -        -       -    no "
                   "number\n"
+                  "\n"
+                  "Fewest restore points after the call of a round\n"
+                  "  encA##lun1: 1 in round 2 (2026-10-02 00:00)\n"
                   "\n"
                   "2 of 3 snapshots were lost: later rounds overwrote them\n"));
     EXPECT_THAT(result.output, Not(HasSubstr("found a target")));
@@ -145,6 +160,8 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
            {"held", 3},
            {"lost", 0},
            {"seconds_until_rotated", ages},
+           {"fewest_restore_points", {{"count", 1}, {"round", 2}}},
+           {"fewest_restore_points_since_rotation", {{"count", 2}, {"round", 4}}},
            {"shortage",
             {{"rounds", 6},
              {"first_round", 7},
@@ -161,6 +178,8 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
            {"held", 3},
            {"lost", 0},
            {"seconds_until_rotated", ages},
+           {"fewest_restore_points", {{"count", 1}, {"round", 2}}},
+           {"fewest_restore_points_since_rotation", {{"count", 2}, {"round", 4}}},
            {"shortage", nullptr},
            {"least_targets", least}}}},
     };

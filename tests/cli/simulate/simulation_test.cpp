@@ -18,6 +18,25 @@ bool operator==(const SSnapshot& one, const SSnapshot& other) {
            one.taken == other.taken && one.ended == other.ended && one.end == other.end;
 }
 
+bool operator==(const SKept& one, const SKept& other) {
+    return one.count == other.count && one.round == other.round;
+}
+
+bool operator==(const SFewestKept& one, const SFewestKept& other) {
+    return one.everSince == other.everSince && one.sinceRotation == other.sinceRotation;
+}
+
+std::ostream& operator<<(std::ostream& stream, const SFewestKept& fewest) {
+    const auto show = [&stream](const std::optional<SKept>& kept) {
+        if (kept.has_value()) {
+            stream << kept->count << " in round " << kept->round << ", ";
+        }
+    };
+    show(fewest.everSince);
+    show(fewest.sinceRotation);
+    return stream;
+}
+
 std::ostream& operator<<(std::ostream& stream, const SSnapshot& snapshot) {
     return stream << "configuration " << snapshot.configuration << ", target " << snapshot.target
                   << ", rounds " << snapshot.taken << " to " << snapshot.ended << ", end "
@@ -29,7 +48,9 @@ std::ostream& operator<<(std::ostream& stream, const SSnapshot& snapshot) {
 namespace {
 
 using fi_rotate::EEnd;
+using fi_rotate::SFewestKept;
 using fi_rotate::simulate;
+using fi_rotate::SKept;
 using fi_rotate::SPlan;
 using fi_rotate::SSimulation;
 using fi_rotate::SSnapshot;
@@ -66,6 +87,10 @@ SSnapshot rotated(std::uint32_t configuration, std::uint32_t target, std::uint32
 
 SSnapshot lost(std::uint32_t configuration, std::uint32_t target, std::uint32_t taken, std::uint32_t ended) {
     return {configuration, target, taken, ended, EEnd::kLost};
+}
+
+SFewestKept fewestKept(const SKept& everSince, const std::optional<SKept>& sinceRotation) {
+    return {everSince, sinceRotation};
 }
 
 TEST(FiRotateSimulation, TheOldestBackupGivesItsTargetToTheRoundThatFindsNoneFree) {
@@ -133,6 +158,31 @@ TEST(FiRotateSimulation, RoundsWithoutATargetEndWhenAnExclusionDoes) {
     EXPECT_EQ(standstillOf(simulation), std::nullopt);
     plan.rounds = 8;
     EXPECT_EQ(standstillOf(run(plan)), 7);
+}
+
+// Round 2 finds the backup of round 1 only. Rounds 4 and 5 find three and rotate one each.
+TEST(FiRotateSimulation, TheFewestRestorePointsAreThoseBeforeTheNextSnapshot) {
+    const SSimulation simulation = run(daily("encA##lun1;s1;s2;s3", 5));
+    EXPECT_THAT(simulation.fewestKept, ElementsAre(fewestKept({1, 2}, SKept{2, 4})));
+}
+
+TEST(FiRotateSimulation, ARoundThatRotatesTheOnlyBackupLeavesNone) {
+    const SSimulation simulation = run(daily("encA##lun1;s1&encB##lun2;t1;t2", 3));
+    EXPECT_THAT(simulation.fewestKept,
+                ElementsAre(fewestKept({0, 2}, SKept{0, 2}), fewestKept({0, 2}, SKept{0, 2})));
+}
+
+// Rounds 2 and 3 find no target and rotate nothing, so the one backup is there still.
+TEST(FiRotateSimulation, ARoundWithoutATargetTakesNoRestorePoint) {
+    SPlan plan = daily("encA##lun1;s1", 3);
+    plan.excludedEvery = 1;
+    EXPECT_THAT(run(plan).fewestKept, ElementsAre(fewestKept({1, 2}, std::nullopt)));
+}
+
+TEST(FiRotateSimulation, WithoutABackupThereAreNoFewestRestorePoints) {
+    for (const std::string configuration : {"encA##lun1", "encA##lun1;s1"}) {
+        EXPECT_FALSE(run(daily(configuration, 1)).fewestKept.at(0).everSince.has_value());
+    }
 }
 
 // 2026-10-01 is a Thursday, so rounds 3 and 10 are on Saturdays.
