@@ -1,13 +1,17 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
+
+#include <fi_rotation/fi_process_backups.h>
 
 #include "cli/base/calendar.h"
 #include "cli/base/terminal.h"
@@ -43,6 +47,8 @@ struct SOptions {
     std::optional<std::size_t> excludedEvery;
     std::optional<std::string> excludedWeekday;
     std::optional<std::string> excludedFor;
+    std::vector<std::string> from;
+    std::vector<std::string> excluded;
     std::optional<std::string> goal;
     bool isWithoutTimeline = false;
     bool json = false;
@@ -62,6 +68,23 @@ Value valueOf(const std::string& option, const std::string& text, const std::opt
 
 constexpr const char* kDuration = "a whole number with one of the units s, m, h, d, w, like 24h";
 
+std::vector<SBackup> backupsOf(const SOptions& options) {
+    std::vector<SBackup> backups;
+    for (const std::string& file : options.from) {
+        backups.push_back({file, 0});
+    }
+    for (const std::string& file : options.excluded) {
+        const auto found = std::find_if(backups.begin(), backups.end(),
+                                        [&file](const SBackup& backup) { return backup.file == file; });
+        if (found == backups.end()) {
+            throw CLI::ValidationError("--exclude",
+                                       quotedPrintable(file) + " is not among the documents of --from");
+        }
+        found->flagWord |= FI_EXCLUDE_ROTATION;
+    }
+    return backups;
+}
+
 SPlan planOf(const SOptions& options) {
     SPlan plan;
     plan.configuration = readCallWithoutNul(options.call).configuration;
@@ -78,10 +101,13 @@ SPlan planOf(const SOptions& options) {
     if (options.excludedFor.has_value()) {
         plan.excludedFor =
             valueOf("--exclude-for", *options.excludedFor, parseDuration(*options.excludedFor), kDuration);
-        if (!options.excludedEvery.has_value() && !options.excludedWeekday.has_value()) {
-            throw CLI::ValidationError("--exclude-for", "give --exclude-every or --exclude-weekday, too");
+        if (!options.excludedEvery.has_value() && !options.excludedWeekday.has_value() &&
+            options.excluded.empty()) {
+            throw CLI::ValidationError("--exclude-for",
+                                       "give --exclude-every, --exclude-weekday or --exclude, too");
         }
     }
+    plan.from = backupsOf(options);
     if (static_cast<std::int64_t>(plan.rounds - 1) > (lastTime() - plan.start) / plan.every) {
         throw CLI::ValidationError("--rounds", "the last round would be after the year 9999");
     }
@@ -107,6 +133,8 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
 SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan, const GoOn& goOn) {
     try {
         return simulate(plan, goOn);
+    } catch (const CUnusableDocuments& fault) {
+        throw CLI::ValidationError("--from", std::string("these documents cannot be used\n") + fault.what());
     } catch (const std::invalid_argument& fault) {
         throw CLI::ValidationError(options.call.configuration.has_value() ? "--config" : "--config-file",
                                    fault.what());
@@ -149,7 +177,9 @@ int runSimulate(const SOptions& options) {
     const CInterrupt interrupt;
     const SOutput rounds{"--csv", options.csvFile, isOwnTable};
     const SOutput picture{"--svg", options.svgFile, isOwnPicture};
-    requireHarmless({rounds, picture}, inputsOf(options.call), options.isForced);
+    std::vector<std::string> inputs = inputsOf(options.call);
+    inputs.insert(inputs.end(), options.from.begin(), options.from.end());
+    requireHarmless({rounds, picture}, inputs, options.isForced);
     const auto csv = openOutput(rounds);
     const auto svg = openOutput(picture);
     const SSimulationReport report = makeReport(options, interrupt);
@@ -199,10 +229,20 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         .add_option("--exclude-for", options->excludedFor,
                     "How long they stay excluded, like 8w; for good without this")
         ->type_name("TIME");
+    CLI::Option* const from =
+        simulate
+            .add_option("--from", options->from,
+                        "Documents of the backups that are there before the first round")
+            ->type_name("FILE");
+    simulate.add_option("--exclude", options->excluded, "Exclude this backup of --from from rotation")
+        ->type_name("FILE")
+        ->allow_extra_args(false)
+        ->needs(from);
     simulate
         .add_option("--keep-days", options->goal,
                     "Search the least number of targets that keeps every snapshot so many days")
-        ->type_name("GOAL");
+        ->type_name("GOAL")
+        ->excludes(from);
     CLI::Option* const noTimeline =
         simulate.add_flag("--no-timeline", options->isWithoutTimeline, "Show the summary only");
     simulate.add_flag("--json", options->json, "Show the summary as one JSON document")->excludes(noTimeline);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -34,6 +35,9 @@ public:
                 ended.push_back(snapshot);
             }
         }
+        while (nextTaken < all.snapshots.size() && all.snapshots[nextTaken].taken == 0) {
+            ++nextTaken;
+        }
         std::stable_sort(ended.begin(), ended.end(), [](const SSnapshot& one, const SSnapshot& other) {
             return one.ended < other.ended;
         });
@@ -51,10 +55,9 @@ public:
         const auto [rotated, lost] = endedBy(round);
         const bool hasSelection =
             nextTaken < simulation.snapshots.size() && simulation.snapshots[nextTaken].taken == round;
-        std::string text =
-            fmt::format("{},{},{},{},{},{}", round, toIsoTime(timeOf(simulation.plan, round)),
-                        isExcluded(simulation.plan, round) ? "yes" : "no", hasSelection ? "yes" : "no",
-                        fmt::join(rotated, " "), fmt::join(lost, " "));
+        std::string text = fmt::format("{},{},{},{},{},{}", round, toIsoTime(timeOf(simulation.plan, round)),
+                                       isExcluded(simulation.plan, round) ? "yes" : "no",
+                                       hasSelection ? "yes" : "no", listOf(rotated), listOf(lost));
         for (const SAccountConfiguration& configuration : simulation.configurations) {
             text += ",";
             if (hasSelection) {
@@ -65,18 +68,29 @@ public:
     }
 
 private:
-    struct SEndedRounds {
-        std::set<std::uint32_t> rotated;
-        std::set<std::uint32_t> lost;
+    // Round and place of a document.
+    using Backups = std::set<std::pair<std::uint32_t, std::uint32_t>>;
+    struct SEndedBackups {
+        Backups rotated;
+        Backups lost;
     };
 
-    SEndedRounds endedBy(std::size_t round) {
-        SEndedRounds rounds;
+    SEndedBackups endedBy(std::size_t round) {
+        SEndedBackups backups;
         for (; nextEnded < ended.size() && ended[nextEnded].ended == round; ++nextEnded) {
             const SSnapshot& snapshot = ended[nextEnded];
-            (snapshot.end == EEnd::kRotated ? rounds.rotated : rounds.lost).insert(snapshot.taken);
+            (snapshot.end == EEnd::kRotated ? backups.rotated : backups.lost)
+                .insert({snapshot.taken, snapshot.document});
         }
-        return rounds;
+        return backups;
+    }
+
+    static std::string listOf(const Backups& backups) {
+        std::vector<std::string> names;
+        for (const auto& [round, document] : backups) {
+            names.push_back(round == 0 ? fmt::format("d{}", document + 1) : fmt::to_string(round));
+        }
+        return fmt::format("{}", fmt::join(names, " "));
     }
 
     const SSimulation& simulation;

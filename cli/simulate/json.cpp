@@ -1,5 +1,7 @@
 #include "cli/simulate/json.h"
 
+#include <fi_rotation/fi_process_backups.h>
+
 #include "cli/base/calendar.h"
 #include "cli/base/json.h"
 
@@ -17,15 +19,18 @@ Json keptOf(const std::optional<SKept>& kept) {
     return kept.has_value() ? Json{{"count", kept->count}, {"round", kept->round}} : Json(nullptr);
 }
 
-Json shortageOf(const SConfigurationSummary& summary, const SAccountConfiguration& configuration) {
+Json shortageOf(const SConfigurationSummary& summary, const SAccountConfiguration& configuration,
+                const std::vector<SBackup>& from) {
     if (summary.roundsShort == 0) {
         return nullptr;
     }
     Json targets = Json::array();
     for (const SHeldByRound& held : summary.holders) {
-        targets.push_back({{"target", asUtf8(configuration.targets[held.target])},
-                           {"holder_round", held.round},
-                           {"excluded", held.isExcluded}});
+        targets.push_back(
+            {{"target", asUtf8(configuration.targets[held.target])},
+             {"holder_round", held.round != 0 ? Json(held.round) : Json(nullptr)},
+             {"holder_document", held.round != 0 ? Json(nullptr) : Json(asUtf8(from[held.document].file))},
+             {"excluded", held.isExcluded}});
     }
     return {{"rounds", summary.roundsShort},
             {"first_round", summary.firstShort},
@@ -54,6 +59,7 @@ Json configurationsOf(const SSimulationReport& report) {
         rows.push_back({
             {"first", asUtf8(summary.first)},
             {"targets", listOf(report.simulation.configurations[i].targets)},
+            {"taken_over", summary.takenOver},
             {"taken", summary.taken},
             {"rotated", summary.rotated},
             {"held", summary.held},
@@ -61,8 +67,42 @@ Json configurationsOf(const SSimulationReport& report) {
             {"seconds_until_rotated", agesOf(summary.ages)},
             {"fewest_restore_points", keptOf(summary.fewestKept.everSince)},
             {"fewest_restore_points_since_rotation", keptOf(summary.fewestKept.sinceRotation)},
-            {"shortage", shortageOf(summary, report.simulation.configurations[i])},
+            {"shortage",
+             shortageOf(summary, report.simulation.configurations[i], report.simulation.plan.from)},
             {"least_targets", report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
+        });
+    }
+    return rows;
+}
+
+const char* stateOf(const STakenOver& backup) {
+    if (!backup.whyInvalid.empty()) {
+        return "invalid";
+    }
+    switch (backup.end) {
+        case EEnd::kRotated:
+            return "rotated";
+        case EEnd::kLost:
+            return "lost";
+        default:
+            return "held";
+    }
+}
+
+Json takenOverOf(const SSimulation& simulation) {
+    Json rows = Json::array();
+    for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
+        const SBackup& given = simulation.plan.from[i];
+        const STakenOver& backup = simulation.takenOver[i];
+        const bool isInvalid = !backup.whyInvalid.empty();
+        rows.push_back({
+            {"file", asUtf8(given.file)},
+            {"time", backup.time.has_value() ? Json(toIsoTime(*backup.time)) : Json(nullptr)},
+            {"excluded", (given.flagWord & FI_EXCLUDE_ROTATION) != 0},
+            {"snapshots", backup.snapshots},
+            {"state", stateOf(backup)},
+            {"ended_in_round", backup.ended != 0 && !isInvalid ? Json(backup.ended) : Json(nullptr)},
+            {"reason", isInvalid ? Json(asUtf8(backup.whyInvalid)) : Json(nullptr)},
         });
     }
     return rows;
@@ -85,6 +125,7 @@ std::string toJson(const SSimulationReport& report) {
                                 : Json(nullptr)},
         {"exclude_seconds", orNull(plan.excludedFor)},
         {"keep_seconds", orNull(report.goal)},
+        {"from", takenOverOf(simulation)},
         {"first_round_without_target", without.empty() ? Json(nullptr) : Json(without.front().first)},
         {"rounds_without_target", countWithoutTarget(simulation)},
         {"configurations", configurationsOf(report)},

@@ -27,44 +27,57 @@ const char* wordOf(EEnd end) {
     return end == EEnd::kRotated ? "rotated" : "lost";
 }
 
-std::string exclusionOf(const SPlan& plan, const SSnapshot& snapshot) {
-    if (!isExcluded(plan, snapshot.taken)) {
+std::string exclusionOf(const SSimulation& simulation, const SSnapshot& snapshot) {
+    if (!isExcluded(simulation, snapshot)) {
         return "";
     }
-    return plan.excludedFor.has_value() ? ", excluded from rotation for " + toShownDuration(*plan.excludedFor)
-                                        : ", excluded from rotation";
+    const auto& time = simulation.plan.excludedFor;
+    return time.has_value() ? ", excluded from rotation for " + toShownDuration(*time)
+                            : ", excluded from rotation";
 }
 
 std::string titleOf(const SSimulation& simulation, const SSnapshot& snapshot) {
     const auto& target = simulation.configurations[snapshot.configuration].targets[snapshot.target];
     const SPlan& plan = simulation.plan;
-    const std::string text =
-        fmt::format("{}: round {}, taken {}{}, ", target, snapshot.taken,
-                    toShownTime(timeOf(plan, snapshot.taken)), exclusionOf(plan, snapshot));
+    const std::int64_t taken = timeOf(simulation, snapshot);
+    const std::string backup =
+        snapshot.taken == 0 ? plan.from[snapshot.document].file : fmt::format("round {}", snapshot.taken);
+    const std::string text = fmt::format("{}: {}, taken {}{}, ", target, backup, toShownTime(taken),
+                                         exclusionOf(simulation, snapshot));
     return text + (snapshot.end == EEnd::kHeld
                        ? "still held"
                        : fmt::format("{} in round {} after {}", wordOf(snapshot.end), snapshot.ended,
-                                     toShownDays((snapshot.ended - snapshot.taken) * plan.every)));
+                                     toShownDays(timeOf(plan, snapshot.ended) - taken)));
 }
 
 EBar kindOf(const SSimulation& simulation, const SSnapshot& snapshot) {
     if (snapshot.end == EEnd::kLost) {
         return EBar::kInvalid;
     }
-    return isExcluded(simulation.plan, snapshot.taken) ? EBar::kExcluded : EBar::kPlain;
+    return isExcluded(simulation, snapshot) ? EBar::kExcluded : EBar::kPlain;
 }
 
 SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, double end) {
     SBar bar;
     bar.group = snapshot.configuration;
     bar.row = snapshot.target;
-    bar.from = static_cast<double>(timeOf(simulation.plan, snapshot.taken));
+    bar.from = static_cast<double>(timeOf(simulation, snapshot));
     bar.isOpen = snapshot.end == EEnd::kHeld;
     bar.to = bar.isOpen ? end : static_cast<double>(timeOf(simulation.plan, snapshot.ended));
     bar.kind = kindOf(simulation, snapshot);
-    bar.name = fmt::to_string(snapshot.taken);
+    bar.name =
+        snapshot.taken == 0 ? fmt::format("d{}", snapshot.document + 1) : fmt::to_string(snapshot.taken);
     bar.title = titleOf(simulation, snapshot);
     return bar;
+}
+
+// When the first snapshot was taken, or the first round is.
+std::int64_t beginOf(const SSimulation& simulation) {
+    std::int64_t begin = simulation.plan.start;
+    for (const SSnapshot& snapshot : simulation.snapshots) {
+        begin = std::min(begin, timeOf(simulation, snapshot));
+    }
+    return begin;
 }
 
 std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t last) {
@@ -75,6 +88,10 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t la
     std::vector<std::string> remarks{
         fmt::format("{} from {} on, every {}; the number in a bar is its round's", rounds,
                     toShownTime(plan.start), toShownDuration(plan.every))};
+    if (!plan.from.empty()) {
+        remarks.emplace_back(
+            "Bars d1, d2 and so on are backups that were there before, by their places in the list");
+    }
     if (const std::size_t without = countWithoutTarget(simulation); without != 0) {
         remarks.push_back(fmt::format("{} of them found no target, the first at the line across", without));
     }
@@ -90,16 +107,17 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t la
 SPicture pictureOf(const SSimulation& simulation) {
     const SPlan& plan = simulation.plan;
     const std::size_t last = lastRoundOf(simulation);
+    const std::int64_t begin = beginOf(simulation);
     const std::int64_t end = timeOf(plan, last + 1);
     SPicture picture;
     picture.title = "Which snapshot holds which target";
     picture.remarks = remarksOn(simulation, last);
     picture.timeLabel = "time (UTC)";
     picture.rowLabel = "targets";
-    picture.from = static_cast<double>(plan.start);
+    picture.from = static_cast<double>(begin);
     picture.to = static_cast<double>(end);
-    picture.columns = std::max<std::size_t>(last, 1);
-    picture.ticks = timeTicks(plan.start, end, mostTicks(picture.columns));
+    picture.columns = std::max<std::size_t>(static_cast<std::size_t>((end - begin) / plan.every), 1);
+    picture.ticks = timeTicks(begin, end, mostTicks(picture.columns));
     for (const SAccountConfiguration& configuration : simulation.configurations) {
         SPictureGroup& group = picture.groups.emplace_back();
         group.name = configuration.first;

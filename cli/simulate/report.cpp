@@ -30,12 +30,13 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
     std::vector<std::vector<std::int64_t>> ages(rows.size());
     for (const SSnapshot& snapshot : simulation.snapshots) {
         SConfigurationSummary& row = rows[snapshot.configuration];
-        ++row.taken;
+        ++(snapshot.taken == 0 ? row.takenOver : row.taken);
         row.lost += snapshot.end == EEnd::kLost ? 1U : 0U;
         row.held += snapshot.end == EEnd::kHeld ? 1U : 0U;
         if (snapshot.end == EEnd::kRotated) {
             ++row.rotated;
-            ages[snapshot.configuration].push_back((snapshot.ended - snapshot.taken) * simulation.plan.every);
+            ages[snapshot.configuration].push_back(timeOf(simulation.plan, snapshot.ended) -
+                                                   timeOf(simulation, snapshot));
         }
     }
     for (std::size_t i = 0; i < rows.size(); ++i) {

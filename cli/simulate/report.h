@@ -22,6 +22,8 @@ struct SAges {
 struct SConfigurationSummary {
     std::string first;
     std::size_t targets = 0;
+    // Snapshots that were there before the first round, and those that the rounds took.
+    std::size_t takenOver = 0;
     std::size_t taken = 0;
     std::size_t rotated = 0;
     std::size_t lost = 0;

@@ -15,6 +15,7 @@
 #include "cli/base/terminal.h"
 #include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
+#include "cli/simulate/take_over.h"
 #include "host/library_call.h"
 #include "host/trace_text.h"
 
@@ -52,7 +53,7 @@ bool areSame(const SShortConfiguration& one, const SShortConfiguration& other) {
            std::equal(one.targets.begin(), one.targets.end(), other.targets.begin(), other.targets.end(),
                       [](const SHeldByRound& held, const SHeldByRound& before) {
                           return held.target == before.target && held.round == before.round &&
-                                 held.isExcluded == before.isExcluded;
+                                 held.document == before.document && held.isExcluded == before.isExcluded;
                       });
 }
 
@@ -68,11 +69,20 @@ void lower(std::optional<SKept>& fewest, const SKept& kept) {
 }
 
 struct SLiveBackup {
-    std::size_t round = 0;
     std::string file;
-    // Its snapshots are one after another, one for each configuration.
+    // Of one that was there before the first round, 0 and its place in SPlan::from.
+    std::size_t round = 0;
+    std::size_t document = 0;
+    std::int64_t time = 0;
+    bool isExcluded = false;
+    // Its snapshots are one after another.
     std::size_t firstSnapshot = 0;
+    std::size_t snapshots = 0;
 };
+
+bool isExclusionOver(const SPlan& plan, std::int64_t taken, std::int64_t now) {
+    return plan.excludedFor.has_value() && now - taken >= *plan.excludedFor;
+}
 
 class CRounds {
 public:
@@ -80,6 +90,9 @@ public:
         simulation.plan = plan;
         simulation.configurations = configurationsOf(plan.configuration);
         simulation.fewestKept.resize(simulation.configurations.size());
+        if (!plan.from.empty()) {
+            beginWith(takeOver(plan));
+        }
     }
 
     SSimulation run(const GoOn& goOn) {
@@ -91,14 +104,31 @@ public:
     }
 
 private:
+    void beginWith(STakeOver taken) {
+        simulation.snapshots = std::move(taken.snapshots);
+        simulation.takenOver = std::move(taken.backups);
+        std::size_t firstSnapshot = 0;
+        for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
+            const SBackup& given = simulation.plan.from[i];
+            SLiveBackup& backup = live.emplace_back();
+            backup.file = given.file;
+            backup.document = i;
+            backup.time = simulation.takenOver[i].time.value_or(simulation.plan.start);
+            backup.isExcluded = (given.flagWord & FI_EXCLUDE_ROTATION) != 0;
+            backup.firstSnapshot = firstSnapshot;
+            backup.snapshots = simulation.takenOver[i].snapshots;
+            firstSnapshot += backup.snapshots;
+        }
+    }
+
     [[nodiscard]] SCall callOf(std::size_t round) const {
         const std::int64_t now = timeOf(simulation.plan, round);
         SCall arguments;
         arguments.configuration = simulation.plan.configuration;
         for (const SLiveBackup& backup : live) {
+            const bool isExcluded = backup.isExcluded && !isExclusionOver(simulation.plan, backup.time, now);
             // A call overwrites the word with the state, so it is set again for each.
-            arguments.backups.push_back(
-                {backup.file, isExcludedAt(simulation.plan, backup.round, now) ? FI_EXCLUDE_ROTATION : 0});
+            arguments.backups.push_back({backup.file, isExcluded ? FI_EXCLUDE_ROTATION : 0});
         }
         return arguments;
     }
@@ -142,7 +172,8 @@ private:
             row.configuration = shortage.configuration;
             for (const SHeldTarget& held : shortage.targets) {
                 // The account has the backups in the order in which they were handed over.
-                row.targets.push_back({held.target, live.at(held.holder).round, held.isExcluded});
+                const SLiveBackup& holder = live.at(held.holder);
+                row.targets.push_back({held.target, holder.round, holder.document, held.isExcluded});
             }
         }
         auto& all = simulation.withoutTarget;
@@ -177,8 +208,14 @@ private:
     }
 
     void end(const SLiveBackup& backup, std::size_t round, EEnd how) {
-        unlink(backup.file.c_str());
-        for (std::size_t i = 0; i < simulation.configurations.size(); ++i) {
+        if (backup.round == 0) {
+            STakenOver& taken = simulation.takenOver[backup.document];
+            taken.ended = static_cast<std::uint32_t>(round);
+            taken.end = how;
+        } else {
+            unlink(backup.file.c_str());
+        }
+        for (std::size_t i = 0; i < backup.snapshots; ++i) {
             end(simulation.snapshots[backup.firstSnapshot + i], round, how);
         }
     }
@@ -190,8 +227,8 @@ private:
         snapshot.ended = static_cast<std::uint32_t>(round);
         snapshot.end = how;
         if (how == EEnd::kRotated) {
-            const std::size_t held = round - snapshot.taken;
-            simulation.fewestRoundsHeld = std::min(held, simulation.fewestRoundsHeld.value_or(held));
+            const std::int64_t held = timeOf(simulation.plan, round) - timeOf(simulation, snapshot);
+            simulation.shortestHeld = std::min(held, simulation.shortestHeld.value_or(held));
         } else {
             simulation.hasLost = true;
         }
@@ -200,7 +237,10 @@ private:
     void take(const std::vector<SChoice>& chosen, std::size_t round) {
         SLiveBackup backup;
         backup.round = round;
+        backup.time = timeOf(simulation.plan, round);
+        backup.isExcluded = isExcluded(simulation.plan, round);
         backup.firstSnapshot = simulation.snapshots.size();
+        backup.snapshots = chosen.size();
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             const auto& targets = simulation.configurations[i].targets;
             const auto place = std::find(targets.begin(), targets.end(), chosen[i].chosen);
@@ -211,17 +251,19 @@ private:
             overwriteHolder(snapshot);
             simulation.snapshots.push_back(snapshot);
         }
-        backup.file = folder.write(fmt::format("round-{}.xml", round),
-                                   toDocument(toTimeStamp(timeOf(simulation.plan, round)), chosen));
+        backup.file =
+            folder.write(fmt::format("round-{}.xml", round), toDocument(toTimeStamp(backup.time), chosen));
         live.push_back(std::move(backup));
     }
 
     // In a configuration that names a target twice, the library chooses it although it is held.
     void overwriteHolder(const SSnapshot& next) {
         for (const SLiveBackup& backup : live) {
-            SSnapshot& held = simulation.snapshots[backup.firstSnapshot + next.configuration];
-            if (held.target == next.target) {
-                end(held, next.taken, EEnd::kLost);
+            for (std::size_t i = 0; i < backup.snapshots; ++i) {
+                SSnapshot& held = simulation.snapshots[backup.firstSnapshot + i];
+                if (held.configuration == next.configuration && held.target == next.target) {
+                    end(held, next.taken, EEnd::kLost);
+                }
             }
         }
     }
@@ -272,9 +314,23 @@ bool isExcluded(const SPlan& plan, std::size_t round) {
     return plan.excludedWeekday.has_value() && weekdayOf(timeOf(plan, round)) == *plan.excludedWeekday;
 }
 
-bool isExcludedAt(const SPlan& plan, std::size_t round, std::int64_t time) {
-    return isExcluded(plan, round) &&
-           (!plan.excludedFor.has_value() || time - timeOf(plan, round) < *plan.excludedFor);
+bool areOfOneBackup(const SSnapshot& one, const SSnapshot& other) {
+    return one.taken == other.taken && one.document == other.document;
+}
+
+std::int64_t timeOf(const SSimulation& simulation, const SSnapshot& snapshot) {
+    return snapshot.taken == 0 ? simulation.takenOver[snapshot.document].time.value()
+                               : timeOf(simulation.plan, snapshot.taken);
+}
+
+bool isExcluded(const SSimulation& simulation, const SSnapshot& snapshot) {
+    return snapshot.taken == 0 ? (simulation.plan.from[snapshot.document].flagWord & FI_EXCLUDE_ROTATION) != 0
+                               : isExcluded(simulation.plan, snapshot.taken);
+}
+
+bool isExcludedAt(const SSimulation& simulation, const SSnapshot& snapshot, std::int64_t time) {
+    return isExcluded(simulation, snapshot) &&
+           !isExclusionOver(simulation.plan, timeOf(simulation, snapshot), time);
 }
 
 std::size_t countWithoutTarget(const SSimulation& simulation) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/account.h"
+#include "host/call.h"
 #include "host/outcome.h"
 
 // Many rounds of the library, each with the backups that the rounds before it left.
@@ -27,14 +28,15 @@ struct SPlan {
     std::optional<int> excludedWeekday;
     // Seconds after which an excluded backup may be rotated like the others; never without.
     std::optional<std::int64_t> excludedFor;
+    // The backups that are there before the first round, as a call is given them; excluded are those whose
+    // flag word says so.
+    std::vector<SBackup> from;
 };
 
 // Rounds are counted from 1.
 std::int64_t timeOf(const SPlan& plan, std::size_t round);
 // Whether the backup of this round is excluded when it is taken.
 bool isExcluded(const SPlan& plan, std::size_t round);
-// And whether it is still at `time`.
-bool isExcludedAt(const SPlan& plan, std::size_t round, std::int64_t time);
 
 enum class EEnd : std::uint8_t {
     kHeld,
@@ -43,21 +45,38 @@ enum class EEnd : std::uint8_t {
     kLost,
 };
 
-// What one round took of one configuration.
+// What one backup took of one configuration.
 struct SSnapshot {
     // Places in SSimulation::configurations and in its targets.
     std::uint32_t configuration = 0;
     std::uint32_t target = 0;
+    // The round; 0 when it was there before.
     std::uint32_t taken = 0;
     // The round that ended it; 0 while it is held.
     std::uint32_t ended = 0;
     EEnd end = EEnd::kHeld;
+    // Of one that was there before the first round: the place of its backup in SPlan::from.
+    std::uint32_t document = 0;
 };
 
-// A target of a configuration, and the round whose backup holds it.
+// What became of a backup that was there before the first round.
+struct STakenOver {
+    // Nothing when the library calls it invalid before it asks for its time stamp.
+    std::optional<std::int64_t> time;
+    std::size_t snapshots = 0;
+    // Empty unless it is invalid from the start, in words; then none of its snapshots is taken over.
+    std::string whyInvalid;
+    // As of a snapshot.
+    std::uint32_t ended = 0;
+    EEnd end = EEnd::kHeld;
+};
+
+// A target of a configuration, and the backup that holds it.
 struct SHeldByRound {
     std::size_t target = 0;
+    // 0 for one of SPlan::from, and its place there.
     std::size_t round = 0;
+    std::size_t document = 0;
     // Then; otherwise it is invalid and never released.
     bool isExcluded = false;
 };
@@ -98,16 +117,26 @@ struct SSimulation {
     std::vector<SAccountConfiguration> configurations;
     // Fewer than planned when somebody stopped it.
     std::size_t finishedRounds = 0;
-    // In the order of taking.
+    // One for each of SPlan::from.
+    std::vector<STakenOver> takenOver;
+    // Those taken over first, by their places in SPlan::from, then in the order of taking; those of one
+    // backup are one after another.
     std::vector<SSnapshot> snapshots;
     // In their order.
     std::vector<SRoundsWithoutTarget> withoutTarget;
     // One for each configuration.
     std::vector<SFewestKept> fewestKept;
-    // Of those that were rotated.
-    std::optional<std::size_t> fewestRoundsHeld;
+    // In seconds, of those that were rotated.
+    std::optional<std::int64_t> shortestHeld;
     bool hasLost = false;
 };
+
+bool areOfOneBackup(const SSnapshot& one, const SSnapshot& other);
+
+std::int64_t timeOf(const SSimulation& simulation, const SSnapshot& snapshot);
+// Whether its backup was excluded when it was taken, and whether it is still at `time`.
+bool isExcluded(const SSimulation& simulation, const SSnapshot& snapshot);
+bool isExcludedAt(const SSimulation& simulation, const SSnapshot& snapshot, std::int64_t time);
 
 std::size_t countWithoutTarget(const SSimulation& simulation);
 
@@ -124,8 +153,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Backups that are to be there before the first round cannot be; it says which and why, a line for each.
+class CUnusableDocuments : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
 // Throws std::invalid_argument when the configuration is rejected or a name in it cannot be written into a
-// document, CLibraryFailure, and std::system_error when a document cannot be written.
+// document, CUnusableDocuments, CLibraryFailure, and std::system_error when a document cannot be written.
 SSimulation simulate(const SPlan& plan, const GoOn& goOn);
 
 // The document of a backup that took its snapshots on the chosen targets, as a host writes it: a Node with

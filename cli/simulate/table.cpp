@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <fi_rotation/fi_process_backups.h>
+
 #include "cli/base/calendar.h"
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
@@ -40,7 +42,13 @@ std::string headline(const SSimulation& simulation) {
 }
 
 Row headingOf(const SSimulationReport& report) {
-    Row row = toRow({"configuration", "targets", "taken", "rotated", "held"});
+    Row row = toRow({"configuration", "targets"});
+    if (!report.simulation.takenOver.empty()) {
+        row.push_back({"there before", {}});
+    }
+    for (const char* text : {"taken", "rotated", "held"}) {
+        row.push_back({text, {}});
+    }
     if (report.simulation.hasLost) {
         row.push_back({"lost", {}});
     }
@@ -58,9 +66,13 @@ Row headingOf(const SSimulationReport& report) {
 
 Row rowOf(const SSimulationReport& report, std::size_t i) {
     const SConfigurationSummary& summary = report.summaries[i];
-    Row row =
-        toRow({asPrintable(summary.first), fmt::to_string(summary.targets), fmt::to_string(summary.taken),
-               fmt::to_string(summary.rotated), fmt::to_string(summary.held)});
+    Row row = toRow({asPrintable(summary.first), fmt::to_string(summary.targets)});
+    if (!report.simulation.takenOver.empty()) {
+        row.push_back({fmt::to_string(summary.takenOver), {}});
+    }
+    for (const std::size_t count : {summary.taken, summary.rotated, summary.held}) {
+        row.push_back({fmt::to_string(count), {}});
+    }
     if (report.simulation.hasLost) {
         row.push_back({fmt::to_string(summary.lost), {}});
     }
@@ -105,7 +117,7 @@ std::string lostLine(const SSimulationReport& report) {
     std::size_t taken = 0;
     for (const SConfigurationSummary& summary : report.summaries) {
         lost += summary.lost;
-        taken += summary.taken;
+        taken += summary.takenOver + summary.taken;
     }
     return lost == 0
                ? ""
@@ -181,13 +193,49 @@ std::string noLimitLine(const SSimulationReport& report) {
                : "";
 }
 
+std::string becameOf(const STakenOver& backup) {
+    if (!backup.whyInvalid.empty()) {
+        return "left out as invalid: " + asPrintable(backup.whyInvalid);
+    }
+    switch (backup.end) {
+        case EEnd::kRotated:
+            return fmt::format("rotated in round {}", backup.ended);
+        case EEnd::kLost:
+            return fmt::format("lost in round {}", backup.ended);
+        default:
+            return "held";
+    }
+}
+
+std::string takenOverTable(const SSimulation& simulation, std::size_t width, bool colour) {
+    if (simulation.takenOver.empty()) {
+        return "";
+    }
+    std::vector<Row> rows{
+        toRow({"document", "taken", "excluded", "snapshots", "what became of it"}, fmt::emphasis::bold)};
+    std::size_t invalid = 0;
+    for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
+        const SBackup& given = simulation.plan.from[i];
+        const STakenOver& backup = simulation.takenOver[i];
+        invalid += backup.whyInvalid.empty() ? 0U : 1U;
+        rows.push_back(
+            toRow({asPrintable(given.file), backup.time.has_value() ? toShownTime(*backup.time) : "-",
+                   (given.flagWord & FI_EXCLUDE_ROTATION) != 0 ? "yes" : "no",
+                   fmt::to_string(backup.snapshots), becameOf(backup)}));
+    }
+    const std::size_t all = simulation.takenOver.size();
+    return fmt::format("\nTaken over were the backups of {} of {} documents\n", all - invalid, all) +
+           toTableOrLists(rows, width, colour);
+}
+
 }  // namespace
 
 std::string toSummary(const SSimulationReport& report, std::size_t width, bool colour) {
     std::string text = headline(report.simulation);
     if (report.simulation.finishedRounds != 0) {
         text += configurationTable(report, width, colour) + "\n" + fewestKeptLines(report) +
-                lostLine(report) + withoutTargetLines(report) + noLimitLine(report);
+                lostLine(report) + withoutTargetLines(report) + noLimitLine(report) +
+                takenOverTable(report.simulation, width, colour);
     }
     return text;
 }

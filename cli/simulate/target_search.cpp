@@ -78,9 +78,7 @@ private:
     }
 
     [[nodiscard]] bool isMissed(const SSimulation& simulation) const {
-        const auto& youngest = simulation.fewestRoundsHeld;
-        const bool isTooYoung =
-            youngest.has_value() && static_cast<std::int64_t>(*youngest) * plan.every < goal;
+        const bool isTooYoung = simulation.shortestHeld.value_or(goal) < goal;
         return !simulation.withoutTarget.empty() || simulation.hasLost || isTooYoung;
     }
 

@@ -31,7 +31,8 @@ struct SLeastTargets {
 using GoOnSearch = std::function<bool(std::size_t targets, std::size_t rounds)>;
 
 // The least number of targets with which the rounds of `plan`, run with this configuration alone, all find a
-// target and rotate no snapshot that is younger than `goal` seconds.
+// target and rotate no snapshot that is younger than `goal` seconds. No backup is there before the first
+// round: fewer targets than there are could not hold it.
 //
 // Fewer targets than it has are its first ones; more are its own and invented ones. The number is doubled
 // until the goal is met, then halved in: a target more lets each snapshot live a round longer and moves the

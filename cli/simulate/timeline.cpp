@@ -79,32 +79,32 @@ SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
     return window;
 }
 
-// The letter of each backup, in the order of taking.
+// The letter of each snapshot.
 std::vector<char> lettersOf(const SSimulation& simulation) {
-    const std::size_t count = simulation.configurations.size();
+    const std::vector<SSnapshot>& all = simulation.snapshots;
     // By configuration and target.
     std::map<std::pair<std::size_t, std::size_t>, std::size_t> lastOn;
     CLetters letters;
     std::vector<char> result;
-    // A backup has one snapshot for each configuration, one after another.
-    for (std::size_t i = 0; i < simulation.snapshots.size(); i += count) {
+    while (result.size() < all.size()) {
+        const auto begin = all.begin() + static_cast<std::ptrdiff_t>(result.size());
+        const auto end = std::find_if_not(begin, all.end(), [&begin](const SSnapshot& snapshot) {
+            return areOfOneBackup(*begin, snapshot);
+        });
         std::set<std::size_t> before;
         std::size_t ended = 0;
-        for (std::size_t j = i; j < i + count; ++j) {
-            const SSnapshot& snapshot = simulation.snapshots[j];
-            const auto last = lastOn.find({snapshot.configuration, snapshot.target});
+        for (auto snapshot = begin; snapshot != end; ++snapshot) {
+            const auto last = lastOn.find({snapshot->configuration, snapshot->target});
             if (last != lastOn.end()) {
                 before.insert(last->second);
             }
-            ended = std::max(ended, endOf(snapshot));
+            ended = std::max(ended, endOf(*snapshot));
         }
-        const std::size_t taken = simulation.snapshots[i].taken;
-        const std::size_t letter = letters.next(taken, ended, before);
-        for (std::size_t j = i; j < i + count; ++j) {
-            const SSnapshot& snapshot = simulation.snapshots[j];
-            lastOn[{snapshot.configuration, snapshot.target}] = letter;
+        const std::size_t letter = letters.next(begin->taken, ended, before);
+        for (auto snapshot = begin; snapshot != end; ++snapshot) {
+            lastOn[{snapshot->configuration, snapshot->target}] = letter;
+            result.push_back(static_cast<char>('a' + static_cast<char>(letter)));
         }
-        result.push_back(static_cast<char>('a' + static_cast<char>(letter)));
     }
     return result;
 }
@@ -124,9 +124,8 @@ std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation, con
         const std::size_t to = std::min(endOf(snapshot), window.last + 1);
         std::string& row = cells[snapshot.configuration][snapshot.target];
         for (std::size_t round = from; round < to; ++round) {
-            const bool isCapital =
-                isExcludedAt(simulation.plan, snapshot.taken, timeOf(simulation.plan, round));
-            const char letter = letters[i / cells.size()];
+            const bool isCapital = isExcludedAt(simulation, snapshot, timeOf(simulation.plan, round));
+            const char letter = letters[i];
             row[round - window.first] = isCapital ? upperCase(letter) : letter;
         }
     }

@@ -150,11 +150,13 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
         {"exclude_weekday", nullptr},
         {"exclude_seconds", nullptr},
         {"keep_seconds", 2 * 86400},
+        {"from", nlohmann::json::array()},
         {"first_round_without_target", 7},
         {"rounds_without_target", 6},
         {"configurations",
          {{{"first", "encA##lun1"},
            {"targets", targets("s")},
+           {"taken_over", 0},
            {"taken", 6},
            {"rotated", 3},
            {"held", 3},
@@ -167,12 +169,22 @@ TEST(FiRotateSimulate, JsonHoldsTheSummary) {
              {"first_round", 7},
              {"words", "all 3 targets are held by excluded backups"},
              {"targets",
-              {{{"target", "encA##s1"}, {"holder_round", 4}, {"excluded", true}},
-               {{"target", "encA##s2"}, {"holder_round", 2}, {"excluded", true}},
-               {{"target", "encA##s3"}, {"holder_round", 6}, {"excluded", true}}}}}},
+              {{{"target", "encA##s1"},
+                {"holder_round", 4},
+                {"holder_document", nullptr},
+                {"excluded", true}},
+               {{"target", "encA##s2"},
+                {"holder_round", 2},
+                {"holder_document", nullptr},
+                {"excluded", true}},
+               {{"target", "encA##s3"},
+                {"holder_round", 6},
+                {"holder_document", nullptr},
+                {"excluded", true}}}}}},
            {"least_targets", least}},
           {{"first", "encA##lun2"},
            {"targets", second},
+           {"taken_over", 0},
            {"taken", 6},
            {"rotated", 3},
            {"held", 3},
@@ -199,6 +211,116 @@ TEST(FiRotateSimulate, CsvHasALineForEachRound) {
               "2,2026-10-02T00:00:00Z,yes,yes,,,encA##s2\n"
               "3,2026-10-03T00:00:00Z,no,yes,1,,\"encA##s\"\"1\"\n"
               "4,2026-10-04T00:00:00Z,no,yes,3,,\"encA##s\"\"1\"\n");
+}
+
+// Round 1 rotates the older of the two that may go; the excluded one holds the third target.
+class FiRotateSimulateFrom : public testing::Test {
+protected:
+    [[nodiscard]] std::vector<std::string> arguments(const std::vector<std::string>& more) const {
+        auto all = daily("encA##lun1;s1;s2;s3", "2",
+                         {"--exclude", excluded, "--from", excluded, older, newer, invalid});
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+
+    std::string write(const std::string& name, const std::string& timeStamp,
+                      const std::string& target) const {
+        return folder.write(
+            name, "<Node><timeStamp>" + timeStamp +
+                      "</timeStamp><objid>UDID##a##b##encA##lun1</objid><altobjid>UDID##a##b##encA##" +
+                      target + "</altobjid></Node>");
+    }
+
+    CTemporaryFolder folder;
+    std::string excluded = write("excluded", "20260926000000", "s1");
+    std::string older = write("older", "20260927000000", "s2");
+    std::string newer = write("newer", "20260928000000", "s3");
+    std::string invalid = write("invalid", "20260925000000", "s9");
+};
+
+TEST_F(FiRotateSimulateFrom, SaysWhatWasTakenOverAndWhatBecameOfIt) {
+    const auto result = runFiRotate(arguments({"--no-timeline"}));
+    EXPECT_EQ(result.exitStatus, 0);
+    const std::string blanks(folder.path("").size(), ' ');
+    EXPECT_EQ(result.output,
+              "2 rounds: 2026-10-01 00:00 to 2026-10-02 00:00\n"
+              "  configuration  targets  there before  taken  rotated  held  age min  median  max\n"
+              "  encA##lun1     3        3             2      2        3     4 d      4 d     4 d\n"
+              "\n"
+              "Fewest restore points after the call of a round\n"
+              "  encA##lun1: 2 in round 1 (2026-10-01 00:00)\n"
+              "\n"
+              "Every round found a target\n"
+              "\n"
+              "Taken over were the backups of 3 of 4 documents\n"
+              "  document" +
+                  blanks +
+                  "  taken             excluded  snapshots  what became of it\n"
+                  "  " +
+                  excluded +
+                  "  2026-09-26 00:00  yes       1          held\n"
+                  "  " +
+                  older +
+                  "     2026-09-27 00:00  no        1          rotated in round 1\n"
+                  "  " +
+                  newer +
+                  "     2026-09-28 00:00  no        1          rotated in round 2\n"
+                  "  " +
+                  invalid +
+                  "   -                 no        0          left out as invalid: "
+                  "UDID##a##b##encA##lun1 with UDID##a##b##encA##s9 names no target of encA##lun1\n");
+}
+
+TEST_F(FiRotateSimulateFrom, NoOutputIsWrittenOverADocument) {
+    const std::string before = contentOf(older);
+    for (const std::string option : {"--csv", "--svg"}) {
+        const auto result = runFiRotate(arguments({option, older, "--force"}));
+        EXPECT_EQ(result.exitStatus, 2);
+        EXPECT_THAT(result.error, HasSubstr("is an input of this command"));
+        EXPECT_EQ(contentOf(older), before);
+    }
+}
+
+TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
+    const std::string csv = folder.path("rounds.csv");
+    const auto result = runFiRotate(arguments({"--json", "--csv", csv}));
+    const nlohmann::json shown = nlohmann::json::parse(result.output);
+    const nlohmann::json expected = {
+        {{"file", excluded},
+         {"time", "2026-09-26T00:00:00Z"},
+         {"excluded", true},
+         {"snapshots", 1},
+         {"state", "held"},
+         {"ended_in_round", nullptr},
+         {"reason", nullptr}},
+        {{"file", older},
+         {"time", "2026-09-27T00:00:00Z"},
+         {"excluded", false},
+         {"snapshots", 1},
+         {"state", "rotated"},
+         {"ended_in_round", 1},
+         {"reason", nullptr}},
+        {{"file", newer},
+         {"time", "2026-09-28T00:00:00Z"},
+         {"excluded", false},
+         {"snapshots", 1},
+         {"state", "rotated"},
+         {"ended_in_round", 2},
+         {"reason", nullptr}},
+        {{"file", invalid},
+         {"time", nullptr},
+         {"excluded", false},
+         {"snapshots", 0},
+         {"state", "invalid"},
+         {"ended_in_round", nullptr},
+         {"reason", "UDID##a##b##encA##lun1 with UDID##a##b##encA##s9 names no target of encA##lun1"}},
+    };
+    EXPECT_EQ(shown["from"], expected);
+    EXPECT_EQ(shown["configurations"][0]["taken_over"], 3);
+    EXPECT_EQ(contentOf(csv),
+              "round,time,excluded,selection,rotated,lost,encA##lun1\n"
+              "1,2026-10-01T00:00:00Z,no,yes,d2,,encA##s2\n"
+              "2,2026-10-02T00:00:00Z,no,yes,d3,,encA##s3\n");
 }
 
 TEST(FiRotateSimulate, CsvTellsRoundsWithoutATargetAndWhatWasLost) {
@@ -231,6 +353,10 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
     };
     auto bothExclusions = with("--exclude-every", "2");
     bothExclusions.insert(bothExclusions.end(), {"--exclude-weekday", "sun"});
+    auto excludedUnlisted = with("--from", "y");
+    excludedUnlisted.insert(excludedUnlisted.end(), {"--exclude", "x"});
+    auto searchWithDocuments = with("--from", "y");
+    searchWithDocuments.insert(searchWithDocuments.end(), {"--keep-days", "2"});
     auto timelineOfJson = with("--start", "2026-10-01");
     timelineOfJson.insert(timelineOfJson.end(), {"--json", "--no-timeline"});
     const struct {
@@ -245,11 +371,17 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
         {with("--start", "1.10.2026"), "\"1.10.2026\" is not a date like 2026-10-01"},
         {with("--exclude-every", "0"), "Value 0 not in range"},
         {with("--exclude-weekday", "someday"), "\"someday\" is not a day of the week"},
+        {with("--exclude", "x"), "--exclude requires --from"},
+        {with("--from", "/no/such/document"),
+         "--from: these documents cannot be used\n/no/such/document: cannot be opened: No such file"},
+        {excludedUnlisted, "--exclude: \"x\" is not among the documents of --from"},
+        {searchWithDocuments, "--from excludes --keep-days"},
         {timelineOfJson, "--no-timeline excludes --json"},
         {bothExclusions, "--exclude-every excludes --exclude-weekday"},
         {with("--keep-days", "x"), "\"x\" is not a whole number of days"},
         {with("--keep-days", "5"), "\"5\" takes at least 6 rounds to tell; give more --rounds"},
-        {with("--exclude-for", "8w"), "--exclude-for: give --exclude-every or --exclude-weekday, too"},
+        {with("--exclude-for", "8w"),
+         "--exclude-for: give --exclude-every, --exclude-weekday or --exclude, too"},
         {with("--exclude-for", "8"), "\"8\" is not a whole number with one of the units s, m, h, d, w"},
         {with("--every", "999999w"), "the last round would be after the year 9999"},
         {with("--config-file", "no/such/file"), "2 were given"},

@@ -8,14 +8,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fi_rotation/fi_process_backups.h>
+
 #include "cli/base/calendar.h"
+#include "tests/host/RandomCall.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace fi_rotate {
 
 // For the messages of failed tests.
 bool operator==(const SSnapshot& one, const SSnapshot& other) {
     return one.configuration == other.configuration && one.target == other.target &&
-           one.taken == other.taken && one.ended == other.ended && one.end == other.end;
+           one.taken == other.taken && one.ended == other.ended && one.end == other.end &&
+           one.document == other.document;
 }
 
 bool operator==(const SKept& one, const SKept& other) {
@@ -40,7 +45,7 @@ std::ostream& operator<<(std::ostream& stream, const SFewestKept& fewest) {
 std::ostream& operator<<(std::ostream& stream, const SSnapshot& snapshot) {
     return stream << "configuration " << snapshot.configuration << ", target " << snapshot.target
                   << ", rounds " << snapshot.taken << " to " << snapshot.ended << ", end "
-                  << int(snapshot.end);
+                  << int(snapshot.end) << ", document " << snapshot.document;
 }
 
 }  // namespace fi_rotate
@@ -99,7 +104,7 @@ TEST(FiRotateSimulation, TheOldestBackupGivesItsTargetToTheRoundThatFindsNoneFre
     EXPECT_THAT(simulation.snapshots,
                 ElementsAre(rotated(0, 0, 1, 3), rotated(0, 1, 2, 4), held(0, 0, 3), held(0, 1, 4)));
     EXPECT_THAT(simulation.withoutTarget, SizeIs(0));
-    EXPECT_EQ(simulation.fewestRoundsHeld, 2);
+    EXPECT_EQ(simulation.shortestHeld, 2 * fi_rotate::kSecondsPerDay);
 }
 
 // Rounds 2, 4 and 6 keep what they took; the three targets are theirs after round 6.
@@ -262,6 +267,120 @@ TEST(FiRotateSimulation, EndsBeforeTheRoundThatIsNotToBeRun) {
         daily("encA##lun1;s1", 10), [](const SSimulation& soFar) { return soFar.finishedRounds < 3; });
     EXPECT_EQ(simulation.finishedRounds, 3);
     EXPECT_THAT(simulation.snapshots, SizeIs(3));
+}
+
+class FiRotateTakeOver : public testing::Test {
+protected:
+    void give(const std::string& name, const std::string& timeStamp, const std::vector<fi_test::SPair>& pairs,
+              std::int32_t flagWord = 0) {
+        from.push_back({folder.write(name, fi_test::document(timeStamp, pairs)), flagWord});
+    }
+
+    SPlan plan(const std::string& configuration, std::size_t rounds) {
+        SPlan plan = daily(configuration, rounds);
+        plan.from = from;
+        return plan;
+    }
+
+    fi_test::CTemporaryFolder folder;
+    std::vector<fi_rotate::SBackup> from;
+};
+
+SSnapshot takenOver(SSnapshot snapshot, std::uint32_t document) {
+    snapshot.taken = 0;
+    snapshot.document = document;
+    return snapshot;
+}
+
+// Round 1 finds a free target, rounds 2 and 3 rotate what was there before, the older first.
+TEST_F(FiRotateTakeOver, TheFirstRoundsFindTheBackupsOfDocuments) {
+    give("newer", "20260929000000", {{"encA##lun1", "encA##s1"}});
+    give("older", "20260928000000", {{"encA##lun1", "encA##s2"}});
+    const SSimulation simulation = run(plan("encA##lun1;s1;s2;s3", 4));
+    EXPECT_THAT(simulation.snapshots,
+                ElementsAre(takenOver(rotated(0, 0, 0, 3), 0), takenOver(rotated(0, 1, 0, 2), 1),
+                            rotated(0, 2, 1, 4), held(0, 1, 2), held(0, 0, 3), held(0, 2, 4)));
+    EXPECT_EQ(simulation.takenOver.at(1).end, EEnd::kRotated);
+    EXPECT_EQ(simulation.takenOver[1].ended, 2);
+    EXPECT_EQ(simulation.takenOver[1].time, fi_rotate::parseTime("2026-09-28"));
+    // That of round 2 was four days old, that of round 1 three.
+    EXPECT_EQ(simulation.shortestHeld, 3 * fi_rotate::kSecondsPerDay);
+    // Round 1 found two.
+    EXPECT_THAT(simulation.fewestKept, ElementsAre(fewestKept({2, 1}, SKept{2, 2})));
+}
+
+TEST_F(FiRotateTakeOver, DocumentsStayAsTheyAre) {
+    give("first", "20260929000000", {{"encA##lun1", "encA##s1"}});
+    const SSimulation simulation = run(plan("encA##lun1;s1", 1));
+    EXPECT_EQ(simulation.takenOver.at(0).end, EEnd::kRotated);
+    EXPECT_THAT(folder.entries(), ElementsAre("first"));
+}
+
+// The backup of 28 September is excluded for four days: until 2 October, which is round 2.
+TEST_F(FiRotateTakeOver, AnExclusionLastsFromTheTimeStampOn) {
+    give("excluded", "20260928000000", {{"encA##lun1", "encA##s1"}}, FI_EXCLUDE_ROTATION);
+    give("other", "20260929000000", {{"encA##lun1", "encA##s2"}});
+    SPlan shortly = plan("encA##lun1;s1;s2", 2);
+    shortly.excludedFor = 4 * fi_rotate::kSecondsPerDay;
+    EXPECT_THAT(run(shortly).snapshots,
+                ElementsAre(takenOver(rotated(0, 0, 0, 2), 0), takenOver(rotated(0, 1, 0, 1), 1),
+                            held(0, 1, 1), held(0, 0, 2)));
+    const SSimulation forGood = run(plan("encA##lun1;s1;s2", 2));
+    EXPECT_EQ(forGood.takenOver[0].end, EEnd::kHeld);
+}
+
+TEST_F(FiRotateTakeOver, ADocumentCanHoldTheTargetThatIsShort) {
+    give("free", "20260928000000", {});
+    give("excluded", "20260929000000", {{"encA##lun1", "encA##s1"}}, FI_EXCLUDE_ROTATION);
+    const SSimulation simulation = run(plan("encA##lun1;s1", 1));
+    ASSERT_THAT(simulation.withoutTarget, SizeIs(1));
+    const fi_rotate::SHeldByRound& holder = simulation.withoutTarget[0].shortages.at(0).targets.at(0);
+    EXPECT_EQ(holder.round, 0);
+    EXPECT_EQ(holder.document, 1);
+    EXPECT_TRUE(holder.isExcluded);
+}
+
+// Neither counts as lost: their snapshots were so before.
+TEST_F(FiRotateTakeOver, InvalidBackupsAreLeftOutAndSayWhy) {
+    give("unknown", "of old", {{"encA##lun1", "encA##s9"}});
+    give("overwritten", "20260928000000", {{"encA##lun1", "encA##s1"}, {"encB##lun2", "encB##t1"}});
+    give("newest", "20260929000000", {{"encA##lun1", "encA##s1"}});
+    const SSimulation simulation = run(plan("encA##lun1;s1;s2&encB##lun2;t1;t2", 2));
+    EXPECT_THAT(simulation.takenOver.at(0).whyInvalid, HasSubstr("names no target of encA##lun1"));
+    EXPECT_THAT(simulation.takenOver.at(1).whyInvalid, HasSubstr("encA##s1 of encA##lun1 was already held"));
+    EXPECT_EQ(simulation.takenOver.at(2).whyInvalid, "");
+    // In the call of round 1 the invalid one holds t1; then it is gone.
+    EXPECT_THAT(simulation.snapshots, ElementsAre(takenOver(rotated(0, 0, 0, 2), 2), held(0, 1, 1),
+                                                  held(1, 1, 1), held(0, 0, 2), held(1, 0, 2)));
+    EXPECT_FALSE(simulation.hasLost);
+}
+
+TEST_F(FiRotateTakeOver, DocumentsThatCannotBeUsedAreRefusedByName) {
+    const std::string usable = fi_test::document("20260929000000", {});
+    const struct {
+        std::string content;
+        const char* message;
+    } rows[] = {
+        {"<Node>", "b: is not well-formed XML"},
+        {"<a/>", "b: has no Node"},
+        {"<Node><timeStamp>20260929000000</timeStamp><objid>UDID##x</objid></Node>",
+         "b: holds the malformed identifier"},
+        {fi_test::document("29 September", {}),
+         "b: has the time stamp \"29 September\", not one of the form"},
+        {fi_test::document("20261001000000", {}),
+         "b: was taken 2026-10-01 00:00, which is not before the first round"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        SPlan plan = daily("encA##lun1;s1", 2);
+        plan.from = {{folder.write("a", usable), 0}, {folder.write("b", row.content), 0}};
+        EXPECT_THAT([&plan] { run(plan); },
+                    ThrowsMessage<fi_rotate::CUnusableDocuments>(HasSubstr(row.message)));
+    }
+    SPlan missing = daily("encA##lun1;s1", 2);
+    missing.from = {{folder.path("missing"), 0}};
+    EXPECT_THAT([&missing] { run(missing); },
+                ThrowsMessage<fi_rotate::CUnusableDocuments>(HasSubstr("missing: cannot be opened")));
 }
 
 }  // namespace

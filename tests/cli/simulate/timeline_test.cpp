@@ -104,6 +104,24 @@ TEST(FiRotateTimeline, CapitalsAndMarksLastAsLongAsWhatTheyStandFor) {
                 testing::IsSupersetOf({"    encA##s1     AAaaBB", "    (no target)   ! !"}));
 }
 
+// Two that were there before, of which one holds two targets; the other is excluded until round 2.
+TEST(FiRotateTimeline, BackupsThatWereThereBeforeHaveLettersOfTheirOwn) {
+    SSimulation simulation = oneTarget(0);
+    simulation.configurations = {{"encA##lun1", {"encA##s1", "encA##s2", "encA##s3"}}};
+    simulation.plan.excludedFor = 2 * fi_rotate::kSecondsPerDay;
+    simulation.plan.from = {{"a", 0}, {"b", 4}};
+    simulation.takenOver = {{-fi_rotate::kSecondsPerDay, 2, "", 0, EEnd::kHeld},
+                            {-fi_rotate::kSecondsPerDay, 1, "", 3, EEnd::kRotated}};
+    simulation.finishedRounds = 3;
+    simulation.snapshots = {{0, 0, 0, 0, EEnd::kHeld, 0},
+                            {0, 2, 0, 0, EEnd::kHeld, 0},
+                            {0, 1, 0, 3, EEnd::kRotated, 1},
+                            {0, 1, 3, 0, EEnd::kHeld, 0}};
+    EXPECT_THAT(
+        linesOf(toTimeline(simulation, 80)),
+        testing::IsSupersetOf({"    encA##s1     aaa", "    encA##s2     Bbc", "    encA##s3     aaa"}));
+}
+
 TEST(FiRotateTimeline, IsEmptyWhenNoRoundWasFinished) {
     EXPECT_EQ(toTimeline(oneTarget(0), 80), "");
 }

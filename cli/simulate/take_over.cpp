@@ -1,0 +1,105 @@
+#include "cli/simulate/take_over.h"
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "cli/base/calendar.h"
+#include "cli/base/terminal.h"
+#include "cli/base/text.h"
+#include "host/safe_call.h"
+
+namespace fi_rotate {
+namespace {
+
+[[noreturn]] void refuse(const std::vector<std::string>& faults) {
+    throw CUnusableDocuments(fmt::format("{}", fmt::join(faults, "\n")));
+}
+
+SAccount accountOf(const SPlan& plan) {
+    const CStandardOutputDiversion diversion;
+    SCall call;
+    call.configuration = plan.configuration;
+    call.backups = plan.from;
+    SWishes wishes;
+    wishes.account = true;
+    SDecision decision = decideSafely(call, wishes, SSafety());
+    if (decision.kind == FI_ROTATION_REFUSED) {
+        std::vector<std::string> faults;
+        for (const SProblem& problem : decision.problems) {
+            faults.push_back(asPrintable(problem.text));
+        }
+        refuse(faults);
+    }
+    return std::move(*decision.outcome.account);
+}
+
+// What keeps a backup out of the order of the rounds; empty when nothing does.
+std::string faultOfTime(const SAccountBackup& backup, const SPlan& plan) {
+    const auto time = parseTimeStamp(backup.timeStamp);
+    if (!time.has_value()) {
+        return fmt::format(
+            "has the time stamp {}, not one of the form YYYYMMDDhhmmss, which the rounds go on with",
+            quotedPrintable(backup.timeStamp));
+    }
+    return *time < plan.start
+               ? ""
+               : fmt::format("was taken {}, which is not before the first round", toShownTime(*time));
+}
+
+void requirePlacesInTime(const SAccount& account, const SPlan& plan) {
+    std::vector<std::string> faults;
+    for (const SAccountBackup& backup : account.backups) {
+        // The library does not ask for the time stamp of one that fails the check.
+        const bool isInvalid = backup.state == FI_BACKUP_INVALID;
+        if (const std::string fault = faultOfTime(backup, plan); !isInvalid && !fault.empty()) {
+            faults.push_back(asPrintable(backup.file) + ": " + fault);
+        }
+    }
+    if (!faults.empty()) {
+        refuse(faults);
+    }
+}
+
+// By backup, what it holds.
+std::vector<std::vector<SSnapshot>> snapshotsOf(const SAccount& account) {
+    std::vector<std::vector<SSnapshot>> snapshots(account.backups.size());
+    for (std::size_t i = 0; i < account.heldBefore.size(); ++i) {
+        for (std::size_t j = 0; j < account.heldBefore[i].size(); ++j) {
+            if (const auto& holder = account.heldBefore[i][j]) {
+                SSnapshot& snapshot = snapshots[*holder].emplace_back();
+                snapshot.configuration = static_cast<std::uint32_t>(i);
+                snapshot.target = static_cast<std::uint32_t>(j);
+                snapshot.document = static_cast<std::uint32_t>(*holder);
+            }
+        }
+    }
+    return snapshots;
+}
+
+}  // namespace
+
+STakeOver takeOver(const SPlan& plan) {
+    const SAccount account = accountOf(plan);
+    requirePlacesInTime(account, plan);
+    const auto snapshots = snapshotsOf(account);
+    STakeOver result;
+    for (std::size_t i = 0; i < account.backups.size(); ++i) {
+        STakenOver& backup = result.backups.emplace_back();
+        backup.time = parseTimeStamp(account.backups[i].timeStamp);
+        if (account.backups[i].state == FI_BACKUP_INVALID) {
+            backup.whyInvalid = inWords(account.backups[i].reason.value());
+            continue;
+        }
+        backup.snapshots = snapshots[i].size();
+        result.snapshots.insert(result.snapshots.end(), snapshots[i].begin(), snapshots[i].end());
+    }
+    return result;
+}
+
+}  // namespace fi_rotate
