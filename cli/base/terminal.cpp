@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <system_error>
@@ -69,7 +71,24 @@ std::optional<int> CInterrupt::signal() const {
     return noted == 0 ? std::nullopt : std::optional<int>(noted);
 }
 
-CProgress::CProgress() : isTerminal(isatty(STDERR_FILENO) == 1), next(Clock::now() + kFirst) {}
+std::string timeLeft(std::chrono::duration<double> elapsed, std::size_t done, std::size_t all) {
+    constexpr std::int64_t kMinute = 60;
+    constexpr std::int64_t kHour = 60 * kMinute;
+    if (done == 0) {
+        return "";
+    }
+    const double rest = static_cast<double>(all - std::min(done, all)) / static_cast<double>(done);
+    const auto seconds = static_cast<std::int64_t>(std::ceil(elapsed.count() * rest));
+    if (seconds < kMinute) {
+        return fmt::format("{} s left", seconds);
+    }
+    const std::int64_t minutes = seconds % kHour / kMinute;
+    return seconds < kHour ? fmt::format("{} min left", minutes)
+                           : fmt::format("{} h {} min left", seconds / kHour, minutes);
+}
+
+CProgress::CProgress()
+    : isTerminal(isatty(STDERR_FILENO) == 1), next(Clock::now() + kFirst), begin(Clock::now()) {}
 
 CProgress::~CProgress() {
     if (shown != 0) {
@@ -78,13 +97,21 @@ CProgress::~CProgress() {
 }
 
 void CProgress::show(std::size_t done, std::size_t all, const std::string& what) {
-    if (!isTerminal || Clock::now() < next) {
+    const Clock::time_point now = Clock::now();
+    if (done < lastDone) {
+        begin = now;
+    }
+    lastDone = done;
+    if (!isTerminal || now < next) {
         return;
     }
-    next = Clock::now() + kBetween;
+    next = now + kBetween;
     const std::size_t filled = all == 0 ? 0 : kBarWidth * std::min(done, all) / all;
     std::string line = fmt::format("[{}{}] {} of {} {}", std::string(filled, '#'),
                                    std::string(kBarWidth - filled, ' '), done, all, what);
+    if (const std::string left = timeLeft(now - begin, done, all); !left.empty()) {
+        line += ", " + left;
+    }
     // A line that wraps could not be written over.
     line.resize(std::min(line.size(), widthOfTerminal(STDERR_FILENO) - 1));
     // What the bar before it had more is wiped away.

@@ -32,8 +32,12 @@ private:
     std::map<int, struct sigaction> saved;
 };
 
-// A bar on standard error, when that is a terminal and the work takes more than a second. It is wiped away in
-// the end.
+// How long the rest of the steps takes if it goes on as it did in `elapsed`, in words: "40 s left", "12 min
+// left", "3 h 5 min left". Empty when no step is done.
+std::string timeLeft(std::chrono::duration<double> elapsed, std::size_t done, std::size_t all);
+
+// A bar with the time left on standard error, when that is a terminal and the work takes more than a second.
+// It is wiped away in the end.
 class CProgress {
 public:
     CProgress();
@@ -41,7 +45,7 @@ public:
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
 
-    // Cheap enough to be called for every step.
+    // Cheap enough to be called for every step. Fewer steps done than before are those of other work.
     void show(std::size_t done, std::size_t all, const std::string& what);
 
 private:
@@ -49,6 +53,8 @@ private:
 
     bool isTerminal;
     Clock::time_point next;
+    Clock::time_point begin;
+    std::size_t lastDone = 0;
     // Columns of the bar on the terminal.
     std::size_t shown = 0;
 };
