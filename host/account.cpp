@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
+#include <initializer_list>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -28,8 +28,8 @@ constexpr std::array<SReasonKind, kReasonCount> kKinds{{
     {EReason::kHoldsNothing, "holds_nothing", "holds no target"},
     {EReason::kExcluded, "excluded", "excluded from rotation, although {configuration} had no free target"},
     {EReason::kRotationStopped, "rotation_stopped", "rotation stopped before it; holds {targets}"},
-    {EReason::kNeeded, "needed",
-     "{configuration} had no free target, and this was the oldest that could be released"},
+    {EReason::kNeeded, "needed", "{released} while {configuration} had no free target; {freed}"},
+    {EReason::kInVain, "in_vain", "{released} while {configuration} had no free target; {freed}"},
     {EReason::kUnknownTarget, "unknown_target", "{objid} with {altobjid} names no target of {configuration}"},
     {EReason::kUnknownConfiguration, "unknown_configuration", "{objid} names no configuration"},
     {EReason::kHeldAlready, "held_already", "{target} of {configuration} was already held by {backup}"},
@@ -42,17 +42,37 @@ const SReasonKind& rowOf(EReason kind) {
 }
 
 std::size_t countHolders(const SAccount& account, const Holders& holders, std::size_t configuration,
-                         const std::set<std::int32_t>& states) {
-    std::set<std::size_t> counted;
+                         std::initializer_list<std::int32_t> states) {
     // There are no holders when lines of the trace are missing.
-    if (configuration < holders.size()) {
-        for (const auto& holder : holders[configuration]) {
-            if (holder.has_value() && states.count(account.backups[*holder].state) != 0) {
-                counted.insert(*holder);
-            }
+    if (configuration >= holders.size()) {
+        return 0;
+    }
+    std::vector<std::size_t> counted;
+    for (const auto& holder : holders[configuration]) {
+        const bool isCounted =
+            holder.has_value() &&
+            std::find(states.begin(), states.end(), account.backups[*holder].state) != states.end();
+        if (isCounted) {
+            counted.push_back(*holder);
         }
     }
-    return counted.size();
+    std::sort(counted.begin(), counted.end());
+    return static_cast<std::size_t>(std::unique(counted.begin(), counted.end()) - counted.begin());
+}
+
+// Several configurations may have one name.
+std::string notFreedBy(const SReason& reason) {
+    const bool isNameFreed =
+        std::find(reason.freed.begin(), reason.freed.end(), reason.configuration) != reason.freed.end();
+    return isNameFreed ? ", but not the one that was short" : ", nothing of " + reason.configuration;
+}
+
+std::string freedBy(const SReason& reason) {
+    if (reason.freed.empty()) {
+        return "it held no target";
+    }
+    return fmt::format("{} {}{}", reason.isUndone ? "frees" : "freed", fmt::join(reason.freed, ", "),
+                       reason.kind == EReason::kInVain ? notFreedBy(reason) : "");
 }
 
 }  // namespace
@@ -90,6 +110,20 @@ std::size_t keptHoldersBeforeRotation(const SAccount& account, std::size_t confi
     return countHolders(account, account.heldBefore, configuration, {FI_BACKUP_KEPT, FI_BACKUP_ROTATED});
 }
 
+std::vector<std::string> lossesInWords(const SAccount& account, std::size_t least) {
+    std::vector<std::string> losses;
+    for (std::size_t i = 0; i < account.configurations.size(); ++i) {
+        const std::size_t before = keptHoldersBeforeRotation(account, i);
+        const std::size_t after = keptHolders(account, i);
+        if (after < std::min(before, least)) {
+            losses.push_back(fmt::format("{} would keep {} of its {} backups; at least {} must remain",
+                                         account.configurations[i].first, after, before,
+                                         std::min(before, least)));
+        }
+    }
+    return losses;
+}
+
 std::string_view nameOf(EReason kind) {
     return rowOf(kind).name;
 }
@@ -99,7 +133,9 @@ std::string inWords(const SReason& reason) {
     return fmt::format(
         fmt::runtime(rowOf(reason.kind).words), fmt::arg("targets", fmt::join(reason.targets, ", ")),
         fmt::arg("configuration", reason.configuration), fmt::arg("target", reason.target),
-        fmt::arg("objid", reason.objid), fmt::arg("altobjid", reason.altobjid), fmt::arg("backup", holder));
+        fmt::arg("objid", reason.objid), fmt::arg("altobjid", reason.altobjid), fmt::arg("backup", holder),
+        fmt::arg("released", reason.isUndone ? "would be released" : "released"),
+        fmt::arg("freed", freedBy(reason)));
 }
 
 }  // namespace fi_rotate

@@ -27,8 +27,11 @@ enum class EReason {
     kExcluded,
     // Every configuration had a free target again before its turn came.
     kRotationStopped,
-    // `configuration` had no free target, and it was the oldest that could be released.
+    // It was the oldest that could be released while `configuration` had no free target, and freed one of
+    // its.
     kNeeded,
+    // The same, but it held nothing of a configuration that was short.
+    kInVain,
     // The pair of `objid` and `altobjid` names no target of `configuration`.
     kUnknownTarget,
     // `objid` names no configuration.
@@ -47,8 +50,14 @@ struct SReason {
     std::string backup;
     std::string objid;
     std::string altobjid;
-    // What a kept backup holds.
+    // What a kept backup holds and a released one held.
     std::vector<std::string> targets;
+    // Configurations of those targets, each once, of a released one.
+    std::vector<std::string> freed;
+    // The release came to nothing, since the call ended without a selection.
+    bool isUndone = false;
+    // The place of its backup among those that the rotation goes through, oldest first.
+    std::size_t turn = 0;
 };
 
 // The identifier pairs of one backup. They may be a hundred thousand, so all stand in one text.
@@ -120,6 +129,10 @@ std::size_t keptHolders(const SAccount& account, std::size_t configuration);
 
 // The same before any was rotated, those that were rotated afterwards among them.
 std::size_t keptHoldersBeforeRotation(const SAccount& account, std::size_t configuration);
+
+// In words, each configuration that would keep fewer than `least` backups; one that had fewer may not lose
+// any. Empty when there is none.
+std::vector<std::string> lossesInWords(const SAccount& account, std::size_t least);
 
 // "newest_holder" and so on: a stable name for programs.
 std::string_view nameOf(EReason kind);

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -150,18 +152,20 @@ private:
     void explainRotation() {
         auto shortOne = holders.firstShort();
         const bool wasNeeded = shortOne.has_value();
+        std::size_t turn = 0;
         for (const std::size_t place : rotationOrder()) {
             if (backup(place).reason.has_value()) {
                 continue;
             }
             const bool isSkipped = passes.skipped.count(place) != 0;
             SReason reason;
+            reason.turn = turn++;
             reason.targets = targetsOf(place);
             reason.configuration = shortOne.has_value() ? nameOf(*shortOne) : "";
             if (isSkipped) {
                 reason.kind = EReason::kExcluded;
             } else if (backup(place).state == FI_BACKUP_ROTATED) {
-                reason.kind = EReason::kNeeded;
+                explainRelease(place, reason);
                 release(place);
                 shortOne = holders.firstShort();
             } else if (reason.targets.empty()) {
@@ -171,6 +175,31 @@ private:
             }
             backup(place).reason = std::move(reason);
         }
+    }
+
+    void explainRelease(std::size_t place, SReason& reason) {
+        reason.kind = EReason::kInVain;
+        reason.isUndone = passes.isWithoutSelection;
+        // Several configurations may have one name.
+        std::set<std::string_view> named;
+        for (const std::size_t configuration : configurationsOf(place)) {
+            if (reason.kind == EReason::kInVain && holders.isShort(configuration)) {
+                reason.kind = EReason::kNeeded;
+                reason.configuration = nameOf(configuration);
+            }
+            if (named.insert(nameOf(configuration)).second) {
+                reason.freed.push_back(nameOf(configuration));
+            }
+        }
+    }
+
+    // Those of which the backup holds a target.
+    std::set<std::size_t> configurationsOf(std::size_t place) const {
+        std::set<std::size_t> configurations;
+        for (const CHolders::SPlace& held : placesOf[place]) {
+            configurations.insert(held.configuration);
+        }
+        return configurations;
     }
 
     // Oldest first. Without a selection every backup that was still in play and not excluded was released,

@@ -236,8 +236,8 @@ FI_ROTATION_API int32_t fi_rotation_call_backup_target_count(const fi_rotation_c
 FI_ROTATION_API const char* fi_rotation_call_backup_target(const fi_rotation_call* call, int32_t backup,
                                                            int32_t target);
 /* Why it came to its state, null when not known: a word for programs ("newest_holder", "holds_nothing",
- * "excluded", "rotation_stopped", "needed", "unknown_target", "unknown_configuration", "held_already") and a
- * sentence without a full stop for people. Known when reasons were asked for, and with
+ * "excluded", "rotation_stopped", "needed", "in_vain", "unknown_target", "unknown_configuration",
+ * "held_already") and a sentence without a full stop for people. Known when reasons were asked for, and with
  * FI_ROTATION_NO_FREE_TARGET. */
 FI_ROTATION_API const char* fi_rotation_call_backup_reason(const fi_rotation_call* call, int32_t backup);
 FI_ROTATION_API const char* fi_rotation_call_backup_reason_text(const fi_rotation_call* call, int32_t backup);

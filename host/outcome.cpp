@@ -47,6 +47,16 @@ void giveReasons(SOutcome& outcome) {
     }
 }
 
+void withdraw(SOutcome& outcome) {
+    outcome.selection.reset();
+    for (SBackupOutcome& backup : outcome.backups) {
+        backup.state.reset();
+        if (backup.reason.has_value()) {
+            backup.reason->isUndone = true;
+        }
+    }
+}
+
 static_assert(FI_BACKUP_KEPT == 0 && FI_BACKUP_INVALID == 1 && FI_BACKUP_ROTATED == 2,
               "kStateWords begins with the words for these, in that order");
 

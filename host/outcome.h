@@ -80,6 +80,9 @@ std::optional<std::vector<SChoice>> choices(std::string_view selection);
 // Gives each backup the reason that the account has for it.
 void giveReasons(SOutcome& outcome);
 
+// Takes the decision back: no selection, no states, and no release that was carried out.
+void withdraw(SOutcome& outcome);
+
 // What became of a backup, in a word. They are also the words in which people ask for backups.
 constexpr std::string_view kNotLoaded = "not loaded";
 constexpr std::array<std::string_view, 4> kStateWords{"kept", "invalid", "rotated", kNotLoaded};

@@ -308,13 +308,12 @@ private:
             decision.message = shortageInWords();
             return;
         }
-        if (const std::string loss = lossInWords(); !loss.empty()) {
+        const auto losses = safety.leastKept != 0 ? lossesInWords(*decision.outcome.account, safety.leastKept)
+                                                  : std::vector<std::string>();
+        if (!losses.empty()) {
             decision.kind = FI_ROTATION_TOO_FEW_BACKUPS;
-            decision.message = loss;
-            decision.outcome.selection.reset();
-            for (SBackupOutcome& backup : decision.outcome.backups) {
-                backup.state.reset();
-            }
+            decision.message = fmt::format("{}", fmt::join(losses, "\n"));
+            withdraw(decision.outcome);
             for (SConfigurationOfDecision& configuration : decision.configurations) {
                 configuration.chosen.reset();
             }
@@ -341,21 +340,6 @@ private:
             }
             lines.push_back(
                 fmt::format("no target of {} is free: {}", configuration.first, fmt::join(held, "; ")));
-        }
-        return fmt::format("{}", fmt::join(lines, "\n"));
-    }
-
-    // Of each configuration that would keep fewer backups than asked for; empty when there is none.
-    [[nodiscard]] std::string lossInWords() const {
-        std::vector<std::string> lines;
-        for (std::size_t i = 0; safety.leastKept != 0 && i < decision.configurations.size(); ++i) {
-            const SConfigurationOfDecision& configuration = decision.configurations[i];
-            const std::size_t before = keptHoldersBeforeRotation(*decision.outcome.account, i);
-            if (*configuration.kept < std::min(before, safety.leastKept)) {
-                lines.push_back(fmt::format("{} would keep {} of its {} backups; at least {} must remain",
-                                            configuration.first, *configuration.kept, before,
-                                            std::min(before, safety.leastKept)));
-            }
         }
         return fmt::format("{}", fmt::join(lines, "\n"));
     }

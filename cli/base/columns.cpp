@@ -11,10 +11,6 @@ namespace {
 
 constexpr std::string_view kGap = "  ";
 
-std::string styled(const SCell& cell, bool colour) {
-    return colour ? fmt::format(cell.style, "{}", cell.text) : cell.text;
-}
-
 std::vector<std::size_t> columnWidths(const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const Row& row : rows) {
@@ -72,6 +68,10 @@ std::vector<std::string> charactersOf(const std::string& text) {
 }
 
 }  // namespace
+
+std::string styled(const SCell& cell, bool colour) {
+    return colour ? fmt::format(cell.style, "{}", cell.text) : cell.text;
+}
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style) {
     Row row;

@@ -16,6 +16,9 @@ struct SCell {
 };
 using Row = std::vector<SCell>;
 
+// The text of the cell, in its style if there is `colour`.
+std::string styled(const SCell& cell, bool colour);
+
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style = {});
 
 // A line for each row; columns are as wide as their longest text. All rows have as many cells as the first.

@@ -14,6 +14,7 @@ enum EExit : int {
     kExitException = 4,
     kExitWarnings = 5,
     kExitNotWhole = 6,
+    kExitTooFewKept = 7,
     // Plus the number of the signal, as shells tell of a program that a signal ended.
     kExitSignal = 128,
 };
@@ -41,6 +42,8 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitWarnings, "check", "warnings were found, but no errors"},
     {kExitNotWhole, "select",
      "documents took no part; with --strict, inputs are not whole and nothing is decided"},
+    {kExitTooFewKept, "select",
+     "a configuration would keep fewer backups than --keep-at-least asks for; nothing is decided"},
     {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},
 };
 

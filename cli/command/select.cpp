@@ -26,6 +26,7 @@
 #include "cli/command/command.h"
 #include "cli/command/outputs.h"
 #include "cli/command/subcommands.h"
+#include "cli/outcome/advice.h"
 #include "cli/outcome/json.h"
 #include "cli/outcome/picture.h"
 #include "cli/outcome/request.h"
@@ -53,6 +54,9 @@ State "-" (null in JSON): the library handed no states back, because there is no
 A request is a whole call as JSON, configuration and backups; the schema fi-rotate-request.json describes it.
 File names in it are taken as they stand, so relative ones are looked for from where fi-rotate runs.)";
 
+// In the order of EOrder.
+const std::vector<std::string> kOrders{"argument", "time", "release"};
+
 struct SOptions {
     SCallOptions call;
     std::optional<std::string> savedRequest;
@@ -61,6 +65,8 @@ struct SOptions {
     std::vector<std::string> excluded;
     std::vector<std::string> flagWords;
     bool isStrict = false;
+    std::size_t leastKept = 0;
+    std::string order = kOrders.front();
     bool explain = false;
     bool json = false;
     bool trace = false;
@@ -127,6 +133,8 @@ struct SShownCall {
     SOutcome outcome;
     // Inputs are not whole, and nothing was decided for that.
     bool isRefused = false;
+    // What would be lost, which is why nothing was decided.
+    std::vector<std::string> losses = {};
 };
 
 bool areAllLoaded(const SOutcome& outcome) {
@@ -175,6 +183,11 @@ void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
         return;
     }
     reportNotLoaded(outcome);
+    if (!call.losses.empty()) {
+        std::for_each(call.losses.begin(), call.losses.end(), printError);
+        printError("nothing was decided, because too few backups would be kept");
+        return;
+    }
     if (!outcome.selection.has_value()) {
         printError("no selection: at least one configuration has no free target");
     }
@@ -186,6 +199,9 @@ int exitStatusOf(const SShownCall& call) {
     }
     if (call.outcome.exception.has_value()) {
         return kExitException;
+    }
+    if (!call.losses.empty()) {
+        return kExitTooFewKept;
     }
     if (!call.outcome.selection.has_value()) {
         return kExitNegative;
@@ -201,6 +217,10 @@ void readTimeStamps(std::vector<SBackupOutcome>& backups) {
             backup.timeStamp = readTimeStamp(readFile(backup.given.file).value_or(""));
         }
     }
+}
+
+EOrder orderOf(const SOptions& options) {
+    return static_cast<EOrder>(std::find(kOrders.begin(), kOrders.end(), options.order) - kOrders.begin());
 }
 
 // Nothing to do without a file; false, with a message, when it could not be written whole.
@@ -254,11 +274,34 @@ SOutcome refusedOutcome(const SCall& call, const SDecision& decision) {
 SShownCall makeCall(const SCall& call, const SWishes& wishes, bool isStrict) {
     const CStandardOutputDiversion diversion;
     if (!isStrict) {
-        return {runCall(call, wishes), false};
+        return {runCall(call, wishes)};
     }
     SDecision decision = decideSafely(call, wishes, SSafety());
     const bool isRefused = decision.kind == FI_ROTATION_REFUSED;
     return {isRefused ? refusedOutcome(call, decision) : std::move(decision.outcome), isRefused};
+}
+
+SShownCall makeCall(const SCall& call, const SWishes& wishes, const SOptions& options) {
+    SShownCall made = makeCall(call, wishes, options.isStrict);
+    if (made.outcome.selection.has_value() && made.outcome.account.has_value()) {
+        made.losses = lossesInWords(*made.outcome.account, options.leastKept);
+    }
+    if (!made.losses.empty()) {
+        withdraw(made.outcome);
+    }
+    return made;
+}
+
+std::optional<SAdvice> adviceFor(const SCall& call, const SOutcome& outcome) {
+    if (!outcome.account.has_value() || outcome.account->shortages.empty()) {
+        return std::nullopt;
+    }
+    const CStandardOutputDiversion diversion;
+    return adviseOn(call, outcome, [](const SCall& changed) {
+        SWishes wishes;
+        wishes.account = true;
+        return runCall(changed, wishes);
+    });
 }
 
 int runSelect(const SOptions& options) {
@@ -274,18 +317,19 @@ int runSelect(const SOptions& options) {
     }
 
     SWishes wishes;
-    wishes.account = options.explain || svg != nullptr;
+    wishes.account = true;
     wishes.trace = traceSinkOf(options.trace, trace.get());
-    SShownCall made = makeCall(call, wishes, options.isStrict);
+    SShownCall made = makeCall(call, wishes, options);
     SOutcome& outcome = made.outcome;
     readTimeStamps(outcome.backups);
     const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
     if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {
         return kExitNotWritten;
     }
-    const SView view{options.shownStates, options.explain};
-    const std::string shown =
-        options.json ? toJson(outcome, view) : toTables(outcome, view, widthOfOutput(), wantsColour());
+    const SView view{options.shownStates, options.explain, orderOf(options)};
+    const std::optional<SAdvice> advice = adviceFor(call, outcome);
+    const std::string shown = options.json ? toJson(outcome, view, advice)
+                                           : toTables(outcome, view, advice, widthOfOutput(), wantsColour());
     std::fwrite(shown.data(), 1, shown.size(), stdout);
     reportWhatWentWrong(made, options.trace);
     return flushOrReport() && isTraceWritten ? exitStatusOf(made) : kExitNotWritten;
@@ -315,9 +359,16 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->allow_extra_args(false)
         ->excludes(request);
     select.add_flag("--strict", options->isStrict, "Decide from whole inputs or not at all");
+    select
+        .add_option("--keep-at-least", options->leastKept,
+                    "Decide nothing if a configuration would keep fewer of its backups")
+        ->type_name("N");
     addOnlyOption(select, options->shownStates);
-    select.add_flag("--explain", options->explain,
-                    "Say why each backup came to its state and, without a selection, what is short");
+    select
+        .add_option("--sort", options->order, "Order the backups as given, by time stamp or by their release")
+        ->type_name("ORDER")
+        ->check(CLI::IsMember(kOrders));
+    select.add_flag("--explain", options->explain, "Say why each backup came to its state");
     select.add_flag("--json", options->json, "Show the outcome as one JSON document");
     select.add_flag("--trace", options->trace,
                     "Write the library's trace to standard error: level and text, one line a call");

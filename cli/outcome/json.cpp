@@ -3,20 +3,64 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/base/json.h"
+#include "cli/outcome/summary.h"
 
 namespace fi_rotate {
 namespace {
 
-Json configurationsOf(const std::optional<std::string>& selection) {
-    const auto chosen = selection.has_value() ? choices(*selection) : std::nullopt;
+Json configurationsOf(const SOutcome& outcome) {
+    const auto chosen = outcome.selection.has_value() ? choices(*outcome.selection) : std::nullopt;
     if (!chosen.has_value()) {
         return nullptr;
     }
+    const std::vector<SRestorePoints> points = restorePointsOf(outcome);
     Json rows = Json::array();
-    for (const SChoice& choice : *chosen) {
-        rows.push_back({{"first", asUtf8(choice.first)}, {"chosen", asUtf8(choice.chosen)}});
+    for (std::size_t i = 0; i < chosen->size(); ++i) {
+        const SChoice& choice = (*chosen)[i];
+        rows.push_back(
+            {{"first", asUtf8(choice.first)},
+             {"chosen", asUtf8(choice.chosen)},
+             {"restore_points", i < points.size() ? Json(points[i].after) : Json(nullptr)},
+             {"restore_points_before", i < points.size() ? Json(points[i].before) : Json(nullptr)}});
     }
     return rows;
+}
+
+Json totalsJson(const SOutcome& outcome) {
+    const STotals totals = totalsOf(outcome);
+    const auto& [kept, invalid, rotated, notLoaded] = totals.ofState;
+    return {{"kept", kept},
+            {"invalid", invalid},
+            {"rotated", rotated},
+            {"rotated_in_vain", totals.inVain},
+            {"not_loaded", notLoaded},
+            {"without_state", totals.withoutState}};
+}
+
+Json changeJson(const SChange& change) {
+    return {{"change", change.kind == EChange::kAllowRotation ? "allow_rotation" : "leave_out"},
+            {"file", asUtf8(change.file)}};
+}
+
+Json adviceJson(const std::optional<SAdvice>& advice) {
+    if (!advice.has_value()) {
+        return nullptr;
+    }
+    Json changes = Json::array();
+    for (const SChange& change : advice->wayOut) {
+        changes.push_back(changeJson(change));
+    }
+    Json trials = Json::array();
+    for (const STrial& trial : advice->trials) {
+        trials.push_back(changeJson(trial.change));
+        trials.back()["released"] = trial.released.has_value() ? listOf(*trial.released) : Json(nullptr);
+    }
+    return {{"changes", changes},
+            {"released", changes.empty() ? Json(nullptr) : listOf(advice->released)},
+            {"released_with_another_target",
+             advice->releasedWithTargets.has_value() ? listOf(*advice->releasedWithTargets) : Json(nullptr)},
+            {"trials", trials},
+            {"untried", advice->untried}};
 }
 
 Json orNullIfEmpty(const std::string& text) {
@@ -36,6 +80,7 @@ Json reasonJson(const std::optional<SReason>& reason) {
         {"objid", orNullIfEmpty(reason->objid)},
         {"altobjid", orNullIfEmpty(reason->altobjid)},
         {"targets", listOf(reason->targets)},
+        {"freed", listOf(reason->freed)},
     };
 }
 
@@ -87,8 +132,9 @@ Json documentOf(const SOutcome& outcome, const SView& view) {
     Json document = {
         {"status", orNull(outcome.status)},
         {"selection", orNull(outcome.selection)},
-        {"configurations", configurationsOf(outcome.selection)},
+        {"configurations", configurationsOf(outcome)},
         {"backups", backupsOf(outcome, view, hasReasons)},
+        {"totals", totalsJson(outcome)},
         {"exception", exceptionOf(outcome.exception)},
         {"messages", listOf(outcome.messages)},
     };
@@ -100,8 +146,10 @@ Json documentOf(const SOutcome& outcome, const SView& view) {
 
 }  // namespace
 
-std::string toJson(const SOutcome& outcome, const SView& view) {
-    return documentOf(outcome, view).dump(2) + "\n";
+std::string toJson(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice) {
+    Json document = documentOf(outcome, view);
+    document["advice"] = adviceJson(advice);
+    return document.dump(2) + "\n";
 }
 
 std::string toJson(const std::vector<SLoggedCall>& calls, const SView& view) {

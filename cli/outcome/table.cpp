@@ -1,16 +1,19 @@
 #include "cli/outcome/table.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 #include <vector>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/outcome/summary.h"
 
 namespace fi_rotate {
 namespace {
@@ -37,6 +40,24 @@ std::string withoutSelection(const SOutcome& outcome) {
     return isOver(outcome) ? "Selection: none\n" : "Selection: not known\n";
 }
 
+SCell restorePointsCell(const SRestorePoints& points) {
+    const std::string text = points.after == points.before
+                                 ? fmt::to_string(points.after)
+                                 : fmt::format("{}, before {}", points.after, points.before);
+    return {text, points.areAllGone() ? styleOf("invalid") : fmt::text_style()};
+}
+
+// Until the new snapshots are taken: if that fails, there is nothing to go back to.
+std::string lostRestorePoints(const SOutcome& outcome, bool colour) {
+    std::string text;
+    for (const std::string& name : withoutRestorePoints(outcome)) {
+        const std::string warning = fmt::format(
+            "WARNING: {} has no restore point left until its new snapshot is taken", asPrintable(name));
+        text += styled({warning, styleOf("invalid")}, colour) + "\n";
+    }
+    return text;
+}
+
 std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colour) {
     if (!outcome.selection.has_value()) {
         return withoutSelection(outcome);
@@ -48,14 +69,39 @@ std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colo
     if (chosen->empty()) {
         return "Selection: empty, since there is no configuration\n";
     }
+    const std::vector<SRestorePoints> points = restorePointsOf(outcome);
+    const bool arePointsKnown = points.size() == chosen->size();
     std::vector<Row> rows{toRow({"first target", "chosen target"}, fmt::emphasis::bold)};
-    for (const SChoice& choice : *chosen) {
-        rows.push_back(toRow({asPrintable(choice.first), asPrintable(choice.chosen)}));
+    if (arePointsKnown) {
+        rows.front().push_back({"restore points", fmt::emphasis::bold});
     }
-    return "Selection\n" + toTableOrLists(rows, width, colour);
+    for (std::size_t i = 0; i < chosen->size(); ++i) {
+        rows.push_back(toRow({asPrintable((*chosen)[i].first), asPrintable((*chosen)[i].chosen)}));
+        if (arePointsKnown) {
+            rows.back().push_back(restorePointsCell(points[i]));
+        }
+    }
+    return "Selection\n" + toTableOrLists(rows, width, colour) + lostRestorePoints(outcome, colour);
 }
 
 using Backups = std::vector<const SBackupOutcome*>;
+
+std::string totalsLine(const SOutcome& outcome) {
+    const STotals totals = totalsOf(outcome);
+    std::vector<std::string> counts;
+    for (std::size_t i = 0; i < kStateWords.size(); ++i) {
+        if (totals.ofState.at(i) != 0) {
+            counts.push_back(fmt::format("{} {}", totals.ofState.at(i), kStateWords.at(i)));
+        }
+        if (kStateWords.at(i) == stateWord(FI_BACKUP_ROTATED) && totals.inVain != 0) {
+            counts.back() += fmt::format(" ({} of them in vain)", totals.inVain);
+        }
+    }
+    if (totals.withoutState != 0) {
+        counts.push_back(fmt::format("{} without a state", totals.withoutState));
+    }
+    return counts.empty() ? "" : fmt::format("Total: {}\n", fmt::join(counts, ", "));
+}
 
 std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size_t width, bool colour) {
     const std::size_t hidden = outcome.backups.size() - shown.size();
@@ -75,7 +121,7 @@ std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size
         rows.push_back(std::move(row));
     }
     return "Backups\n" + toTableOrLists(rows, width, colour) +
-           (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden));
+           (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden)) + totalsLine(outcome);
 }
 
 std::string reasonFor(const SBackupOutcome& backup) {
@@ -112,6 +158,86 @@ std::string shortageTable(const SAccount& account) {
     return text;
 }
 
+// "1 backup", "2 backups".
+std::string countedBackups(std::size_t count) {
+    return fmt::format("{} backup{}", count, count == 1 ? "" : "s");
+}
+
+std::string wouldBeReleased(const std::vector<std::string>& released) {
+    return released.empty() ? "no backup would be released"
+                            : countedBackups(released.size()) + " would be released";
+}
+
+std::string inWords(const std::vector<SChange>& changes) {
+    std::vector<std::string> words;
+    for (const SChange& change : changes) {
+        words.push_back(change.kind == EChange::kAllowRotation
+                            ? "allow rotation of " + asPrintable(change.file)
+                            : "give up " + asPrintable(change.file) + ", which is invalid");
+    }
+    return fmt::format("{}", fmt::join(words, ", and "));
+}
+
+// The first lines that somebody reads at night: what is short, and the cheapest way out.
+std::string adviceLines(const SAccount& account, const SAdvice& advice) {
+    std::vector<std::string> names;
+    for (const SShortage& shortage : account.shortages) {
+        names.push_back(asPrintable(account.configurations[shortage.configuration].first));
+    }
+    const bool isOne = names.size() == 1;
+    std::string text = fmt::format("{} {} short of a target\n", fmt::join(names, ", "), isOne ? "is" : "are");
+    if (!advice.wayOut.empty()) {
+        text += fmt::format("Cheapest: {} ({})\n", inWords(advice.wayOut), wouldBeReleased(advice.released));
+    } else {
+        text += "No earlier backup can be given up for that\n";
+    }
+    if (advice.releasedWithTargets.has_value()) {
+        text += fmt::format("{} one target to {} ({})\n", advice.wayOut.empty() ? "Add" : "Or add",
+                            isOne ? "it" : "each of them", wouldBeReleased(*advice.releasedWithTargets));
+    }
+    return text;
+}
+
+std::string resultOf(const STrial& trial) {
+    const std::string change =
+        trial.change.kind == EChange::kAllowRotation ? "with its rotation allowed" : "without it";
+    if (!trial.released.has_value()) {
+        return change + " a target is still missing";
+    }
+    constexpr std::size_t kMostNames = 4;
+    std::vector<std::string> names;
+    for (const std::string& file : *trial.released) {
+        if (names.size() == kMostNames) {
+            names.push_back(fmt::format("and {} more", trial.released->size() - kMostNames));
+            break;
+        }
+        names.push_back(asPrintable(file));
+    }
+    return fmt::format("{} {}{}{}", change, wouldBeReleased(*trial.released), names.empty() ? "" : ": ",
+                       fmt::join(names, ", "));
+}
+
+std::string trialsTable(const SAccount& account, const SAdvice& advice) {
+    std::string text;
+    for (const SShortage& shortage : account.shortages) {
+        const SAccountConfiguration& configuration = account.configurations[shortage.configuration];
+        text += fmt::format("\nTargets of {}\n", asPrintable(configuration.first));
+        if (shortage.targets.empty()) {
+            text += "  none at all\n";
+        }
+        for (const SHeldTarget& held : shortage.targets) {
+            const std::string& file = account.backups[held.holder].file;
+            const auto trial = std::find_if(advice.trials.begin(), advice.trials.end(),
+                                            [&file](const STrial& each) { return each.change.file == file; });
+            text += fmt::format("  {} is held by {}, {}\n    {}\n",
+                                asPrintable(configuration.targets[held.target]), asPrintable(file),
+                                held.isExcluded ? "excluded from rotation" : "invalid, so never released",
+                                trial != advice.trials.end() ? resultOf(*trial) : "not tried");
+        }
+    }
+    return text;
+}
+
 std::string toList(const char* heading, const std::vector<std::string>& texts) {
     std::string list;
     for (const std::string& text : texts) {
@@ -122,12 +248,16 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
 
 }  // namespace
 
-std::string toTables(const SOutcome& outcome, const SView& view, std::size_t width, bool colour) {
+std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
+                     std::size_t width, bool colour) {
     const Backups shown = view.backupsOf(outcome);
-    std::string text =
-        selectionTable(outcome, width, colour) + "\n" + backupTable(outcome, shown, width, colour);
+    std::string text = selectionTable(outcome, width, colour);
+    if (advice.has_value()) {
+        text += adviceLines(*outcome.account, *advice) + trialsTable(*outcome.account, *advice);
+    }
+    text += "\n" + backupTable(outcome, shown, width, colour);
     if (view.withReasons && outcome.account.has_value() && !shown.empty()) {
-        text += "\n" + reasonTable(shown) + shortageTable(*outcome.account);
+        text += "\n" + reasonTable(shown) + (advice.has_value() ? "" : shortageTable(*outcome.account));
     }
     return text;
 }
@@ -135,7 +265,8 @@ std::string toTables(const SOutcome& outcome, const SView& view, std::size_t wid
 std::string toTables(const SLoggedCall& call, const SView& view, std::size_t width, bool colour) {
     const SOutcome& outcome = call.outcome;
     return fmt::format("Call {}, lines {} to {}\n\n", call.number, call.firstLine, call.lastLine) +
-           (outcome.account.has_value() ? toTables(outcome, view, width, colour) : "Selection: none\n") +
+           (outcome.account.has_value() ? toTables(outcome, view, std::nullopt, width, colour)
+                                        : "Selection: none\n") +
            toList("Messages", outcome.messages) + toList("Missing from the log", call.missing);
 }
 

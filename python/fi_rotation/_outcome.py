@@ -97,8 +97,8 @@ class Backup:
     # What it held before any was released, each ENCLOSURE##DEVICE; nothing when it is invalid.
     targets: tuple[str, ...] = ()
     # Why it came to its state. None when there is no state, and nothing to say why. A word for programs:
-    # "newest_holder", "holds_nothing", "excluded", "rotation_stopped", "needed", "unknown_target",
-    # "unknown_configuration", "held_already"; and a sentence without a full stop for people.
+    # "newest_holder", "holds_nothing", "excluded", "rotation_stopped", "needed", "in_vain",
+    # "unknown_target", "unknown_configuration", "held_already"; and a sentence without a full stop for people.
     reason: str | None = None
     reason_text: str | None = None
 

@@ -1,7 +1,9 @@
 #include "host/explanation.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -27,6 +29,7 @@ fi_rotate::SWishes withAccount() {
 
 using fi_rotate::EReason;
 using fi_rotate::runCall;
+using fi_rotate::SAccount;
 using fi_rotate::SAccountBackup;
 using fi_rotate::SBackupOutcome;
 using fi_rotate::SCall;
@@ -97,8 +100,47 @@ TEST_F(HostExplanation, RotatedForTheConfigurationThatWasShort) {
     give("a", "1", {{"A##y", "A##3"}});
     const SOutcome outcome = explained("A##x;1&A##y;3");
     EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_ROTATED);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "released while A##y had no free target; freed A##y");
+}
+
+// A##x is short too, and comes first.
+TEST_F(HostExplanation, RotatedForTheShortConfigurationThatItFreed) {
+    give("a", "1", {{"A##y", "A##3"}, {"A##z", "A##4"}});
+    give("b", "2", {{"A##x", "A##1"}});
+    const SOutcome outcome = explained("A##x;1&A##y;3&A##z;4;5");
+    EXPECT_EQ(reasonFor(outcome, 0).kind, EReason::kNeeded);
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "released while A##y had no free target; freed A##y, A##z");
+    EXPECT_EQ(inWords(reasonFor(outcome, 1)), "released while A##x had no free target; freed A##x");
+}
+
+TEST_F(HostExplanation, RotatedInVain) {
+    give("a", "1", {{"A##y", "A##3"}});
+    give("b", "2", {});
+    give("c", "3", {{"A##x", "A##1"}});
+    const SOutcome outcome = explained("A##x;1&A##y;3;4");
+    EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_ROTATED);
+    EXPECT_EQ(reasonFor(outcome, 0).kind, EReason::kInVain);
     EXPECT_EQ(inWords(reasonFor(outcome, 0)),
-              "A##y had no free target, and this was the oldest that could be released");
+              "released while A##x had no free target; freed A##y, nothing of A##x");
+    EXPECT_EQ(inWords(reasonFor(outcome, 1)), "released while A##x had no free target; it held no target");
+    EXPECT_EQ(reasonFor(outcome, 2).kind, EReason::kNeeded);
+}
+
+TEST_F(HostExplanation, RotatedInVainForAnotherConfigurationOfOneName) {
+    give("a", "1", {{"A##x", "A##1"}});
+    give("b", "2", {{"A##x", "A##3"}});
+    const SOutcome outcome = explained("A##x;1;2&A##x;3");
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
+              "released while A##x had no free target; freed A##x, but not the one that was short");
+    EXPECT_EQ(inWords(reasonFor(outcome, 1)), "released while A##x had no free target; freed A##x");
+}
+
+TEST_F(HostExplanation, ReleasedForNothingInACallWithoutASelection) {
+    give("a", "1", {{"A##y", "A##3"}});
+    give("b", "2", {{"A##x", "A##1"}}, FI_EXCLUDE_ROTATION);
+    const SOutcome outcome = explained("A##x;1&A##y;3");
+    EXPECT_FALSE(outcome.selection.has_value());
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "would be released while A##y had no free target; frees A##y");
 }
 
 TEST_F(HostExplanation, InvalidBecauseAPairNamesNoTarget) {
@@ -186,6 +228,7 @@ TEST_F(HostExplanation, CarriesEnclosuresOnThatThePrintedSetDoesNotShow) {
 std::int32_t stateOf(EReason kind) {
     switch (kind) {
         case EReason::kNeeded:
+        case EReason::kInVain:
             return FI_BACKUP_ROTATED;
         case EReason::kUnknownTarget:
         case EReason::kUnknownConfiguration:
@@ -193,6 +236,31 @@ std::int32_t stateOf(EReason kind) {
             return FI_BACKUP_INVALID;
         default:
             return FI_BACKUP_KEPT;
+    }
+}
+
+// The configuration that a release is said to be for had no free target, and the backup held one of it or, in
+// vain, none. Several configurations may have the name.
+void expectTrueReleases(const SAccount& account) {
+    for (std::size_t place = 0; place < account.backups.size(); ++place) {
+        const SReason& reason = *account.backups[place].reason;
+        if (stateOf(reason.kind) != FI_BACKUP_ROTATED) {
+            continue;
+        }
+        std::size_t ofName = 0;
+        bool wasShort = false;
+        bool heldOne = false;
+        for (std::size_t i = 0; i < account.configurations.size(); ++i) {
+            const auto& row = account.heldBefore[i];
+            const bool isFull = std::find(row.begin(), row.end(), std::nullopt) == row.end();
+            if (account.configurations[i].first == reason.configuration) {
+                ++ofName;
+                wasShort = wasShort || isFull;
+                heldOne = heldOne || (isFull && std::find(row.begin(), row.end(), place) != row.end());
+            }
+        }
+        EXPECT_TRUE(wasShort) << inWords(reason);
+        EXPECT_EQ(heldOne, reason.kind == EReason::kNeeded || (heldOne && ofName > 1)) << inWords(reason);
     }
 }
 
@@ -214,6 +282,7 @@ TEST_F(HostExplanation, AgreesWithTheLibraryOnRandomCalls) {
             EXPECT_EQ(backup.state, stateOf(backup.reason->kind)) << inWords(*backup.reason);
             kinds.insert(backup.reason->kind);
         }
+        expectTrueReleases(*outcome.account);
         for (const SBackupOutcome& backup : outcome.backups) {
             ASSERT_EQ(backup.reason.has_value(), backup.isLoaded) << backup.given.file;
             if (backup.reason.has_value() && backup.state.has_value()) {
@@ -221,7 +290,7 @@ TEST_F(HostExplanation, AgreesWithTheLibraryOnRandomCalls) {
             }
         }
     }
-    EXPECT_EQ(kinds.size(), 8U);
+    EXPECT_EQ(kinds.size(), 9U);
     EXPECT_GT(withoutSelection, kRandomCalls / 20);
 }
 

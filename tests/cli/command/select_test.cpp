@@ -41,10 +41,10 @@ TEST(FiRotateSelect, ShowsSelectionAndEveryBackupInTheOrderGiven) {
     const std::string folder = example("");
     EXPECT_EQ(result.output,
               "Selection\n"
-              "  first target     chosen target\n"
-              "  ENC-A##VOL-0011  ENC-A##SNP-0102\n"
-              "  ENC-A##VOL-0012  ENC-A##SNP-0112\n"
-              "  ENC-B##VOL-0021  ENC-B##SNP-0202\n"
+              "  first target     chosen target    restore points\n"
+              "  ENC-A##VOL-0011  ENC-A##SNP-0102  5, before 6\n"
+              "  ENC-A##VOL-0012  ENC-A##SNP-0112  5, before 6\n"
+              "  ENC-B##VOL-0021  ENC-B##SNP-0202  5, before 6\n"
               "\n"
               "Backups\n"
               "  file" +
@@ -72,7 +72,9 @@ TEST(FiRotateSelect, ShowsSelectionAndEveryBackupInTheOrderGiven) {
                   folder +
                   "backup-2026-10-07.xml  20261007013000  0      kept\n"
                   "  " +
-                  folder + "backup-2026-10-08.xml  20261008013000  0      kept\n");
+                  folder +
+                  "backup-2026-10-08.xml  20261008013000  0      kept\n"
+                  "Total: 5 kept, 2 invalid, 1 rotated\n");
 }
 
 TEST(FiRotateSelect, ShowsOnlyTheStatesAskedFor) {
@@ -86,7 +88,7 @@ TEST(FiRotateSelect, ShowsOnlyTheStatesAskedFor) {
     for (const char* hidden : {"10-01.xml", "10-05.xml", "10-08.xml"}) {
         EXPECT_THAT(result.output, Not(HasSubstr(hidden)));
     }
-    EXPECT_THAT(result.output, EndsWith("  (5 in other states)\n"));
+    EXPECT_THAT(result.output, EndsWith("  (5 in other states)\nTotal: 5 kept, 2 invalid, 1 rotated\n"));
 }
 
 TEST(FiRotateSelect, WithoutBackupsChoosesTheFirstTargets) {

@@ -36,13 +36,17 @@ TEST(FiRotateSelectJson, HoldsTheFactsOfTheTables) {
         "status": 0,
         "selection": "[ENC-A##VOL-0011;ENC-A##SNP-0102][ENC-A##VOL-0012;ENC-A##SNP-0112][ENC-B##VOL-0021;ENC-B##SNP-0202]",
         "configurations": [
-            {"first": "ENC-A##VOL-0011", "chosen": "ENC-A##SNP-0102"},
-            {"first": "ENC-A##VOL-0012", "chosen": "ENC-A##SNP-0112"},
-            {"first": "ENC-B##VOL-0021", "chosen": "ENC-B##SNP-0202"}
+            {"first": "ENC-A##VOL-0011", "chosen": "ENC-A##SNP-0102", "restore_points": 5, "restore_points_before": 6},
+            {"first": "ENC-A##VOL-0012", "chosen": "ENC-A##SNP-0112", "restore_points": 5, "restore_points_before": 6},
+            {"first": "ENC-B##VOL-0021", "chosen": "ENC-B##SNP-0202", "restore_points": 5, "restore_points_before": 6}
         ],
         "backups": [],
+        "totals": {
+            "kept": 5, "invalid": 2, "rotated": 1, "rotated_in_vain": 0, "not_loaded": 0, "without_state": 0
+        },
         "exception": null,
-        "messages": []
+        "messages": [],
+        "advice": null
     })");
     const char* const states[] = {"kept", "invalid", "rotated", "invalid", "kept", "kept", "kept", "kept"};
     for (std::size_t i = 0; i < 8; ++i) {
@@ -62,15 +66,27 @@ TEST(FiRotateSelectJson, StaysWholeWhenAFileIsMissing) {
               (Json{
                   {"status", 0},
                   {"selection", "[encA##lun1;encA##snap1]"},
-                  {"configurations", {{{"first", "encA##lun1"}, {"chosen", "encA##snap1"}}}},
+                  {"configurations",
+                   {{{"first", "encA##lun1"},
+                     {"chosen", "encA##snap1"},
+                     {"restore_points", 0},
+                     {"restore_points_before", 0}}}},
                   {"backups",
                    {{{"file", missing},
                      {"time_stamp", nullptr},
                      {"flag_word", 0},
                      {"excluded", false},
                      {"state", "not loaded"}}}},
+                  {"totals",
+                   {{"kept", 0},
+                    {"invalid", 0},
+                    {"rotated", 0},
+                    {"rotated_in_vain", 0},
+                    {"not_loaded", 1},
+                    {"without_state", 0}}},
                   {"exception", nullptr},
                   {"messages", {"CFiFiidLoader::load: ERROR: failed to load FIID file"}},
+                  {"advice", nullptr},
               }));
 }
 
@@ -88,10 +104,23 @@ TEST(FiRotateSelectJson, HasNullsWhereThereIsNoSelection) {
                      {"flag_word", -3},
                      {"excluded", true},
                      {"state", nullptr}}}},
+                  {"totals",
+                   {{"kept", 0},
+                    {"invalid", 0},
+                    {"rotated", 0},
+                    {"rotated_in_vain", 0},
+                    {"not_loaded", 0},
+                    {"without_state", 1}}},
                   {"exception", nullptr},
                   {"messages",
                    {"fi_process_backups : Resources not availabe, some/all are part of Skip "
                     "rotation fiids"}},
+                  {"advice",
+                   {{"changes", Json::array()},
+                    {"released", nullptr},
+                    {"released_with_another_target", Json::array()},
+                    {"trials", Json::array()},
+                    {"untried", 0}}},
               }));
 }
 

@@ -33,7 +33,7 @@ SOutcome someOutcome() {
 }
 
 TEST(FiRotateTable, AlignsColumnsAndCutsNothing) {
-    EXPECT_EQ(fi_rotate::toTables(someOutcome(), {}, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(someOutcome(), {}, std::nullopt, kAnyWidth, false),
               "Selection\n"
               "  first target     chosen target\n"
               "  encA##lun1       encA##snap1\n"
@@ -43,14 +43,15 @@ TEST(FiRotateTable, AlignsColumnsAndCutsNothing) {
               "  file                    time stamp  flags  state\n"
               "  a.xml                   20260101    4      kept\n"
               "  a much longer name.xml  -           -12    rotated\n"
-              "  gone.xml                -           0      not loaded\n");
+              "  gone.xml                -           0      not loaded\n"
+              "Total: 1 kept, 1 rotated, 1 not loaded\n");
 }
 
 TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("\xC3\xA4.xml", "1", 0, FI_BACKUP_KEPT),
                        backup("\xE6\x97\xA5\xE6\x9C\xAC.xml", "2", 0, FI_BACKUP_INVALID)};
-    const std::string tables = fi_rotate::toTables(outcome, {}, kAnyWidth, false);
+    const std::string tables = fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false);
     EXPECT_NE(tables.find("  file      time stamp"), std::string::npos) << tables;
     EXPECT_NE(tables.find("  \xC3\xA4.xml     1 "), std::string::npos) << tables;
     EXPECT_NE(tables.find("  \xE6\x97\xA5\xE6\x9C\xAC.xml  2 "), std::string::npos) << tables;
@@ -59,18 +60,18 @@ TEST(FiRotateTable, AlignsByColumnsOfTheTerminalNotByBytes) {
 TEST(FiRotateTable, KeepsANameWithALineBreakOnItsLine) {
     SOutcome outcome = someOutcome();
     outcome.backups = {backup("a\nb.xml", "1", 0, FI_BACKUP_KEPT)};
-    EXPECT_NE(fi_rotate::toTables(outcome, {}, kAnyWidth, false).find("  a\\x0Ab.xml  1 "),
+    EXPECT_NE(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false).find("  a\\x0Ab.xml  1 "),
               std::string::npos);
 }
 
 TEST(FiRotateTable, SaysWhyThereAreNoRows) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
-    EXPECT_EQ(fi_rotate::toTables(outcome, {}, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false),
               "Selection: none\n\nBackups: none, this is the first\n");
     outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "";
-    EXPECT_EQ(fi_rotate::toTables(outcome, {}, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false),
               "Selection: empty, since there is no configuration\n\n"
               "Backups: none, this is the first\n");
 }
@@ -80,32 +81,33 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
     outcome.status = FI_STATUS_FAILURE;
     outcome.backups = {backup("b.xml", "", 0, FI_BACKUP_KEPT), backup("c.xml", "", 0, FI_BACKUP_ROTATED)};
     const SView view{{"not loaded"}, false};
-    EXPECT_EQ(fi_rotate::toTables(outcome, view, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, view, std::nullopt, kAnyWidth, false),
               "Selection: none\n\nBackups: none in these states, 2 in others\n");
     outcome.backups.emplace_back().given.file = "a.xml";
-    EXPECT_EQ(fi_rotate::toTables(outcome, view, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, view, std::nullopt, kAnyWidth, false),
               "Selection: none\n\nBackups\n"
               "  file   time stamp  flags  state\n"
               "  a.xml  -           0      not loaded\n"
-              "  (2 in other states)\n");
+              "  (2 in other states)\n"
+              "Total: 1 kept, 1 rotated, 1 not loaded\n");
 }
 
 TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
     SOutcome outcome = someOutcome();
     outcome.backups.clear();
     outcome.selection = "[A##x][1;B##2]";
-    EXPECT_EQ(fi_rotate::toTables(outcome, {}, kAnyWidth, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false),
               "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");
 }
 
 // Colour adds to what is there: without its escape sequences the text is the same.
 TEST(FiRotateTable, ColourChangesNoText) {
-    std::string coloured = fi_rotate::toTables(someOutcome(), {}, kAnyWidth, true);
+    std::string coloured = fi_rotate::toTables(someOutcome(), {}, std::nullopt, kAnyWidth, true);
     EXPECT_NE(coloured.find("\x1B["), std::string::npos);
     for (std::size_t start = 0; (start = coloured.find("\x1B[")) != std::string::npos;) {
         coloured.erase(start, coloured.find('m', start) - start + 1);
     }
-    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), {}, kAnyWidth, false));
+    EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), {}, std::nullopt, kAnyWidth, false));
 }
 
 TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
@@ -113,7 +115,7 @@ TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
     outcome.selection = "[enclosure-0001##lun-0001;enclosure-0002##snapshot-000000001]";
     outcome.backups = {backup("/backups/2026/11/monday-the-second.xml", "20261102", 0, FI_BACKUP_KEPT)};
     // A row of the selection takes 62 columns, one of the backups 66.
-    EXPECT_EQ(fi_rotate::toTables(outcome, {}, 65, false),
+    EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, 65, false),
               "Selection\n"
               "  first target              chosen target\n"
               "  enclosure-0001##lun-0001  enclosure-0002##snapshot-000000001\n"
@@ -122,8 +124,9 @@ TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
               "  /backups/2026/11/monday-the-second.xml\n"
               "    time stamp: 20261102\n"
               "    flags: 0\n"
-              "    state: kept\n");
-    EXPECT_THAT(fi_rotate::toTables(outcome, {}, 61, false),
+              "    state: kept\n"
+              "Total: 1 kept\n");
+    EXPECT_THAT(fi_rotate::toTables(outcome, {}, std::nullopt, 61, false),
                 testing::StartsWith("Selection\n"
                                     "  enclosure-0001##lun-0001\n"
                                     "    chosen target: enclosure-0002##snapshot-000000001\n"));

@@ -1,0 +1,194 @@
+#include "cli/outcome/advice.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+namespace fi_rotate {
+namespace {
+
+// Each takes a call.
+constexpr std::size_t kMostTrials = 200;
+
+// As the library reads it; no name holds what separates names.
+std::string textOf(const std::vector<SAccountConfiguration>& configurations) {
+    std::string text;
+    for (const SAccountConfiguration& configuration : configurations) {
+        text += fmt::format("{}{}{}{}", text.empty() ? "" : "&", configuration.first,
+                            configuration.targets.empty() ? "" : ";", fmt::join(configuration.targets, ";"));
+    }
+    return text;
+}
+
+// A target that neither the configurations nor, as far as can be foreseen, a backup names.
+std::string unusedTarget(const std::vector<SAccountConfiguration>& configurations) {
+    std::set<std::string> used;
+    for (const SAccountConfiguration& configuration : configurations) {
+        used.insert(configuration.targets.begin(), configuration.targets.end());
+    }
+    std::string target = "fi-rotate##one more target";
+    while (used.count(target) != 0) {
+        target += '\'';
+    }
+    return target;
+}
+
+// One target more for each configuration that is short.
+void addTargets(SCall& call, const SAccount& account) {
+    std::vector<SAccountConfiguration> configurations = account.configurations;
+    for (const SShortage& shortage : account.shortages) {
+        configurations[shortage.configuration].targets.push_back(unusedTarget(configurations));
+    }
+    call.configuration = textOf(configurations);
+}
+
+void change(SCall& call, const SChange& change) {
+    auto& backups = call.backups;
+    const auto isMeant = [&change](const SBackup& backup) { return backup.file == change.file; };
+    if (change.kind == EChange::kLeaveOut) {
+        backups.erase(std::remove_if(backups.begin(), backups.end(), isMeant), backups.end());
+        return;
+    }
+    for (SBackup& backup : backups) {
+        backup.flagWord &= isMeant(backup) ? ~FI_EXCLUDE_ROTATION : ~0;
+    }
+}
+
+std::vector<std::string> releasedIn(const SOutcome& outcome) {
+    std::vector<const SBackupOutcome*> released;
+    for (const SBackupOutcome& backup : outcome.backups) {
+        if (backup.state == FI_BACKUP_ROTATED) {
+            released.push_back(&backup);
+        }
+    }
+    std::stable_sort(released.begin(), released.end(), [](const auto* one, const auto* other) {
+        return one->reason.has_value() && other->reason.has_value() &&
+               one->reason->turn < other->reason->turn;
+    });
+    std::vector<std::string> files;
+    for (const SBackupOutcome* const backup : released) {
+        files.push_back(backup->given.file);
+    }
+    return files;
+}
+
+std::optional<std::vector<std::string>> releasedWithSelection(const SOutcome& outcome) {
+    return outcome.selection.has_value() ? std::optional(releasedIn(outcome)) : std::nullopt;
+}
+
+class CAdviser {
+public:
+    CAdviser(const SCall& inputs, const SOutcome& found, const MakeCall& make)
+        : call(inputs), outcome(found), makeCall(make) {}
+
+    SAdvice advise() {
+        const std::vector<SChange> holders = changesOfHolders(*outcome.account);
+        advice.untried = holders.size() - std::min(holders.size(), kMostTrials);
+        for (std::size_t i = 0; i < holders.size() - advice.untried; ++i) {
+            tryChange(holders[i]);
+        }
+        findWayOut();
+        SCall changed = call;
+        addTargets(changed, *outcome.account);
+        advice.releasedWithTargets = releasedWithSelection(makeCall(changed));
+        return std::move(advice);
+    }
+
+private:
+    // Of each backup that holds a target of a short configuration, once.
+    static std::vector<SChange> changesOfHolders(const SAccount& account) {
+        std::vector<SChange> changes;
+        std::set<std::string> known;
+        for (const SShortage& shortage : account.shortages) {
+            for (const SHeldTarget& held : shortage.targets) {
+                const std::string& file = account.backups[held.holder].file;
+                if (known.insert(file).second) {
+                    changes.push_back({held.isExcluded ? EChange::kAllowRotation : EChange::kLeaveOut, file});
+                }
+            }
+        }
+        return changes;
+    }
+
+    void tryChange(const SChange& wanted) {
+        SCall changed = call;
+        change(changed, wanted);
+        advice.trials.push_back({wanted, releasedWithSelection(makeCall(changed))});
+    }
+
+    void findWayOut() {
+        const STrial* best = nullptr;
+        for (const STrial& trial : advice.trials) {
+            const bool isBetter = trial.released.has_value() &&
+                                  (best == nullptr || trial.released->size() < best->released->size());
+            best = isBetter ? &trial : best;
+        }
+        if (best != nullptr) {
+            advice.wayOut = {best->change};
+            advice.released = *best->released;
+        } else if (outcome.account->shortages.size() > 1) {
+            changeOneAfterTheOther();
+        }
+    }
+
+    // No change alone is enough. Each step takes the one after which the fewest configurations are short,
+    // then the one that releases the fewest backups.
+    void changeOneAfterTheOther() {
+        SCall changed = call;
+        SOutcome now = outcome;
+        std::vector<SChange> steps;
+        std::size_t trials = 0;
+        while (!now.selection.has_value() && now.account.has_value()) {
+            const std::vector<SChange> changes = changesOfHolders(*now.account);
+            std::optional<SOutcome> best;
+            SCall bestCall;
+            SChange step;
+            for (const SChange& candidate : changes) {
+                if (++trials > kMostTrials) {
+                    return;
+                }
+                SCall tried = changed;
+                change(tried, candidate);
+                SOutcome then = makeCall(tried);
+                if (then.account.has_value() && isNearer(then, best.has_value() ? *best : now)) {
+                    best = std::move(then);
+                    bestCall = std::move(tried);
+                    step = candidate;
+                }
+            }
+            if (!best.has_value()) {
+                return;
+            }
+            steps.push_back(step);
+            changed = std::move(bestCall);
+            now = std::move(*best);
+        }
+        advice.wayOut = std::move(steps);
+        advice.released = releasedIn(now);
+    }
+
+    static bool isNearer(const SOutcome& one, const SOutcome& other) {
+        const std::size_t shortNow = one.account->shortages.size();
+        const std::size_t shortThen = other.account->shortages.size();
+        return shortNow < shortThen || (shortNow == shortThen && one.selection.has_value() &&
+                                        releasedIn(one).size() < releasedIn(other).size());
+    }
+
+    const SCall& call;
+    const SOutcome& outcome;
+    const MakeCall& makeCall;
+    SAdvice advice;
+};
+
+}  // namespace
+
+SAdvice adviseOn(const SCall& call, const SOutcome& outcome, const MakeCall& makeCall) {
+    return CAdviser(call, outcome, makeCall).advise();
+}
+
+}  // namespace fi_rotate

@@ -1,0 +1,58 @@
+#include "cli/outcome/view.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace fi_rotate {
+namespace {
+
+// How close to its release a backup is, and its turn among those that are as close.
+std::pair<int, std::size_t> releaseOf(const SBackupOutcome& backup) {
+    enum { kReleased, kReleasable, kExcluded, kNever };
+    if (!backup.reason.has_value()) {
+        return {kNever, 0};
+    }
+    switch (backup.reason->kind) {
+        case EReason::kNeeded:
+        case EReason::kInVain:
+            return {kReleased, backup.reason->turn};
+        case EReason::kNewestHolder:
+        case EReason::kHoldsNothing:
+        case EReason::kRotationStopped:
+            return {kReleasable, backup.reason->turn};
+        case EReason::kExcluded:
+            return {kExcluded, backup.reason->turn};
+        default:
+            return {kNever, 0};
+    }
+}
+
+bool isShownBefore(EOrder order, const SBackupOutcome& one, const SBackupOutcome& other) {
+    switch (order) {
+        case EOrder::kTime:
+            return std::pair(!one.isLoaded, one.timeStamp) < std::pair(!other.isLoaded, other.timeStamp);
+        case EOrder::kRelease:
+            return releaseOf(one) < releaseOf(other);
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
+std::vector<const SBackupOutcome*> SView::backupsOf(const SOutcome& outcome) const {
+    std::vector<const SBackupOutcome*> shown;
+    for (const SBackupOutcome& backup : outcome.backups) {
+        const auto word = stateWord(backup);
+        if (states.empty() || (word.has_value() && states.count(std::string(*word)) != 0)) {
+            shown.push_back(&backup);
+        }
+    }
+    std::stable_sort(shown.begin(), shown.end(), [this](const auto* one, const auto* other) {
+        return isShownBefore(order, *one, *other);
+    });
+    return shown;
+}
+
+}  // namespace fi_rotate

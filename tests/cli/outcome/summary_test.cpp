@@ -1,0 +1,163 @@
+#include "cli/outcome/summary.h"
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fi_rotation/fi_process_backups.h>
+
+#include "cli/outcome/view.h"
+#include "host/library_call.h"
+#include "tests/host/RandomCall.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using fi_rotate::EOrder;
+using fi_rotate::EReason;
+using fi_rotate::restorePointsOf;
+using fi_rotate::SBackupOutcome;
+using fi_rotate::SCall;
+using fi_rotate::SOutcome;
+using fi_rotate::SRestorePoints;
+using fi_rotate::STotals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+SOutcome outcomeOf(const SCall& call) {
+    fi_rotate::SWishes wishes;
+    wishes.account = true;
+    return fi_rotate::runCall(call, wishes);
+}
+
+class FiRotateSummary : public testing::Test {
+protected:
+    std::string give(const std::string& name, const std::string& timeStamp,
+                     const std::vector<fi_test::SPair>& pairs, std::int32_t flagWord = 0) {
+        call.backups.push_back({folder.write(name, fi_test::document(timeStamp, pairs)), flagWord});
+        return call.backups.back().file;
+    }
+
+    std::vector<std::string> filesIn(EOrder order) {
+        SOutcome outcome = outcomeOf(call);
+        const std::vector<std::string> stamps{"30", "20", "10", "40", ""};
+        for (std::size_t i = 0; i < outcome.backups.size(); ++i) {
+            outcome.backups[i].timeStamp = stamps.at(i);
+        }
+        std::vector<std::string> names;
+        for (const SBackupOutcome* const backup : fi_rotate::SView{{}, false, order}.backupsOf(outcome)) {
+            names.push_back(backup->given.file.substr(backup->given.file.rfind('/') + 1));
+        }
+        return names;
+    }
+
+    fi_test::CTemporaryFolder folder;
+    SCall call;
+};
+
+TEST_F(FiRotateSummary, CountsEachStateAndWhatWasReleasedInVain) {
+    call.configuration = "A##x;1&A##y;3;4;5";
+    give("a", "1", {{"A##y", "A##3"}});
+    give("b", "2", {{"A##x", "A##1"}});
+    give("c", "3", {{"A##y", "A##4"}});
+    give("d", "4", {{"A##y", "A##4"}});
+    give("e", "5", {{"A##z", "A##4"}});
+    call.backups.push_back({folder.path("missing"), 0});
+    const STotals totals = fi_rotate::totalsOf(outcomeOf(call));
+    EXPECT_THAT(totals.ofState, ElementsAre(1, 2, 2, 1));
+    EXPECT_EQ(totals.inVain, 1U);
+    EXPECT_EQ(totals.withoutState, 0U);
+}
+
+TEST_F(FiRotateSummary, CountsBackupsWithoutAState) {
+    call.configuration = "A##x;1";
+    give("a", "1", {{"A##x", "A##1"}}, FI_EXCLUDE_ROTATION);
+    EXPECT_EQ(fi_rotate::totalsOf(outcomeOf(call)).withoutState, 1U);
+}
+
+TEST_F(FiRotateSummary, NamesConfigurationsWhoseRestorePointsAreGone) {
+    call.configuration = "A##x;1&A##y;2;3&A##z;4";
+    give("a", "1", {{"A##x", "A##1"}, {"A##y", "A##2"}});
+    give("b", "2", {{"A##y", "A##3"}});
+    EXPECT_THAT(fi_rotate::withoutRestorePoints(outcomeOf(call)), ElementsAre("A##x"));
+}
+
+TEST_F(FiRotateSummary, HasAllRestorePointsWithoutASelection) {
+    call.configuration = "A##x;1&A##y;2";
+    give("a", "1", {{"A##x", "A##1"}});
+    give("b", "2", {{"A##y", "A##2"}}, FI_EXCLUDE_ROTATION);
+    const SOutcome outcome = outcomeOf(call);
+    ASSERT_FALSE(outcome.selection.has_value());
+    EXPECT_EQ(restorePointsOf(outcome).at(0).after, 1U);
+    EXPECT_THAT(fi_rotate::withoutRestorePoints(outcome), IsEmpty());
+}
+
+// From the targets in the reasons, each of which belongs to one configuration only.
+std::size_t countHolders(const SOutcome& outcome, const std::set<std::string>& targets, bool isBefore) {
+    std::size_t count = 0;
+    for (const SBackupOutcome& backup : outcome.backups) {
+        const bool isCounted =
+            backup.state == FI_BACKUP_KEPT || (isBefore && backup.state == FI_BACKUP_ROTATED);
+        bool holds = false;
+        for (const std::string& target :
+             backup.reason.has_value() ? backup.reason->targets : std::vector<std::string>()) {
+            holds = holds || targets.count(target) != 0;
+        }
+        count += isCounted && holds ? 1 : 0;
+    }
+    return count;
+}
+
+TEST_F(FiRotateSummary, CountsRestorePointsOfRandomCalls) {
+    std::size_t counted = 0;
+    std::size_t gone = 0;
+    for (unsigned seed = 0; seed < fi_test::kRandomCalls; ++seed) {
+        SCOPED_TRACE(seed);
+        const SOutcome outcome = outcomeOf(fi_test::CRandomCall(seed, folder).make());
+        if (!outcome.selection.has_value() || !outcome.account.has_value()) {
+            continue;
+        }
+        const std::vector<SRestorePoints> points = restorePointsOf(outcome);
+        const auto& configurations = outcome.account->configurations;
+        ASSERT_TRUE(points.empty() || points.size() == configurations.size());
+        std::multiset<std::string> all;
+        for (const auto& configuration : configurations) {
+            const std::set<std::string> once(configuration.targets.begin(), configuration.targets.end());
+            all.insert(once.begin(), once.end());
+        }
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const auto& names = configurations[i].targets;
+            const std::set<std::string> targets(names.begin(), names.end());
+            const bool isShared =
+                std::any_of(targets.begin(), targets.end(),
+                            [&all](const std::string& name) { return all.count(name) > 1; });
+            if (isShared) {
+                continue;
+            }
+            EXPECT_EQ(points[i].before, countHolders(outcome, targets, true));
+            EXPECT_EQ(points[i].after, countHolders(outcome, targets, false));
+            ++counted;
+            gone += points[i].areAllGone() ? 1 : 0;
+        }
+    }
+    EXPECT_GT(counted, fi_test::kRandomCalls / 10);
+    EXPECT_GT(gone, 0U);
+}
+
+TEST_F(FiRotateSummary, OrdersBackupsAsAskedFor) {
+    call.configuration = "A##x;1;2;3;4";
+    give("invalid", "30", {{"A##z", "A##1"}});
+    give("next", "20", {{"A##x", "A##2"}});
+    give("released", "10", {{"A##x", "A##1"}});
+    give("last", "40", {{"A##x", "A##3"}});
+    give("excluded", "", {{"A##x", "A##4"}}, FI_EXCLUDE_ROTATION);
+    EXPECT_THAT(filesIn(EOrder::kArgument), ElementsAre("invalid", "next", "released", "last", "excluded"));
+    EXPECT_THAT(filesIn(EOrder::kTime), ElementsAre("excluded", "released", "next", "invalid", "last"));
+    EXPECT_THAT(filesIn(EOrder::kRelease), ElementsAre("released", "next", "last", "excluded", "invalid"));
+}
+
+}  // namespace
