@@ -100,7 +100,8 @@ void requireReport(const std::vector<CFindings>& inputs) {
     const fi_rotate::SCounts told = countAll(inputs);
     require(told.errors == counts.errors && told.warnings == counts.warnings,
             "the counts are those of the findings");
-    const std::string text = toText(inputs);
+    constexpr std::size_t kWidth = 40;
+    const std::string text = toText(inputs, kWidth, false);
     require(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) == lines,
             "a report has a line for each finding, two for each excerpt, and one more");
     require(std::none_of(text.begin(), text.end(),
@@ -246,7 +247,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         requirePlaces(findings[i], parts[i]);
     }
     requireReport(findings);
-    require(toText(checkCall(inputs)) == toText(findings), "the same inputs have the same findings");
+    require(toJson(checkCall(inputs)) == toJson(findings), "the same inputs have the same findings");
 
     requireConfigurations(parts.front());
     std::for_each(parts.begin() + 1, parts.end(), requireTree);

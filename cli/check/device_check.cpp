@@ -112,10 +112,10 @@ private:
             isPassed = true;
             reportUnmatched(node, first, further);
         } else if (!held.emplace(*configuration, further).second) {
-            report(EHazard::kTargetHeldTwice, *node.altobjid,
-                   fmt::format("{} is held by another pair of this backup already, which makes the "
-                               "backup invalid",
-                               inQuotes(further)));
+            reportName(EHazard::kTargetHeldTwice, *node.altobjid, further,
+                       fmt::format("{} is held by another pair of this backup already, which makes the "
+                                   "backup invalid",
+                                   inQuotes(further)));
         }
     }
 
@@ -136,13 +136,13 @@ private:
         if (findings.isFull(hazard)) {
             findings.countAnother(hazard);
         } else if (owner.isFirst(first)) {
-            report(hazard, *node.altobjid,
-                   fmt::format("{} is no further target of {}{}", inQuotes(further), inQuotes(first),
-                               suggestion(owner.nearestFurther(first, further))));
+            reportName(hazard, *node.altobjid, further,
+                       fmt::format("{} is no further target of {}{}", inQuotes(further), inQuotes(first),
+                                   suggestion(owner.nearestFurther(first, further))));
         } else {
-            report(hazard, *node.objid,
-                   fmt::format("{} is the first target of no configuration{}", inQuotes(first),
-                               suggestion(owner.nearestFirst(first))));
+            reportName(hazard, *node.objid, first,
+                       fmt::format("{} is the first target of no configuration{}", inQuotes(first),
+                                   suggestion(owner.nearestFirst(first))));
         }
     }
 
@@ -152,6 +152,24 @@ private:
         } else {
             findings.add({hazard, document.spotAt(document.offsetOf(value.place)), std::move(what)});
         }
+    }
+
+    // The same of a name within the identifier.
+    void reportName(EHazard hazard, const SValue& value, const std::string& name, std::string what) {
+        if (findings.isFull(hazard)) {
+            findings.countAnother(hazard);
+        } else {
+            findings.add({hazard, spotOf(value, name), std::move(what)});
+        }
+    }
+
+    // Where `name` stands in the identifier of `value`; where that begins if it is not written there as it
+    // is.
+    [[nodiscard]] SSpot spotOf(const SValue& value, const std::string& name) const {
+        const std::size_t begin = document.offsetOf(value.place);
+        const std::string_view rest = std::string_view(document.content()).substr(begin);
+        const std::size_t found = rest.substr(0, rest.find('<')).rfind(name);
+        return document.spotAt(found == std::string_view::npos ? begin : begin + found);
     }
 
     CDeviceCheck& owner;

@@ -21,9 +21,19 @@ bool isBefore(const SFinding& left, const SFinding& right) {
            std::tie(right.spot.place.line, right.spot.place.column);
 }
 
-// Bytes shown of a line on each side of the place in it.
-constexpr std::size_t kExcerptBefore = 50;
-constexpr std::size_t kExcerptAfter = 30;
+// Bytes kept of a line before the place in it, of the word there, and behind that: more than is ever shown,
+// while a line may be a whole document.
+constexpr std::size_t kMostOnEachSide = 400;
+
+// Bytes of the word at the start of `line`: a tag, a reference, or text up to what ends a target or an
+// element's text.
+std::size_t wordLength(std::string_view line) {
+    const char first = line.empty() ? '\0' : line.front();
+    const bool isMarkup = first == '<' || first == '&';
+    const std::size_t end = isMarkup ? line.find(first == '<' ? '>' : ';') : line.find_first_of("<;&");
+    const std::size_t length = end == std::string_view::npos ? line.size() : end + (isMarkup ? 1 : 0);
+    return std::min(std::max<std::size_t>(length, 1), line.size());
+}
 
 }  // namespace
 
@@ -87,13 +97,21 @@ SSpot CLines::at(std::size_t offset) const {
     const auto next = std::upper_bound(starts.begin(), starts.end(), offset);
     const std::size_t lineBegin = *std::prev(next);
     const std::size_t lineEnd = std::min(text.find_first_of("\r\n", offset), text.size());
+    const std::string_view word = text.substr(offset, wordLength(text.substr(offset, lineEnd - offset)));
     const std::size_t begin =
-        offset - lineBegin <= kExcerptBefore ? lineBegin : characterStart(text, offset - kExcerptBefore);
-    const std::size_t end = std::max(offset, characterStart(text, std::min(lineEnd, offset + kExcerptAfter)));
-    return {{static_cast<std::size_t>(std::distance(starts.begin(), next)),
-             1 + characterCount(text.substr(lineBegin, offset - lineBegin))},
-            std::string(text.substr(begin, end - begin)),
-            offset - begin};
+        offset - lineBegin <= kMostOnEachSide ? lineBegin : characterStart(text, offset - kMostOnEachSide);
+    const std::size_t farthest = offset + std::min(word.size(), kMostOnEachSide) + kMostOnEachSide;
+    const std::size_t end = farthest >= lineEnd ? lineEnd : characterStart(text, farthest);
+
+    SSpot spot;
+    spot.place = {static_cast<std::size_t>(std::distance(starts.begin(), next)),
+                  1 + characterCount(text.substr(lineBegin, offset - lineBegin))};
+    spot.excerpt = text.substr(begin, end - begin);
+    spot.caret = offset - begin;
+    spot.wordLength = std::min(word.size(), end - offset);
+    spot.isCutBefore = begin > lineBegin;
+    spot.isCutAfter = end < lineEnd;
+    return spot;
 }
 
 std::size_t CLines::offsetOf(SPlace place) const {

@@ -23,6 +23,11 @@ struct SSpot {
     // The part of its line that the place is in, and the bytes of it before the place; may be empty.
     std::string excerpt;
     std::size_t caret = 0;
+    // Bytes at the place that belong together, as a target, a tag or the text of an element do.
+    std::size_t wordLength = 0;
+    // More of the line stands before the excerpt, and behind it.
+    bool isCutBefore = false;
+    bool isCutAfter = false;
 };
 
 // Finds the places of bytes in a text, whose lines end in a line feed, a carriage return, or both.

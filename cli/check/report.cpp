@@ -1,27 +1,40 @@
 #include "cli/check/report.h"
 
+#include <algorithm>
+
+#include <fmt/color.h>
 #include <fmt/format.h>
 
-#include "cli/base/columns.h"
 #include "cli/base/json.h"
 #include "cli/base/text.h"
+#include "cli/check/excerpt.h"
 
 namespace fi_rotate {
 namespace {
+
+// Of lines that belong to the one before them.
+constexpr std::size_t kIndent = 4;
 
 std::string countOf(std::size_t count, const char* thing) {
     return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing, count == 1 ? "" : "s");
 }
 
-std::string lineOf(const std::string& input, const SFinding& finding) {
+// Red for what is wrong and yellow for what need not be, as states of backups have them.
+std::string severityWord(ESeverity severity, bool colour) {
+    const std::string word(nameOf(severity));
+    const auto style =
+        fmt::fg(severity == ESeverity::kError ? fmt::terminal_color::red : fmt::terminal_color::yellow);
+    return colour ? fmt::format(style, "{}", word) : word;
+}
+
+std::string lineOf(const std::string& input, const SFinding& finding, std::size_t width, bool colour) {
     const SHazardKind& kind = kindOf(finding.hazard);
     const SPlace place = finding.spot.place;
     std::string text = fmt::format("{}:{}:{}: {}: {} [{}]\n", asPrintable(input), place.line, place.column,
-                                   nameOf(kind.severity), asPrintable(finding.text), kind.name);
+                                   severityWord(kind.severity, colour), asPrintable(finding.text), kind.name);
     if (!finding.spot.excerpt.empty()) {
-        const std::string before = asPrintable(finding.spot.excerpt.substr(0, finding.spot.caret));
-        text +=
-            fmt::format("    {}\n    {:{}}^\n", asPrintable(finding.spot.excerpt), "", displayWidth(before));
+        const SShownExcerpt shown = showExcerpt(finding.spot, width - std::min(width, kIndent));
+        text += fmt::format("{0:{1}}{2}\n{0:{3}}^\n", "", kIndent, shown.line, kIndent + shown.caret);
     }
     return text;
 }
@@ -52,11 +65,11 @@ SCounts countAll(const std::vector<CFindings>& inputs) {
     return counts;
 }
 
-std::string toText(const std::vector<CFindings>& inputs) {
+std::string toText(const std::vector<CFindings>& inputs, std::size_t width, bool colour) {
     std::string text;
     for (const CFindings& findings : inputs) {
         for (const SFinding& finding : findings.inOrder()) {
-            text += lineOf(findings.input(), finding);
+            text += lineOf(findings.input(), finding, width, colour);
         }
     }
     const SCounts counts = countAll(inputs);

@@ -16,8 +16,8 @@ struct SCounts {
 SCounts countAll(const std::vector<CFindings>& inputs);
 
 // A line for each finding, with the line of the input under it where that can be shown, and one that counts
-// them. `inputs` are those of checkCall.
-std::string toText(const std::vector<CFindings>& inputs);
+// them. `inputs` are those of checkCall; lines of the input keep to `width` columns.
+std::string toText(const std::vector<CFindings>& inputs, std::size_t width, bool colour);
 
 // The same as one JSON document with a line end.
 std::string toJson(const std::vector<CFindings>& inputs);

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/base/terminal.h"
 #include "cli/base/text.h"
 #include "cli/check/call_check.h"
 #include "cli/check/hazard.h"
@@ -75,7 +76,8 @@ int runCheck(const SOptions& options) {
         return printOrReport(paragraphOn(*options.explained)) ? kExitDone : kExitNotWritten;
     }
     const std::vector<CFindings> found = checkCall(inputsOf(options));
-    const bool isWritten = printOrReport(options.json ? toJson(found) : toText(found));
+    const bool isWritten =
+        printOrReport(options.json ? toJson(found) : toText(found, widthOfOutput(), wantsColour()));
     return isWritten ? exitStatusOf(countAll(found)) : kExitNotWritten;
 }
 

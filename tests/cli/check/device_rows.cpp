@@ -96,7 +96,7 @@ std::vector<SCheckRow> deviceRows() {
          of(node("UDID##v##m##encA##lun1", "none") + "\n" + device("encA##lun0", "encA##snap1")),
          {"d:2:54: error: malformed identifier \"none\": it holds neither UDID## nor UEID## (code "
           "2); it is not looked at, for a pair before it matches nothing [malformed-identifier]",
-          "d:3:14: error: \"encA##lun0\" is the first target of no configuration; the nearest is "
+          "d:3:26: error: \"encA##lun0\" is the first target of no configuration; the nearest is "
           "\"encA##lun1\" [pair-matches-nothing]"},
          clean},
         {"two targets for an objid",
@@ -109,25 +109,25 @@ std::vector<SCheckRow> deviceRows() {
         {"a first target that is not configured",
          EHazard::kPairMatchesNothing,
          of(device("ENCA##LUN1", "encA##snap1")),
-         {"d:2:14: error: \"ENCA##LUN1\" is the first target of no configuration; the nearest is "
+         {"d:2:26: error: \"ENCA##LUN1\" is the first target of no configuration; the nearest is "
           "\"encA##lun1\" [pair-matches-nothing]"},
          clean},
         {"a further target of another configuration",
          EHazard::kPairMatchesNothing,
          of(device("encA##lun2", "encA##snap1")),
-         {"d:2:54: error: \"encA##snap1\" is no further target of \"encA##lun2\"; the nearest is "
+         {"d:2:66: error: \"encA##snap1\" is no further target of \"encA##lun2\"; the nearest is "
           "\"encA##snap3\" [pair-matches-nothing]"},
          of(device("encA##lun2", "encA##snap3"))},
         {"nothing like it is configured",
          EHazard::kPairMatchesNothing,
          of(device("rack7##volume", "encA##snap1")),
-         {"d:2:14: error: \"rack7##volume\" is the first target of no configuration "
+         {"d:2:26: error: \"rack7##volume\" is the first target of no configuration "
           "[pair-matches-nothing]"},
          clean},
         {"white space around an identifier",
          EHazard::kPairMatchesNothing,
          of(node("UDID##v##m##encA##lun1", "\n      UDID##v##m##encA##snap2\n")),
-         {"d:2:54: error: \"encA##snap2\n\" is no further target of \"encA##lun1\"; the nearest is "
+         {"d:3:19: error: \"encA##snap2\n\" is no further target of \"encA##lun1\"; the nearest is "
           "\"encA##snap2\" [pair-matches-nothing]"},
          clean},
         {"a configuration that was lost",
@@ -136,14 +136,14 @@ std::vector<SCheckRow> deviceRows() {
           {{"d", "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
          {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 "
           "are lost, configuration 1 is used [configuration-rejected]",
-          "d:1:44: error: \"encA##lun2\" is the first target of no configuration; the nearest is "
+          "d:1:56: error: \"encA##lun2\" is the first target of no configuration; the nearest is "
           "\"encA##lun1\" [pair-matches-nothing]"},
          clean},
         {"one target, two spellings of its device",
          EHazard::kTargetHeldTwice,
          of(device("encA##lun1", "encA##snap1") + "\n" +
             node("UDID##w##m##encA##lun1", "UDID##v##m##encA##snap1")),
-         {"d:3:54: error: \"encA##snap1\" is held by another pair of this backup already, which "
+         {"d:3:66: error: \"encA##snap1\" is held by another pair of this backup already, which "
           "makes the backup invalid [target-held-twice]"},
          of(device("encA##lun1", "encA##snap1") + "\n" +
             node("UDID##w##m##encA##lun1", "UDID##v##m##encA##snap2"))},

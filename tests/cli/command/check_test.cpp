@@ -36,11 +36,26 @@ TEST(FiRotateCheck, FindsInTheExamplesTheDeviceThatIsNoLongerConfiguredAndNothin
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(result.output,
               example("backup-2026-10-02.xml") +
-                  ":19:14: error: \"ENC-A##VOL-0013\" is the first target of no configuration; the "
+                  ":19:38: error: \"ENC-A##VOL-0013\" is the first target of no configuration; the "
                   "nearest is \"ENC-A##VOL-0011\" [pair-matches-nothing]\n"
-                  "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A#\n"
-                  "                 ^\n"
+                  "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
+                  "                                         ^\n"
                   "1 error, no warnings; checked the configuration and 8 documents\n");
+}
+
+// A carriage return before each line end is the terminal's.
+TEST(FiRotateCheck, HasTheColoursOfStatesOnATerminalUnlessNobodyWantsThem) {
+    if (!fi_test::hasTerminals()) {
+        GTEST_SKIP() << fi_test::kNoTerminals;
+    }
+    const std::vector<std::string> error{"check", "--config", "encA##lun1"};
+    EXPECT_THAT(fi_test::runFiRotateOnTerminal(error).output,
+                StartsWith("--config:1:1: \x1B[31merror\x1B[0m: \"encA##lun1\" has no further targets"));
+    EXPECT_THAT(fi_test::runFiRotateOnTerminal({"check", "--config", "encA##lun1; snap1"}).output,
+                StartsWith("--config:1:12: \x1B[33mwarning\x1B[0m: "));
+    EXPECT_THAT(fi_test::runFiRotateOnTerminal(error, {"NO_COLOR=1"}).output,
+                StartsWith("--config:1:1: error: "));
+    EXPECT_THAT(runFiRotate(error).output, StartsWith("--config:1:1: error: "));
 }
 
 TEST(FiRotateCheck, IsSilentAndSucceedsOnCleanInputs) {
@@ -69,7 +84,7 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
         nlohmann::json{{"findings",
                         {{{"file", example("backup-2026-10-02.xml")},
                           {"line", 19},
-                          {"column", 14},
+                          {"column", 38},
                           {"severity", "error"},
                           {"name", "pair-matches-nothing"},
                           {"text",
