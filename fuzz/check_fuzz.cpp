@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -87,12 +88,31 @@ void requirePlaces(const CFindings& findings, const std::string& input) {
     }
 }
 
+std::set<fi_rotate::SCause> causesAmong(const std::vector<CFindings>& inputs) {
+    std::set<fi_rotate::SCause> causes;
+    for (const CFindings& findings : inputs) {
+        for (const SFinding& finding : findings.inOrder()) {
+            if (!finding.cause.has_value()) {
+                causes.insert({findings.input(), finding.hazard});
+            }
+        }
+    }
+    return causes;
+}
+
 void requireReport(const std::vector<CFindings>& inputs) {
     std::size_t lines = 1;
     fi_rotate::SCounts counts;
+    const std::set<fi_rotate::SCause> causes = causesAmong(inputs);
+    std::set<std::pair<fi_rotate::SCause, bool>> folds;
     for (const CFindings& findings : inputs) {
         for (const SFinding& finding : findings.inOrder()) {
-            lines += finding.spot.excerpt.empty() ? 1 : 3;
+            if (finding.cause.has_value()) {
+                require(causes.count(*finding.cause) != 0, "a cause was found and has none itself");
+                folds.insert({*finding.cause, finding.cause->hazard == finding.hazard});
+            } else {
+                lines += finding.spot.excerpt.empty() ? 1 : 3;
+            }
             const bool isError = kindOf(finding.hazard).severity == fi_rotate::ESeverity::kError;
             (isError ? counts.errors : counts.warnings) += finding.count;
         }
@@ -102,8 +122,10 @@ void requireReport(const std::vector<CFindings>& inputs) {
             "the counts are those of the findings");
     constexpr std::size_t kWidth = 40;
     const std::string text = toText(inputs, kWidth, false);
-    require(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) == lines,
-            "a report has a line for each finding, two for each excerpt, and one more");
+    require(
+        static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) == lines + folds.size(),
+        "a report has a line for each finding without a cause, two for each excerpt, one for what follows "
+        "from a cause, one for what repeats it, and one more");
     require(std::none_of(text.begin(), text.end(),
                          [](char character) {
                              const auto byte = static_cast<unsigned char>(character);
@@ -166,7 +188,7 @@ void requireTree(const std::string& bytes) {
 
 void requireConfigurations(const std::string& text) {
     CFindings findings("");
-    const std::vector<fi_rotate::SConfiguration> used = checkConfiguration(text, findings);
+    const std::vector<fi_rotate::SConfiguration> used = checkConfiguration(text, findings).used;
     CFiResourceParser parser;
     parser.parse(text.c_str());
     require(used.size() == parser.configurations.size(), "configurations are those of the library");

@@ -26,6 +26,8 @@ namespace {
 struct SStamp {
     std::string text;
     SSpot spot;
+    // Why it may be another than was written.
+    std::optional<SCause> cause;
     // Borrowed: those of its document.
     CFindings* findings = nullptr;
 };
@@ -65,7 +67,8 @@ void checkForms(const std::vector<SStamp>& stamps) {
                 {EHazard::kMixedTimeStamps, stamp.spot,
                  fmt::format("the time stamp {} differs in {} from {} of {}", inQuotes(stamp.text),
                              stamp.text.size() == form.size() ? "form" : "width", inQuotes(pattern.text),
-                             pattern.findings->input())});
+                             pattern.findings->input()),
+                 stamp.cause});
         }
     }
 }
@@ -78,7 +81,8 @@ void checkEquals(const std::vector<SStamp>& stamps) {
             stamp.findings->add({EHazard::kEqualTimeStamps, stamp.spot,
                                  fmt::format("the time stamp {} is that of {} too; which of them "
                                              "counts as the newer is undefined",
-                                             inQuotes(stamp.text), entry->second->findings->input())});
+                                             inQuotes(stamp.text), entry->second->findings->input()),
+                                 stamp.cause});
         }
     }
 }
@@ -100,8 +104,7 @@ public:
         // Stamps borrow findings, so these stay where they are.
         all.reserve(inputs.files.size() + 1);
         all.emplace_back(inputs.configurationName);
-        const std::vector<SConfiguration> used = checkConfiguration(inputs.configuration, all.front());
-        CDeviceCheck devices(used);
+        CDeviceCheck devices(checkConfiguration(inputs.configuration, all.front()), inputs.configurationName);
         const CXmlLibrary library;
         for (std::size_t i = 0; i < inputs.files.size(); ++i) {
             all.emplace_back(inputs.files[i]);
@@ -171,8 +174,11 @@ private:
         const SDocumentTree tree = readTree(document, EForeign::kReadAsEmpty, findings);
         devices.check(tree, document, findings);
         if (tree.timeStamp.has_value() && !tree.timeStamp->text.empty()) {
-            stamps.push_back(
-                {tree.timeStamp->text, document.spotAt(document.offsetOf(tree.timeStamp->place)), &findings});
+            const SValue& stamp = *tree.timeStamp;
+            const auto cause = stamp.distortedBy.has_value()
+                                   ? std::optional<SCause>({findings.input(), *stamp.distortedBy})
+                                   : std::nullopt;
+            stamps.push_back({stamp.text, document.spotAt(document.offsetOf(stamp.place)), cause, &findings});
         }
     }
 

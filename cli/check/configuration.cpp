@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "cli/base/text.h"
+#include "cli/check/document_text.h"
 
 namespace fi_rotate {
 namespace {
@@ -94,6 +95,8 @@ struct SFault {
     // In the text as it was given.
     std::size_t offset = 0;
     std::string text;
+    // What is malformed, as it is written.
+    std::string target;
 };
 
 // What the library makes of a configuration.
@@ -103,6 +106,10 @@ struct SReading {
     std::size_t count = 0;
     // What the first lost one is lost for.
     std::optional<SFault> fault;
+    // Those of the lost ones whose first target can be read, with as many of the others as can.
+    std::vector<SConfiguration> lost;
+    // The first targets of the others.
+    std::vector<std::string> malformed;
 };
 
 // Reads one target. `carried` is the enclosure of the target before it.
@@ -130,13 +137,14 @@ std::optional<SFault> parseConfiguration(const CConfigurationText& text, const S
                                          SConfiguration& configuration) {
     const std::vector<SPiece> targets = text.split(piece, ";");
     if (targets.empty()) {
-        return SFault{piece.offset, inQuotes(piece.text) + " has no targets"};
+        return SFault{piece.offset, inQuotes(piece.text) + " has no targets", std::string(piece.text)};
     }
     std::string carried;
     for (std::size_t i = 0; i < targets.size(); ++i) {
         SConfiguredTarget target = parseTarget(targets[i], carried);
         if (const auto fault = faultOf(target, i == 0)) {
-            return SFault{targets[i].offset, inQuotes(targets[i].text) + " " + *fault};
+            return SFault{targets[i].offset, inQuotes(targets[i].text) + " " + *fault,
+                          std::string(targets[i].text)};
         }
         carried = target.enclosure;
         if (i == 0) {
@@ -154,13 +162,56 @@ SReading parse(const CConfigurationText& text) {
     reading.count = pieces.size();
     for (const SPiece& piece : pieces) {
         SConfiguration configuration;
-        reading.fault = parseConfiguration(text, piece, configuration);
-        if (reading.fault.has_value()) {
-            break;
+        const std::optional<SFault> fault = parseConfiguration(text, piece, configuration);
+        if (!reading.fault.has_value()) {
+            reading.fault = fault;
         }
-        reading.used.push_back(std::move(configuration));
+        if (!reading.fault.has_value()) {
+            reading.used.push_back(std::move(configuration));
+        } else if (!configuration.first.device.empty()) {
+            reading.lost.push_back(std::move(configuration));
+        } else if (fault.has_value()) {
+            reading.malformed.push_back(fault->target);
+        }
     }
     return reading;
+}
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr const char* kBlanks = " \t";
+
+// The encoding that a mark at the start of `text` tells, if its characters are wider than a byte.
+std::optional<std::string_view> wideMark(std::string_view text) {
+    const bool hasMark = startsWith(text, "\xFE\xFF") || startsWith(text, "\xFF\xFE");
+    return hasMark ? wideEncoding(text) : std::nullopt;
+}
+
+std::string withoutMark(const std::string& name) {
+    return startsWith(name, kByteOrderMark) ? name.substr(kByteOrderMark.size()) : name;
+}
+
+std::string withoutBlanks(const std::string& name) {
+    const std::size_t begin = std::min(name.find_first_not_of(kBlanks), name.size());
+    return name.substr(begin, name.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+// `configuration` with other names.
+template <typename Change>
+SConfiguration changed(SConfiguration configuration, const Change& change) {
+    const auto apply = [&change](SConfiguredTarget& target) {
+        target.enclosure = change(target.enclosure);
+        target.device = change(target.device);
+    };
+    apply(configuration.first);
+    std::for_each(configuration.further.begin(), configuration.further.end(), apply);
+    return configuration;
+}
+
+bool isCopy(const SConfiguration& left, const SConfiguration& right) {
+    return left.first.name() == right.first.name() &&
+           std::equal(
+               left.further.begin(), left.further.end(), right.further.begin(), right.further.end(),
+               [](const SConfiguredTarget& a, const SConfiguredTarget& b) { return a.name() == b.name(); });
 }
 
 // "configuration 3", "configurations 3 to 5".
@@ -171,11 +222,12 @@ std::string range(std::size_t first, std::size_t last) {
 
 class CConfigurationCheck {
 public:
-    CConfigurationCheck(const CConfigurationText& given, CFindings& receiver)
-        : text(given), findings(receiver) {}
+    CConfigurationCheck(const std::string& whole, const CConfigurationText& given, CFindings& receiver)
+        : bytes(whole), text(given), reading(parse(given)), findings(receiver) {}
 
-    void run(const SReading& reading) {
-        reportRejection(reading);
+    SConfigurations run() {
+        checkBytes();
+        checkReading();
         const std::vector<SConfiguration>& used = reading.used;
         for (std::size_t i = 0; i < used.size(); ++i) {
             checkFirst(i, used[i]);
@@ -185,32 +237,108 @@ public:
                 checkFurther(i, target);
             }
         }
-    }
-
-    void report(EHazard hazard, std::size_t offset, const std::string& what) {
-        if (findings.isFull(hazard)) {
-            findings.countAnother(hazard);
-        } else {
-            findings.add(text.findingAt(hazard, offset, what));
-        }
+        gatherUnread();
+        return {std::move(reading.used), std::move(unread)};
     }
 
 private:
-    void reportRejection(const SReading& reading) {
+    void report(EHazard hazard, std::size_t offset, const std::string& what,
+                const std::optional<EHazard>& causedBy = std::nullopt) {
+        const auto cause =
+            causedBy.has_value() ? std::optional<SCause>({findings.input(), *causedBy}) : std::nullopt;
+        if (findings.isFull(hazard, cause)) {
+            findings.countAnother(hazard, cause);
+        } else {
+            SFinding finding = text.findingAt(hazard, offset, what);
+            finding.cause = cause;
+            findings.add(std::move(finding));
+        }
+    }
+
+    void checkBytes() {
+        if (const auto encoding = wideMark(bytes)) {
+            report(
+                EHazard::kUtf16, 0,
+                fmt::format("the configuration is written in {}, of which nothing behind the first NUL byte "
+                            "is read; write it in UTF-8",
+                            *encoding));
+            cut = EHazard::kUtf16;
+        } else if (startsWith(bytes, kByteOrderMark)) {
+            report(EHazard::kByteOrderMark, 0,
+                   "a byte-order mark becomes part of the name of the first enclosure, so that no backup "
+                   "matches it; save the configuration without the mark");
+        }
+        if (const std::size_t nul = bytes.find('\0'); nul != std::string::npos) {
+            report(EHazard::kNulByte, nul, "a NUL byte ends the configuration here", cut);
+            cut = cut.value_or(EHazard::kNulByte);
+        }
+    }
+
+    // What is wrong with the last configuration may be so because the text is cut behind it.
+    [[nodiscard]] std::optional<EHazard> causeAt(std::size_t index) const {
+        return index + 1 >= reading.count ? cut : std::nullopt;
+    }
+
+    void checkReading() {
         if (reading.count == 0) {
             report(EHazard::kNoConfiguration, 0,
-                   "there is no configuration; the call succeeds with an empty selection");
+                   "there is no configuration; the call succeeds with an empty selection", cut);
+            unread.addAll(cut.value_or(EHazard::kNoConfiguration));
         }
-        if (!reading.fault.has_value()) {
-            return;
+        if (reading.fault.has_value()) {
+            reportRejection(*reading.fault);
         }
+    }
+
+    void reportRejection(const SFault& fault) {
         const std::size_t used = reading.used.size();
         const std::string lost =
             range(used + 1, reading.count) + (used + 1 == reading.count ? " is lost, " : " are lost, ");
         const std::string left = used == 0 ? "none is left and the call succeeds with an empty selection"
                                            : range(1, used) + (used == 1 ? " is used" : " are used");
-        report(EHazard::kConfigurationRejected, reading.fault->offset,
-               "configuration rejected: " + reading.fault->text + "; " + lost + left);
+        const bool isComment = startsWith(fault.target, "#");
+        const bool isMark = fault.target == kByteOrderMark;
+        report(EHazard::kConfigurationRejected, fault.offset,
+               "configuration rejected: " + fault.text + (isComment ? " (there are no comments)" : "") +
+                   "; " + lost + left,
+               isMark ? EHazard::kByteOrderMark : causeAt(used));
+    }
+
+    // The causes that come first are those that are told of a target.
+    void gatherUnread() {
+        if (cut == EHazard::kUtf16) {
+            unread.addAll(EHazard::kUtf16);
+        }
+        if (startsWith(bytes, kByteOrderMark) && !reading.used.empty()) {
+            unread.add(changed(reading.used.front(), withoutMark), EHazard::kByteOrderMark);
+        }
+        if (cut == EHazard::kNulByte) {
+            gatherBehindNul();
+        }
+        const EHazard rejection = causeAt(reading.used.size()).value_or(EHazard::kConfigurationRejected);
+        for (const SConfiguration& lost : reading.lost) {
+            unread.add(lost, rejection);
+        }
+        for (const std::string& target : reading.malformed) {
+            unread.addMalformed(target, rejection);
+        }
+        if (findings.has(EHazard::kBlankInTarget)) {
+            for (const SConfiguration& configuration : reading.used) {
+                unread.add(changed(configuration, withoutBlanks), EHazard::kBlankInTarget);
+            }
+        }
+    }
+
+    // What would have been read without the NUL bytes.
+    void gatherBehindNul() {
+        std::string whole = bytes;
+        whole.erase(std::remove(whole.begin(), whole.end(), '\0'), whole.end());
+        const SReading meant = parse(CConfigurationText(whole));
+        for (const auto* const configurations : {&meant.used, &meant.lost}) {
+            for (const SConfiguration& configuration : *configurations) {
+                unread.add(configuration, EHazard::kNulByte);
+            }
+        }
     }
 
     void checkFirst(std::size_t index, const SConfiguration& configuration) {
@@ -222,9 +350,12 @@ private:
                        range(earlier->second + 1, earlier->second + 1) + " too");
         }
         if (configuration.further.empty()) {
+            const auto cause = causeAt(index);
             report(
                 EHazard::kNoFurtherTargets, first.offset,
-                inQuotes(first.name()) + " has no further targets, so that every call fails for want of one");
+                inQuotes(first.name()) + " has no further targets, so that every call fails for want of one",
+                cause);
+            unread.addTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
         }
         checkBlanks(first);
     }
@@ -241,9 +372,12 @@ private:
             report(EHazard::kTargetRepeated, target.offset,
                    inQuotes(name) + " stands in its configuration already");
         } else if (!isNew) {
-            report(EHazard::kTargetInTwoConfigurations, target.offset,
-                   inQuotes(name) + " stands in " + range(earlier->second + 1, earlier->second + 1) +
-                       " already");
+            report(
+                EHazard::kTargetInTwoConfigurations, target.offset,
+                inQuotes(name) + " stands in " + range(earlier->second + 1, earlier->second + 1) + " already",
+                isCopy(reading.used[earlier->second], reading.used[index])
+                    ? std::optional<EHazard>(EHazard::kDeviceConfiguredTwice)
+                    : std::nullopt);
             earlier->second = index;
         }
         checkBlanks(target);
@@ -251,7 +385,6 @@ private:
 
     void checkBlanks(const SConfiguredTarget& target) {
         const auto hasBlank = [](const std::string& name) {
-            constexpr const char* kBlanks = " \t";
             return !name.empty() && (std::strchr(kBlanks, name.front()) != nullptr ||
                                      std::strchr(kBlanks, name.back()) != nullptr);
         };
@@ -261,8 +394,13 @@ private:
         }
     }
 
+    const std::string& bytes;
     const CConfigurationText& text;
+    SReading reading;
     CFindings& findings;
+    // What cuts the text off.
+    std::optional<EHazard> cut;
+    CUnread unread;
     // Names of targets and the last configuration, counted from 0, that holds them.
     std::unordered_map<std::string, std::size_t> firsts;
     std::unordered_map<std::string, std::size_t> furthers;
@@ -270,15 +408,9 @@ private:
 
 }  // namespace
 
-std::vector<SConfiguration> checkConfiguration(const std::string& text, CFindings& findings) {
+SConfigurations checkConfiguration(const std::string& text, CFindings& findings) {
     const CConfigurationText given(text);
-    CConfigurationCheck check(given, findings);
-    if (const std::size_t nul = text.find('\0'); nul != std::string::npos) {
-        check.report(EHazard::kNulByte, nul, "a NUL byte ends the configuration here");
-    }
-    SReading reading = parse(given);
-    check.run(reading);
-    return std::move(reading.used);
+    return CConfigurationCheck(text, given, findings).run();
 }
 
 }  // namespace fi_rotate

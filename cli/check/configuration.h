@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/check/findings.h"
+#include "cli/check/unread.h"
 
 namespace fi_rotate {
 
@@ -25,8 +26,13 @@ struct SConfiguration {
     std::vector<SConfiguredTarget> further;
 };
 
-// The configurations of `text` that the library uses: all of them, or those before the first malformed one.
-// What is wrong is added to `findings`.
-std::vector<SConfiguration> checkConfiguration(const std::string& text, CFindings& findings);
+struct SConfigurations {
+    // Those that the library uses: all of them, or those before the first malformed one.
+    std::vector<SConfiguration> used;
+    CUnread unread;
+};
+
+// What is wrong with `text` is added to `findings`.
+SConfigurations checkConfiguration(const std::string& text, CFindings& findings);
 
 }  // namespace fi_rotate

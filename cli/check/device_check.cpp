@@ -69,13 +69,16 @@ public:
     }
 
 private:
+    using Cause = std::optional<EHazard>;
+
     // Later Nodes replace earlier ones with the same objid.
     void gather(const SNode& node) {
         if (!isDevice(node)) {
             if (holdsIdentifier(altobjidOf(node))) {
                 report(EHazard::kUnusedAltobjid, *node.altobjid,
                        "the altobjid " + inQuotes(node.altobjid->text) +
-                           " is not used: the objid of its Node holds no UDID##");
+                           " is not used: the objid of its Node holds no UDID##",
+                       firstOf(distortionOf(node.altobjid), distortionOf(node.objid), node.objidLostTo));
             }
             return;
         }
@@ -83,7 +86,8 @@ private:
         if (!isNew && altobjidOf(*entry->second) != altobjidOf(node)) {
             report(EHazard::kSameObjid, *node.objid,
                    fmt::format("an earlier Node has the objid {} too; its altobjid {} is lost",
-                               inQuotes(node.objid->text), inQuotes(altobjidOf(*entry->second))));
+                               inQuotes(node.objid->text), inQuotes(altobjidOf(*entry->second))),
+                   firstOf(distortionOf(node.objid), distortionOf(entry->second->objid)));
         }
         entry->second = &node;
     }
@@ -97,7 +101,8 @@ private:
         if (altobjidOf(node).empty()) {
             report(
                 EHazard::kNoAltobjid, *node.objid,
-                fmt::format("the device {} has no altobjid; {}", inQuotes(node.objid->text), consequence()));
+                fmt::format("the device {} has no altobjid; {}", inQuotes(node.objid->text), consequence()),
+                firstOf(distortionOf(node.altobjid), node.altobjidLostTo));
         } else if (value.fault.has_value()) {
             reportMalformed(*node.altobjid, *value.fault);
         }
@@ -112,17 +117,20 @@ private:
             isPassed = true;
             reportUnmatched(node, first, further);
         } else if (!held.emplace(*configuration, further).second) {
-            reportName(EHazard::kTargetHeldTwice, *node.altobjid, further,
-                       fmt::format("{} is held by another pair of this backup already, which makes the "
-                                   "backup invalid",
-                                   inQuotes(further)));
+            const auto cause = here(firstOf(distortionOf(node.altobjid), distortionOf(node.objid)));
+            add(EHazard::kTargetHeldTwice, spotOf(*node.altobjid, further),
+                fmt::format("{} is held by another pair of this backup already, which makes the "
+                            "backup invalid",
+                            inQuotes(further)),
+                cause);
         }
     }
 
     void reportMalformed(const SValue& value, std::int32_t fault) {
         report(EHazard::kMalformedIdentifier, value,
                fmt::format("malformed identifier {}: {} (code {}); {}", inQuotes(value.text),
-                           identifierFault(fault), fault, consequence()));
+                           identifierFault(fault), fault, consequence()),
+               value.distortedBy);
     }
 
     // The library looks at pairs up to the first that matches nothing.
@@ -133,34 +141,53 @@ private:
 
     void reportUnmatched(const SNode& node, const std::string& first, const std::string& further) {
         const EHazard hazard = EHazard::kPairMatchesNothing;
-        if (findings.isFull(hazard)) {
-            findings.countAnother(hazard);
-        } else if (owner.isFirst(first)) {
-            reportName(hazard, *node.altobjid, further,
-                       fmt::format("{} is no further target of {}{}", inQuotes(further), inQuotes(first),
-                                   suggestion(owner.nearestFurther(first, further))));
+        const bool isFirst = owner.isFirst(first);
+        auto cause = here(firstOf(distortionOf(node.objid), distortionOf(node.altobjid)));
+        if (!cause.has_value()) {
+            const Cause unread = isFirst ? owner.unread.causeOf(first, further) : owner.unread.causeOf(first);
+            cause = causeIn(owner.configurationName, unread);
+        }
+        if (findings.isFull(hazard, cause)) {
+            findings.countAnother(hazard, cause);
+            return;
+        }
+        const std::string text =
+            isFirst ? fmt::format("{} is no further target of {}{}", inQuotes(further), inQuotes(first),
+                                  suggestion(owner.nearestFurther(first, further)))
+                    : fmt::format("{} is the first target of no configuration{}", inQuotes(first),
+                                  suggestion(owner.nearestFirst(first)));
+        if (!cause.has_value()) {
+            const std::string& sayer = owner.said.emplace(text, findings.input()).first->second;
+            cause = sayer == findings.input() ? std::nullopt : std::optional<SCause>({sayer, hazard});
+        }
+        add(hazard, isFirst ? spotOf(*node.altobjid, further) : spotOf(*node.objid, first), text, cause);
+    }
+
+    static Cause distortionOf(const std::optional<SValue>& value) {
+        return value.has_value() ? value->distortedBy : std::nullopt;
+    }
+
+    static Cause firstOf(const Cause& first, const Cause& second, const Cause& third = std::nullopt) {
+        return first.has_value() ? first : second.has_value() ? second : third;
+    }
+
+    static std::optional<SCause> causeIn(const std::string& input, const Cause& cause) {
+        return cause.has_value() ? std::optional<SCause>({input, *cause}) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<SCause> here(const Cause& cause) const {
+        return causeIn(findings.input(), cause);
+    }
+
+    void report(EHazard hazard, const SValue& value, std::string what, const Cause& cause) {
+        if (findings.isFull(hazard, here(cause))) {
+            findings.countAnother(hazard, here(cause));
         } else {
-            reportName(hazard, *node.objid, first,
-                       fmt::format("{} is the first target of no configuration{}", inQuotes(first),
-                                   suggestion(owner.nearestFirst(first))));
+            add(hazard, document.spotAt(document.offsetOf(value.place)), std::move(what), here(cause));
         }
     }
 
-    void report(EHazard hazard, const SValue& value, std::string what) {
-        if (findings.isFull(hazard)) {
-            findings.countAnother(hazard);
-        } else {
-            findings.add({hazard, document.spotAt(document.offsetOf(value.place)), std::move(what)});
-        }
-    }
-
-    // The same of a name within the identifier.
-    void reportName(EHazard hazard, const SValue& value, const std::string& name, std::string what) {
-        if (findings.isFull(hazard)) {
-            findings.countAnother(hazard);
-        } else {
-            findings.add({hazard, spotOf(value, name), std::move(what)});
-        }
+    void add(EHazard hazard, SSpot spot, std::string what, std::optional<SCause> cause) {
+        findings.add({hazard, std::move(spot), std::move(what), std::move(cause)});
     }
 
     // Where `name` stands in the identifier of `value`; where that begins if it is not written there as it
@@ -183,8 +210,9 @@ private:
     std::set<std::pair<std::size_t, std::string>> held;
 };
 
-CDeviceCheck::CDeviceCheck(const std::vector<SConfiguration>& configurations) {
-    for (const SConfiguration& configuration : configurations) {
+CDeviceCheck::CDeviceCheck(SConfigurations configurations, std::string inputName)
+    : unread(std::move(configurations.unread)), configurationName(std::move(inputName)) {
+    for (const SConfiguration& configuration : configurations.used) {
         SIndexed row;
         row.first = configuration.first.name();
         for (const SConfiguredTarget& target : configuration.further) {

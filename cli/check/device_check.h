@@ -18,7 +18,8 @@ namespace fi_rotate {
 // Looks for the targets that backups hold, as the library does. One serves all documents of a call.
 class CDeviceCheck {
 public:
-    explicit CDeviceCheck(const std::vector<SConfiguration>& configurations);
+    // `inputName` is what the configuration is called in a report.
+    CDeviceCheck(SConfigurations configurations, std::string inputName);
 
     // What is wrong with the devices of `tree`, which was read from `document`, is added to `findings`.
     void check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings);
@@ -40,10 +41,14 @@ private:
     std::string nearestFirst(const std::string& name);
     std::string nearestFurther(const std::string& first, const std::string& name);
 
+    CUnread unread;
+    std::string configurationName;
     std::vector<SIndexed> indexed;
     std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
     // What was looked for before; the first of a pair is empty for first targets.
     std::map<std::pair<std::string, std::string>, std::string> known;
+    // What was said of pairs that match nothing, and of which document first.
+    std::unordered_map<std::string, std::string> said;
 };
 
 }  // namespace fi_rotate

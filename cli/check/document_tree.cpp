@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -94,10 +95,11 @@ bool isData(EElement element) {
     return element != EElement::kOther && element != EElement::kMisnamed && element != EElement::kNode;
 }
 
-// The name of one that counts, as it must be written; for a misnamed one that which was meant.
-const char* nameMeant(const XMLCh* qname) {
-    const SName* const row = meant(qname);
-    return row == nullptr ? "" : row->shown;
+// As it must be written.
+const char* shownName(EElement element) {
+    const auto* const found = std::find_if(std::begin(kNames), std::end(kNames),
+                                           [element](const SName& row) { return row.element == element; });
+    return found == std::end(kNames) ? "" : found->shown;
 }
 
 // A place of which the XML library told the end.
@@ -139,21 +141,29 @@ private:
         // What had been read before it.
         std::size_t pieces = 0;
         std::size_t length = 0;
+        std::size_t foreignEntities = 0;
     };
 
     [[nodiscard]] SPlace here() const;
     [[nodiscard]] SSite startTag() const;
     [[nodiscard]] std::size_t offsetOf(const SSite& site) const;
-    void report(EHazard hazard, const SSite& site, std::string what);
+    void report(EHazard hazard, const SSite& site, std::string what,
+                const std::optional<EHazard>& causedBy = std::nullopt);
     [[noreturn]] void stop(EHazard hazard, const SSite& site, std::string what);
     void stopAt(EExcess excess, const std::string& name);
 
     void openNode();
-    void checkText(const SOpenData& data, const std::string& name);
-    void store(EElement element, const SOpenData& data, const std::string& name);
-    void set(std::optional<SValue>& value, const SOpenData& data, const std::string& name);
+    void noteMisnamed(EElement element, const std::string& name);
+    std::optional<EHazard> checkText(const SOpenData& data, const std::string& name);
+    void store(EElement element, const SOpenData& data, const std::string& name,
+               const std::optional<EHazard>& distortedBy);
+    void set(std::optional<SValue>& value, const SOpenData& data, const std::string& name,
+             const std::optional<EHazard>& distortedBy);
     void finishFault();
     void finishRoots();
+    [[nodiscard]] std::optional<EHazard> bytesCause() const;
+    [[nodiscard]] EHazard faultCause() const;
+    [[nodiscard]] std::optional<EHazard> lossOf(EElement element, bool isInLostRoot) const;
 
     const CDocumentText& document;
     EForeign foreign;
@@ -176,6 +186,14 @@ private:
     std::size_t lostRoots = 0;
     std::size_t lostDevices = 0;
     SSite secondRoot;
+    bool isTimeStampLost = false;
+
+    // Elements that count for nothing: as what those were meant whose names are wrong, and these names; those
+    // that are outside of what they belong to.
+    std::set<EElement> misnamed;
+    std::set<std::string> misnamedNames;
+    std::set<EElement> outside;
+    std::size_t foreignEntities = 0;
 
     std::optional<SValue> fault;
 };
@@ -197,11 +215,14 @@ std::size_t CTreeReader::offsetOf(const SSite& site) const {
     return begin == std::string::npos ? end : begin;
 }
 
-void CTreeReader::report(EHazard hazard, const SSite& site, std::string what) {
-    if (findings.isFull(hazard)) {
-        findings.countAnother(hazard);
+void CTreeReader::report(EHazard hazard, const SSite& site, std::string what,
+                         const std::optional<EHazard>& causedBy) {
+    const auto cause =
+        causedBy.has_value() ? std::optional<SCause>({findings.input(), *causedBy}) : std::nullopt;
+    if (findings.isFull(hazard, cause)) {
+        findings.countAnother(hazard, cause);
     } else {
-        findings.add({hazard, document.spotAt(offsetOf(site)), std::move(what)});
+        findings.add({hazard, document.spotAt(offsetOf(site)), std::move(what), cause});
     }
 }
 
@@ -223,11 +244,26 @@ void CTreeReader::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
     if (element == EElement::kNode) {
         openNode();
     } else if (isData(element)) {
-        openData.push_back({startTag(), pieces, length});
+        openData.push_back({startTag(), pieces, length, foreignEntities});
     } else if (element == EElement::kMisnamed) {
-        report(
-            EHazard::kWrongName, startTag(),
-            fmt::format("{} is ignored; was {} meant?", inQuotes(toLocalCodePage(qname)), nameMeant(qname)));
+        noteMisnamed(meant(qname)->element, toLocalCodePage(qname));
+    }
+}
+
+void CTreeReader::noteMisnamed(EElement element, const std::string& name) {
+    misnamed.insert(element);
+    const bool isNew = misnamedNames.insert(name).second;
+    report(EHazard::kWrongName, startTag(),
+           fmt::format("{} is ignored; was {} meant?", inQuotes(name), shownName(element)),
+           isNew ? std::nullopt : std::optional<EHazard>(EHazard::kWrongName));
+    if (openNodes.empty()) {
+        return;
+    }
+    SNode& node = tree.nodes[openNodes.back()];
+    if (element == EElement::kObjid) {
+        node.objidLostTo = EHazard::kWrongName;
+    } else if (element == EElement::kAltobjid) {
+        node.altobjidLostTo = EHazard::kWrongName;
     }
 }
 
@@ -238,6 +274,7 @@ void CTreeReader::openNode() {
             secondRoot = lostRoots == 0 ? site : secondRoot;
             ++lostRoots;
             lostDevices += deviceCount(tree.nodes);
+            isTimeStampLost = isTimeStampLost || tree.timeStamp.has_value();
         }
         root = site;
         tree.nodes.clear();
@@ -254,51 +291,64 @@ void CTreeReader::endElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, c
     } else if (isData(element)) {
         const SOpenData data = openData.back();
         openData.pop_back();
-        const std::string name = nameMeant(qname);
-        checkText(data, name);
-        store(element, data, name);
+        const std::string name = shownName(element);
+        store(element, data, name, checkText(data, name));
     }
 }
 
-void CTreeReader::checkText(const SOpenData& data, const std::string& name) {
+std::optional<EHazard> CTreeReader::checkText(const SOpenData& data, const std::string& name) {
     const std::size_t ownPieces = pieces - data.pieces;
     const std::size_t ownLength = length - data.length;
+    const auto foreignCause = foreignEntities > data.foreignEntities
+                                  ? std::optional<EHazard>(EHazard::kExternalEntity)
+                                  : std::nullopt;
     if (ownPieces == 0) {
         report(EHazard::kEmptyElement, data.startTag,
                fmt::format("{} is empty and takes the text before it, {}", name,
-                           inQuotes(toLocalCodePage(text.c_str()))));
-    } else if (ownLength != text.size()) {
-        const bool isLong = ownLength > kLongestRun;
-        report(isLong ? EHazard::kLongText : EHazard::kSplitValue, {data.startTag.end, ""},
-               fmt::format("the text of {} {} {} pieces, of which only the last counts, {}", name,
-                           isLong ? "is longer than 1 MiB and read in" : "consists of", ownPieces,
-                           inQuotes(toLocalCodePage(text.c_str()))));
+                           inQuotes(toLocalCodePage(text.c_str()))),
+               foreignCause);
+        return foreignCause.value_or(EHazard::kEmptyElement);
     }
+    if (ownLength == text.size()) {
+        return foreignCause;
+    }
+    const bool isLong = ownLength > kLongestRun;
+    const EHazard hazard = isLong ? EHazard::kLongText : EHazard::kSplitValue;
+    report(hazard, {data.startTag.end, ""},
+           fmt::format("the text of {} {} {} pieces, of which only the last counts, {}", name,
+                       isLong ? "is longer than 1 MiB and read in" : "consists of", ownPieces,
+                       inQuotes(toLocalCodePage(text.c_str()))));
+    return hazard;
 }
 
-void CTreeReader::store(EElement element, const SOpenData& data, const std::string& name) {
+void CTreeReader::store(EElement element, const SOpenData& data, const std::string& name,
+                        const std::optional<EHazard>& distortedBy) {
     const bool isTimeStamp = element == EElement::kTimeStamp;
     const bool isIgnored = isTimeStamp ? tree.nodes.empty() : openNodes.empty();
     if (isIgnored) {
+        const bool isNodeMisnamed = misnamed.count(EElement::kNode) != 0;
+        outside.insert(element);
         report(EHazard::kOutsideNode, data.startTag,
                isTimeStamp ? name + " stands before the first Node and is ignored"
-                           : name + " stands in no Node and is ignored");
+                           : name + " stands in no Node and is ignored",
+               isNodeMisnamed ? std::optional<EHazard>(EHazard::kWrongName) : std::nullopt);
     } else if (isTimeStamp) {
-        set(tree.timeStamp, data, name);
+        set(tree.timeStamp, data, name, distortedBy);
     } else if (element == EElement::kObjid) {
-        set(tree.nodes[openNodes.back()].objid, data, name);
+        set(tree.nodes[openNodes.back()].objid, data, name, distortedBy);
     } else if (element == EElement::kAltobjid) {
-        set(tree.nodes[openNodes.back()].altobjid, data, name);
+        set(tree.nodes[openNodes.back()].altobjid, data, name, distortedBy);
     }
 }
 
-void CTreeReader::set(std::optional<SValue>& value, const SOpenData& data, const std::string& name) {
+void CTreeReader::set(std::optional<SValue>& value, const SOpenData& data, const std::string& name,
+                      const std::optional<EHazard>& distortedBy) {
     const std::string taken = toLocalCodePage(text.c_str());
     if (value.has_value() && value->text != taken) {
         report(EHazard::kRepeatedElement, data.startTag,
-               fmt::format("{} {} replaces {}", name, inQuotes(taken), inQuotes(value->text)));
+               fmt::format("{} {} replaces {}", name, inQuotes(taken), inQuotes(value->text)), distortedBy);
     }
-    value = SValue{taken, data.startTag.end};
+    value = SValue{taken, data.startTag.end, distortedBy};
 }
 
 void CTreeReader::fatalError(const xercesc::SAXParseException& report) {
@@ -351,6 +401,7 @@ xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, cons
         stop(EHazard::kExternalEntity, site, what);
     }
     report(EHazard::kExternalEntity, site, what);
+    ++foreignEntities;
     static constexpr XMLByte kNothing[] = {0};
     // The reader deletes it.
     return new xercesc::MemBufInputSource(kNothing, 0, "nothing");
@@ -370,7 +421,40 @@ void CTreeReader::finishFault() {
     }
     report(EHazard::kMalformedXml, site,
            fmt::format("not well-formed: {}; what was read before is used, {} with {}", fault->text,
-                       countOf(tree.nodes.size(), "Node"), countOf(deviceCount(tree.nodes), "device")));
+                       countOf(tree.nodes.size(), "Node"), countOf(deviceCount(tree.nodes), "device")),
+           bytesCause());
+    for (const std::size_t node : openNodes) {
+        tree.nodes[node].objidLostTo = faultCause();
+        tree.nodes[node].altobjidLostTo = faultCause();
+    }
+}
+
+// What is wrong with the bytes of the document comes out as a fault of its form.
+std::optional<EHazard> CTreeReader::bytesCause() const {
+    for (const EHazard hazard : {EHazard::kNulByte, EHazard::kEncodingMismatch}) {
+        if (findings.has(hazard)) {
+            return hazard;
+        }
+    }
+    return std::nullopt;
+}
+
+EHazard CTreeReader::faultCause() const {
+    return bytesCause().value_or(EHazard::kMalformedXml);
+}
+
+// Why what such an element tells is missing. Another root may have held it.
+std::optional<EHazard> CTreeReader::lossOf(EElement element, bool isInLostRoot) const {
+    if (fault.has_value()) {
+        return faultCause();
+    }
+    if (misnamed.count(element) != 0 || misnamed.count(EElement::kNode) != 0) {
+        return EHazard::kWrongName;
+    }
+    if (outside.count(element) != 0) {
+        return EHazard::kOutsideNode;
+    }
+    return isInLostRoot ? std::optional<EHazard>(EHazard::kSeveralNodes) : std::nullopt;
 }
 
 void CTreeReader::finishRoots() {
@@ -381,15 +465,20 @@ void CTreeReader::finishRoots() {
                            lostRoots + 1, countOf(lostDevices, "device"), lostDevices == 1 ? "is" : "are"));
     }
     if (tree.nodes.empty()) {
-        report(EHazard::kNoNode, {}, "no Node was read, so that the document adds no backup");
+        const auto cause = lossOf(EElement::kNode, false);
+        report(EHazard::kNoNode, {}, "no Node was read, so that the document adds no backup", cause);
+        findings.blame(EHazard::kOutsideNode, cause.value_or(EHazard::kNoNode));
         return;
     }
     if (!tree.timeStamp.has_value() || tree.timeStamp->text.empty()) {
         report(EHazard::kNoTimeStamp, root,
-               "the backup has no time stamp and counts as older than all that have one");
+               "the backup has no time stamp and counts as older than all that have one",
+               tree.timeStamp.has_value() ? tree.timeStamp->distortedBy
+                                          : lossOf(EElement::kTimeStamp, isTimeStampLost));
     }
     if (deviceCount(tree.nodes) == 0) {
-        report(EHazard::kNoDevice, root, "the backup names no device: no objid holds UDID##");
+        report(EHazard::kNoDevice, root, "the backup names no device: no objid holds UDID##",
+               lossOf(EElement::kObjid, lostDevices > 0));
     }
 }
 

@@ -14,11 +14,16 @@ namespace fi_rotate {
 struct SValue {
     std::string text;
     SPlace place;
+    // What makes it another text than was written.
+    std::optional<EHazard> distortedBy = std::nullopt;
 };
 
 struct SNode {
     std::optional<SValue> objid;
     std::optional<SValue> altobjid;
+    // What took them away if they are missing.
+    std::optional<EHazard> objidLostTo = std::nullopt;
+    std::optional<EHazard> altobjidLostTo = std::nullopt;
 };
 
 // What the library makes of a document.

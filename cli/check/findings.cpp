@@ -15,6 +15,7 @@ namespace {
 // A report is for reading. What is wrong a thousand times is wrong in one way.
 constexpr std::size_t kMostOfOneHazard = 20;
 constexpr std::size_t kLongestQuotation = 80;
+constexpr std::size_t kMostNamed = 5;
 
 bool isBefore(const SFinding& left, const SFinding& right) {
     return std::tie(left.spot.place.line, left.spot.place.column) <
@@ -37,20 +38,40 @@ std::size_t wordLength(std::string_view line) {
 
 }  // namespace
 
-bool CFindings::isFull(EHazard hazard) const {
-    return counts.at(static_cast<std::size_t>(hazard)) >= kMostOfOneHazard;
+bool CFindings::isFull(EHazard hazard, const std::optional<SCause>& cause) const {
+    const auto found = counts.find({hazard, cause});
+    return found != counts.end() && found->second >= kMostOfOneHazard;
 }
 
-void CFindings::countAnother(EHazard hazard) {
-    ++counts.at(static_cast<std::size_t>(hazard));
+void CFindings::countAnother(EHazard hazard, const std::optional<SCause>& cause) {
+    ++counts[{hazard, cause}];
 }
 
 void CFindings::add(SFinding finding) {
     const EHazard hazard = finding.hazard;
-    if (!isFull(hazard)) {
+    const std::optional<SCause> cause = finding.cause;
+    if (!isFull(hazard, cause)) {
         kept.push_back(std::move(finding));
     }
-    countAnother(hazard);
+    countAnother(hazard, cause);
+}
+
+bool CFindings::has(EHazard hazard) const {
+    return std::any_of(kept.begin(), kept.end(),
+                       [hazard](const SFinding& finding) { return finding.hazard == hazard; });
+}
+
+void CFindings::blame(EHazard hazard, EHazard cause) {
+    const SCause blamed{name, cause};
+    for (SFinding& finding : kept) {
+        if (finding.hazard == hazard && !finding.cause.has_value()) {
+            finding.cause = blamed;
+        }
+    }
+    if (const auto found = counts.find({hazard, std::nullopt}); found != counts.end()) {
+        counts[{hazard, blamed}] += found->second;
+        counts.erase(found);
+    }
 }
 
 void CFindings::addOfWhole(EHazard hazard, std::string text) {
@@ -62,16 +83,16 @@ void CFindings::addOfWhole(EHazard hazard, std::string text) {
 
 std::vector<SFinding> CFindings::inOrder() const {
     std::vector<SFinding> rows = kept;
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        if (counts[i] > kMostOfOneHazard) {
-            const auto hazard = static_cast<EHazard>(i);
-            const auto last = std::find_if(kept.rbegin(), kept.rend(), [hazard](const SFinding& finding) {
-                return finding.hazard == hazard;
-            });
+    for (const auto& [kind, count] : counts) {
+        if (count > kMostOfOneHazard) {
+            const auto last =
+                std::find_if(kept.rbegin(), kept.rend(), [&wanted = kind](const SFinding& finding) {
+                    return std::pair(finding.hazard, finding.cause) == wanted;
+                });
             SFinding others = *last;
             others.spot.excerpt.clear();
             others.spot.caret = 0;
-            others.count = counts[i] - kMostOfOneHazard;
+            others.count = count - kMostOfOneHazard;
             others.text = fmt::format("and {} more of these", others.count);
             rows.push_back(std::move(others));
         }
@@ -82,6 +103,14 @@ std::vector<SFinding> CFindings::inOrder() const {
 
 std::string inQuotes(std::string_view text) {
     return quoted(text, kLongestQuotation);
+}
+
+std::string enumerate(const std::vector<std::string>& names) {
+    const bool isLong = names.size() > kMostNamed;
+    const auto shown = static_cast<std::ptrdiff_t>((isLong ? kMostNamed : names.size()) - 1);
+    const std::string last = isLong ? fmt::format("{} more", names.size() - kMostNamed + 1) : names.back();
+    return shown == 0 ? last
+                      : fmt::format("{} and {}", fmt::join(names.begin(), names.begin() + shown, ", "), last);
 }
 
 CLines::CLines(std::string_view borrowed) : text(borrowed), starts{0} {

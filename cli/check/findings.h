@@ -1,9 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -49,11 +51,24 @@ private:
     std::vector<std::size_t> starts;
 };
 
+// What another finding follows from or repeats: what was found of a hazard in an input.
+struct SCause {
+    std::string input;
+    EHazard hazard = EHazard::kNoConfiguration;
+
+    bool operator<(const SCause& other) const {
+        return std::tie(input, hazard) < std::tie(other.input, other.hazard);
+    }
+    bool operator==(const SCause& other) const { return input == other.input && hazard == other.hazard; }
+};
+
 // One hazard of one input. Text of the inputs stands in it as it is, whatever its bytes.
 struct SFinding {
     EHazard hazard = EHazard::kNoConfiguration;
     SSpot spot;
     std::string text;
+    // Nothing when it is a fault of its own.
+    std::optional<SCause> cause = std::nullopt;
     // How many hazards it stands for.
     std::size_t count = 1;
 };
@@ -63,15 +78,20 @@ class CFindings {
 public:
     explicit CFindings(std::string input) : name(std::move(input)) {}
 
-    // Of each hazard the first few are kept; the others are counted.
+    // Of each hazard with one cause the first few are kept; the others are counted.
     void add(SFinding finding);
 
     // What has no place within the input.
     void addOfWhole(EHazard hazard, std::string text);
 
     // Whether `add` would only count another one. Then `countAnother` does the same without a text to make.
-    [[nodiscard]] bool isFull(EHazard hazard) const;
-    void countAnother(EHazard hazard);
+    [[nodiscard]] bool isFull(EHazard hazard, const std::optional<SCause>& cause = std::nullopt) const;
+    void countAnother(EHazard hazard, const std::optional<SCause>& cause = std::nullopt);
+
+    [[nodiscard]] bool has(EHazard hazard) const;
+
+    // What was found of `hazard` so far, and had no cause, follows from `cause` in this input.
+    void blame(EHazard hazard, EHazard cause);
 
     // By place; what was only counted has a row of its own, after the last one that was kept.
     [[nodiscard]] std::vector<SFinding> inOrder() const;
@@ -81,10 +101,13 @@ public:
 private:
     std::string name;
     std::vector<SFinding> kept;
-    std::array<std::size_t, kHazardCount> counts{};
+    std::map<std::pair<EHazard, std::optional<SCause>>, std::size_t> counts;
 };
 
 // `text` in quotation marks, cut when it is long.
 std::string inQuotes(std::string_view text);
+
+// "a, b and c"; of many names the first ones and the number of the others.
+std::string enumerate(const std::vector<std::string>& names);
 
 }  // namespace fi_rotate

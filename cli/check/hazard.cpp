@@ -37,6 +37,11 @@ selection names a target for each of them.)"},
     {EHazard::kBlankInTarget, "blank-in-target", ESeverity::kWarning,
      R"(An enclosure or a device begins or ends with a blank. Nothing is trimmed: the blank is part of the name,
 and no identifier without it matches.)"},
+    {EHazard::kByteOrderMark, "byte-order-mark", ESeverity::kError,
+     R"(The configuration begins with the byte-order mark of UTF-8, the bytes EF BB BF that some editors put before
+a text. It is part of the name of the first enclosure, so that no identifier matches the first
+configuration: all backups of its device are invalid, and the targets that they hold count as free. Save the
+configuration as UTF-8 without the mark.)"},
     {EHazard::kCannotOpen, "cannot-open", ESeverity::kError,
      R"(The document cannot be opened. The library stops reading there: this document and all after it take no
 part, their targets count as free, and the call goes on without them. They are checked here nevertheless,
@@ -55,8 +60,9 @@ one counts for both.)"},
      R"(There is a NUL byte. In a document the rest of its line, or of its piece of 2047 bytes, is lost, the line
 end with it. A configuration ends at its first one.)"},
     {EHazard::kUtf16, "utf-16", ESeverity::kError,
-     R"(The document is written in UTF-16 or UTF-32. Its text holds NUL bytes, and the library reads each line up
-to the first of them, so that nothing of use is left. Write it in UTF-8.)"},
+     R"(The document or the configuration is written in UTF-16 or UTF-32. Its text holds NUL bytes. Of a document
+the library reads each line up to the first of them, of a configuration nothing behind the first, so that
+nothing of use is left. Write it in UTF-8.)"},
     {EHazard::kEncodingMismatch, "encoding-mismatch", ESeverity::kWarning,
      R"(The encoding that the document declares, UTF-8 when it declares none, does not agree with its bytes. The
 document is malformed, or names are read as others than were written and then match nothing.)"},

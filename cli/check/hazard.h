@@ -16,6 +16,7 @@ enum class EHazard {
     kFirstTargetRepeated,
     kDeviceConfiguredTwice,
     kBlankInTarget,
+    kByteOrderMark,
     kCannotOpen,
     kNotAFile,
     kReadError,

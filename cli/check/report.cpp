@@ -1,6 +1,8 @@
 #include "cli/check/report.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include <fmt/color.h>
 #include <fmt/format.h>
@@ -14,10 +16,6 @@ namespace {
 
 // Of lines that belong to the one before them.
 constexpr std::size_t kIndent = 4;
-
-std::string countOf(std::size_t count, const char* thing) {
-    return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing, count == 1 ? "" : "s");
-}
 
 // Red for what is wrong and yellow for what need not be, as states of backups have them.
 std::string severityWord(ESeverity severity, bool colour) {
@@ -39,6 +37,36 @@ std::string lineOf(const std::string& input, const SFinding& finding, std::size_
     return text;
 }
 
+// Each cause is followed by what it causes: behind the last finding of its hazard.
+std::string linesOf(const CFindings& findings, const CFolding& folding, std::size_t width, bool colour) {
+    std::vector<SFinding> rows = findings.inOrder();
+    rows.erase(std::remove_if(rows.begin(), rows.end(),
+                              [&folding](const SFinding& finding) { return folding.isFolded(finding); }),
+               rows.end());
+    std::string text;
+    for (auto row = rows.begin(); row != rows.end(); ++row) {
+        text += lineOf(findings.input(), *row, width, colour);
+        const bool isLast = std::none_of(
+            row + 1, rows.end(), [row](const SFinding& later) { return later.hazard == row->hazard; });
+        if (isLast) {
+            for (const std::string& line : folding.linesUnder({findings.input(), row->hazard})) {
+                text += fmt::format("{:{}}{}\n", "", kIndent, asPrintable(line));
+            }
+        }
+    }
+    return text;
+}
+
+std::string foldedWords(std::size_t count) {
+    return count == 0 ? ""
+                      : fmt::format(" {} of these {} from others or {} them;", count,
+                                    count == 1 ? "follows" : "follow", count == 1 ? "repeats" : "repeat");
+}
+
+Json jsonOf(const SCause& cause) {
+    return {{"file", asUtf8(cause.input)}, {"name", kindOf(cause.hazard).name}};
+}
+
 Json jsonOf(const std::string& input, const SFinding& finding) {
     const SHazardKind& kind = kindOf(finding.hazard);
     return {
@@ -48,6 +76,7 @@ Json jsonOf(const std::string& input, const SFinding& finding) {
         {"severity", nameOf(kind.severity)},
         {"name", kind.name},
         {"text", asUtf8(finding.text)},
+        {"caused_by", finding.cause.has_value() ? jsonOf(*finding.cause) : Json(nullptr)},
         {"count", finding.count},
     };
 }
@@ -58,23 +87,22 @@ SCounts countAll(const std::vector<CFindings>& inputs) {
     SCounts counts;
     for (const CFindings& findings : inputs) {
         for (const SFinding& finding : findings.inOrder()) {
-            const bool isError = kindOf(finding.hazard).severity == ESeverity::kError;
-            (isError ? counts.errors : counts.warnings) += finding.count;
+            counts.add(finding);
         }
     }
     return counts;
 }
 
 std::string toText(const std::vector<CFindings>& inputs, std::size_t width, bool colour) {
+    const CFolding folding(inputs);
     std::string text;
     for (const CFindings& findings : inputs) {
-        for (const SFinding& finding : findings.inOrder()) {
-            text += lineOf(findings.input(), finding, width, colour);
-        }
+        text += linesOf(findings, folding, width, colour);
     }
     const SCounts counts = countAll(inputs);
-    return text + fmt::format("{}, {}; checked the configuration and {}\n", countOf(counts.errors, "error"),
-                              countOf(counts.warnings, "warning"), countOf(inputs.size() - 1, "document"));
+    return text + fmt::format("{}, {};{} checked the configuration and {}\n", countOf(counts.errors, "error"),
+                              countOf(counts.warnings, "warning"), foldedWords(folding.count()),
+                              countOf(inputs.size() - 1, "document"));
 }
 
 std::string toJson(const std::vector<CFindings>& inputs) {

@@ -5,18 +5,15 @@
 #include <vector>
 
 #include "cli/check/findings.h"
+#include "cli/check/folding.h"
 
 namespace fi_rotate {
-
-struct SCounts {
-    std::size_t errors = 0;
-    std::size_t warnings = 0;
-};
 
 SCounts countAll(const std::vector<CFindings>& inputs);
 
 // A line for each finding, with the line of the input under it where that can be shown, and one that counts
-// them. `inputs` are those of checkCall; lines of the input keep to `width` columns.
+// all. What follows from other findings, or repeats them, is told in a line under those. `inputs` are those
+// of checkCall; lines of the input keep to `width` columns.
 std::string toText(const std::vector<CFindings>& inputs, std::size_t width, bool colour);
 
 // The same as one JSON document with a line end.

@@ -25,7 +25,8 @@ struct SCheckRow {
     std::string description;
     fi_rotate::EHazard hazard;
     SCheckedCall call;
-    // Every finding, as NAME:LINE:COLUMN: SEVERITY: TEXT [HAZARD]; NAME is "config" or a document's.
+    // Every finding, as NAME:LINE:COLUMN: SEVERITY: TEXT [HAZARD]; NAME is "config" or a document's. Behind
+    // it " <- HAZARD of NAME" if it follows from that or repeats it.
     std::vector<std::string> findings;
     SCheckedCall neighbour;
     // Hazards that the neighbour has none the less, in order.
@@ -36,5 +37,6 @@ std::vector<SCheckRow> configurationRows();
 std::vector<SCheckRow> documentRows();
 std::vector<SCheckRow> deviceRows();
 std::vector<SCheckRow> callRows();
+std::vector<SCheckRow> consequenceRows();
 
 }  // namespace fi_test

@@ -137,7 +137,7 @@ std::vector<SCheckRow> deviceRows() {
          {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 "
           "are lost, configuration 1 is used [configuration-rejected]",
           "d:1:56: error: \"encA##lun2\" is the first target of no configuration; the nearest is "
-          "\"encA##lun1\" [pair-matches-nothing]"},
+          "\"encA##lun1\" [pair-matches-nothing] <- configuration-rejected of config"},
          clean},
         {"one target, two spellings of its device",
          EHazard::kTargetHeldTwice,

@@ -107,7 +107,8 @@ std::vector<SCheckRow> xmlRows() {
          {"d:1:1: error: not well-formed: invalid document structure; what was read before is "
           "used, "
           "0 Nodes with 0 devices [malformed-xml]",
-          "d:1:1: error: no Node was read, so that the document adds no backup [no-node]"},
+          "d:1:1: error: no Node was read, so that the document adds no backup [no-node] <- "
+          "malformed-xml of d"},
          of(backup())},
         {"a DOCTYPE",
          EHazard::kDoctype,

@@ -25,8 +25,8 @@ using fi_test::SCheckRow;
 
 std::vector<SCheckRow> allRows() {
     std::vector<SCheckRow> rows;
-    for (auto* const some :
-         {fi_test::configurationRows, fi_test::documentRows, fi_test::deviceRows, fi_test::callRows}) {
+    for (auto* const some : {fi_test::configurationRows, fi_test::documentRows, fi_test::deviceRows,
+                             fi_test::callRows, fi_test::consequenceRows}) {
         const std::vector<SCheckRow> more = some();
         rows.insert(rows.end(), more.begin(), more.end());
     }
@@ -60,9 +60,13 @@ SChecked check(const SCheckedCall& call) {
         for (const SFinding& finding : findings.inOrder()) {
             const fi_rotate::SHazardKind& kind = kindOf(finding.hazard);
             checked.hazards.emplace_back(kind.name);
+            const std::string cause =
+                finding.cause.has_value()
+                    ? fmt::format(" <- {} of {}", kindOf(finding.cause->hazard).name, finding.cause->input)
+                    : "";
             checked.lines.push_back(without(
-                fmt::format("{}:{}:{}: {}: {} [{}]", findings.input(), finding.spot.place.line,
-                            finding.spot.place.column, nameOf(kind.severity), finding.text, kind.name),
+                fmt::format("{}:{}:{}: {}: {} [{}]{}", findings.input(), finding.spot.place.line,
+                            finding.spot.place.column, nameOf(kind.severity), finding.text, kind.name, cause),
                 folder.path("")));
         }
     }

@@ -90,11 +90,82 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
                           {"text",
                            "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
                            "\"ENC-A##VOL-0011\""},
+                          {"caused_by", nullptr},
                           {"count", 1}}}},
                        {"errors", 1},
                        {"warnings", 0},
                        {"documents", 8}};
     EXPECT_EQ(nlohmann::json::parse(result.output), expected);
+}
+
+// A configuration with a comment and three backups: of a device that is lost for it, of one that no line has,
+// and of that again.
+class FiRotateCheckFolding : public testing::Test {
+protected:
+    static std::string backup(char timeStamp, const std::string& device) {
+        return std::string("<Node><timeStamp>") + timeStamp + "</timeStamp><objid>UDID##v##m##" + device +
+               "</objid>\n<altobjid>UDID##v##m##encA##snap" + timeStamp + "</altobjid></Node>";
+    }
+    std::vector<std::string> check() const { return {"check", "--config-file", configuration, a, b, c}; }
+
+    CTemporaryFolder folder;
+    std::string configuration = folder.write("conf", "# daily\nencA##lun1;snap1;snap2;snap3\n");
+    std::string a = folder.write("a", backup('1', "encA##lun1"));
+    std::string b = folder.write("b", backup('2', "encC##vol9"));
+    std::string c = folder.write("c", backup('3', "encC##vol9"));
+};
+
+TEST_F(FiRotateCheckFolding, TellsWhatFollowsFromAFaultAndWhatRepeatsItInALineUnderIt) {
+    const auto result = runFiRotate(check());
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_EQ(
+        result.output,
+        configuration +
+            ":1:1: error: configuration rejected: \"# daily\" has no enclosure, which a first target needs "
+            "(there are no comments); configurations 1 to 2 are lost, none is left and the call succeeds "
+            "with an empty selection [configuration-rejected]\n"
+            "    # daily\n"
+            "    ^\n"
+            "    consequences: 1 error in " +
+            a + " [pair-matches-nothing]\n" + b +
+            ":1:50: error: \"encC##vol9\" is the first target of no configuration "
+            "[pair-matches-nothing]\n"
+            "    <Node><timeStamp>2</timeStamp><objid>UDID##v##m##encC##vol9</objid>\n"
+            "                                                     ^\n"
+            "    the same: 1 error in " +
+            c +
+            "\n"
+            "4 errors, no warnings; 2 of these follow from others or repeat them; checked the "
+            "configuration and 3 documents\n");
+}
+
+TEST_F(FiRotateCheckFolding, TellsOfEachInJsonAndNamesItsCause) {
+    auto arguments = check();
+    arguments.emplace_back("--json");
+    const auto report = nlohmann::json::parse(runFiRotate(arguments).output);
+    ASSERT_EQ(report["findings"].size(), 4U);
+    EXPECT_EQ(report["errors"], 4);
+    EXPECT_EQ(report["findings"][0]["caused_by"], nlohmann::json());
+    EXPECT_EQ(report["findings"][1]["file"], a);
+    EXPECT_EQ(report["findings"][1]["caused_by"],
+              (nlohmann::json{{"file", configuration}, {"name", "configuration-rejected"}}));
+    EXPECT_EQ(report["findings"][2]["caused_by"], nlohmann::json());
+    EXPECT_EQ(report["findings"][3]["caused_by"],
+              (nlohmann::json{{"file", b}, {"name", "pair-matches-nothing"}}));
+}
+
+TEST(FiRotateCheck, NamesTheFirstOfManyDocumentsInWhichSomethingFollows) {
+    const CTemporaryFolder folder;
+    std::vector<std::string> arguments{"check", "--config", ""};
+    for (char name = 'a'; name <= 'f'; ++name) {
+        arguments.push_back(
+            folder.write(std::string(1, name), std::string("<Node><timeStamp>") + name +
+                                                   "</timeStamp><objid>UDID##v##m##e##l</objid>"
+                                                   "<altobjid>UDID##v##m##e##s</altobjid></Node>"));
+    }
+    EXPECT_THAT(runFiRotate(arguments).output,
+                HasSubstr("\n    consequences: 6 errors in " + arguments[3] + ", " + arguments[4] + ", " +
+                          arguments[5] + ", " + arguments[6] + " and 2 more [pair-matches-nothing]\n"));
 }
 
 TEST(FiRotateCheck, EndsAlikeInJsonAndInWords) {

@@ -1,0 +1,304 @@
+// What follows from a fault, or repeats it, names it.
+
+#include <string>
+
+#include "tests/cli/check/Rows.h"
+
+namespace fi_test {
+namespace {
+
+using fi_rotate::EHazard;
+
+constexpr const char* kConfiguration = "encA##lun1;snap1;snap2\nencB##lun2;snap3";
+
+std::string device(const std::string& first, const std::string& further) {
+    return "<Node><objid>UDID##v##m##" + first + "</objid><altobjid>UDID##v##m##" + further +
+           "</altobjid></Node>\n";
+}
+
+// Nodes begin on the second line.
+std::string backup(const std::string& timeStamp, const std::string& nodes) {
+    return "<Node><timeStamp>" + timeStamp + "</timeStamp>\n" + nodes + "</Node>";
+}
+
+SCheckedCall with(const std::string& configuration) {
+    return {configuration,
+            {{"d", backup("1", device("encA##lun1", "encA##snap1") + device("encB##lun2", "encB##snap3"))}}};
+}
+
+SCheckedCall of(const std::string& document) {
+    return {kConfiguration, {{"d", document}}};
+}
+
+std::string unknownFirst(const std::string& place, const std::string& first, const std::string& nearest,
+                         const std::string& cause) {
+    return "d:" + place + ": error: \"" + first + "\" is the first target of no configuration" +
+           (nearest.empty() ? "" : "; the nearest is \"" + nearest + "\"") + " [pair-matches-nothing] <- " +
+           cause;
+}
+
+std::string unknownFurther(const std::string& place, const std::string& further, const std::string& rest,
+                           const std::string& cause) {
+    return "d:" + place + ": error: \"" + further + "\" is no further target of " + rest +
+           " [pair-matches-nothing] <- " + cause;
+}
+
+// Those of a configuration, in what it has for the backups.
+std::vector<SCheckRow> ofConfigurations() {
+    const SCheckedCall clean = with(kConfiguration);
+    const std::string rejected = "configuration-rejected of config";
+    return {
+        {"nothing is configured",
+         EHazard::kNoConfiguration,
+         with("\n"),
+         {"config:1:1: error: there is no configuration; the call succeeds with an empty selection "
+          "[no-configuration]",
+          unknownFirst("2:26", "encA##lun1", "", "no-configuration of config"),
+          unknownFirst("3:26", "encB##lun2", "", "no-configuration of config")},
+         clean},
+        {"a comment before all",
+         EHazard::kConfigurationRejected,
+         with("# weekly\n" + std::string(kConfiguration)),
+         {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
+          "needs (there are no comments); configurations 1 to 3 are lost, none is left and the call succeeds "
+          "with an empty selection [configuration-rejected]",
+          unknownFirst("2:26", "encA##lun1", "", rejected), unknownFirst("3:26", "encB##lun2", "", rejected)},
+         clean},
+        {"the first target of the malformed one is still known",
+         EHazard::kConfigurationRejected,
+         with("encA##lun1;snap1\nencB##lun2;encC##;snap3"),
+         {"config:2:12: error: configuration rejected: \"encC##\" has no device; configuration 2 is lost, "
+          "configuration 1 is used [configuration-rejected]",
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+         clean},
+        {"the first target of the malformed one ends in the device",
+         EHazard::kConfigurationRejected,
+         with("encA##lun1;snap1\nencB#lun2;snap3"),
+         {"config:2:1: error: configuration rejected: \"encB#lun2\" has no enclosure, which a first target "
+          "needs; configuration 2 is lost, configuration 1 is used [configuration-rejected]",
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+         clean},
+        {"no further targets",
+         EHazard::kNoFurtherTargets,
+         with("encA##lun1;snap1\nencB##lun2"),
+         {"config:2:1: error: \"encB##lun2\" has no further targets, so that every call fails for want of "
+          "one "
+          "[no-further-targets]",
+          unknownFurther("3:66", "encB##snap3", "\"encB##lun2\"", "no-further-targets of config")},
+         clean},
+        {"a blank before a first target and one behind a further one",
+         EHazard::kBlankInTarget,
+         with("encA##lun1;snap1 \n encB##lun2;snap3"),
+         {"config:1:12: warning: \"encA##snap1 \" has a blank at the start or end of a name "
+          "[blank-in-target]",
+          "config:2:1: warning: \" encB##lun2\" has a blank at the start or end of a name [blank-in-target]",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"; the nearest is \"encA##snap1 \"",
+                         "blank-in-target of config"),
+          unknownFirst("3:26", "encB##lun2", " encB##lun2", "blank-in-target of config")},
+         clean},
+        {"a NUL within a target",
+         EHazard::kNulByte,
+         with(std::string("encA##lun1;sn\0ap1\nencB##lun2;snap3", 34)),
+         {"config:1:14: error: a NUL byte ends the configuration here [nul-byte]",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"", "nul-byte of config"),
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", "nul-byte of config")},
+         clean},
+        {"a NUL within a first target",
+         EHazard::kNulByte,
+         with(std::string("encA##lun1;snap1\nencB##\0lun2;snap3", 34)),
+         {"config:2:1: error: configuration rejected: \"encB##\" has no device; configuration 2 is lost, "
+          "configuration 1 is used [configuration-rejected] <- nul-byte of config",
+          "config:2:7: error: a NUL byte ends the configuration here [nul-byte]",
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", "nul-byte of config")},
+         clean},
+        {"a byte-order mark",
+         EHazard::kByteOrderMark,
+         with("\xEF\xBB\xBF" + std::string(kConfiguration)),
+         {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so that no "
+          "backup matches it; save the configuration without the mark [byte-order-mark]",
+          unknownFirst("2:26", "encA##lun1", "encB##lun2", "byte-order-mark of config")},
+         clean},
+        {"a byte-order mark and nothing else",
+         EHazard::kByteOrderMark,
+         {"\xEF\xBB\xBF", {}},
+         {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so that no "
+          "backup matches it; save the configuration without the mark [byte-order-mark]",
+          "config:1:1: error: configuration rejected: \"\xEF\xBB\xBF\" has no enclosure, which a first "
+          "target "
+          "needs; configuration 1 is lost, none is left and the call succeeds with an empty selection "
+          "[configuration-rejected] <- byte-order-mark of config"},
+         clean},
+        {"a byte-order mark of UTF-16",
+         EHazard::kUtf16,
+         {std::string("\xFE\xFF\0e\0#\0#", 8), {{"d", backup("1", device("encA##lun1", "encA##snap1"))}}},
+         {"config:1:1: error: the configuration is written in UTF-16, of which nothing behind the first NUL "
+          "byte is read; write it in UTF-8 [utf-16]",
+          "config:1:1: error: configuration rejected: \"\xFE\xFF\" has no enclosure, which a first target "
+          "needs; configuration 1 is lost, none is left and the call succeeds with an empty selection "
+          "[configuration-rejected] <- utf-16 of config",
+          "config:1:3: error: a NUL byte ends the configuration here [nul-byte] <- utf-16 of config",
+          unknownFirst("2:26", "encA##lun1", "", "utf-16 of config")},
+         clean},
+        {"a configuration is listed twice",
+         EHazard::kDeviceConfiguredTwice,
+         with(std::string(kConfiguration) + "\nencB##lun2;snap3"),
+         {"config:3:1: warning: \"encB##lun2\" is the first target of configuration 2 too "
+          "[device-configured-twice]",
+          "config:3:12: error: \"encB##snap3\" stands in configuration 2 already "
+          "[target-in-two-configurations] <- device-configured-twice of config"},
+         clean},
+        {"what is not configured at all follows from nothing",
+         EHazard::kConfigurationRejected,
+         {"# weekly\nencA##lun1;snap1", {{"d", backup("1", device("encC##vol9", "encC##snap9"))}}},
+         {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
+          "needs (there are no comments); configurations 1 to 2 are lost, none is left and the call succeeds "
+          "with an empty selection [configuration-rejected]",
+          "d:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing]"},
+         clean},
+    };
+}
+
+// Those of a document, in itself.
+std::vector<SCheckRow> withinDocuments() {
+    const std::string good = device("encA##lun1", "encA##snap1");
+    const SCheckedCall clean = of(backup("1", good));
+    const std::string malformed = "not well-formed: ";
+    return {
+        {"the end is missing, and with it the altobjid",
+         EHazard::kMalformedXml,
+         of("<Node><timeStamp>1</timeStamp>\n<Node><objid>UDID##v##m##encA##lun1</objid>"),
+         {"d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
+          "[no-altobjid] <- malformed-xml of d",
+          "d:2:44: error: not well-formed: input ended before all started tags were ended; last tag started "
+          "is "
+          "'Node'; what was read before is used, 2 Nodes with 1 device [malformed-xml]"},
+         clean},
+        {"a byte that the encoding does not have",
+         EHazard::kEncodingMismatch,
+         of("<Node>\xE4</Node>"),
+         {"d:1:1: error: not well-formed: invalid byte '<' at position 2 of a 3-byte sequence; what was read "
+          "before is used, 0 Nodes with 0 devices [malformed-xml] <- encoding-mismatch of d",
+          "d:1:1: error: no Node was read, so that the document adds no backup [no-node] <- "
+          "encoding-mismatch "
+          "of d",
+          "d:1:7: warning: the document declares no encoding, which means UTF-8; this byte is not part of "
+          "any "
+          "[encoding-mismatch]"},
+         clean},
+        {"names in another case",
+         EHazard::kWrongName,
+         of("<Node><TimeStamp>1</TimeStamp>\n<Node><objid>UDID##v##m##encA##lun1</objid>"
+            "<Altobjid>UDID##v##m##encA##snap1</Altobjid></Node></Node>"),
+         {"d:1:1: error: the backup has no time stamp and counts as older than all that have one "
+          "[no-time-stamp] <- wrong-name of d",
+          "d:1:7: warning: \"TimeStamp\" is ignored; was timeStamp meant? [wrong-name]",
+          "d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
+          "[no-altobjid] <- wrong-name of d",
+          "d:2:44: warning: \"Altobjid\" is ignored; was altobjid meant? [wrong-name]"},
+         clean},
+        {"the same wrong name again",
+         EHazard::kWrongName,
+         of(backup("1", good + "<Type>1</Type>\n<Type>1</Type>")),
+         {"d:3:1: warning: \"Type\" is ignored; was type meant? [wrong-name]",
+          "d:4:1: warning: \"Type\" is ignored; was type meant? [wrong-name] <- wrong-name of d"},
+         clean},
+        {"a wrong name of one Node is no reason for another",
+         EHazard::kWrongName,
+         of(backup("1",
+                   "<Node><objid>UDID##v##m##encA##lun1</objid></Node>\n"
+                   "<Node><Altobjid>none</Altobjid></Node>")),
+         {"d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
+          "[no-altobjid]",
+          "d:3:7: warning: \"Altobjid\" is ignored; was altobjid meant? [wrong-name]"},
+         clean},
+        {"data without a Node",
+         EHazard::kNoNode,
+         of("<a>\n<objid>1</objid></a>"),
+         {"d:1:1: error: no Node was read, so that the document adds no backup [no-node]",
+          "d:2:1: warning: objid stands in no Node and is ignored [outside-node] <- no-node of d"},
+         clean},
+        {"a time stamp before the Node",
+         EHazard::kOutsideNode,
+         of("<a><timeStamp>1</timeStamp>\n<Node>" + good + "</Node></a>"),
+         {"d:1:4: warning: timeStamp stands before the first Node and is ignored [outside-node]",
+          "d:2:1: error: the backup has no time stamp and counts as older than all that have one "
+          "[no-time-stamp] <- outside-node of d"},
+         clean},
+        {"the time stamp of a Node that does not count",
+         EHazard::kSeveralNodes,
+         of("<a><Node><timeStamp>1</timeStamp></Node>\n<Node>" + good + "</Node></a>"),
+         {"d:2:1: error: 2 Nodes stand side by side, of which only the last counts; 0 devices of the others "
+          "are "
+          "lost [several-nodes]",
+          "d:2:1: error: the backup has no time stamp and counts as older than all that have one "
+          "[no-time-stamp] <- several-nodes of d"},
+         clean},
+        {"an empty altobjid that takes the objid",
+         EHazard::kEmptyElement,
+         of(backup("1", "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid/></Node>")),
+         {"d:2:44: warning: altobjid is empty and takes the text before it, \"UDID##v##m##encA##lun1\" "
+          "[empty-element]",
+          unknownFurther("2:55", "encA##lun1", "\"encA##lun1\"", "empty-element of d")},
+         clean},
+        {"an identifier in two pieces",
+         EHazard::kSplitValue,
+         of(backup("1", device("encA##lun1", "encA##<!-- -->snap1"))),
+         {"d:2:54: error: the text of altobjid consists of 2 pieces, of which only the last counts, "
+          "\"snap1\" "
+          "[split-value]",
+          "d:2:54: error: malformed identifier \"snap1\": it holds neither UDID## nor UEID## (code 2); an "
+          "exception ends the call [malformed-identifier] <- split-value of d"},
+         clean},
+        {"an altobjid from outside the document",
+         EHazard::kExternalEntity,
+         of("<!DOCTYPE Node [<!ENTITY e SYSTEM \"e\">]>\n"
+            "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##encA##lun1</objid><altobjid>&e;</altobjid></"
+            "Node>"),
+         {"d:1:1: warning: the document has a DOCTYPE; the entities that it declares are expanded [doctype]",
+          "d:2:68: warning: altobjid is empty and takes the text before it, \"UDID##v##m##encA##lun1\" "
+          "[empty-element] <- external-entity of d",
+          "d:2:78: error: the document refers to \"e\", which is not opened here [external-entity]",
+          unknownFurther("2:78", "encA##lun1", "\"encA##lun1\"", "external-entity of d")},
+         clean},
+    };
+}
+
+// Those of one document, in another.
+std::vector<SCheckRow> acrossDocuments() {
+    const SCheckedCall clean{kConfiguration,
+                             {{"a", backup("1", device("encA##lun1", "encA##snap1"))},
+                              {"b", backup("2", device("encA##lun1", "encA##snap2"))}}};
+    return {
+        {"two documents name the same device",
+         EHazard::kPairMatchesNothing,
+         {kConfiguration,
+          {{"a", backup("1", device("encC##vol9", "encC##snap8"))},
+           {"b", backup("2", device("encC##vol9", "encC##snap9"))}}},
+         {"a:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing]",
+          "b:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing] <- "
+          "pair-matches-nothing of a"},
+         clean},
+        {"a time stamp in two pieces",
+         EHazard::kSplitValue,
+         {kConfiguration,
+          {{"a", backup("10", device("encA##lun1", "encA##snap1"))},
+           {"b", backup("1<!-- -->2", device("encA##lun1", "encA##snap2"))}}},
+         {"b:1:18: error: the text of timeStamp consists of 2 pieces, of which only the last counts, \"2\" "
+          "[split-value]",
+          "b:1:18: error: the time stamp \"2\" differs in width from \"10\" of a [mixed-time-stamps] <- "
+          "split-value of b"},
+         clean},
+    };
+}
+
+}  // namespace
+
+std::vector<SCheckRow> consequenceRows() {
+    std::vector<SCheckRow> rows = ofConfigurations();
+    for (const std::vector<SCheckRow>& more : {withinDocuments(), acrossDocuments()}) {
+        rows.insert(rows.end(), more.begin(), more.end());
+    }
+    return rows;
+}
+
+}  // namespace fi_test
