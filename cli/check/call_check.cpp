@@ -14,6 +14,7 @@
 
 #include "cli/base/file.h"
 #include "cli/base/xml_reader.h"
+#include "cli/check/claims.h"
 #include "cli/check/configuration.h"
 #include "cli/check/device_check.h"
 #include "cli/check/document_text.h"
@@ -73,26 +74,31 @@ void checkForms(const std::vector<SStamp>& stamps) {
     }
 }
 
-void checkEquals(const std::vector<SStamp>& stamps) {
+// Where two of them claim the same target, it is said there what comes of the time stamp.
+void checkEquals(const std::vector<SStamp>& stamps, const CClaims& claims) {
     std::map<std::string_view, const SStamp*> earlier;
     for (const SStamp& stamp : stamps) {
         const auto [entry, isNew] = earlier.emplace(stamp.text, &stamp);
         if (!isNew) {
+            const auto report = claims.reportOf(*stamp.findings, *entry->second->findings);
+            const auto claim = report.has_value()
+                                   ? std::optional<SCause>({*report, EHazard::kTargetHeldBySeveral})
+                                   : std::nullopt;
             stamp.findings->add({EHazard::kEqualTimeStamps, stamp.spot,
                                  fmt::format("the time stamp {} is that of {} too; which of them "
                                              "counts as the newer is undefined",
                                              inQuotes(stamp.text), entry->second->findings->input()),
-                                 stamp.cause});
+                                 stamp.cause.has_value() ? stamp.cause : claim});
         }
     }
 }
 
 // Compares the time stamps of a call, in the order of their documents, and adds to the findings of each
 // document what is wrong with its own.
-void checkTimeStamps(const std::vector<SStamp>& stamps) {
+void checkTimeStamps(const std::vector<SStamp>& stamps, const CClaims& claims) {
     if (!stamps.empty()) {
         checkForms(stamps);
-        checkEquals(stamps);
+        checkEquals(stamps, claims);
     }
 }
 
@@ -101,7 +107,7 @@ public:
     explicit CCallCheck(const SInputs& given) : inputs(given) {}
 
     std::vector<CFindings> run() {
-        // Stamps borrow findings, so these stay where they are.
+        // Stamps and claims borrow findings, so these stay where they are.
         all.reserve(inputs.files.size() + 1);
         all.emplace_back(inputs.configurationName);
         CDeviceCheck devices(checkConfiguration(inputs.configuration, all.front()), inputs.configurationName);
@@ -110,7 +116,8 @@ public:
             all.emplace_back(inputs.files[i]);
             checkFile(i, devices, all.back());
         }
-        checkTimeStamps(stamps);
+        claims.report();
+        checkTimeStamps(stamps, claims);
         return std::move(all);
     }
 
@@ -172,7 +179,14 @@ private:
             return;
         }
         const SDocumentTree tree = readTree(document, EForeign::kReadAsEmpty, findings);
-        devices.check(tree, document, findings);
+        std::vector<SClaim> claimed = devices.check(tree, document, findings);
+        if (tree.isCutShort) {
+            // The library may have read more, and that the backup is invalid.
+            claimed.clear();
+        }
+        if (!tree.nodes.empty()) {
+            claims.add(tree.timeStamp.has_value() ? tree.timeStamp->text : "", claimed, document, findings);
+        }
         if (tree.timeStamp.has_value() && !tree.timeStamp->text.empty()) {
             const SValue& stamp = *tree.timeStamp;
             const auto cause = stamp.distortedBy.has_value()
@@ -185,6 +199,7 @@ private:
     const SInputs& inputs;
     std::vector<CFindings> all;
     std::vector<SStamp> stamps;
+    CClaims claims;
     std::set<std::string> listed;
     // A document could not be opened.
     bool isStopped = false;

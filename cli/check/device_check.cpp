@@ -59,13 +59,14 @@ public:
     CPairCheck(CDeviceCheck& configured, const CDocumentText& source, CFindings& receiver)
         : owner(configured), document(source), findings(receiver) {}
 
-    void run(const std::vector<SNode>& nodes) {
+    std::vector<SClaim> run(const std::vector<SNode>& nodes) {
         for (const SNode& node : nodes) {
             gather(node);
         }
         for (const auto& [objid, node] : pairs) {
             checkPair(*node);
         }
+        return isInvalid ? std::vector<SClaim>() : std::move(claimed);
     }
 
 private:
@@ -106,7 +107,9 @@ private:
         } else if (value.fault.has_value()) {
             reportMalformed(*node.altobjid, *value.fault);
         }
-        if (!key.fault.has_value() && !value.fault.has_value()) {
+        if (key.fault.has_value() || value.fault.has_value()) {
+            isInvalid = true;
+        } else {
             match(node, key.name(), value.name());
         }
     }
@@ -115,14 +118,18 @@ private:
         const auto configuration = owner.find(first, further);
         if (!configuration.has_value()) {
             isPassed = true;
+            isInvalid = true;
             reportUnmatched(node, first, further);
-        } else if (!held.emplace(*configuration, further).second) {
-            const auto cause = here(firstOf(distortionOf(node.altobjid), distortionOf(node.objid)));
-            add(EHazard::kTargetHeldTwice, spotOf(*node.altobjid, further),
+            return;
+        }
+        const std::size_t offset = offsetOf(*node.altobjid, further);
+        claimed.push_back({*configuration, further, offset});
+        if (!held.emplace(*configuration, further).second) {
+            add(EHazard::kTargetHeldTwice, document.spotAt(offset),
                 fmt::format("{} is held by another pair of this backup already, which makes the "
                             "backup invalid",
                             inQuotes(further)),
-                cause);
+                here(firstOf(distortionOf(node.altobjid), distortionOf(node.objid))));
         }
     }
 
@@ -160,7 +167,8 @@ private:
             const std::string& sayer = owner.said.emplace(text, findings.input()).first->second;
             cause = sayer == findings.input() ? std::nullopt : std::optional<SCause>({sayer, hazard});
         }
-        add(hazard, isFirst ? spotOf(*node.altobjid, further) : spotOf(*node.objid, first), text, cause);
+        const std::size_t offset = isFirst ? offsetOf(*node.altobjid, further) : offsetOf(*node.objid, first);
+        add(hazard, document.spotAt(offset), text, cause);
     }
 
     static Cause distortionOf(const std::optional<SValue>& value) {
@@ -192,11 +200,11 @@ private:
 
     // Where `name` stands in the identifier of `value`; where that begins if it is not written there as it
     // is.
-    [[nodiscard]] SSpot spotOf(const SValue& value, const std::string& name) const {
+    [[nodiscard]] std::size_t offsetOf(const SValue& value, const std::string& name) const {
         const std::size_t begin = document.offsetOf(value.place);
         const std::string_view rest = std::string_view(document.content()).substr(begin);
         const std::size_t found = rest.substr(0, rest.find('<')).rfind(name);
-        return document.spotAt(found == std::string_view::npos ? begin : begin + found);
+        return found == std::string_view::npos ? begin : begin + found;
     }
 
     CDeviceCheck& owner;
@@ -206,6 +214,9 @@ private:
     std::map<std::string_view, const SNode*> pairs;
     // A pair that matches nothing was met.
     bool isPassed = false;
+    // It claims nothing.
+    bool isInvalid = false;
+    std::vector<SClaim> claimed;
     // Configurations and further targets of them.
     std::set<std::pair<std::size_t, std::string>> held;
 };
@@ -224,8 +235,9 @@ CDeviceCheck::CDeviceCheck(SConfigurations configurations, std::string inputName
     }
 }
 
-void CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings) {
-    CPairCheck(*this, document, findings).run(tree.nodes);
+std::vector<SClaim> CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document,
+                                        CFindings& findings) {
+    return CPairCheck(*this, document, findings).run(tree.nodes);
 }
 
 std::optional<std::size_t> CDeviceCheck::find(const std::string& first, const std::string& further) const {

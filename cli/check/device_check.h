@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cli/check/claims.h"
 #include "cli/check/configuration.h"
 #include "cli/check/document_text.h"
 #include "cli/check/document_tree.h"
@@ -22,7 +23,9 @@ public:
     CDeviceCheck(SConfigurations configurations, std::string inputName);
 
     // What is wrong with the devices of `tree`, which was read from `document`, is added to `findings`.
-    void check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings);
+    // Returns the targets that the backup claims, in that order; none when a pair of it is malformed or
+    // matches nothing.
+    std::vector<SClaim> check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings);
 
 private:
     class CPairCheck;

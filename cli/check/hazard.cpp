@@ -142,6 +142,11 @@ its targets, and those that are configured count as free. Names are compared byt
     {EHazard::kTargetHeldTwice, "target-held-twice", ESeverity::kError,
      R"(Two pairs of one backup name the same target of one configuration. The first claims it, the second finds
 it used: the backup is invalid, and it is never released.)"},
+    {EHazard::kTargetHeldBySeveral, "target-held-by-several", ESeverity::kError,
+     R"(Several backups hold the same target; mostly one document is a renamed copy of another. The backup with the
+newest time stamp claims the target, the others find it used: they are invalid, so that they are never
+released, and what else they hold stays used. With equal time stamps it is undefined which of them claims
+it. List of these documents only the one whose snapshot is on the target.)"},
 }};
 
 static_assert(areInOrder(kKinds, &SHazardKind::hazard), "a row for each EHazard, in that order");

@@ -47,6 +47,7 @@ enum class EHazard {
     kSameObjid,
     kPairMatchesNothing,
     kTargetHeldTwice,
+    kTargetHeldBySeveral,
     // None, but how many there are.
     kCount,
 };

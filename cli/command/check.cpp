@@ -25,9 +25,9 @@ constexpr const char* kFooter = R"(Example:
 Looks at what a call would be given and makes no call. Prints a line for each hazard, and the line of the
 input under it: FILE:LINE:COLUMN: error|warning: TEXT [NAME]. In a request lines and columns are those of the
 configuration's text. What follows from a hazard, or repeats it in further documents, is told in a line under
-it; --json has each of these, with its cause. Of one hazard in one input the first 20 are shown and the others counted. Nothing
-outside the documents is opened, whatever they ask for. --explain with a name that is not known lists all
-names.)";
+it; --json has each of these, with its cause. Of one hazard in one input the first 20 are shown and the others
+counted. Nothing outside the documents is opened, whatever they ask for. --explain with a name that is not
+known lists all names.)";
 
 struct SOptions {
     // Of the call, unless a hazard is to be explained.

@@ -12,6 +12,17 @@ std::string backup(const std::string& timeStamp, const std::string& target) {
            target + "</altobjid>\n</Node>\n";
 }
 
+// Of devices and targets with these numbers, a line each from the second on.
+std::string holding(const std::string& timeStamp, const std::vector<std::string>& numbers) {
+    std::string text = "<Node><timeStamp>" + timeStamp + "</timeStamp>\n";
+    for (const std::string& number : numbers) {
+        text += "<Node><objid>UDID##v##m##encA##lun";
+        text += number + "</objid><altobjid>UDID##v##m##encA##snap";
+        text += number + "</altobjid></Node>\n";
+    }
+    return text + "</Node>";
+}
+
 SCheckedCall with(std::vector<SCheckedDocument> documents) {
     return {"encA##lun1;snap1;snap2;snap3", std::move(documents)};
 }
@@ -74,6 +85,63 @@ std::vector<SCheckRow> callRows() {
          {"c.xml:2:12: warning: the time stamp \"20260101\" is that of a.xml too; which of them "
           "counts as the newer is undefined [equal-time-stamps]"},
          stamps("20260101", "20260102", "20260103")},
+        {"two hold a target",
+         EHazard::kTargetHeldBySeveral,
+         with({{"a.xml", backup("20260102", "snap1")}, {"b.xml", backup("20260101", "snap1")}}),
+         {"b.xml:4:23: error: \"encA##snap1\" is held by 2 backups: a.xml, the newest, claims it; b.xml "
+          "becomes "
+          "invalid [target-held-by-several]"},
+         clean},
+        {"three hold a target, the newest of which is listed last",
+         EHazard::kTargetHeldBySeveral,
+         with({{"a.xml", backup("20260101", "snap1")},
+               {"b.xml", backup("20260102", "snap1")},
+               {"c.xml", backup("20260103", "snap1")}}),
+         {"b.xml:4:23: error: \"encA##snap1\" is held by 3 backups: c.xml, the newest, claims it; b.xml and "
+          "a.xml become invalid [target-held-by-several]"},
+         stamps("20260101", "20260102", "20260103")},
+        {"a renamed copy",
+         EHazard::kTargetHeldBySeveral,
+         with({first, {"b.xml", backup("20260101", "snap1")}}),
+         {"b.xml:2:12: warning: the time stamp \"20260101\" is that of a.xml too; which of them counts as "
+          "the "
+          "newer is undefined [equal-time-stamps] <- target-held-by-several of b.xml",
+          "b.xml:4:23: error: \"encA##snap1\" is held by 2 backups: a.xml claims it, though the order of "
+          "equal "
+          "time stamps is undefined; b.xml becomes invalid [target-held-by-several]"},
+         clean},
+        {"two targets of the same backups are told once, one of others apart",
+         EHazard::kTargetHeldBySeveral,
+         {"encA##lun1;snap1\nencA##lun2;snap2\nencA##lun3;snap3",
+          {{"a.xml", holding("1", {"1", "2"})},
+           {"b.xml", holding("2", {"1", "2", "3"})},
+           {"c.xml", holding("3", {"3"})}}},
+         {"b.xml:2:66: error: \"encA##snap1\" and 1 more target are held by 2 backups: b.xml, the newest, "
+          "claims them, but becomes invalid for another target; a.xml becomes invalid "
+          "[target-held-by-several]",
+          "c.xml:2:66: error: \"encA##snap3\" is held by 2 backups: c.xml, the newest, claims it; b.xml "
+          "becomes "
+          "invalid [target-held-by-several]"},
+         {"encA##lun1;snap1\nencA##lun2;snap2\nencA##lun3;snap3",
+          {{"a.xml", holding("1", {"1", "2"})}, {"b.xml", holding("2", {"3"})}}}},
+        {"one that is invalid for another pair claims nothing",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snap1\nencA##lun2;snap2",
+          {{"a.xml", holding("1", {"1"})}, {"b.xml", holding("2", {"1", "9"})}}},
+         {"b.xml:3:26: error: \"encA##lun9\" is the first target of no configuration; the nearest is "
+          "\"encA##lun1\" [pair-matches-nothing]"},
+         {"encA##lun1;snap1\nencA##lun2;snap2",
+          {{"a.xml", holding("1", {"1"})}, {"b.xml", holding("2", {"2"})}}}},
+        {"each of two configurations has a target of that name",
+         EHazard::kTargetInTwoConfigurations,
+         {"encA##lun1;snap1\nencA##lun2;snap1",
+          {{"a.xml", backup("1", "snap1")},
+           {"b.xml",
+            "<Node><timeStamp>2</timeStamp><objid>UDID##v##m##encA##lun2</objid>"
+            "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>"}}},
+         {"config:2:12: error: \"encA##snap1\" stands in configuration 1 already "
+          "[target-in-two-configurations]"},
+         clean},
         {"another width",
          EHazard::kMixedTimeStamps,
          stamps("999", "1000", "1001"),

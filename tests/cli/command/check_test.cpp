@@ -1,5 +1,6 @@
 // fi-rotate check as a program: what it prints and how it ends.
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,17 +31,24 @@ std::vector<std::string> checkOfExamples() {
     return arguments;
 }
 
-TEST(FiRotateCheck, FindsInTheExamplesTheDeviceThatIsNoLongerConfiguredAndNothingElse) {
+TEST(FiRotateCheck, FindsInTheExamplesADeviceThatIsNoLongerConfiguredATargetHeldTwiceAndNothingElse) {
     const auto result = runFiRotate(checkOfExamples());
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_EQ(result.error, "");
-    EXPECT_EQ(result.output,
-              example("backup-2026-10-02.xml") +
-                  ":19:38: error: \"ENC-A##VOL-0013\" is the first target of no configuration; the "
-                  "nearest is \"ENC-A##VOL-0011\" [pair-matches-nothing]\n"
-                  "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
-                  "                                         ^\n"
-                  "1 error, no warnings; checked the configuration and 8 documents\n");
+    EXPECT_EQ(
+        result.output,
+        example("backup-2026-10-02.xml") +
+            ":19:38: error: \"ENC-A##VOL-0013\" is the first target of no configuration; the "
+            "nearest is \"ENC-A##VOL-0011\" [pair-matches-nothing]\n"
+            "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
+            "                                         ^\n" +
+            example("backup-2026-10-08.xml") +
+            ":12:41: error: \"ENC-A##SNP-0103\" is held by 2 backups: " + example("backup-2026-10-08.xml") +
+            ", the newest, claims it; " + example("backup-2026-10-04.xml") +
+            " becomes invalid [target-held-by-several]\n"
+            "          <altobjid>UDID##EXAMPLE##ARRAY-9##ENC-A##SNP-0103</altobjid>\n"
+            "                                            ^\n"
+            "2 errors, no warnings; checked the configuration and 8 documents\n");
 }
 
 // A carriage return before each line end is the terminal's.
@@ -80,21 +88,30 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
     arguments.emplace_back("--json");
     const auto result = runFiRotate(arguments);
     EXPECT_EQ(result.exitStatus, 3);
-    const auto expected =
-        nlohmann::json{{"findings",
-                        {{{"file", example("backup-2026-10-02.xml")},
-                          {"line", 19},
-                          {"column", 38},
-                          {"severity", "error"},
-                          {"name", "pair-matches-nothing"},
-                          {"text",
-                           "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
-                           "\"ENC-A##VOL-0011\""},
-                          {"caused_by", nullptr},
-                          {"count", 1}}}},
-                       {"errors", 1},
-                       {"warnings", 0},
-                       {"documents", 8}};
+    const auto expected = nlohmann::json{
+        {"findings",
+         {{{"file", example("backup-2026-10-02.xml")},
+           {"line", 19},
+           {"column", 38},
+           {"severity", "error"},
+           {"name", "pair-matches-nothing"},
+           {"text",
+            "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
+            "\"ENC-A##VOL-0011\""},
+           {"caused_by", nullptr},
+           {"count", 1}},
+          {{"file", example("backup-2026-10-08.xml")},
+           {"line", 12},
+           {"column", 41},
+           {"severity", "error"},
+           {"name", "target-held-by-several"},
+           {"text", "\"ENC-A##SNP-0103\" is held by 2 backups: " + example("backup-2026-10-08.xml") +
+                        ", the newest, claims it; " + example("backup-2026-10-04.xml") + " becomes invalid"},
+           {"caused_by", nullptr},
+           {"count", 1}}}},
+        {"errors", 2},
+        {"warnings", 0},
+        {"documents", 8}};
     EXPECT_EQ(nlohmann::json::parse(result.output), expected);
 }
 
@@ -227,6 +244,40 @@ TEST(FiRotateCheck, ShowsTwentyOfAHazardAndCountsTheOthers) {
     EXPECT_THAT(result.output, Not(HasSubstr(file + ":22:1:")));
     EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: and 3 more of these [empty-element]\n"));
     EXPECT_THAT(result.output, HasSubstr("no errors, 23 warnings;"));
+}
+
+// More of them than a sort leaves in order.
+TEST(FiRotateCheck, NamesThoseBackupsOfEqualTimeStampsThatSelectCallsInvalid) {
+    const CTemporaryFolder folder;
+    std::vector<std::string> arguments{"--json", "--config", "e##l;s1;s2;s3;s4;s5;s6;s7;s8;s9"};
+    for (int i = 0; i < 36; ++i) {
+        arguments.push_back(
+            folder.write("d" + std::to_string(i) + ".xml",
+                         "<Node><timeStamp>" + std::to_string(i % 3) +
+                             "</timeStamp><objid>UDID##v##m##e##l</objid><altobjid>UDID##v##m##e##s" +
+                             std::to_string(1 + i % 9) + "</altobjid></Node>"));
+    }
+    std::set<std::string> claimed;
+    auto selecting = arguments;
+    selecting.insert(selecting.begin(), "select");
+    const auto outcome = nlohmann::json::parse(runFiRotate(selecting).output);
+    for (const auto& backup : outcome["backups"]) {
+        if (backup["state"] != "invalid") {
+            claimed.insert(backup["file"].get<std::string>());
+        }
+    }
+    std::set<std::string> told;
+    arguments.insert(arguments.begin(), "check");
+    const auto report = nlohmann::json::parse(runFiRotate(arguments).output);
+    for (const auto& finding : report["findings"]) {
+        if (finding["name"] == "target-held-by-several") {
+            const auto text = finding["text"].get<std::string>();
+            const std::size_t begin = text.find(": ") + 2;
+            told.insert(text.substr(begin, text.find(" claims it") - begin));
+        }
+    }
+    EXPECT_EQ(told.size(), 9U);
+    EXPECT_EQ(told, claimed);
 }
 
 TEST(FiRotateCheck, ExplainsEveryHazardByItsName) {

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/check/document_text.h"
+#include "cli/check/findings.h"
+
+namespace fi_rotate {
+
+// A target that a backup claims.
+struct SClaim {
+    std::size_t configuration = 0;
+    std::string name;
+    // Of the name in the content of the document.
+    std::size_t offset = 0;
+};
+
+// Finds the targets that several backups of a call claim.
+class CClaims {
+public:
+    // Adds the next backup of the call. `held` is empty for one that claims nothing, being invalid before
+    // that.
+    void add(std::string timeStamp, const std::vector<SClaim>& held, const CDocumentText& document,
+             CFindings& findings);
+
+    // Adds what was found to the findings of the backups, which were borrowed. To be called once, at the end.
+    void report();
+
+    // The input in which it is reported that these two backups claim the same target.
+    [[nodiscard]] std::optional<std::string> reportOf(const CFindings& one, const CFindings& other) const;
+
+private:
+    struct SBackup {
+        std::string timeStamp;
+        CFindings* findings = nullptr;
+    };
+    struct STarget {
+        std::string name;
+        // Those that claim it; after the sorting in the order of their claims.
+        std::vector<std::size_t> holders;
+        // Where the second backup of the call that claims it names it.
+        SSpot spot;
+        CFindings* findings = nullptr;
+    };
+    // Targets that the same backups claim in the same order.
+    struct SGroup {
+        std::vector<std::size_t> holders;
+        std::vector<const STarget*> targets;
+    };
+
+    void sortHolders();
+    [[nodiscard]] std::vector<SGroup> groups() const;
+    [[nodiscard]] std::string textOf(const SGroup& group) const;
+    [[nodiscard]] std::string claimOf(const SGroup& group) const;
+
+    std::vector<SBackup> backups;
+    std::map<std::pair<std::size_t, std::string>, STarget> targets;
+    // Backups that cannot claim all that they hold.
+    std::set<std::size_t> losers;
+    // Who claims the same targets, and the input in which that is reported.
+    std::vector<std::pair<std::set<const CFindings*>, std::string>> reports;
+    // Indices of reports by who is in them.
+    std::map<const CFindings*, std::vector<std::size_t>> reportsOn;
+};
+
+}  // namespace fi_rotate
