@@ -1,10 +1,11 @@
-// Any bytes are a log. Its calls stand one behind the other; what is shown of them keeps to its lines and is
-// JSON that a program can read; a reason is given only where nothing is missing in between.
+// Any bytes are logs. Their calls stand in the order in which they begin; what is shown of them keeps to its
+// lines and is JSON that a program can read; a reason is given only where nothing is missing in between.
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -20,13 +21,17 @@ using fi_rotate::SLoggedCall;
 
 const fi_rotate::SView kWithReasons{{}, true};
 
+bool isBefore(const fi_rotate::SLogPlace& left, const fi_rotate::SLogPlace& right) {
+    return std::tie(left.logNumber, left.line) < std::tie(right.logNumber, right.line);
+}
+
 void requireOrder(const std::vector<SLoggedCall>& calls) {
-    std::size_t last = 0;
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        require(calls[i].number == i + 1, "calls are numbered in order");
-        require(calls[i].firstLine > last, "a call begins behind the one before");
-        require(calls[i].lastLine >= calls[i].firstLine, "a call ends behind its beginning");
-        last = calls[i].lastLine;
+        const auto& [number, first, last, outcome, missing] = calls[i];
+        require(number == i + 1, "calls are numbered in order");
+        require(first.line != 0, "a call begins in a line");
+        require(i == 0 || isBefore(calls[i - 1].first, first), "a call begins behind the one before");
+        require(!isBefore(last, first), "a call ends behind its beginning");
     }
 }
 
@@ -49,26 +54,40 @@ void requireReasons(const SLoggedCall& call) {
     }
 }
 
+void requirePrintable(const std::string& text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : ' ');
+        const bool isOfTwoBytes = byte == 0xC2 && next >= 0x80 && next < 0xA0;
+        require((byte >= ' ' || byte == '\n') && byte != 0x7F && !isOfTwoBytes,
+                "no control character is shown");
+    }
+}
+
 void requireReadable(const std::vector<SLoggedCall>& calls) {
-    require(nlohmann::json::parse(toJson(calls, kWithReasons))["calls"].size() == calls.size(),
-            "every call is in the JSON");
+    const std::string json = toJson(calls, kWithReasons);
+    require(nlohmann::json::parse(json)["calls"].size() == calls.size(), "every call is in the JSON");
+    requirePrintable(json);
     for (const SLoggedCall& call : calls) {
         constexpr std::size_t kWidth = 80;
-        for (const char character : toTables(call, kWithReasons, kWidth, false)) {
-            require(static_cast<unsigned char>(character) >= ' ' || character == '\n',
-                    "no control character is shown");
-        }
+        requirePrintable(toTables(call, kWithReasons, kWidth, false));
     }
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // A form feed in a line of its own begins another log.
     std::string_view log(reinterpret_cast<const char*>(data), size);
     fi_rotate::CLogReader reader;
     while (!log.empty()) {
         const std::size_t end = log.find('\n');
-        reader.read(log.substr(0, end));
+        const std::string_view line = log.substr(0, end);
+        if (line == "\f") {
+            reader.begin("next");
+        } else {
+            reader.read(line);
+        }
         log.remove_prefix(end == std::string_view::npos ? log.size() : end + 1);
     }
     const std::vector<SLoggedCall> calls = reader.finish();

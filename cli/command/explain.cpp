@@ -24,23 +24,26 @@ namespace fi_rotate {
 namespace {
 
 constexpr const char* kFooter = R"(Example:
-  fi-rotate explain --only rotated,invalid /var/log/backup.log
+  fi-rotate explain --only rotated,invalid /var/log/backup.log.1 /var/log/backup.log
 
-The log is what --trace-file of select writes, or any log in which each of the library's lines stands behind a
-prefix of the host's (time, process, level). Other lines may stand in between. Where lines of a call are
-missing, what is known is shown and what is missing is said; no reason is given that could be wrong for it.
+A log is what --trace-file of select writes, or any log in which each of the library's lines stands behind a
+prefix of the host's (time, process, level). Other lines may stand in between. Calls that overlap are told apart
+by what the prefix says of the process or the thread. A call may go on in the next log. Where lines of a call are
+missing, that is said, and no reason is given that could be wrong for it.
 
 A trace does not tell the selection of a first backup, nor the time stamp of a backup that failed the check.)";
 
 struct SOptions {
-    std::string log = "-";
+    std::vector<std::string> logs{"-"};
     std::optional<std::size_t> call;
     std::set<std::string> shownStates;
     bool json = false;
 };
 
-std::vector<SLoggedCall> readCalls(std::istream& log, const std::string& name) {
-    CLogReader reader;
+constexpr const char* kStandardInput = "standard input";
+
+void read(std::istream& log, const std::string& name, CLogReader& reader) {
+    reader.begin(name);
     std::string line;
     while (std::getline(log, line)) {
         reader.read(line);
@@ -48,18 +51,22 @@ std::vector<SLoggedCall> readCalls(std::istream& log, const std::string& name) {
     if (log.bad()) {
         throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
     }
-    return reader.finish();
 }
 
-std::vector<SLoggedCall> readCalls(const std::string& name) {
-    if (name == "-") {
-        return readCalls(std::cin, "standard input");
+std::vector<SLoggedCall> readCalls(const std::vector<std::string>& names) {
+    CLogReader reader;
+    for (const std::string& name : names) {
+        if (name == "-") {
+            read(std::cin, kStandardInput, reader);
+            continue;
+        }
+        std::ifstream log(name, std::ios::binary);
+        if (!log) {
+            throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
+        }
+        read(log, name, reader);
     }
-    std::ifstream log(name, std::ios::binary);
-    if (!log) {
-        throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
-    }
-    return readCalls(log, name);
+    return reader.finish();
 }
 
 std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls, std::optional<std::size_t> number) {
@@ -72,12 +79,19 @@ std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls, std::option
     return {std::move(calls[*number - 1])};
 }
 
+std::string inWords(const std::vector<std::string>& logs) {
+    if (logs.size() > 1) {
+        return fmt::format("these {} logs", logs.size());
+    }
+    return logs.front() == "-" ? kStandardInput : quotedPrintable(logs.front());
+}
+
 void reportNoCall(const SOptions& options, std::size_t count) {
-    const std::string log = options.log == "-" ? "standard input" : quotedPrintable(options.log);
     if (count == 0) {
-        printError("no call of the library in " + log);
+        printError("no call of the library in " + inWords(options.logs));
     } else {
-        printError(fmt::format("no call {} in {}, which has {}", *options.call, log, count));
+        printError(fmt::format("no call {} in {}, which {} {}", *options.call, inWords(options.logs),
+                               options.logs.size() > 1 ? "have" : "has", count));
     }
 }
 
@@ -90,7 +104,7 @@ std::string toTables(const std::vector<SLoggedCall>& calls, const SView& view) {
 }
 
 int runExplain(const SOptions& options) {
-    std::vector<SLoggedCall> all = readCalls(options.log);
+    std::vector<SLoggedCall> all = readCalls(options.logs);
     const std::size_t count = all.size();
     const std::vector<SLoggedCall> calls = chosenCalls(std::move(all), options.call);
     if (calls.empty()) {
@@ -106,9 +120,10 @@ int runExplain(const SOptions& options) {
 
 void addExplain(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& explain = *app.add_subcommand("explain", "Show from a log what calls came to, and why");
+    CLI::App& explain = *app.add_subcommand("explain", "Show from logs what calls came to, and why");
     setFooter(explain, kFooter);
-    explain.add_option("LOG", options->log, "The log; - or nothing for standard input")->type_name("");
+    explain.add_option("LOG", options->logs, "The logs, oldest first; - or nothing for standard input")
+        ->type_name("");
     explain.add_option("--call", options->call, "Show only this call; they are numbered from 1")
         ->type_name("N");
     addOnlyOption(explain, options->shownStates);

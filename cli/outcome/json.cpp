@@ -1,5 +1,9 @@
 #include "cli/outcome/json.h"
 
+#include <cstddef>
+
+#include <fmt/format.h>
+
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/base/json.h"
@@ -144,6 +148,27 @@ Json documentOf(const SOutcome& outcome, const SView& view) {
     return document;
 }
 
+Json placeOf(const SLogPlace& place) {
+    return {{"log", asUtf8(place.log)}, {"line", place.line}, {"time", orNullIfEmpty(place.time)}};
+}
+
+// JSON lets some control characters stand in texts as they are, a terminal obeys them.
+std::string withoutControls(const std::string& json) {
+    std::string result;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(json[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < json.size() ? json[i + 1] : '\0');
+        const bool isOfTwoBytes = byte == 0xC2 && next < 0xA0;
+        if (byte == 0x7F || isOfTwoBytes) {
+            result += fmt::format("\\u{:04x}", isOfTwoBytes ? next : byte);
+            i += isOfTwoBytes ? 1U : 0U;
+        } else {
+            result += json[i];
+        }
+    }
+    return result;
+}
+
 }  // namespace
 
 std::string toJson(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice) {
@@ -156,12 +181,12 @@ std::string toJson(const std::vector<SLoggedCall>& calls, const SView& view) {
     Json rows = Json::array();
     for (const SLoggedCall& call : calls) {
         rows.push_back({{"number", call.number},
-                        {"first_line", call.firstLine},
-                        {"last_line", call.lastLine},
+                        {"first", placeOf(call.first)},
+                        {"last", placeOf(call.last)},
                         {"missing", listOf(call.missing)},
                         {"outcome", documentOf(call.outcome, view)}});
     }
-    return Json{{"calls", rows}}.dump(2) + "\n";
+    return withoutControls(Json{{"calls", rows}}.dump(2)) + "\n";
 }
 
 }  // namespace fi_rotate

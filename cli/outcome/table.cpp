@@ -246,6 +246,25 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
     return list.empty() ? list : fmt::format("\n{}\n{}", heading, list);
 }
 
+std::string placeOf(const SLoggedCall& call) {
+    const SLogPlace& first = call.first;
+    const SLogPlace& last = call.last;
+    if (first.logNumber != last.logNumber) {
+        return fmt::format("{}, line {}, to {}, line {}", asPrintable(first.log), first.line,
+                           asPrintable(last.log), last.line);
+    }
+    return fmt::format("{}, lines {} to {}", asPrintable(first.log), first.line, last.line);
+}
+
+std::string timeOf(const SLoggedCall& call) {
+    if (call.first.time.empty()) {
+        return "";
+    }
+    return call.first.time == call.last.time
+               ? fmt::format("Time: {}\n", asPrintable(call.first.time))
+               : fmt::format("Time: {} to {}\n", asPrintable(call.first.time), asPrintable(call.last.time));
+}
+
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
@@ -264,10 +283,11 @@ std::string toTables(const SOutcome& outcome, const SView& view, const std::opti
 
 std::string toTables(const SLoggedCall& call, const SView& view, std::size_t width, bool colour) {
     const SOutcome& outcome = call.outcome;
-    return fmt::format("Call {}, lines {} to {}\n\n", call.number, call.firstLine, call.lastLine) +
+    return fmt::format("Call {}, {}\n", call.number, placeOf(call)) + timeOf(call) +
+           toList("Missing from the log", call.missing) + "\n" +
            (outcome.account.has_value() ? toTables(outcome, view, std::nullopt, width, colour)
                                         : "Selection: none\n") +
-           toList("Messages", outcome.messages) + toList("Missing from the log", call.missing);
+           toList("Messages", outcome.messages);
 }
 
 }  // namespace fi_rotate

@@ -41,8 +41,8 @@ TEST_F(FiRotateExplain, ShowsEveryCallOfALog) {
     const auto result = runFiRotate({"explain", log});
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.error, "");
-    EXPECT_THAT(result.output, StartsWith("Call 1, lines 1 to "));
-    EXPECT_THAT(result.output, HasSubstr("\n\nCall 2, lines "));
+    EXPECT_THAT(result.output, StartsWith("Call 1, " + log + ", lines 1 to "));
+    EXPECT_THAT(result.output, HasSubstr("\n\nCall 2, " + log + ", lines "));
     EXPECT_THAT(result.output, HasSubstr("Selection\n"
                                          "  first target  chosen target  restore points\n"
                                          "  A##x          A##2           1\n"));
@@ -55,7 +55,7 @@ TEST_F(FiRotateExplain, PicksOneCall) {
     call("A##x;1;2", {backup});
     const auto result = runFiRotate({"explain", "--call", "2", log});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_THAT(result.output, StartsWith("Call 2, lines "));
+    EXPECT_THAT(result.output, StartsWith("Call 2, " + log + ", lines "));
     EXPECT_THAT(result.output, Not(HasSubstr("rotated")));
 }
 
@@ -123,22 +123,69 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
                      "app: fi_process_backups :  Fiid [a.xml] exclude rotation flag [4] \n");
     const auto result = runFiRotate({"explain", cut});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.output,
-              "Call 1, lines 1 to 4\n"
-              "\n"
-              "Selection: not known\n"
-              "\n"
-              "Backups\n"
-              "  file   time stamp  flags  state\n"
-              "  a.xml  -           4      -\n"
-              "Total: 1 without a state\n"
-              "\n"
-              "Reasons\n"
-              "  a.xml\n"
-              "    no state: not known\n"
-              "\n"
-              "Missing from the log\n"
-              "  its end, after line 4\n");
+    EXPECT_EQ(result.output, "Call 1, " + cut +
+                                 ", lines 1 to 4\n"
+                                 "\n"
+                                 "Missing from the log\n"
+                                 "  its end, after line 4\n"
+                                 "\n"
+                                 "Selection: not known\n"
+                                 "\n"
+                                 "Backups\n"
+                                 "  file   time stamp  flags  state\n"
+                                 "  a.xml  -           4      -\n"
+                                 "\n"
+                                 "Reasons\n"
+                                 "  a.xml\n"
+                                 "    no state: not known\n");
+}
+
+TEST_F(FiRotateExplain, ReadsSeveralLogsOneAfterTheOther) {
+    const std::string older = folder.write("log.1",
+                                           "Nov  2 01:30:00 h app[7]: CFiResourceParser::parse : "
+                                           "Resource specification [A##x;1]\n");
+    const std::string last =
+        folder.write("log",
+                     "Nov  2 01:30:01 h app[7]: CFiResourceParser::parse : [A][x]\n"
+                     "Nov  2 01:30:01 h app[7]: CFiResourceParser::parse : [A][1]\n"
+                     "Nov  2 01:30:02 h app[7]: fi_process_backups : fiidListSize empty, no previous "
+                     "backups to process\n"
+                     "Nov  3 01:30:00 h app[7]: fi_process_backups : Invalid/empty parameter\n");
+    const std::string calls =
+        "Time: Nov  2 01:30:00 to Nov  2 01:30:02\n"
+        "\n"
+        "Selection: made, but the trace of a first backup does not tell which\n"
+        "\n"
+        "Backups: none, this is the first\n"
+        "\n"
+        "Call 2, ";
+    const auto result = runFiRotate({"explain", older, last});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output, StartsWith("Call 1, " + older + ", line 1, to " + last + ", line 3\n" + calls +
+                                          last + ", lines 4 to 4\nTime: Nov  3 01:30:00\n"));
+    const auto first =
+        nlohmann::json::parse(runFiRotate({"explain", "--json", older, last}).output)["calls"][0];
+    EXPECT_EQ(first["first"], (nlohmann::json{{"log", older}, {"line", 1}, {"time", "Nov  2 01:30:00"}}));
+    EXPECT_EQ(first["last"], (nlohmann::json{{"log", last}, {"line", 3}, {"time", "Nov  2 01:30:02"}}));
+    EXPECT_EQ(runFiRotate({"explain", "--call", "3", older, last}).error,
+              "fi-rotate: no call 3 in these 2 logs, which have 2\n");
+}
+
+TEST_F(FiRotateExplain, PrintsNoControlCharacterOfALog) {
+    const std::string name =
+        "a\033[31m\x7f\xC2\x9B"
+        "31m.xml";
+    const std::string cut = folder.write("cut",
+                                         "app: CFiResourceParser::parse : Resource specification [A##x;1]\n"
+                                         "app: fi_process_backups :  Fiid [" +
+                                             name + "] exclude rotation flag [4] \n");
+    for (const char* const option : {"--only=not loaded,kept", "--json"}) {
+        const auto result = runFiRotate({"explain", option, cut});
+        EXPECT_EQ(result.exitStatus, 0);
+        EXPECT_EQ(result.output.find_first_of("\033\x7f\x9B"), std::string::npos) << option;
+    }
+    const auto shown = nlohmann::json::parse(runFiRotate({"explain", "--json", cut}).output);
+    EXPECT_EQ(shown["calls"][0]["outcome"]["backups"][0]["file"], name);
 }
 
 }  // namespace

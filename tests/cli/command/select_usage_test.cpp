@@ -72,7 +72,7 @@ TEST(FiRotateUsage, RefusesAConfigurationFileThatTheLibraryWouldReadInPart) {
 // That it names every option is for the comparison with the manual page.
 TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
     for (const std::string usage : {"select [OPTIONS] [FIID...]", "check [OPTIONS] [FIID...]",
-                                    "explain [OPTIONS] [LOG]", "simulate [OPTIONS]"}) {
+                                    "explain [OPTIONS] [LOG...]", "simulate [OPTIONS]"}) {
         SCOPED_TRACE(usage);
         const auto help = runFiRotate({usage.substr(0, usage.find(' ')), "--help"});
         EXPECT_EQ(help.exitStatus, 0);

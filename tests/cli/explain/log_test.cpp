@@ -15,67 +15,27 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/base/file.h"
-#include "host/library_call.h"
+#include "tests/cli/explain/Traced.h"
 #include "tests/host/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
 
 using fi_rotate::CLogReader;
-using fi_rotate::SAccountBackup;
 using fi_rotate::SCall;
 using fi_rotate::SLoggedCall;
 using fi_rotate::SOutcome;
+using fi_test::callsOf;
 using fi_test::CRandomCall;
 using fi_test::document;
 using fi_test::kRandomCalls;
+using fi_test::told;
+using fi_test::traced;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::vector<SLoggedCall> callsOf(const std::vector<std::string>& lines) {
-    CLogReader reader;
-    for (const std::string& line : lines) {
-        reader.read(line);
-    }
-    return reader.finish();
-}
-
-// Everything of an outcome that its trace tells, for comparisons. Time stamps are told of some backups only.
-std::string told(const SOutcome& outcome) {
-    std::string text = outcome.status.has_value() ? std::to_string(*outcome.status) : "none";
-    text += '\n' + outcome.selection.value_or("none") + '\n';
-    text += outcome.exception.has_value() ? outcome.exception->identifier.value() + '\n' : "";
-    for (const std::string& message : outcome.messages) {
-        text += message + '\n';
-    }
-    for (const auto& backup : outcome.backups) {
-        text += backup.given.file + ' ' + std::to_string(backup.given.flagWord) + ' ' +
-                std::string(stateWord(backup).value_or("-")) + ' ' +
-                (backup.reason.has_value() ? inWords(*backup.reason) : "-") + '\n';
-    }
-    for (const auto& shortage : outcome.account.value().shortages) {
-        text += std::to_string(shortage.configuration) + " is short\n";
-        for (const auto& held : shortage.targets) {
-            text += std::to_string(held.target) + ' ' + outcome.account->backups[held.holder].file +
-                    (held.isExcluded ? " excluded\n" : "\n");
-        }
-    }
-    return text;
-}
-
 class FiRotateLog : public testing::Test {
 protected:
-    // Makes the call; `lines` gets its trace as fi-rotate writes it.
-    SOutcome traced(const SCall& call, std::vector<std::string>& lines) {
-        fi_rotate::SWishes wishes;
-        wishes.account = true;
-        wishes.trace = [&lines](int level, const std::string& text) {
-            const std::string line = fi_rotate::toTraceLine(level, text);
-            lines.push_back(line.substr(0, line.size() - 1));
-        };
-        return runCall(call, wishes);
-    }
-
     // Three backups of one configuration with two targets: the newest holds one, the one before lost its
     // claim to it, and the oldest has to go.
     SCall rotation() {
@@ -147,10 +107,10 @@ TEST_F(FiRotateLog, SaysWhereACallStands) {
     traced(rotation(), lines);
     const std::vector<SLoggedCall> calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 2U);
-    EXPECT_EQ(calls[0].firstLine, 2U);
-    EXPECT_EQ(calls[0].lastLine, end);
-    EXPECT_EQ(calls[1].firstLine, end + 3);
-    EXPECT_EQ(calls[1].lastLine, lines.size());
+    EXPECT_EQ(calls[0].first.line, 2U);
+    EXPECT_EQ(calls[0].last.line, end);
+    EXPECT_EQ(calls[1].first.line, end + 3);
+    EXPECT_EQ(calls[1].last.line, lines.size());
 }
 
 TEST_F(FiRotateLog, TellsTheTimeStampsThatTheTraceTells) {
@@ -241,6 +201,66 @@ TEST_F(FiRotateLog, GivesNoReasonWhereTwoCallsAreMixed) {
             EXPECT_FALSE(backup.reason.has_value());
         }
     }
+}
+
+TEST_F(FiRotateLog, SaysWhenACallWas) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        lines[i] = "Nov  2 01:30:" + std::to_string(10 + i % 50) + " backupd: " + lines[i].substr(2);
+    }
+    lines.emplace_back("Nov  3 07:00:00 backupd: done");
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].first.time, "Nov  2 01:30:10");
+    EXPECT_EQ(calls[0].last.time, "Nov  2 01:30:" + std::to_string(10 + (lines.size() - 2) % 50));
+}
+
+TEST_F(FiRotateLog, SaysNoTimeWhereThereIsNone) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].first.time, "");
+    EXPECT_EQ(calls[0].last.time, "");
+}
+
+TEST_F(FiRotateLog, FollowsACallIntoTheNextLog) {
+    std::vector<std::string> lines;
+    const SOutcome outcome = traced(rotation(), lines);
+    for (std::size_t cut = 1; cut < lines.size(); ++cut) {
+        SCOPED_TRACE(cut);
+        CLogReader reader;
+        reader.begin("log.1");
+        reader.read("noise");
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            if (i == cut) {
+                reader.begin("log");
+            }
+            reader.read("backupd: " + lines[i].substr(2));
+        }
+        const auto calls = reader.finish();
+        ASSERT_EQ(calls.size(), 1U);
+        EXPECT_EQ(told(calls[0].outcome), told(outcome));
+        EXPECT_THAT(calls[0].missing, IsEmpty());
+        EXPECT_EQ(calls[0].first.log, "log.1");
+        EXPECT_EQ(calls[0].first.line, 2U);
+        // Behind the last of a tree's own lines come those that say nothing of the call.
+        EXPECT_EQ(calls[0].last.log, "log");
+        EXPECT_EQ(calls[0].last.line, lines.size() - cut);
+    }
+}
+
+TEST_F(FiRotateLog, PutsLineBreaksBackIntoLinesOfFiRotateOnly) {
+    const std::string refused = "fi_process_backups : Invalid/empty parameter";
+    const std::string rejected = R"(CFiResourceParser::parse : Invalid resource specification [\n\\r\t])";
+    const auto calls = callsOf({"3 " + rejected, "3 " + refused});
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_THAT(calls[0].outcome.messages,
+                ElementsAre("CFiResourceParser::parse : Invalid resource specification [\n\\r\\t]"));
+    const auto ofHost = callsOf({"app: " + rejected, "app: " + refused});
+    ASSERT_EQ(ofHost.size(), 2U);
+    EXPECT_THAT(ofHost[0].outcome.messages, ElementsAre(rejected));
 }
 
 // A log that lacks lines may tell less than the call, or say what is missing, but nothing else than the call.
