@@ -36,6 +36,12 @@ constexpr std::array kInOrder{
 // A Node's lines, in order.
 constexpr std::array kOfTree{ETraceText::kNodeObjid, ETraceText::kNodeAltobjid, ETraceText::kNodeType};
 
+// Of lines that each loaded backup has.
+std::string missing(std::string_view lines, std::size_t seen, std::size_t backups) {
+    return seen < backups ? fmt::format("{}, {} of {}", lines, backups - seen, backups)
+                          : fmt::format("the loading of backups, {} of {}", seen - backups, seen);
+}
+
 // What a line holds, if it is of this kind. A configuration may hold line breaks, so a log may have its
 // beginning only.
 std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text) {
@@ -86,20 +92,19 @@ std::vector<std::string> CAccountReader::gaps() const {
         gaps.emplace_back("lines of the configuration");
     }
     if (isClaimBegun && checked != account.backups.size()) {
-        gaps.push_back(
-            fmt::format("checks, {} of {}", account.backups.size() - checked, account.backups.size()));
+        gaps.push_back(missing("checks", checked, account.backups.size()));
     }
     const std::size_t passed = account.backups.size() - failedCheck.size();
     if (isRotationBegun && claims.size() != passed) {
-        gaps.push_back(fmt::format("claims, {} of {}", passed - claims.size(), passed));
+        gaps.push_back(missing("claims", claims.size(), passed));
     }
     if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
         gaps.push_back(fmt::format("skipped backups, {} instead of {}", skipped.size(), expectedSkips()));
     }
     if (contradictions != 0) {
-        gaps.push_back(fmt::format(
-            "what comes before \"{}\"{}", firstContradiction,
-            contradictions == 1 ? "" : fmt::format(" and before {} other lines", contradictions - 1)));
+        gaps.push_back(contradictions == 1 ? fmt::format("lines before \"{}\"", firstContradiction)
+                                           : fmt::format("lines in {} places, the first before \"{}\"",
+                                                         contradictions, firstContradiction));
     }
     return gaps;
 }

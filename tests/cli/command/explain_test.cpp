@@ -134,6 +134,7 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
                                  "Backups\n"
                                  "  file   time stamp  flags  state\n"
                                  "  a.xml  -           4      -\n"
+                                 "Total: 1 without a state\n"
                                  "\n"
                                  "Reasons\n"
                                  "  a.xml\n"
