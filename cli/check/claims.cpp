@@ -72,6 +72,7 @@ std::vector<CClaims::SGroup> CClaims::groups() const {
         }
     }
     std::vector<SGroup> all;
+    all.reserve(byHolders.size());
     for (auto& [holders, held] : byHolders) {
         all.push_back({holders, std::move(held)});
     }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
@@ -108,7 +109,9 @@ void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states) {
 }
 
 bool wantsColour() {
-    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
+    const char* const terminal = std::getenv("TERM");
+    const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
+    return isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr && !isDumb;
 }
 
 void printError(const std::string& message) {

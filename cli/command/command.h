@@ -44,7 +44,7 @@ std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call
 // Adds --only, which fills `states`.
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states);
 
-// Standard output is a terminal, and nobody asked for no colour.
+// Standard output is a terminal that knows colour, and nobody asked for none.
 bool wantsColour();
 
 // Writes a line to standard error.

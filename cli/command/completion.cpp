@@ -44,8 +44,8 @@ std::string inShellQuotes(const std::string& text) {
     return result + "'";
 }
 
-std::string offerOf(const Words& words) {
-    std::string offer = "_fi_rotate_offer";
+std::string offerOf(const Words& words, bool isList = false) {
+    std::string offer = isList ? "_fi_rotate_offer_list" : "_fi_rotate_offer";
     for (const std::string& word : words) {
         offer += " \\\n                " + inShellQuotes(word);
     }
@@ -54,7 +54,7 @@ std::string offerOf(const Words& words) {
 
 std::string offerFor(const SOption& option) {
     if (!option.words.empty()) {
-        return offerOf(option.words);
+        return offerOf(option.words, option.takesList);
     }
     return startsWith(option.value, "FILE")
                ? "_fi_rotate_offer_files"
@@ -86,13 +86,18 @@ std::string casesOf(const CLI::App& subcommand) {
 
 }  // namespace
 
+SOption optionOf(const CLI::Option& option) {
+    const std::string name = option.get_lnames().empty() ? "" : "--" + option.get_lnames().front();
+    const std::string type = option.get_type_size() == 0 ? "" : option.get_type_name();
+    return {name, type.substr(0, type.find(':')), option.get_description(), wordsFor(type),
+            option.get_delimiter() == ','};
+}
+
 std::vector<SOption> optionsOf(const CLI::App& app) {
     std::vector<SOption> options;
     for (const CLI::Option* const option : app.get_options()) {
         if (!option->get_lnames().empty()) {
-            const std::string type = option->get_type_size() == 0 ? "" : option->get_type_name();
-            options.push_back({"--" + option->get_lnames().front(), type.substr(0, type.find(':')),
-                               option->get_description(), wordsFor(type)});
+            options.push_back(optionOf(*option));
         }
     }
     for (const CLI::App* const group : app.get_subcommands(isGroup)) {

@@ -16,7 +16,11 @@ struct SOption {
     std::string description;
     // Of which its value is one; empty when others are possible too.
     std::vector<std::string> words;
+    // Its value may be several of them, separated by commas.
+    bool takesList = false;
 };
+
+SOption optionOf(const CLI::Option& option);
 
 // The options of the program or of a subcommand, those in groups too.
 std::vector<SOption> optionsOf(const CLI::App& app);

@@ -56,7 +56,8 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 std::vector<std::string> environmentWith(const std::vector<std::string>& additions) {
     std::vector<std::string> result;
     for (char** entry = environ; *entry != nullptr; ++entry) {
-        if (std::string_view(*entry).substr(0, 9) != "NO_COLOR=") {
+        const std::string_view variable(*entry);
+        if (variable.substr(0, 9) != "NO_COLOR=" && variable.substr(0, 5) != "TERM=") {
             result.emplace_back(*entry);
         }
     }

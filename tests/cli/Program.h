@@ -12,7 +12,7 @@ struct SProgramResult {
 };
 
 // Runs fi-rotate with `arguments` to its end; the test fails when a signal ends it. `environment` entries
-// (NAME=VALUE) are added to ours, from which NO_COLOR is taken away.
+// (NAME=VALUE) are added to ours, from which NO_COLOR and TERM are taken away.
 SProgramResult runFiRotate(const std::vector<std::string>& arguments,
                            const std::vector<std::string>& environment = {});
 

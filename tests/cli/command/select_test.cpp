@@ -258,6 +258,8 @@ TEST(FiRotateSelect, NeverColoursWithNoColorSet) {
     EXPECT_THAT(result.output, HasSubstr("rotated"));
     EXPECT_THAT(result.output, Not(HasSubstr("\x1B[")));
     EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"NO_COLOR="}).output, Not(HasSubstr("\x1B[")));
+    EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"TERM=dumb"}).output, Not(HasSubstr("\x1B[")));
+    EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"TERM=xterm"}).output, HasSubstr("\x1B["));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,12 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
         const char* message;
     } rows[] = {
         {{}, "A subcommand is required"},
-        {{"rotate"}, "\"rotate\""},
+        {{"rotate"}, "there is no subcommand \"rotate\"\nRun \"fi-rotate --help\" for help."},
+        {{"selct", "--config", "a##b"}, "there is no subcommand \"selct\"; did you mean select?\n"},
+        {{"--verson"}, "there is no option \"--verson\"; did you mean --version?\n"},
+        {{"select", "--exlude=x"},
+         "there is no option \"--exlude\"; did you mean --exclude?\nRun \"fi-rotate select --help\" for "
+         "help."},
         {{"select"}, "--config"},
         {{"select", "--config", "a##b", "--config-file", "c"}, "2 were given"},
         {{"select", "--config"}, "--config"},
@@ -129,6 +135,27 @@ TEST(FiRotateUsage, EveryOutputFileIsReplacedAsAWhole) {
         EXPECT_EQ(fi_rotate::readFile(same), "old");
         EXPECT_NE(fi_rotate::readFile(file), "old");
         EXPECT_THAT(folder.entries(), UnorderedElementsAre("file", "same"));
+    }
+}
+
+TEST(FiRotateUsage, HelpFitsAnyTerminalAndNamesNoGroups) {
+    for (const std::string subcommand : {"", "select", "check", "explain", "simulate"}) {
+        SCOPED_TRACE(subcommand);
+        const auto help = subcommand.empty() ? runFiRotate({"--help"}) : runFiRotate({subcommand, "--help"});
+        EXPECT_THAT(help.output, testing::Not(HasSubstr("Option Group")));
+        std::istringstream lines(help.output);
+        for (std::string line; std::getline(lines, line);) {
+            const bool isCommand = line.find("  fi-rotate ") == 0;
+            EXPECT_TRUE(isCommand || line.size() <= 80) << line;
+        }
+    }
+}
+
+TEST(FiRotateUsage, ExitsWith1WhenHelpCannotBeWritten) {
+    for (const std::string option : {"--help", "--version"}) {
+        const auto result = fi_test::runFiRotateTo("/dev/full", {option});
+        EXPECT_EQ(result.exitStatus, 1) << option;
+        EXPECT_EQ(result.error, "fi-rotate: cannot write standard output: No space left on device\n");
     }
 }
 
