@@ -130,11 +130,13 @@ void addRows(SPicture& picture, const SOutcome& outcome) {
     }
 }
 
-EBar kindOf(const SAccountBackup& backup, std::int32_t flagWord) {
+// Without a selection nothing is handed back and no backup is rotated, whatever the library tried; what it
+// found invalid is invalid all the same.
+EBar kindOf(const SAccountBackup& backup, std::int32_t flagWord, bool isSelected) {
     if (backup.state == FI_BACKUP_INVALID) {
         return EBar::kInvalid;
     }
-    if (backup.state == FI_BACKUP_ROTATED) {
+    if (backup.state == FI_BACKUP_ROTATED && isSelected) {
         return EBar::kRotated;
     }
     return (flagWord & FI_EXCLUDE_ROTATION) != 0 ? EBar::kExcluded : EBar::kPlain;
@@ -148,6 +150,17 @@ std::string fileName(const std::string& path) {
 const SBackupOutcome& handedOver(const SOutcome& outcome, const std::string& file) {
     return *std::find_if(outcome.backups.rbegin(), outcome.backups.rend(),
                          [&file](const SBackupOutcome& each) { return each.given.file == file; });
+}
+
+std::string stateInWords(const SAccountBackup& backup, EBar kind, bool isSelected) {
+    if (!backup.reason.has_value()) {
+        return "the call ended before its state was known";
+    }
+    if (isSelected || kind == EBar::kInvalid) {
+        return fmt::format("{}: {}", stateWord(backup.state), inWords(*backup.reason));
+    }
+    return kind == EBar::kExcluded ? "held: " + inWords(*backup.reason)
+                                   : "held: nothing is rotated without a selection";
 }
 
 void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, const SAccountBackup& backup) {
@@ -164,13 +177,11 @@ void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, co
         bar.row = place->second;
         bar.from = scale.at(listed.timeStamp);
         bar.to = picture.to;
-        bar.kind = kindOf(backup, listed.given.flagWord);
-        bar.isOpen = backup.state != FI_BACKUP_ROTATED;
+        bar.kind = kindOf(backup, listed.given.flagWord, outcome.selection.has_value());
+        bar.isOpen = bar.kind != EBar::kRotated;
         bar.name = fileName(backup.file);
         bar.title = fmt::format("{}, time stamp {}: {}", backup.file, listed.timeStamp,
-                                backup.reason.has_value()
-                                    ? fmt::format("{}: {}", stateWord(backup.state), inWords(*backup.reason))
-                                    : "the call ended before its state was known");
+                                stateInWords(backup, bar.kind, outcome.selection.has_value()));
         picture.bars.push_back(std::move(bar));
     }
 }
