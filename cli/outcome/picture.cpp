@@ -1,9 +1,14 @@
 #include "cli/outcome/picture.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -11,186 +16,362 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
-#include "cli/base/calendar.h"
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
-#include "cli/picture/layout.h"
-#include "cli/picture/time_axis.h"
+#include "cli/picture/arrange.h"
+#include "cli/picture/stamp_axis.h"
 #include "host/identifier.h"
 
 namespace fi_rotate {
 namespace {
 
-// Where the time stamps lie on the axis.
-class CScale {
-public:
-    explicit CScale(const std::vector<SBackupOutcome>& backups)
-        : stamps(stampsOf(backups)), isTime(areTimes(stamps)) {}
+// A target by its places in SAccount::configurations and its targets.
+using Place = std::pair<std::size_t, std::size_t>;
 
-    [[nodiscard]] double at(const std::string& stamp) const {
-        const auto time = isTime ? parseTimeStamp(stamp) : std::nullopt;
-        return time.has_value() ? static_cast<double>(*time)
-                                : static_cast<double>(std::distance(stamps.begin(), stamps.find(stamp)));
+class CPlaces {
+public:
+    explicit CPlaces(const std::vector<SAccountConfiguration>& configurations) {
+        for (std::size_t i = 0; i < configurations.size(); ++i) {
+            for (std::size_t j = 0; j < configurations[i].targets.size(); ++j) {
+                // Of several of one name the first is meant.
+                places[configurations[i].first].emplace(configurations[i].targets[j], Place(i, j));
+            }
+        }
     }
 
-    // A little is left for the bar of the newest.
-    void drawOn(SPicture& picture) const {
-        constexpr double kMarginShare = 0.2;
-        picture.from = stamps.empty() ? 0 : at(*stamps.begin());
-        const double newest = stamps.empty() ? 0 : at(*stamps.rbegin());
-        const double least = isTime ? static_cast<double>(kSecondsPerDay) / 4 : 1;
-        picture.to = newest + std::max((newest - picture.from) * kMarginShare, least);
-        // Wide enough for names in the bars.
-        constexpr std::size_t kColumnsEach = 8;
-        constexpr std::size_t kFewestColumns = 60;
-        picture.columns = std::max(kColumnsEach * stamps.size(), kFewestColumns);
-        picture.timeLabel = isTime ? "time (as in the time stamps)" : "order of the time stamps as texts";
-        if (isTime && !stamps.empty()) {
-            picture.ticks = timeTicks(static_cast<std::int64_t>(picture.from),
-                                      static_cast<std::int64_t>(picture.to), mostTicks(picture.columns));
-        } else {
-            addTexts(picture);
+    [[nodiscard]] std::optional<Place> find(const std::string& first, const std::string& target) const {
+        const auto targets = places.find(first);
+        if (targets == places.end()) {
+            return std::nullopt;
         }
+        const auto found = targets->second.find(target);
+        return found == targets->second.end() ? std::nullopt : std::optional(found->second);
     }
 
 private:
-    static std::set<std::string> stampsOf(const std::vector<SBackupOutcome>& backups) {
-        std::set<std::string> found;
-        for (const SBackupOutcome& backup : backups) {
-            if (backup.isLoaded) {
-                found.insert(backup.timeStamp);
-            }
-        }
-        return found;
-    }
-
-    static bool areTimes(const std::set<std::string>& stamps) {
-        return std::all_of(stamps.begin(), stamps.end(),
-                           [](const std::string& stamp) { return parseTimeStamp(stamp).has_value(); });
-    }
-
-    void addTexts(SPicture& picture) const {
-        // As many as find room beside one another.
-        constexpr std::size_t kMost = 5;
-        constexpr std::size_t kLongest = 20;
-        const std::size_t step = stamps.size() / kMost + 1;
-        std::size_t place = 0;
-        for (const std::string& stamp : stamps) {
-            if (place++ % step == 0) {
-                picture.ticks.push_back(
-                    {at(stamp), stamp.empty() ? "(none)" : cutTo(asPrintable(stamp), kLongest)});
-            }
-        }
-    }
-
-    std::set<std::string> stamps;
-    bool isTime;
+    std::unordered_map<std::string, std::unordered_map<std::string, Place>> places;
 };
-
-using Place = std::pair<std::size_t, std::size_t>;
-
-std::optional<Place> placeOf(const SPicture& picture, const std::string& first, const std::string& target) {
-    for (std::size_t i = 0; i < picture.groups.size(); ++i) {
-        const auto& rows = picture.groups[i].rows;
-        const auto row = std::find_if(rows.begin(), rows.end(),
-                                      [&target](const SPictureRow& each) { return each.name == target; });
-        if (picture.groups[i].name == first && row != rows.end()) {
-            return Place(i, static_cast<std::size_t>(row - rows.begin()));
-        }
-    }
-    return std::nullopt;
-}
-
-void addRows(SPicture& picture, const SOutcome& outcome) {
-    const auto chosen = outcome.selection.has_value() ? choices(*outcome.selection) : std::nullopt;
-    if (outcome.account.has_value()) {
-        for (const SAccountConfiguration& configuration : outcome.account->configurations) {
-            SPictureGroup& group = picture.groups.emplace_back();
-            group.name = configuration.first;
-            for (const std::string& target : configuration.targets) {
-                group.rows.push_back({target, false});
-            }
-        }
-    }
-    if (!chosen.has_value()) {
-        return;
-    }
-    for (std::size_t i = 0; i < chosen->size(); ++i) {
-        // Of a first backup nothing but its selection is known.
-        if (i == picture.groups.size()) {
-            picture.groups.push_back({(*chosen)[i].first, {{(*chosen)[i].chosen, false}}});
-        }
-        auto& rows = picture.groups[i].rows;
-        const auto row = std::find_if(rows.begin(), rows.end(), [&](const SPictureRow& each) {
-            return each.name == (*chosen)[i].chosen;
-        });
-        if (row != rows.end()) {
-            row->isChosen = true;
-        }
-    }
-}
-
-// Without a selection nothing is handed back and no backup is rotated, whatever the library tried; what it
-// found invalid is invalid all the same.
-EBar kindOf(const SAccountBackup& backup, std::int32_t flagWord, bool isSelected) {
-    if (backup.state == FI_BACKUP_INVALID) {
-        return EBar::kInvalid;
-    }
-    if (backup.state == FI_BACKUP_ROTATED && isSelected) {
-        return EBar::kRotated;
-    }
-    return (flagWord & FI_EXCLUDE_ROTATION) != 0 ? EBar::kExcluded : EBar::kPlain;
-}
 
 std::string fileName(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-// The backup as it was handed over. A name that is listed twice has the flag word of its last entry.
-const SBackupOutcome& handedOver(const SOutcome& outcome, const std::string& file) {
-    return *std::find_if(outcome.backups.rbegin(), outcome.backups.rend(),
-                         [&file](const SBackupOutcome& each) { return each.given.file == file; });
-}
-
-std::string stateInWords(const SAccountBackup& backup, EBar kind, bool isSelected) {
-    if (!backup.reason.has_value()) {
-        return "the call ended before its state was known";
-    }
-    if (isSelected || kind == EBar::kInvalid) {
-        return fmt::format("{}: {}", stateWord(backup.state), inWords(*backup.reason));
-    }
-    return kind == EBar::kExcluded ? "held: " + inWords(*backup.reason)
-                                   : "held: nothing is rotated without a selection";
-}
-
-void addBars(SPicture& picture, const SOutcome& outcome, const CScale& scale, const SAccountBackup& backup) {
-    const SBackupOutcome& listed = handedOver(outcome, backup.file);
-    for (const auto& [objid, altobjid] : backup.pairs.inOrder()) {
-        const auto place = placeOf(picture, targetOf(objid), targetOf(altobjid));
-        if (!place.has_value()) {
-            picture.notes.push_back(fmt::format("Not drawn: {}, which holds {} of {}: not configured",
-                                                fileName(backup.file), targetOf(altobjid), targetOf(objid)));
-            continue;
+CStampAxis axisOf(const std::vector<SBackupOutcome>& backups) {
+    std::set<std::string> stamps;
+    for (const SBackupOutcome& backup : backups) {
+        if (backup.isLoaded) {
+            stamps.insert(backup.timeStamp);
         }
+    }
+    return CStampAxis(stamps);
+}
+
+// By file. A name that is listed twice has the flag word of its last entry.
+using FlagWords = std::unordered_map<std::string, std::int32_t>;
+
+FlagWords flagWordsOf(const std::vector<SBackupOutcome>& backups) {
+    FlagWords words;
+    for (const SBackupOutcome& backup : backups) {
+        words[backup.given.file] = backup.given.flagWord;
+    }
+    return words;
+}
+
+// What a backup came to. Without a selection nothing is handed back and no backup is rotated, whatever the
+// library tried; what it found invalid is invalid all the same.
+EBar kindOf(std::int32_t state, std::int32_t flagWord, bool isSelected) {
+    if (state == FI_BACKUP_INVALID) {
+        return EBar::kInvalid;
+    }
+    if (state == FI_BACKUP_ROTATED && isSelected) {
+        return EBar::kRotated;
+    }
+    return (flagWord & FI_EXCLUDE_ROTATION) != 0 ? EBar::kExcluded : EBar::kPlain;
+}
+
+// Adds the bars of all backups to the rows of a picture.
+class CBars {
+public:
+    CBars(SPicture& target, const SOutcome& shown, const CStampAxis& scale)
+        : picture(target),
+          outcome(shown),
+          account(*shown.account),
+          axis(scale),
+          places(account.configurations) {
+        for (const SBackupOutcome& backup : outcome.backups) {
+            if (backup.isLoaded) {
+                timeStamps[backup.given.file] = backup.timeStamp;
+            }
+        }
+        for (const SAccountConfiguration& configuration : account.configurations) {
+            naming.emplace_back(configuration.targets.size());
+        }
+    }
+
+    void add() {
+        for (std::size_t i = 0; i < account.backups.size(); ++i) {
+            for (const auto& [objid, altobjid] : account.backups[i].pairs.inOrder()) {
+                const auto place = places.find(targetOf(objid), targetOf(altobjid));
+                if (place.has_value()) {
+                    naming[place->first][place->second].push_back(i);
+                } else {
+                    addUnknown(account.backups[i].file, targetOf(objid), targetOf(altobjid));
+                }
+            }
+        }
+        for (const SAccountBackup& backup : account.backups) {
+            bars.push_back(barOf(backup));
+        }
+        for (std::size_t i = 0; i < naming.size(); ++i) {
+            for (std::size_t j = 0; j < naming[i].size(); ++j) {
+                addTo(picture.groups[i].rows[j], naming[i][j], holderOf(i, j));
+            }
+        }
+        addNotes();
+    }
+
+private:
+    // The same for each of its targets.
+    [[nodiscard]] SBar barOf(const SAccountBackup& backup) const {
+        const std::string& timeStamp = timeStamps.at(backup.file);
         SBar bar;
-        bar.group = place->first;
-        bar.row = place->second;
-        bar.from = scale.at(listed.timeStamp);
+        bar.from = axis.at(timeStamp);
         bar.to = picture.to;
-        bar.kind = kindOf(backup, listed.given.flagWord, outcome.selection.has_value());
+        // A name that is listed twice stands for two backups, whose states may differ.
+        bar.kind = kindOf(backup.state, flagWords.at(backup.file), outcome.selection.has_value());
         bar.isOpen = bar.kind != EBar::kRotated;
         bar.name = fileName(backup.file);
-        bar.title = fmt::format("{}, time stamp {}: {}", backup.file, listed.timeStamp,
-                                stateInWords(backup, bar.kind, outcome.selection.has_value()));
-        picture.bars.push_back(std::move(bar));
+        bar.title =
+            fmt::format("{}, time stamp {}: {}", backup.file, timeStamp, stateInWords(backup, bar.kind));
+        return bar;
+    }
+
+    [[nodiscard]] std::string stateInWords(const SAccountBackup& backup, EBar kind) const {
+        if (!backup.reason.has_value()) {
+            return "the call ended before its state was known";
+        }
+        constexpr std::size_t kLongestReason = 300;
+        const std::string reason = cutTo(asPrintable(inWords(*backup.reason)), kLongestReason);
+        if (outcome.selection.has_value() || kind == EBar::kInvalid) {
+            return fmt::format("{}: {}", stateWord(backup.state), reason);
+        }
+        return kind == EBar::kExcluded ? "held: " + reason : "held: nothing is rotated without a selection";
+    }
+
+    void addUnknown(const std::string& file, const std::string& first, const std::string& target) {
+        if (unknown++ < kMostUnknown) {
+            picture.notes.push_back(fmt::format("Not drawn: {}, which holds {} of {}: not configured",
+                                                asName(fileName(file)), asName(target), asName(first)));
+        }
+    }
+
+    [[nodiscard]] std::optional<std::size_t> holderOf(std::size_t configuration, std::size_t target) const {
+        return account.heldBefore.empty() ? std::nullopt : account.heldBefore[configuration][target];
+    }
+
+    // The one that holds the target and then the newest, if there are too many.
+    void addTo(SPictureRow& row, std::vector<std::size_t>& backups, std::optional<std::size_t> holder) {
+        if (backups.size() > kMostBars) {
+            std::stable_sort(backups.begin(), backups.end(), [&](std::size_t one, std::size_t other) {
+                return std::pair(one != holder, -bars[one].from) <
+                       std::pair(other != holder, -bars[other].from);
+            });
+            tooMany += backups.size() - kMostBars;
+            backups.resize(kMostBars);
+        }
+        for (const std::size_t backup : backups) {
+            row.bars.push_back(bars[backup]);
+        }
+    }
+
+    void addNotes() {
+        if (unknown > kMostUnknown) {
+            picture.notes.push_back(
+                fmt::format("Not drawn: {} more that are not configured", unknown - kMostUnknown));
+        }
+        if (tooMany > 0) {
+            picture.notes.push_back(fmt::format(
+                "Not drawn: {} bars of targets that more than {} backups name", tooMany, kMostBars));
+        }
+    }
+
+    SPicture& picture;
+    const SOutcome& outcome;
+    const SAccount& account;
+    const CStampAxis& axis;
+    CPlaces places;
+    FlagWords flagWords = flagWordsOf(outcome.backups);
+    // By file.
+    std::unordered_map<std::string, std::string> timeStamps;
+    // By configuration and target, the places in `account.backups` of those that name it.
+    std::vector<std::vector<std::vector<std::size_t>>> naming;
+    // By place in `account.backups`.
+    std::vector<SBar> bars;
+    // Of one target.
+    static constexpr std::size_t kMostBars = 4;
+    static constexpr std::size_t kMostUnknown = 5;
+    std::size_t unknown = 0;
+    std::size_t tooMany = 0;
+};
+
+void addRows(SPicture& picture, const SAccount& account) {
+    for (const SAccountConfiguration& configuration : account.configurations) {
+        SPictureGroup& group = picture.groups.emplace_back();
+        group.name = configuration.first;
+        for (const std::string& target : configuration.targets) {
+            group.rows.emplace_back().name = target;
+        }
     }
 }
 
-std::string remarkOn(const SOutcome& outcome) {
-    if (outcome.exception.has_value()) {
-        return "An exception ended the call: " + outcome.exception->reason;
+// Without a selection everything is still held that was before. False when it is not known who holds what.
+bool giveStates(SPicture& picture, const SOutcome& outcome) {
+    if (!outcome.account.has_value() || outcome.exception.has_value()) {
+        return false;
     }
-    return outcome.selection.has_value() ? "" : "No selection: a configuration has no free target";
+    const SAccount& account = *outcome.account;
+    const Holders& holders = outcome.selection.has_value() ? account.heldAfter : account.heldBefore;
+    if (holders.empty()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < picture.groups.size(); ++i) {
+        auto& rows = picture.groups[i].rows;
+        for (std::size_t j = 0; j < rows.size(); ++j) {
+            rows[j].state = holders[i][j].has_value() ? ETarget::kHeld : ETarget::kFree;
+        }
+    }
+    for (const SShortage& shortage : account.shortages) {
+        SPictureGroup& group = picture.groups[shortage.configuration];
+        group.isShort = true;
+        for (SPictureRow& row : group.rows) {
+            row.state = ETarget::kBlocked;
+        }
+    }
+    return true;
+}
+
+// Of several rows with its name the first that is free.
+std::vector<SPictureRow>::iterator rowOfChosen(std::vector<SPictureRow>& rows, const std::string& name) {
+    const auto isNamed = [&name](const SPictureRow& row) { return row.name == name; };
+    const auto free = std::find_if(rows.begin(), rows.end(), [&](const SPictureRow& row) {
+        return isNamed(row) && row.state == ETarget::kFree;
+    });
+    return free != rows.end() ? free : std::find_if(rows.begin(), rows.end(), isNamed);
+}
+
+void giveChosen(SPicture& picture, const SOutcome& outcome) {
+    if (!outcome.selection.has_value()) {
+        return;
+    }
+    const auto chosen = choices(*outcome.selection);
+    if (!chosen.has_value()) {
+        constexpr std::size_t kLongest = 300;
+        picture.warnings.push_back("Not marked, since names in it hold brackets: the selection " +
+                                   cutTo(asPrintable(*outcome.selection), kLongest));
+        return;
+    }
+    for (std::size_t i = 0; i < chosen->size(); ++i) {
+        // Of a first backup nothing but its selection is known.
+        if (i == picture.groups.size()) {
+            picture.groups.emplace_back().name = (*chosen)[i].first;
+            picture.groups.back().rows.emplace_back().name = (*chosen)[i].chosen;
+        }
+        SPictureGroup& group = picture.groups[i];
+        const auto row = rowOfChosen(group.rows, (*chosen)[i].chosen);
+        if (row == group.rows.end()) {
+            continue;
+        }
+        row->state = ETarget::kChosen;
+        const auto target = static_cast<std::size_t>(row - group.rows.begin());
+        group.isFreedByRotation = outcome.account.has_value() && !outcome.account->heldBefore.empty() &&
+                                  outcome.account->heldBefore[i][target].has_value();
+    }
+}
+
+void warnOfNoSelection(SPicture& picture, const SOutcome& outcome) {
+    if (outcome.exception.has_value()) {
+        picture.warnings.push_back("An exception ended the call: " + outcome.exception->reason);
+        return;
+    }
+    if (outcome.account.has_value() && !outcome.account->shortages.empty()) {
+        std::vector<std::string> names;
+        for (const SShortage& shortage : outcome.account->shortages) {
+            names.push_back(outcome.account->configurations[shortage.configuration].first);
+        }
+        picture.warnings.push_back(fmt::format("No selection: {} {} no free target", someOf(names),
+                                               names.size() == 1 ? "has" : "have"));
+        return;
+    }
+    picture.warnings.emplace_back("No selection");
+    constexpr std::size_t kMostMessages = 3;
+    for (std::size_t i = 0; i < std::min(outcome.messages.size(), kMostMessages); ++i) {
+        picture.warnings.push_back(outcome.messages[i]);
+    }
+}
+
+void addWarnings(SPicture& picture, const SOutcome& outcome) {
+    if (!outcome.selection.has_value()) {
+        warnOfNoSelection(picture, outcome);
+    }
+    std::vector<std::string> notLoaded;
+    for (const SBackupOutcome& backup : outcome.backups) {
+        if (!backup.isLoaded) {
+            notLoaded.push_back(fileName(backup.given.file));
+        }
+    }
+    if (!notLoaded.empty()) {
+        picture.warnings.push_back("Not loaded, so what they hold is not drawn: " + someOf(notLoaded));
+    }
+}
+
+// For a backup that was neither rotated nor found invalid.
+std::string_view plainWord(const SOutcome& outcome) {
+    if (outcome.selection.has_value()) {
+        return "kept";
+    }
+    return outcome.account.has_value() && !outcome.exception.has_value() ? "held" : "of unknown state";
+}
+
+void countBackups(SPicture& picture, const SOutcome& outcome) {
+    if (outcome.backups.empty()) {
+        picture.remarks.emplace_back(
+            "No earlier backups; of each configuration only the chosen target is known");
+        return;
+    }
+    std::unordered_map<std::string_view, std::int32_t> told;
+    for (std::size_t i = 0; outcome.account.has_value() && i < outcome.account->backups.size(); ++i) {
+        told.emplace(outcome.account->backups[i].file, outcome.account->backups[i].state);
+    }
+    const bool isSelected = outcome.selection.has_value();
+    const FlagWords flagWords = flagWordsOf(outcome.backups);
+    const std::array<std::string_view, kBarKinds + 1> words{plainWord(outcome), "rotated", "excluded",
+                                                            "invalid", kNotLoaded};
+    std::array<std::size_t, words.size()> counts{};
+    for (const SBackupOutcome& backup : outcome.backups) {
+        const std::int32_t state = backup.state.value_or(told[backup.given.file]);
+        const auto kind =
+            static_cast<std::size_t>(kindOf(state, flagWords.at(backup.given.file), isSelected));
+        ++counts[backup.isLoaded ? kind : kBarKinds];
+    }
+    std::vector<std::string> parts;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (counts[i] > 0) {
+            parts.push_back(fmt::format("{} {}", counts[i], words[i]));
+        }
+    }
+    picture.remarks.push_back(
+        fmt::format("{}: {}", countInWords(outcome.backups.size(), "backup"), fmt::join(parts, ", ")));
+}
+
+void explainBars(SPicture& picture, const SOutcome& outcome) {
+    const auto explain = [&picture](EBar kind, std::string words) {
+        return picture.has(kind) ? std::move(words) : std::string();
+    };
+    picture.plainMeaning =
+        explain(EBar::kPlain, fmt::format("{}, from its time stamp on", plainWord(outcome)));
+    picture.rotatedMeaning = explain(EBar::kRotated, "rotated: ends with this call");
+    picture.excludedMeaning = explain(EBar::kExcluded, "excluded from rotation");
+    picture.invalidMeaning = explain(EBar::kInvalid, "invalid");
 }
 
 }  // namespace
@@ -199,23 +380,18 @@ SPicture pictureOf(const SOutcome& outcome) {
     SPicture picture;
     picture.title = "Who holds which target, and what the next snapshot gets";
     picture.rowLabel = "targets";
-    const CScale scale(outcome.backups);
-    scale.drawOn(picture);
-    addRows(picture, outcome);
+    const CStampAxis axis = axisOf(outcome.backups);
+    axis.drawOn(picture);
+    addWarnings(picture, outcome);
+    countBackups(picture, outcome);
     if (outcome.account.has_value()) {
-        for (const SAccountBackup& backup : outcome.account->backups) {
-            addBars(picture, outcome, scale, backup);
-        }
+        addRows(picture, *outcome.account);
+        CBars(picture, outcome, axis).add();
     }
-    if (const std::string remark = remarkOn(outcome); !remark.empty()) {
-        picture.remarks.push_back(remark);
-    }
-    picture.lineAt = picture.to;
-    picture.lineLabel = "now";
-    picture.plainMeaning = picture.has(EBar::kPlain) ? "a backup, from its time stamp on" : "";
-    picture.rotatedMeaning = picture.has(EBar::kRotated) ? "rotated: it ends now" : "";
-    picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
-    picture.invalidMeaning = picture.has(EBar::kInvalid) ? "invalid" : "";
+    picture.areTargetsKnown = giveStates(picture, outcome);
+    giveChosen(picture, outcome);
+    arrange(picture);
+    explainBars(picture, outcome);
     return picture;
 }
 

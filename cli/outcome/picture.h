@@ -5,9 +5,9 @@
 
 namespace fi_rotate {
 
-// A bar for each target that a backup names, from its time stamp to the newest of all and, unless it was
-// rotated, on. The outcome has its account and its time stamps. Where a time stamp is no time of the usual
-// form, the axis shows their order as texts instead, which is what the library goes by.
+// A bar for each target that a backup names, from its time stamp on: to the end of a picture if the call
+// rotated it, and otherwise beyond. The outcome has its account and its time stamps. Without a selection,
+// where no state is handed back, nothing is rotated, and the configurations that are short are named.
 SPicture pictureOf(const SOutcome& outcome);
 
 }  // namespace fi_rotate

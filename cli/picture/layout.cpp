@@ -22,30 +22,13 @@ double widthOfNames(const SPicture& picture) {
     return static_cast<double>(std::min(widest, kLongestPictureName)) * kPictureCharacter;
 }
 
-// Lanes of one row, by the end of the last bar in each.
-std::size_t laneFor(std::vector<double>& lanes, const SBar& bar) {
-    const auto free =
-        std::find_if(lanes.begin(), lanes.end(), [&bar](double end) { return end <= bar.from; });
-    const auto lane = static_cast<std::size_t>(free - lanes.begin());
-    if (free == lanes.end()) {
-        lanes.push_back(bar.to);
-    } else {
-        *free = bar.to;
-    }
-    return lane;
-}
-
 }  // namespace
 
 double plotWidth(std::size_t columns) {
     constexpr double kUsualColumn = 12;
-    constexpr double kSmallestColumn = 2;
     constexpr double kLeast = 480;
-    constexpr double kUsual = 1200;
-    constexpr double kMost = 6000;
-    const auto count = static_cast<double>(columns);
-    return count * kSmallestColumn > kUsual ? std::min(count * kSmallestColumn, kMost)
-                                            : std::clamp(count * kUsualColumn, kLeast, kUsual);
+    constexpr double kMost = 1200;
+    return std::clamp(static_cast<double>(columns) * kUsualColumn, kLeast, kMost);
 }
 
 std::size_t mostTicks(std::size_t columns) {
@@ -58,38 +41,40 @@ SLayout::SLayout(const SPicture& picture)
       width(plotWidth(picture.columns)),
       from(picture.from),
       to(picture.to) {
-    std::vector<std::size_t> order(picture.bars.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&picture](std::size_t one, std::size_t other) {
-        return picture.bars[one].from < picture.bars[other].from;
-    });
-
-    std::vector<std::vector<std::vector<double>>> lanes;
-    lanes.reserve(picture.groups.size());
     for (const SPictureGroup& group : picture.groups) {
-        lanes.emplace_back(group.rows.size());
-    }
-    std::vector<std::size_t> laneOf(picture.bars.size());
-    for (const std::size_t i : order) {
-        const SBar& bar = picture.bars[i];
-        laneOf[i] = laneFor(lanes[bar.group][bar.row], bar);
-    }
-
-    for (const auto& group : lanes) {
         groupTops.push_back(height);
         height += kPictureLine;
         std::vector<SPlacedRow>& placed = rows.emplace_back();
-        for (const auto& row : group) {
-            const auto count = static_cast<double>(std::max<std::size_t>(row.size(), 1));
-            placed.push_back({height, count * kPictureLane});
+        for (const SPictureRow& row : group.rows) {
+            placed.push_back(place(row));
             height += placed.back().height;
         }
         height += kPictureLine / 3;
     }
-    for (std::size_t i = 0; i < picture.bars.size(); ++i) {
-        const SBar& bar = picture.bars[i];
-        barTops.push_back(rows[bar.group][bar.row].top + static_cast<double>(laneOf[i]) * kPictureLane);
+}
+
+SPlacedRow SLayout::place(const SPictureRow& row) const {
+    std::vector<std::size_t> order(row.bars.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&row](std::size_t one, std::size_t other) {
+        return row.bars[one].from < row.bars[other].from;
+    });
+    // By lane, the end of its last bar; nothing is further to the left than the beginning.
+    std::vector<double> lanes;
+    SPlacedRow placed;
+    placed.top = height;
+    placed.bars.resize(row.bars.size());
+    for (const std::size_t i : order) {
+        const SBar& bar = row.bars[i];
+        auto lane = std::find_if(lanes.begin(), lanes.end(), [&bar](double end) { return end <= bar.from; });
+        if (lane == lanes.end()) {
+            lane = lanes.insert(lane, from);
+        }
+        placed.bars[i] = {height + static_cast<double>(lane - lanes.begin()) * kPictureLane, x(*lane)};
+        *lane = bar.to;
     }
+    placed.height = static_cast<double>(std::max<std::size_t>(lanes.size(), 1)) * kPictureLane;
+    return placed;
 }
 
 double SLayout::x(double at) const {

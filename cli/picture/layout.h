@@ -20,9 +20,17 @@ double plotWidth(std::size_t columns);
 // How many dates find room beside one another in it.
 std::size_t mostTicks(std::size_t columns);
 
+struct SPlacedBar {
+    double top = 0;
+    // Where the bar before it in its lane ends, from the left edge.
+    double before = 0;
+};
+
 struct SPlacedRow {
     double top = 0;
     double height = 0;
+    // Bars that overlap in time lie in lanes of their own.
+    std::vector<SPlacedBar> bars;
 };
 
 // Where the rows and bars of a picture go. Distances down are from the first group's heading.
@@ -39,10 +47,10 @@ struct SLayout {
     std::vector<double> groupTops;
     // By group and row.
     std::vector<std::vector<SPlacedRow>> rows;
-    // By bar: bars of one row that overlap in time lie in lanes of their own.
-    std::vector<double> barTops;
 
 private:
+    [[nodiscard]] SPlacedRow place(const SPictureRow& row) const;
+
     double from;
     double to;
 };

@@ -11,37 +11,55 @@ namespace fi_rotate {
 
 enum class EBar {
     kPlain,
-    // It ends now, and that is what people look for.
+    // It ends with the call.
     kRotated,
     kExcluded,
     // Invalid, or lost since it was overwritten.
     kInvalid,
 };
+constexpr std::size_t kBarKinds = 4;
 
 struct SBar {
-    // Places in SPicture::groups and its rows.
-    std::size_t group = 0;
-    std::size_t row = 0;
     double from = 0;
     double to = 0;
     EBar kind = EBar::kPlain;
     // It goes on after the end.
     bool isOpen = false;
-    // Stands in the bar, as far as it has room.
+    // Stands in the bar, or before it where it has room there only.
     std::string name;
     // All that is known, shown when the bar is pointed at.
     std::string title;
 };
 
+// What a target is in the end.
+enum class ETarget {
+    // Or nothing is known of it.
+    kHeld,
+    kFree,
+    // Free, and the next snapshot goes there.
+    kChosen,
+    // Held, and its configuration is short of a target.
+    kBlocked,
+};
+
 struct SPictureRow {
     std::string name;
-    // The next snapshot goes there.
-    bool isChosen = false;
+    ETarget state = ETarget::kHeld;
+    std::vector<SBar> bars;
+    // Shown when the name is pointed at, if there is more to be known than the name.
+    std::string title;
 };
 
 struct SPictureGroup {
     std::string name;
     std::vector<SPictureRow> rows;
+    // It has no free target, and rotation gives it none.
+    bool isShort = false;
+    std::size_t free = 0;
+    // The chosen target was held until it was released.
+    bool isFreedByRotation = false;
+    // Stands beside the name.
+    std::string remark;
 };
 
 struct STick {
@@ -51,8 +69,11 @@ struct STick {
 
 struct SPicture {
     std::string title;
-    // Below the title, and below the picture.
+    // Below the title: what nobody may overlook, and what else is to be known.
+    std::vector<std::string> warnings;
     std::vector<std::string> remarks;
+    // Below the rows, what of them is not drawn; and below the picture.
+    std::string leftOut;
     std::vector<std::string> notes;
     // What the columns and the rows are.
     std::string timeLabel;
@@ -63,7 +84,8 @@ struct SPicture {
     std::size_t columns = 1;
     std::vector<STick> ticks;
     std::vector<SPictureGroup> groups;
-    std::vector<SBar> bars;
+    // Whether the rows are all targets, each with its state.
+    bool areTargetsKnown = true;
     // What the kinds of bars mean here; those without a meaning are not explained.
     std::string plainMeaning;
     std::string rotatedMeaning;
@@ -74,8 +96,23 @@ struct SPicture {
     double lineAt = 0;
     std::string lineLabel;
 
+    // Whether a row is one of those.
+    template <typename Is>
+    [[nodiscard]] bool hasRow(Is is) const {
+        return std::any_of(groups.begin(), groups.end(), [&is](const SPictureGroup& group) {
+            return std::any_of(group.rows.begin(), group.rows.end(), is);
+        });
+    }
+
     [[nodiscard]] bool has(EBar kind) const {
-        return std::any_of(bars.begin(), bars.end(), [kind](const SBar& bar) { return bar.kind == kind; });
+        return hasRow([kind](const SPictureRow& row) {
+            return std::any_of(row.bars.begin(), row.bars.end(),
+                               [kind](const SBar& bar) { return bar.kind == kind; });
+        });
+    }
+
+    [[nodiscard]] bool has(ETarget state) const {
+        return hasRow([state](const SPictureRow& row) { return row.state == state; });
     }
 };
 

@@ -3,129 +3,18 @@
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
 #include "cli/picture/layout.h"
+#include "cli/picture/style.h"
+#include "cli/picture/svg_parts.h"
 
 namespace fi_rotate {
 namespace {
-
-// In pixels.
-constexpr double kBarHeight = 12;
-constexpr double kTip = 5;
-constexpr double kAfterEnd = 48;
-
-constexpr const char* kStyle = R"(
-    text { font: 11px ui-monospace, "DejaVu Sans Mono", "Liberation Mono", monospace; fill: #1b1f24; }
-    .heading { font: bold 15px sans-serif; }
-    .remark { font: 12px sans-serif; fill: #4a525c; }
-    .group { font-weight: bold; }
-    .page { fill: #ffffff; }
-    .band { fill: #f1f3f5; }
-    .grid { stroke: #c9ced4; stroke-width: 1; }
-    .line { stroke: #1b1f24; stroke-width: 1.5; stroke-dasharray: 6 3; }
-    .shape { stroke: #1b1f24; stroke-width: 1; }
-    .plain .shape { fill: #a9c4e6; }
-    .rotated .shape { fill: #ffffff; stroke-width: 3; }
-    .excluded .shape { fill: url(#stripes); }
-    .invalid .shape { fill: url(#dots); stroke-dasharray: 3 2; }
-    .chosen .shape { fill: none; stroke-width: 1.5; stroke-dasharray: 4 2; }
-    .paper { fill: #ffffff; }
-    .ink { fill: #1b1f24; }
-    @media screen and (prefers-color-scheme: dark) {
-      text { fill: #e6e9ec; }
-      .remark { fill: #b4bcc5; }
-      .page { fill: #14171a; }
-      .band { fill: #1e2327; }
-      .grid { stroke: #3a4149; }
-      .line, .shape { stroke: #e6e9ec; }
-      .plain .shape { fill: #2f5688; }
-      .rotated .shape { fill: #14171a; }
-      .paper { fill: #14171a; }
-      .ink { fill: #e6e9ec; }
-    }
-  )";
-
-constexpr const char* kPatterns = R"xml(  <defs>
-    <pattern id="stripes" width="6" height="6" patternUnits="userSpaceOnUse" patternTransform="rotate(45)">
-      <rect class="paper" width="6" height="6"/>
-      <rect class="ink" width="1.4" height="6"/>
-    </pattern>
-    <pattern id="dots" width="4" height="4" patternUnits="userSpaceOnUse">
-      <rect class="paper" width="4" height="4"/>
-      <circle class="ink" cx="1" cy="1" r="0.7"/>
-    </pattern>
-  </defs>
-)xml";
-
-// Text as it may stand in an element or an attribute.
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char character : asPrintable(text)) {
-        switch (character) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            default:
-                result += character;
-        }
-    }
-    // Two characters that UTF-8 has and XML has not.
-    for (const std::string_view forbidden : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
-        for (std::size_t at = 0; (at = result.find(forbidden)) != std::string::npos;) {
-            result.replace(at, forbidden.size(), "?");
-        }
-    }
-    return result;
-}
-
-std::string text(double x, double y, std::string_view attributes, std::string_view content) {
-    return fmt::format("  <text x=\"{:.1f}\" y=\"{:.1f}\"{}>{}</text>\n", x, y, attributes, content);
-}
-
-// Cut where it is too long; the whole is shown when it is pointed at.
-std::string cutText(double x, double y, std::string_view attributes, const std::string& whole) {
-    const std::string printable = asPrintable(whole);
-    const std::string cut = cutTo(printable, kLongestPictureName);
-    return text(x, y, attributes,
-                escaped(cut) + (cut == printable ? "" : "<title>" + escaped(whole) + "</title>"));
-}
-
-const char* classOf(EBar kind) {
-    switch (kind) {
-        case EBar::kPlain:
-            return "plain";
-        case EBar::kRotated:
-            return "rotated";
-        case EBar::kExcluded:
-            return "excluded";
-        case EBar::kInvalid:
-            return "invalid";
-    }
-    return "";
-}
-
-// A bar with its upper left corner there; an open one ends in a tip.
-std::string shape(double x, double y, double width, bool isOpen) {
-    if (!isOpen) {
-        return fmt::format(R"(<rect class="shape" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)", x, y,
-                           width, kBarHeight);
-    }
-    return fmt::format(R"(<path class="shape" d="M{:.1f} {:.1f}h{:.1f}l{} {}l-{} {}h-{:.1f}z"/>)", x, y,
-                       width, kTip, kBarHeight / 2, kTip, kBarHeight / 2, width);
-}
 
 // By which a picture of ours is known.
 constexpr std::string_view kBeginning =
@@ -134,20 +23,23 @@ constexpr std::string_view kBeginning =
 
 class CDrawing {
 public:
-    explicit CDrawing(const SPicture& shown) : picture(shown), layout(shown) {}
+    explicit CDrawing(const SPicture& shown)
+        : picture(shown), layout(shown), marks(layout.left + layout.width + 2 * kTip) {}
 
     std::string draw() {
         std::string body = heading();
+        body += legend();
+        body += lineLabel();
         body += axis();
         body += text(kPictureMargin, top - 5, R"( class="remark")", escaped(picture.rowLabel));
         const double first = top;
-        body += rows(first) + grid(first) + lineAcross(first) + bars(first);
+        body += rows(first) + grid(first) + lineAcross(first) + groupHeadings(first) + bars(first);
         top += layout.height;
+        body += picture.leftOut.empty() ? "" : line("group", picture.leftOut);
         body += axis();
         top += kPictureLine;
         body += text(layout.left + layout.width / 2, top - 5, R"( class="remark" text-anchor="middle")",
                      escaped(picture.timeLabel));
-        body += legend();
         body += notes();
         return std::string(kBeginning) +
                fmt::format(R"(<svg xmlns="http://www.w3.org/2000/svg" width="{0:.0f}" height="{1:.0f}" )"
@@ -158,25 +50,95 @@ public:
                            "  <rect class=\"page\" width=\"100%\" height=\"100%\"/>\n"
                            "{5}"
                            "</svg>\n",
-                           layout.left + layout.width + kAfterEnd + kPictureMargin, top + kPictureMargin,
-                           escaped(picture.title), kStyle, kPatterns, body);
+                           end() + kPictureMargin, top + kPictureMargin, escaped(picture.title), kStyle,
+                           kPatterns, body);
     }
 
 private:
-    // Lines of text from the left margin on, one below the other.
-    std::string line(std::string_view attributes, const std::string& content) {
-        top += kPictureLine;
-        return text(kPictureMargin, top - 5, attributes, escaped(content));
+    // Where the marks of the rows end.
+    [[nodiscard]] double end() const { return marks + kTip + kTagWidth; }
+
+    // Text from there on as wide as the picture, in as many lines as it takes.
+    std::string lineFrom(double x, std::string_view kind, const std::string& content) {
+        constexpr double kWidestLetter = 8;
+        std::string lines;
+        for (const std::string& each :
+             wrapped(asPrintable(content), static_cast<std::size_t>((end() - x) / kWidestLetter))) {
+            top += kPictureLine;
+            lines += text(x, top - 5, fmt::format(" class=\"{}\"", kind), escaped(each));
+        }
+        return lines;
+    }
+
+    std::string line(std::string_view kind, const std::string& content) {
+        return lineFrom(kPictureMargin, kind, content);
     }
 
     std::string heading() {
         top = kPictureMargin;
-        std::string lines = line(R"( class="heading")", picture.title);
+        std::string lines = line("heading", picture.title);
+        for (const std::string& warning : picture.warnings) {
+            lines += fmt::format("  <path class=\"alarm\" d=\"M{} {:.1f}l7 -13l7 13z\"/>\n", kPictureMargin,
+                                 top + kPictureLine - 4);
+            lines += lineFrom(kPictureMargin + 20, "warning", warning);
+        }
         for (const std::string& remark : picture.remarks) {
-            lines += line(R"( class="remark")", remark);
+            lines += line("remark", remark);
         }
         top += kPictureLine / 2;
         return lines;
+    }
+
+    std::string legend() {
+        double x = kPictureMargin;
+        top += kPictureLine;
+        std::string drawn = barEntry(x, EBar::kPlain, false, picture.plainMeaning);
+        drawn += barEntry(x, EBar::kRotated, false, picture.rotatedMeaning);
+        drawn += barEntry(x, EBar::kExcluded, false, picture.excludedMeaning);
+        drawn += barEntry(x, EBar::kInvalid, false, picture.invalidMeaning);
+        drawn += barEntry(x, EBar::kPlain, true, picture.openMeaning);
+        if (picture.has(ETarget::kChosen)) {
+            const std::string words = "free, and chosen for the next snapshot";
+            constexpr double kWidth = kTip + kTagWidth;
+            const double at = nextEntry(x, kWidth, words);
+            drawn += "  <g class=\"chosen\">" + chosenTag(at, top - kPictureLine + 4) + "</g>\n" +
+                     meaning(at + kWidth, words);
+        }
+        if (picture.has(ETarget::kBlocked)) {
+            const std::string words = "held, and its configuration has no free target";
+            const double at = nextEntry(x, kBarHeight, words);
+            drawn += "  " + cross(at, top - kPictureLine + 4) + "\n" + meaning(at + kBarHeight, words);
+        }
+        top += kPictureLine / 2;
+        return drawn;
+    }
+
+    std::string barEntry(double& x, EBar kind, bool isOpen, const std::string& words) {
+        if (words.empty()) {
+            return "";
+        }
+        constexpr double kSample = 28;
+        const double width = kSample + (isOpen ? kTip : 0);
+        const double at = nextEntry(x, width, words);
+        return fmt::format("  <g class=\"{}\">{}</g>\n", classOf(kind),
+                           shape(kind, isOpen, at, top - kPictureLine + 4, kSample)) +
+               meaning(at + width, words);
+    }
+
+    // Where the next entry of the legend begins: at `x` or, where it has no room there, on the next line.
+    double nextEntry(double& x, double sample, const std::string& words) {
+        const double width = sample + kPictureMargin / 2 + widthOf(words);
+        if (x > kPictureMargin && x + width > end()) {
+            x = kPictureMargin;
+            top += kPictureLine;
+        }
+        const double at = x;
+        x += width + 2 * kPictureMargin;
+        return at;
+    }
+
+    [[nodiscard]] std::string meaning(double x, const std::string& words) const {
+        return text(x + kPictureMargin / 2, top - 5, "", escaped(words));
     }
 
     std::string axis() {
@@ -192,8 +154,6 @@ private:
         std::string drawn;
         for (std::size_t i = 0; i < picture.groups.size(); ++i) {
             const SPictureGroup& group = picture.groups[i];
-            drawn += cutText(kPictureMargin, first + layout.groupTops[i] + kPictureLine - 5,
-                             R"( class="group")", group.name);
             for (std::size_t j = 0; j < group.rows.size(); ++j) {
                 drawn += row(group.rows[j], layout.rows[i][j], first, j % 2 == 0);
             }
@@ -201,24 +161,77 @@ private:
         return drawn;
     }
 
+    // Above the grid, which their texts would not be read through.
+    [[nodiscard]] std::string groupHeadings(double first) const {
+        std::string drawn;
+        for (std::size_t i = 0; i < picture.groups.size(); ++i) {
+            drawn += groupHeading(picture.groups[i], first + layout.groupTops[i], layout.rows[i]);
+        }
+        return drawn;
+    }
+
+    // A short one has a badge, and a line along all that is below it.
+    [[nodiscard]] std::string groupHeading(const SPictureGroup& group, double y,
+                                           const std::vector<SPlacedRow>& placed) const {
+        const double base = y + kPictureLine - 5;
+        std::string drawn = cutText(kPictureMargin, base, R"( class="group")", group.name, "");
+        double x = layout.left;
+        if (group.isShort) {
+            double height = kPictureLine;
+            for (const SPlacedRow& each : placed) {
+                height += each.height;
+            }
+            const std::string words = "no free target";
+            const double width = widthOf(words) + 10;
+            drawn += fmt::format(
+                "  <g class=\"short\"><title>{} has no free target</title>"
+                R"(<rect class="alarm" x="{}" y="{:.1f}" width="4" height="{:.1f}"/>)"
+                R"(<rect class="alarm" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)"
+                R"(<text class="on" x="{:.1f}" y="{:.1f}">{}</text>)"
+                "</g>\n",
+                escaped(group.name), kPictureMargin / 2 - 2, y, height, x, base - 10, width, kBarHeight + 1,
+                x + 5, base, words);
+            x += width + kPictureMargin / 2;
+        }
+        return group.remark.empty()
+                   ? drawn
+                   : drawn + text(x, base, R"( class="remark above")", escaped(group.remark));
+    }
+
     [[nodiscard]] std::string row(const SPictureRow& shown, const SPlacedRow& place, double first,
                                   bool isBand) const {
         const double y = first + place.top;
+        const double base = y + kPictureLane - 4;
         std::string drawn;
         if (isBand) {
             drawn += fmt::format(R"(  <rect class="band" x="{:.1f}" y="{:.1f}" width="{:.1f}" )"
                                  "height=\"{:.1f}\"/>\n",
                                  layout.left, y, layout.width, place.height);
         }
-        drawn += cutText(2 * kPictureMargin, y + kPictureLane - 4, "", shown.name);
-        if (shown.isChosen) {
-            constexpr double kChosenWidth = 34;
-            drawn +=
-                fmt::format("  <g class=\"chosen\"><title>{} is chosen for the next snapshot</title>{}</g>\n",
-                            escaped(shown.name),
-                            shape(layout.left + layout.width + 2 * kTip, y + 2, kChosenWidth, false));
+        switch (shown.state) {
+            case ETarget::kHeld:
+                break;
+            case ETarget::kFree:
+                drawn += text(marks + kTip, base, R"( class="remark")", "free");
+                break;
+            case ETarget::kChosen:
+                return drawn + chosenRow(shown, place, y);
+            case ETarget::kBlocked:
+                drawn += "  " + cross(marks + kTip, y + 2) + "\n";
+                break;
         }
-        return drawn;
+        return drawn + cutText(2 * kPictureMargin, base, "", shown.name, shown.title);
+    }
+
+    // Framed from its name to its mark, so that it is what is seen first.
+    [[nodiscard]] std::string chosenRow(const SPictureRow& shown, const SPlacedRow& place, double y) const {
+        const double x = 1.5 * kPictureMargin;
+        return fmt::format(
+            "  <g class=\"chosen\"><title>{} is chosen for the next snapshot</title>"
+            R"(<rect class="shape" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{:.1f}"/>)"
+            "{}\n{}  </g>\n",
+            escaped(shown.name), x, y + 0.5, marks - kTip / 2 - x, place.height - 1, chosenTag(marks, y + 2),
+            cutText(2 * kPictureMargin, y + kPictureLane - 4, "", shown.name, shown.title));
     }
 
     [[nodiscard]] std::string grid(double first) const {
@@ -235,94 +248,83 @@ private:
             first, first + layout.height);
     }
 
+    // Above the dates, one of which may be the line's.
+    std::string lineLabel() {
+        if (picture.lineLabel.empty()) {
+            return "";
+        }
+        top += kPictureLine;
+        return text(layout.x(picture.lineAt), top - 5, R"( text-anchor="middle")",
+                    escaped(picture.lineLabel));
+    }
+
     [[nodiscard]] std::string lineAcross(double first) const {
         if (picture.lineLabel.empty()) {
             return "";
         }
-        const double x = layout.x(picture.lineAt);
-        return verticalLine(x, first, "line") +
-               text(x + 4, first + kPictureLine - 5, "", escaped(picture.lineLabel));
+        return verticalLine(layout.x(picture.lineAt), first, "line");
     }
 
     [[nodiscard]] std::string bars(double first) const {
         std::string drawn;
-        for (std::size_t i = 0; i < picture.bars.size(); ++i) {
-            const SBar& bar = picture.bars[i];
-            const double x = layout.x(bar.from);
-            const double width = std::max(layout.x(bar.to) - x, 0.5);
-            const double y = first + layout.barTops[i] + 2;
-            drawn +=
-                fmt::format("  <g class=\"bar {}\"><title>{}</title>{}{}</g>\n", classOf(bar.kind),
-                            escaped(bar.title), shape(x, y, width, bar.isOpen), nameIn(bar, x, y, width));
+        for (std::size_t i = 0; i < picture.groups.size(); ++i) {
+            for (std::size_t j = 0; j < picture.groups[i].rows.size(); ++j) {
+                const std::vector<SBar>& all = picture.groups[i].rows[j].bars;
+                for (std::size_t k = 0; k < all.size(); ++k) {
+                    drawn += bar(all[k], layout.rows[i][j].bars[k], first);
+                }
+            }
         }
         return drawn;
     }
 
-    // On a ground of its own, since a pattern would make it hard to read. Nothing where too little has room.
-    static std::string nameIn(const SBar& bar, double x, double y, double width) {
-        const auto room = static_cast<std::size_t>(std::max((width - 6) / kPictureCharacter, 0.0));
-        const std::string name = asPrintable(bar.name);
-        const std::size_t length = displayWidth(name);
+    [[nodiscard]] std::string bar(const SBar& shown, const SPlacedBar& place, double first) const {
+        const double x = layout.x(shown.from);
+        const double width = std::max(layout.x(shown.to) - x, 0.5);
+        const double y = first + place.top + 2;
+        return fmt::format("  <g class=\"bar {}\"><title>{}</title>{}{}</g>\n", classOf(shown.kind),
+                           escaped(shown.title), shape(shown.kind, shown.isOpen, x, y, width),
+                           name(shown, place.before, x, y, width));
+    }
+
+    // In the bar on a ground of its own, since a pattern would make it hard to read; before the bar where
+    // only there all of it has room; nothing where too little has room.
+    static std::string name(const SBar& bar, double before, double x, double y, double width) {
+        const double block = bar.kind == EBar::kRotated ? kBlock : 0;
+        const auto room = static_cast<std::size_t>(std::max((width - block - 6) / kPictureCharacter, 0.0));
+        const std::string whole = asPrintable(bar.name);
+        const std::size_t length = displayWidth(whole);
+        const double base = y + kBarHeight - 2.5;
+        if (length > room && widthOf(whole) + 9 <= x - before) {
+            return fmt::format(R"(<text x="{:.1f}" y="{:.1f}" text-anchor="end">{}</text>)", x - 4, base,
+                               escaped(whole));
+        }
         constexpr std::size_t kFewest = 6;
         if (length > room && room < kFewest) {
             return "";
         }
-        const std::string cut = cutTo(name, std::max<std::size_t>(room, 1));
+        const std::string cut = cutTo(whole, std::max<std::size_t>(room, 1));
         std::string ground;
         if (bar.kind == EBar::kExcluded || bar.kind == EBar::kInvalid) {
-            ground = fmt::format(
-                R"(<rect class="paper" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)", x + 0.5, y + 0.5,
-                static_cast<double>(displayWidth(cut)) * kPictureCharacter + 4, kBarHeight - 1);
+            ground = fmt::format(R"(<rect class="paper" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)",
+                                 x + 0.5, y + 0.5, widthOf(cut) + 4, kBarHeight - 1);
         }
-        return ground + fmt::format(R"(<text x="{:.1f}" y="{:.1f}">{}</text>)", x + 3, y + kBarHeight - 2.5,
-                                    escaped(cut));
-    }
-
-    std::string legend() {
-        struct SEntry {
-            const std::string& meaning;
-            EBar kind;
-            bool isOpen;
-        };
-        const SEntry entries[] = {{picture.plainMeaning, EBar::kPlain, false},
-                                  {picture.rotatedMeaning, EBar::kRotated, false},
-                                  {picture.excludedMeaning, EBar::kExcluded, false},
-                                  {picture.invalidMeaning, EBar::kInvalid, false},
-                                  {picture.openMeaning, EBar::kPlain, true}};
-        top += kPictureLine / 2;
-        std::string drawn;
-        for (const SEntry& entry : entries) {
-            if (!entry.meaning.empty()) {
-                drawn += legendLine(classOf(entry.kind), entry.isOpen, entry.meaning);
-            }
-        }
-        const bool hasChosen =
-            std::any_of(picture.groups.begin(), picture.groups.end(), [](const SPictureGroup& group) {
-                return std::any_of(group.rows.begin(), group.rows.end(),
-                                   [](const SPictureRow& row) { return row.isChosen; });
-            });
-        return drawn + (hasChosen ? legendLine("chosen", false, "chosen for the next snapshot") : "");
-    }
-
-    std::string legendLine(std::string_view kind, bool isOpen, const std::string& meaning) {
-        constexpr double kSample = 28;
-        top += kPictureLine;
-        return fmt::format("  <g class=\"{}\">{}</g>\n", kind,
-                           shape(layout.left, top - kPictureLine + 4, kSample, isOpen)) +
-               text(layout.left + kSample + kPictureMargin, top - 5, "", escaped(meaning));
+        return ground + fmt::format(R"(<text x="{:.1f}" y="{:.1f}">{}</text>)", x + 3, base, escaped(cut));
     }
 
     std::string notes() {
         std::string lines;
         top += picture.notes.empty() ? 0 : kPictureLine / 2;
         for (const std::string& note : picture.notes) {
-            lines += line(R"( class="remark")", note);
+            lines += line("remark", note);
         }
         return lines;
     }
 
     const SPicture& picture;
     SLayout layout;
+    // Where the marks of the rows begin.
+    double marks;
     // Where the next thing is drawn.
     double top = 0;
 };

@@ -1,26 +1,37 @@
 #include "cli/simulate/picture.h"
 
 #include <algorithm>
+#include <optional>
 
 #include <fmt/format.h>
 
 #include "cli/base/calendar.h"
+#include "cli/picture/arrange.h"
 #include "cli/picture/layout.h"
 #include "cli/picture/time_axis.h"
 
 namespace fi_rotate {
 namespace {
 
-// The last round that is drawn.
-std::size_t lastRoundOf(const SSimulation& simulation) {
-    const auto standstill = standstillOf(simulation);
-    if (!standstill.has_value()) {
-        return simulation.finishedRounds;
+// The rounds that are drawn.
+struct SWindow {
+    std::size_t first = 1;
+    std::size_t last = 0;
+};
+
+SWindow windowOf(const SSimulation& simulation) {
+    SWindow window;
+    window.last = simulation.finishedRounds;
+    if (const auto standstill = standstillOf(simulation); standstill.has_value()) {
+        const std::size_t first = *standstill;
+        constexpr std::size_t kAtLeast = 3;
+        constexpr std::size_t kTwentieth = 20;
+        window.last = std::min(window.last, first + std::max(kAtLeast, first / kTwentieth));
     }
-    const std::size_t first = *standstill;
-    constexpr std::size_t kAtLeast = 3;
-    constexpr std::size_t kTwentieth = 20;
-    return std::min(simulation.finishedRounds, first + std::max(kAtLeast, first / kTwentieth));
+    // Of more the bars would be too short for their numbers.
+    constexpr std::size_t kMost = 150;
+    window.first = window.last > kMost ? window.last - kMost + 1 : 1;
+    return window;
 }
 
 const char* wordOf(EEnd end) {
@@ -57,13 +68,11 @@ EBar kindOf(const SSimulation& simulation, const SSnapshot& snapshot) {
     return isExcluded(simulation, snapshot) ? EBar::kExcluded : EBar::kPlain;
 }
 
-SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, double end) {
+SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, const SPicture& picture) {
     SBar bar;
-    bar.group = snapshot.configuration;
-    bar.row = snapshot.target;
-    bar.from = static_cast<double>(timeOf(simulation, snapshot));
+    bar.from = std::max(static_cast<double>(timeOf(simulation, snapshot)), picture.from);
     bar.isOpen = snapshot.end == EEnd::kHeld;
-    bar.to = bar.isOpen ? end : static_cast<double>(timeOf(simulation.plan, snapshot.ended));
+    bar.to = bar.isOpen ? picture.to : static_cast<double>(timeOf(simulation.plan, snapshot.ended));
     bar.kind = kindOf(simulation, snapshot);
     bar.name =
         snapshot.taken == 0 ? fmt::format("d{}", snapshot.document + 1) : fmt::to_string(snapshot.taken);
@@ -71,8 +80,11 @@ SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, double end)
     return bar;
 }
 
-// When the first snapshot was taken, or the first round is.
-std::int64_t beginOf(const SSimulation& simulation) {
+// When the first snapshot was taken, or the first round is; of a window that leaves rounds out its own first.
+std::int64_t beginOf(const SSimulation& simulation, const SWindow& window) {
+    if (window.first > 1) {
+        return timeOf(simulation.plan, window.first);
+    }
     std::int64_t begin = simulation.plan.start;
     for (const SSnapshot& snapshot : simulation.snapshots) {
         begin = std::min(begin, timeOf(simulation, snapshot));
@@ -80,11 +92,52 @@ std::int64_t beginOf(const SSimulation& simulation) {
     return begin;
 }
 
-std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t last) {
+// The configurations that are short in the end.
+std::vector<SShortConfiguration> shortagesOf(const SSimulation& simulation) {
+    return standstillOf(simulation).has_value() ? simulation.withoutTarget.back().shortages
+                                                : std::vector<SShortConfiguration>();
+}
+
+std::vector<std::string> warningsOf(const SSimulation& simulation) {
+    const auto standstill = standstillOf(simulation);
+    if (!standstill.has_value()) {
+        return {};
+    }
+    std::vector<std::string> shortOnes;
+    for (const SShortConfiguration& shortage : shortagesOf(simulation)) {
+        shortOnes.push_back(simulation.configurations[shortage.configuration].first);
+    }
+    return {fmt::format("No selection from round {} on: {} {} no free target", *standstill, someOf(shortOnes),
+                        shortOnes.size() == 1 ? "has" : "have")};
+}
+
+// The first drawn round that found no target.
+std::optional<std::size_t> firstWithoutTarget(const SSimulation& simulation, const SWindow& window) {
+    for (const SRoundsWithoutTarget& rounds : simulation.withoutTarget) {
+        if (rounds.last >= window.first) {
+            return std::max(rounds.first, window.first);
+        }
+    }
+    return std::nullopt;
+}
+
+std::string countSnapshots(const SSimulation& simulation) {
+    std::size_t held = 0;
+    std::size_t rotated = 0;
+    std::size_t lost = 0;
+    for (const SSnapshot& snapshot : simulation.snapshots) {
+        ++(snapshot.end == EEnd::kHeld ? held : snapshot.end == EEnd::kRotated ? rotated : lost);
+    }
+    return fmt::format("{}: {} rotated, {} still held", countInWords(simulation.snapshots.size(), "snapshot"),
+                       rotated, held) +
+           (lost == 0 ? "" : fmt::format(", {} lost", lost));
+}
+
+std::vector<std::string> remarksOn(const SSimulation& simulation, const SWindow& window) {
     const SPlan& plan = simulation.plan;
     const std::string rounds = simulation.finishedRounds < plan.rounds
                                    ? fmt::format("{} of {} rounds", simulation.finishedRounds, plan.rounds)
-                                   : fmt::format("{} rounds", plan.rounds);
+                                   : countInWords(plan.rounds, "round");
     std::vector<std::string> remarks{
         fmt::format("{} from {} on, every {}; the number in a bar is its round's", rounds,
                     toShownTime(plan.start), toShownDuration(plan.every))};
@@ -93,47 +146,86 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, std::size_t la
             "Bars d1, d2 and so on are backups that were there before, by their places in the list");
     }
     if (const std::size_t without = countWithoutTarget(simulation); without != 0) {
-        remarks.push_back(fmt::format("{} of them found no target, the first at the line across", without));
+        const char* const which = window.first == 1 ? "the first" : "the first of those drawn";
+        remarks.push_back(fmt::format("{} of them found no target", without) +
+                          (firstWithoutTarget(simulation, window).has_value()
+                               ? fmt::format(", {} at the line across", which)
+                               : ""));
     }
-    if (last < simulation.finishedRounds) {
-        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out", last + 1,
-                                      simulation.finishedRounds));
+    remarks.push_back(countSnapshots(simulation));
+    if (window.first > 1) {
+        remarks.push_back(
+            fmt::format("Rounds 1 to {} are left out; what they took is drawn as far as it was "
+                        "held in round {}",
+                        window.first - 1, window.first));
+    }
+    if (window.last < simulation.finishedRounds) {
+        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out",
+                                      window.last + 1, simulation.finishedRounds));
     }
     return remarks;
+}
+
+// What is not held in the end is free.
+void addRows(SPicture& picture, const SSimulation& simulation) {
+    for (const SAccountConfiguration& configuration : simulation.configurations) {
+        SPictureGroup& group = picture.groups.emplace_back();
+        group.name = configuration.first;
+        for (const std::string& target : configuration.targets) {
+            SPictureRow& row = group.rows.emplace_back();
+            row.name = target;
+            row.state = ETarget::kFree;
+        }
+    }
+    for (const SSnapshot& snapshot : simulation.snapshots) {
+        if (snapshot.end == EEnd::kHeld) {
+            picture.groups[snapshot.configuration].rows[snapshot.target].state = ETarget::kHeld;
+        }
+    }
+    for (const SShortConfiguration& shortage : shortagesOf(simulation)) {
+        SPictureGroup& group = picture.groups[shortage.configuration];
+        group.isShort = true;
+        for (SPictureRow& row : group.rows) {
+            row.state = ETarget::kBlocked;
+        }
+    }
 }
 
 }  // namespace
 
 SPicture pictureOf(const SSimulation& simulation) {
     const SPlan& plan = simulation.plan;
-    const std::size_t last = lastRoundOf(simulation);
-    const std::int64_t begin = beginOf(simulation);
-    const std::int64_t end = timeOf(plan, last + 1);
+    const SWindow window = windowOf(simulation);
+    const std::int64_t begin = beginOf(simulation, window);
+    const std::int64_t end = timeOf(plan, window.last + 1);
     SPicture picture;
     picture.title = "Which snapshot holds which target";
-    picture.remarks = remarksOn(simulation, last);
+    picture.warnings = warningsOf(simulation);
+    picture.remarks = remarksOn(simulation, window);
     picture.timeLabel = "time (UTC)";
     picture.rowLabel = "targets";
     picture.from = static_cast<double>(begin);
     picture.to = static_cast<double>(end);
     picture.columns = std::max<std::size_t>(static_cast<std::size_t>((end - begin) / plan.every), 1);
     picture.ticks = timeTicks(begin, end, mostTicks(picture.columns));
-    for (const SAccountConfiguration& configuration : simulation.configurations) {
-        SPictureGroup& group = picture.groups.emplace_back();
-        group.name = configuration.first;
-        for (const std::string& target : configuration.targets) {
-            group.rows.push_back({target, false});
+    addRows(picture, simulation);
+    for (const SSnapshot& snapshot : simulation.snapshots) {
+        if (snapshot.end == EEnd::kHeld || timeOf(plan, snapshot.ended) > begin) {
+            picture.groups[snapshot.configuration].rows[snapshot.target].bars.push_back(
+                barOf(simulation, snapshot, picture));
         }
     }
-    for (const SSnapshot& snapshot : simulation.snapshots) {
-        picture.bars.push_back(barOf(simulation, snapshot, picture.to));
-    }
+    arrange(picture);
     picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, from its taking to its rotation" : "";
     picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
     picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: a later round was given its target" : "";
-    picture.openMeaning = picture.bars.empty() ? "" : "still held in the end";
-    if (!simulation.withoutTarget.empty()) {
-        picture.lineAt = static_cast<double>(timeOf(plan, simulation.withoutTarget.front().first));
+    picture.openMeaning = picture.hasRow([](const SPictureRow& row) {
+        return std::any_of(row.bars.begin(), row.bars.end(), [](const SBar& bar) { return bar.isOpen; });
+    })
+                              ? "still held in the end"
+                              : "";
+    if (const auto first = firstWithoutTarget(simulation, window); first.has_value()) {
+        picture.lineAt = static_cast<double>(timeOf(plan, *first));
         picture.lineLabel = "no target";
     }
     return picture;

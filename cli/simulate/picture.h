@@ -5,8 +5,8 @@
 
 namespace fi_rotate {
 
-// A bar for each snapshot, from its taking to its end. Of rounds without a target only the first few are
-// shown.
+// A bar for each snapshot, from its taking to its end. Of many rounds the last are shown, of rounds without a
+// target the first few.
 SPicture pictureOf(const SSimulation& simulation);
 
 }  // namespace fi_rotate
