@@ -15,10 +15,10 @@
 namespace fi_rotate {
 
 struct SOutput {
-    const char* option;
+    const char* option = nullptr;
     std::optional<std::string> file;
     // Whether the content of an existing file is what this option writes.
-    bool (*isOwn)(std::string_view content);
+    bool (*isOwn)(std::string_view content) = nullptr;
 };
 
 // Adds --force.
