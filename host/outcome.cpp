@@ -48,6 +48,7 @@ void giveReasons(SOutcome& outcome) {
 }
 
 void withdraw(SOutcome& outcome) {
+    outcome.status = FI_STATUS_FAILURE;
     outcome.selection.reset();
     for (SBackupOutcome& backup : outcome.backups) {
         backup.state.reset();

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -55,7 +57,7 @@ A request is a whole call as JSON, configuration and backups; the schema fi-rota
 File names in it are taken as they stand, so relative ones are looked for from where fi-rotate runs.)";
 
 // In the order of EOrder.
-const std::vector<std::string> kOrders{"argument", "time", "release"};
+constexpr std::array<std::string_view, 3> kOrders{"argument", "time", "release"};
 
 struct SOptions {
     SCallOptions call;
@@ -66,7 +68,7 @@ struct SOptions {
     std::vector<std::string> flagWords;
     bool isStrict = false;
     std::size_t leastKept = 0;
-    std::string order = kOrders.front();
+    std::string order{kOrders.front()};
     bool explain = false;
     bool json = false;
     bool trace = false;
@@ -133,8 +135,8 @@ struct SShownCall {
     SOutcome outcome;
     // Inputs are not whole, and nothing was decided for that.
     bool isRefused = false;
-    // What would be lost, which is why nothing was decided.
-    std::vector<std::string> losses = {};
+    // A configuration would keep too few backups, and nothing was decided for that.
+    bool isTooFew = false;
 };
 
 bool areAllLoaded(const SOutcome& outcome) {
@@ -168,7 +170,7 @@ void reportNotLoaded(const SOutcome& outcome) {
 
 void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
     const SOutcome& outcome = call.outcome;
-    if (!isTraceShown || call.isRefused) {
+    if (!isTraceShown || call.isRefused || call.isTooFew) {
         std::for_each(outcome.messages.begin(), outcome.messages.end(), printError);
     }
     if (outcome.exception.has_value()) {
@@ -183,8 +185,7 @@ void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
         return;
     }
     reportNotLoaded(outcome);
-    if (!call.losses.empty()) {
-        std::for_each(call.losses.begin(), call.losses.end(), printError);
+    if (call.isTooFew) {
         printError("nothing was decided, because too few backups would be kept");
         return;
     }
@@ -200,7 +201,7 @@ int exitStatusOf(const SShownCall& call) {
     if (call.outcome.exception.has_value()) {
         return kExitException;
     }
-    if (!call.losses.empty()) {
+    if (call.isTooFew) {
         return kExitTooFewKept;
     }
     if (!call.outcome.selection.has_value()) {
@@ -283,11 +284,14 @@ SShownCall makeCall(const SCall& call, const SWishes& wishes, bool isStrict) {
 
 SShownCall makeCall(const SCall& call, const SWishes& wishes, const SOptions& options) {
     SShownCall made = makeCall(call, wishes, options.isStrict);
-    if (made.outcome.selection.has_value() && made.outcome.account.has_value()) {
-        made.losses = lossesInWords(*made.outcome.account, options.leastKept);
+    SOutcome& outcome = made.outcome;
+    if (outcome.selection.has_value() && outcome.account.has_value()) {
+        const auto losses = lossesInWords(*outcome.account, options.leastKept);
+        made.isTooFew = !losses.empty();
+        outcome.messages.insert(outcome.messages.end(), losses.begin(), losses.end());
     }
-    if (!made.losses.empty()) {
-        withdraw(made.outcome);
+    if (made.isTooFew) {
+        withdraw(outcome);
     }
     return made;
 }

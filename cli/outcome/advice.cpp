@@ -71,6 +71,7 @@ std::vector<std::string> releasedIn(const SOutcome& outcome) {
                one->reason->turn < other->reason->turn;
     });
     std::vector<std::string> files;
+    files.reserve(released.size());
     for (const SBackupOutcome* const backup : released) {
         files.push_back(backup->given.file);
     }

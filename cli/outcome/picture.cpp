@@ -18,6 +18,7 @@
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/outcome/summary.h"
 #include "cli/picture/arrange.h"
 #include "cli/picture/stamp_axis.h"
 #include "host/identifier.h"
@@ -312,6 +313,10 @@ void warnOfNoSelection(SPicture& picture, const SOutcome& outcome) {
 void addWarnings(SPicture& picture, const SOutcome& outcome) {
     if (!outcome.selection.has_value()) {
         warnOfNoSelection(picture, outcome);
+    }
+    if (const auto names = withoutRestorePoints(outcome); !names.empty()) {
+        picture.warnings.push_back("No restore point is left until the new snapshot is taken: " +
+                                   someOf(names));
     }
     std::vector<std::string> notLoaded;
     for (const SBackupOutcome& backup : outcome.backups) {

@@ -170,6 +170,7 @@ std::string wouldBeReleased(const std::vector<std::string>& released) {
 
 std::string inWords(const std::vector<SChange>& changes) {
     std::vector<std::string> words;
+    words.reserve(changes.size());
     for (const SChange& change : changes) {
         words.push_back(change.kind == EChange::kAllowRotation
                             ? "allow rotation of " + asPrintable(change.file)

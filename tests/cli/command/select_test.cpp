@@ -262,4 +262,42 @@ TEST(FiRotateSelect, NeverColoursWithNoColorSet) {
     EXPECT_THAT(runFiRotateOnTerminal(selectExamples(), {"TERM=xterm"}).output, HasSubstr("\x1B["));
 }
 
+// The oldest holds the only target, and would be all that is left of its configuration.
+TEST(FiRotateSelect, DecidesNothingWhereTooFewBackupsWouldBeKept) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string holder = folder.write("a.xml", kHolder);
+    const auto warned = runFiRotate({"select", "--config", kConfiguration, holder});
+    EXPECT_EQ(warned.exitStatus, 0);
+    EXPECT_THAT(warned.output,
+                HasSubstr("WARNING: encA##lun1 has no restore point left until its new snapshot is taken\n"));
+    for (const bool isStrict : {false, true}) {
+        SCOPED_TRACE(isStrict);
+        std::vector<std::string> arguments{"select",          "--config", kConfiguration,
+                                           "--keep-at-least", "1",        holder};
+        if (isStrict) {
+            arguments.emplace_back("--strict");
+        }
+        const auto refused = runFiRotate(arguments);
+        EXPECT_EQ(refused.exitStatus, 7);
+        EXPECT_THAT(refused.output, StartsWith("Selection: none\n"));
+        EXPECT_THAT(refused.output, Not(HasSubstr("rotated")));
+        EXPECT_EQ(refused.error,
+                  "fi-rotate: encA##lun1 would keep 0 of its 1 backups; at least 1 must remain\n"
+                  "fi-rotate: nothing was decided, because too few backups would be kept\n");
+    }
+}
+
+TEST(FiRotateSelect, BeginsWithTheCheapestWayOutOfAShortage) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string holder = folder.write("a.xml", kHolder);
+    const auto result = runFiRotate({"select", "--config", kConfiguration, "--exclude", holder, holder});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output, StartsWith("Selection: none\n"
+                                          "encA##lun1 is short of a target\n"
+                                          "Cheapest: allow rotation of " +
+                                          holder +
+                                          " (1 backup would be released)\n"
+                                          "Or add one target to it (no backup would be released)\n"));
+}
+
 }  // namespace
