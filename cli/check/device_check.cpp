@@ -151,8 +151,8 @@ private:
         const bool isFirst = owner.isFirst(first);
         auto cause = here(firstOf(distortionOf(node.objid), distortionOf(node.altobjid)));
         if (!cause.has_value()) {
-            const Cause unread = isFirst ? owner.unread.causeOf(first, further) : owner.unread.causeOf(first);
-            cause = causeIn(owner.configurationName, unread);
+            const Cause lost = isFirst ? owner.unread.causeOf(first, further) : owner.unread.causeOf(first);
+            cause = causeIn(owner.configurationName, lost);
         }
         if (findings.isFull(hazard, cause)) {
             findings.countAnother(hazard, cause);
