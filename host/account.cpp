@@ -102,6 +102,15 @@ std::vector<CPairs::SPair> CPairs::inOrder() const {
     return pairs;
 }
 
+std::string toSpecification(const std::vector<SAccountConfiguration>& configurations) {
+    std::string text;
+    for (const SAccountConfiguration& configuration : configurations) {
+        text += fmt::format("{}{}{}{}", text.empty() ? "" : "&", configuration.first,
+                            configuration.targets.empty() ? "" : ";", fmt::join(configuration.targets, ";"));
+    }
+    return text;
+}
+
 std::size_t keptHolders(const SAccount& account, std::size_t configuration) {
     return countHolders(account, account.heldAfter, configuration, {FI_BACKUP_KEPT});
 }

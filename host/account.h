@@ -122,6 +122,10 @@ struct SAccount {
     Holders heldAfter;
 };
 
+// The resource configuration string that the library reads as these. No name that it has read holds what
+// separates names.
+std::string toSpecification(const std::vector<SAccountConfiguration>& configurations);
+
 // How many backups hold targets of a configuration, which is given by its place in the account: those that
 // are kept, in the end. Neither function counts a backup twice, nor an invalid one, of which nothing can be
 // restored. None when lines of the trace are missing.

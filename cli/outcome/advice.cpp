@@ -4,9 +4,6 @@
 #include <set>
 #include <utility>
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 #include <fi_rotation/fi_process_backups.h>
 
 namespace fi_rotate {
@@ -14,16 +11,6 @@ namespace {
 
 // Each takes a call.
 constexpr std::size_t kMostTrials = 200;
-
-// As the library reads it; no name holds what separates names.
-std::string textOf(const std::vector<SAccountConfiguration>& configurations) {
-    std::string text;
-    for (const SAccountConfiguration& configuration : configurations) {
-        text += fmt::format("{}{}{}{}", text.empty() ? "" : "&", configuration.first,
-                            configuration.targets.empty() ? "" : ";", fmt::join(configuration.targets, ";"));
-    }
-    return text;
-}
 
 // A target that neither the configurations nor, as far as can be foreseen, a backup names.
 std::string unusedTarget(const std::vector<SAccountConfiguration>& configurations) {
@@ -44,10 +31,10 @@ void addTargets(SCall& call, const SAccount& account) {
     for (const SShortage& shortage : account.shortages) {
         configurations[shortage.configuration].targets.push_back(unusedTarget(configurations));
     }
-    call.configuration = textOf(configurations);
+    call.configuration = toSpecification(configurations);
 }
 
-void change(SCall& call, const SChange& change) {
+void apply(const SChange& change, SCall& call) {
     auto& backups = call.backups;
     const auto isMeant = [&change](const SBackup& backup) { return backup.file == change.file; };
     if (change.kind == EChange::kLeaveOut) {
@@ -118,7 +105,7 @@ private:
 
     void tryChange(const SChange& wanted) {
         SCall changed = call;
-        change(changed, wanted);
+        apply(wanted, changed);
         advice.trials.push_back({wanted, releasedWithSelection(makeCall(changed))});
     }
 
@@ -154,7 +141,7 @@ private:
                     return;
                 }
                 SCall tried = changed;
-                change(tried, candidate);
+                apply(candidate, tried);
                 SOutcome then = makeCall(tried);
                 if (then.account.has_value() && isNearer(then, best.has_value() ? *best : now)) {
                     best = std::move(then);

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "cli/base/calendar.h"
 
@@ -21,7 +20,7 @@ std::string withTargets(const SAccountConfiguration& configuration, std::size_t 
         }
     }
     targets.resize(count);
-    return fmt::format("{};{}", configuration.first, fmt::join(targets, ";"));
+    return toSpecification({{configuration.first, std::move(targets)}});
 }
 
 // So many rounds after one of them the next is excluded for the same reason, or none is. Nothing when no

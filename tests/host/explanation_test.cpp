@@ -16,6 +16,7 @@
 
 #include "host/library_call.h"
 #include "host/outcome.h"
+#include "tests/host/GivenCall.h"
 #include "tests/host/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -41,14 +42,8 @@ using fi_test::kRandomCalls;
 using fi_test::SPair;
 using testing::ElementsAre;
 
-class HostExplanation : public testing::Test {
+class HostExplanation : public fi_test::CGivenCall {
 protected:
-    std::string give(const std::string& name, const std::string& timeStamp, const std::vector<SPair>& pairs,
-                     std::int32_t flagWord = 0) {
-        call.backups.push_back({folder.write(name, document(timeStamp, pairs)), flagWord});
-        return call.backups.back().file;
-    }
-
     SOutcome explained(const std::string& configuration) {
         call.configuration = configuration;
         return runCall(call, withAccount());
@@ -57,9 +52,6 @@ protected:
     static const SReason& reasonFor(const SOutcome& outcome, std::size_t place) {
         return outcome.backups.at(place).reason.value();
     }
-
-    fi_test::CTemporaryFolder folder;
-    SCall call;
 };
 
 TEST_F(HostExplanation, KeptAsTheNewestHolder) {

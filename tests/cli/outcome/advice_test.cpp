@@ -13,7 +13,7 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
-#include "host/library_call.h"
+#include "tests/host/GivenCall.h"
 #include "tests/host/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -28,27 +28,13 @@ using fi_rotate::SCall;
 using fi_rotate::SChange;
 using fi_rotate::SOutcome;
 using fi_rotate::STrial;
+using fi_test::accountedOutcome;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-SOutcome outcomeOf(const SCall& call) {
-    fi_rotate::SWishes wishes;
-    wishes.account = true;
-    return fi_rotate::runCall(call, wishes);
-}
-
-class FiRotateAdvice : public testing::Test {
+class FiRotateAdvice : public fi_test::CGivenCall {
 protected:
-    std::string give(const std::string& name, const std::string& timeStamp,
-                     const std::vector<fi_test::SPair>& pairs, std::int32_t flagWord = 0) {
-        call.backups.push_back({folder.write(name, fi_test::document(timeStamp, pairs)), flagWord});
-        return call.backups.back().file;
-    }
-
-    SAdvice advice() const { return adviseOn(call, outcomeOf(call), outcomeOf); }
-
-    fi_test::CTemporaryFolder folder;
-    SCall call;
+    SAdvice advice() const { return adviseOn(call, accountedOutcome(call), accountedOutcome); }
 };
 
 // The older of the two excluded ones costs the newer backup that is not excluded nothing, and the other way
@@ -116,7 +102,7 @@ SOutcome outcomeWith(SCall call, const std::vector<SChange>& changes) {
         }
         call.backups = left;
     }
-    return outcomeOf(call);
+    return accountedOutcome(call);
 }
 
 std::size_t countReleased(const SOutcome& outcome) {
@@ -165,7 +151,7 @@ TEST_F(FiRotateAdvice, HoldsInRandomShortages) {
     for (unsigned seed = 0; shortages < kShortages; ++seed) {
         SCOPED_TRACE(seed);
         call = crowdedCall(seed, folder);
-        const SOutcome outcome = outcomeOf(call);
+        const SOutcome outcome = accountedOutcome(call);
         if (outcome.account->shortages.empty()) {
             continue;
         }

@@ -11,7 +11,7 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/outcome/view.h"
-#include "host/library_call.h"
+#include "tests/host/GivenCall.h"
 #include "tests/host/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -25,25 +25,14 @@ using fi_rotate::SCall;
 using fi_rotate::SOutcome;
 using fi_rotate::SRestorePoints;
 using fi_rotate::STotals;
+using fi_test::accountedOutcome;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-SOutcome outcomeOf(const SCall& call) {
-    fi_rotate::SWishes wishes;
-    wishes.account = true;
-    return fi_rotate::runCall(call, wishes);
-}
-
-class FiRotateSummary : public testing::Test {
+class FiRotateSummary : public fi_test::CGivenCall {
 protected:
-    std::string give(const std::string& name, const std::string& timeStamp,
-                     const std::vector<fi_test::SPair>& pairs, std::int32_t flagWord = 0) {
-        call.backups.push_back({folder.write(name, fi_test::document(timeStamp, pairs)), flagWord});
-        return call.backups.back().file;
-    }
-
     std::vector<std::string> filesIn(EOrder order) {
-        SOutcome outcome = outcomeOf(call);
+        SOutcome outcome = accountedOutcome(call);
         const std::vector<std::string> stamps{"30", "20", "10", "40", ""};
         for (std::size_t i = 0; i < outcome.backups.size(); ++i) {
             outcome.backups[i].timeStamp = stamps.at(i);
@@ -54,9 +43,6 @@ protected:
         }
         return names;
     }
-
-    fi_test::CTemporaryFolder folder;
-    SCall call;
 };
 
 TEST_F(FiRotateSummary, CountsEachStateAndWhatWasReleasedInVain) {
@@ -67,7 +53,7 @@ TEST_F(FiRotateSummary, CountsEachStateAndWhatWasReleasedInVain) {
     give("d", "4", {{"A##y", "A##4"}});
     give("e", "5", {{"A##z", "A##4"}});
     call.backups.push_back({folder.path("missing"), 0});
-    const STotals totals = fi_rotate::totalsOf(outcomeOf(call));
+    const STotals totals = fi_rotate::totalsOf(accountedOutcome(call));
     EXPECT_THAT(totals.ofState, ElementsAre(1, 2, 2, 1));
     EXPECT_EQ(totals.inVain, 1U);
     EXPECT_EQ(totals.withoutState, 0U);
@@ -76,21 +62,21 @@ TEST_F(FiRotateSummary, CountsEachStateAndWhatWasReleasedInVain) {
 TEST_F(FiRotateSummary, CountsBackupsWithoutAState) {
     call.configuration = "A##x;1";
     give("a", "1", {{"A##x", "A##1"}}, FI_EXCLUDE_ROTATION);
-    EXPECT_EQ(fi_rotate::totalsOf(outcomeOf(call)).withoutState, 1U);
+    EXPECT_EQ(fi_rotate::totalsOf(accountedOutcome(call)).withoutState, 1U);
 }
 
 TEST_F(FiRotateSummary, NamesConfigurationsWhoseRestorePointsAreGone) {
     call.configuration = "A##x;1&A##y;2;3&A##z;4";
     give("a", "1", {{"A##x", "A##1"}, {"A##y", "A##2"}});
     give("b", "2", {{"A##y", "A##3"}});
-    EXPECT_THAT(fi_rotate::withoutRestorePoints(outcomeOf(call)), ElementsAre("A##x"));
+    EXPECT_THAT(fi_rotate::withoutRestorePoints(accountedOutcome(call)), ElementsAre("A##x"));
 }
 
 TEST_F(FiRotateSummary, HasAllRestorePointsWithoutASelection) {
     call.configuration = "A##x;1&A##y;2";
     give("a", "1", {{"A##x", "A##1"}});
     give("b", "2", {{"A##y", "A##2"}}, FI_EXCLUDE_ROTATION);
-    const SOutcome outcome = outcomeOf(call);
+    const SOutcome outcome = accountedOutcome(call);
     ASSERT_FALSE(outcome.selection.has_value());
     EXPECT_EQ(restorePointsOf(outcome).at(0).after, 1U);
     EXPECT_THAT(fi_rotate::withoutRestorePoints(outcome), IsEmpty());
@@ -117,7 +103,7 @@ TEST_F(FiRotateSummary, CountsRestorePointsOfRandomCalls) {
     std::size_t gone = 0;
     for (unsigned seed = 0; seed < fi_test::kRandomCalls; ++seed) {
         SCOPED_TRACE(seed);
-        const SOutcome outcome = outcomeOf(fi_test::CRandomCall(seed, folder).make());
+        const SOutcome outcome = accountedOutcome(fi_test::CRandomCall(seed, folder).make());
         if (!outcome.selection.has_value() || !outcome.account.has_value()) {
             continue;
         }
