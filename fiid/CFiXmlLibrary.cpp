@@ -1,10 +1,13 @@
 #include "fiid/CFiXmlLibrary.h"
 
+#include <cstddef>
+#include <new>
 #include <stdexcept>
 
 #include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLInitializer.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include "fiid/CFiXmlMemory.h"
@@ -17,15 +20,32 @@ namespace {
 // The library's own handler ends the process, which is the host's.
 class CThrowingPanicHandler : public xercesc::PanicHandler {
 public:
-    void panic(const PanicReasons reason) override { throw std::runtime_error(getPanicReasonString(reason)); }
+    void panic(const PanicReasons reason) override {
+        isWithoutConverter = reason == Panic_NoDefTranscoder;
+        throw std::runtime_error(getPanicReasonString(reason));
+    }
+
+    // Of the local code page; the library cannot be given one later.
+    bool isWithoutConverter = false;
 };
 
-// The library can be terminated only when it was set up whole. Whatever fails on the way leaves it, in this
-// process, to nobody's use.
-bool isHalfSetUp = false;
+struct SHeapDelete {
+    void operator()(void* block) const { operator delete(block); }
+};
 
-// In the host library only.
-bool isHeldForProcess = false;
+// The libraries that the XML library sets up with itself get their memory from the heap, 55 kB in some 1,500
+// blocks, and not all of them can go back when it is gone halfway. So it is made sure of beforehand.
+void makeSureOfHeap() {
+    constexpr std::size_t kSize = std::size_t{64} << 10;
+    const std::unique_ptr<void, SHeapDelete> first(operator new(kSize));
+    const std::unique_ptr<void, SHeapDelete> second(operator new(kSize));
+}
+
+// The last step of the library's set-up, which it keeps from its users.
+class CStaticData : private xercesc::XMLInitializer {
+public:
+    using XMLInitializer::initializeStaticData;
+};
 
 }  // namespace
 
@@ -35,33 +55,42 @@ struct CFiXmlLibrary::SSurroundings {
     CThrowingPanicHandler panicHandler;
 };
 
+// Of the process, since the library is. Plain pointers: the library may be in use until the process ends.
+struct CFiXmlLibrary::SProcess {
+    // Of a set-up that failed on its way.
+    static inline SSurroundings* halfSetUp = nullptr;
+    // Of a call that ended while somebody else held the library.
+    static inline SSurroundings* left = nullptr;
+    // In the host library only.
+    static inline bool isHeld = false;
+};
+
 CFiXmlLibrary::CFiXmlLibrary() {
-    if (isHeldForProcess) {
+    if (SProcess::isHeld) {
         return;  // GCOVR_EXCL_LINE: in the host library only.
     }
-    if (isHalfSetUp) {
-        throw std::runtime_error("The XML library could not be set up in this process.");
-    }
+    freeWhatWasLeft();
+    finishHalfSetUp();
     surroundings = std::make_unique<SSurroundings>();
+    makeSureOfHeap();
     try {
         initialize();
         // GCOVR_EXCL_START: nothing is known that makes the set-up end with one.
     } catch (const xercesc::XMLException&) {
         terminate();
-        surroundings.reset();
         if constexpr (kInHostLibrary) {
             // No parser of it sets the library up by itself.
             throw std::runtime_error("The XML library could not be set up.");
         }
         // GCOVR_EXCL_STOP
     } catch (...) {
-        isHalfSetUp = true;
-        static_cast<void>(surroundings.release());
+        SProcess::halfSetUp = surroundings.release();
         throw;
     }
     if constexpr (kInHostLibrary) {
+        surroundings->memory.leaveToOthers();
         static_cast<void>(surroundings.release());
-        isHeldForProcess = true;
+        SProcess::isHeld = true;
     }
 }
 
@@ -71,18 +100,43 @@ CFiXmlLibrary::~CFiXmlLibrary() {
     }
 }
 
+void CFiXmlLibrary::freeWhatWasLeft() {
+    if (SProcess::left != nullptr && XMLPlatformUtils::fgMemoryManager != &SProcess::left->memory) {
+        delete SProcess::left;
+        SProcess::left = nullptr;
+    }
+}
+
+// The library can be terminated only when it was set up whole. Its last step can be made again from the
+// start. Of those before it, only the making of the converter can fail, which takes one block of 288 bytes.
+void CFiXmlLibrary::finishHalfSetUp() {
+    if (SProcess::halfSetUp == nullptr) {
+        return;
+    }
+    if (SProcess::halfSetUp->panicHandler.isWithoutConverter) {
+        throw std::runtime_error("The XML library could not be set up in this process.");
+    }
+    SProcess::halfSetUp->memory.drawOnReserve(true);
+    CStaticData::initializeStaticData();
+    surroundings.reset(SProcess::halfSetUp);
+    SProcess::halfSetUp = nullptr;
+    terminate();
+}
+
 void CFiXmlLibrary::initialize() {
-    surroundings->memory.mayDrawOnReserve(true);
+    surroundings->memory.drawOnReserve(true);
     XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
                                  &surroundings->panicHandler, &surroundings->memory);
-    surroundings->memory.mayDrawOnReserve(false);
+    surroundings->memory.drawOnReserve(false);
 }
 
 void CFiXmlLibrary::terminate() {
-    surroundings->memory.mayDrawOnReserve(true);
+    surroundings->memory.drawOnReserve(true);
     XMLPlatformUtils::Terminate();
     if (XMLPlatformUtils::fgMemoryManager == &surroundings->memory) {
         // Somebody initialised the library meanwhile and holds it still.
-        static_cast<void>(surroundings.release());
+        surroundings->memory.leaveToOthers();
+        SProcess::left = surroundings.release();
     }
+    surroundings.reset();
 }

@@ -14,7 +14,9 @@ class CFiXmlLibrary {
 public:
     // An XMLException is dropped, and nothing is held then: the parsers meet it again and deal with it. What
     // else goes wrong is thrown, a failure for which the library would end the process as a
-    // std::runtime_error; the library is then lost for the process, and this throws ever after.
+    // std::runtime_error. The set-up is then half done; the next of these objects undoes it first, and
+    // throws too as long as there is no memory for that. Without a converter for the local code page the
+    // library is lost for the process, and this throws ever after.
     CFiXmlLibrary();
     ~CFiXmlLibrary();
     CFiXmlLibrary(const CFiXmlLibrary&) = delete;
@@ -22,7 +24,10 @@ public:
 
 private:
     struct SSurroundings;
+    struct SProcess;
 
+    static void freeWhatWasLeft();
+    void finishHalfSetUp();
     void initialize();
     void terminate();
 

@@ -6,8 +6,6 @@
 
 #include <xercesc/util/OutOfMemoryException.hpp>
 
-#include "fiid/host_library.h"
-
 CFiXmlMemory::CFiXmlMemory() : reserve(new std::byte[kReserve]) {}
 
 CFiXmlMemory::~CFiXmlMemory() {
@@ -22,12 +20,11 @@ void* CFiXmlMemory::allocate(XMLSize_t size) {
     if (size > SIZE_MAX / 2) {
         throw xercesc::OutOfMemoryException();
     }
-    if constexpr (kInHostLibrary) {
-        void* const memory = operator new(size, std::nothrow);
-        return memory != nullptr ? memory : drawOnReserve(size);
+    if (!isOwnersThread()) {
+        return allocateOnHeap(size);
     }
     if (size > kLargestSmall) {
-        return new (newPiece(sizeof(UHeader) + size)) UHeader{0} + 1;
+        return new (newPiece(sizeof(UHeader) + size)) UHeader{kLarge} + 1;
     }
     const std::size_t units = std::max<std::size_t>((size + kUnit - 1) / kUnit, 1);
     UHeader* header = unused[units];
@@ -44,15 +41,17 @@ void CFiXmlMemory::deallocate(void* memory) {
     if (memory == nullptr) {
         return;
     }
-    if constexpr (kInHostLibrary) {
-        if (!isOfReserve(memory)) {
-            operator delete(memory);
-        }
-        return;
-    }
     UHeader* const header = static_cast<UHeader*>(memory) - 1;
     const std::size_t units = header->units;
-    if (units != 0) {
+    if (units == kOnHeap) {
+        operator delete(header);
+        return;
+    }
+    if (!isOwnersThread()) {
+        // It stays until this object ends: its place may be changing hands in the owner's thread just now.
+        return;
+    }
+    if (units != kLarge) {
         header->next = unused[units];
         unused[units] = header;
         return;
@@ -68,6 +67,14 @@ void CFiXmlMemory::deallocate(void* memory) {
     operator delete(piece);
 }
 
+void* CFiXmlMemory::allocateOnHeap(std::size_t size) {
+    void* const memory = operator new(sizeof(UHeader) + size, std::nothrow);
+    if (memory == nullptr) {
+        throw xercesc::OutOfMemoryException();
+    }
+    return new (memory) UHeader{kOnHeap} + 1;
+}
+
 CFiXmlMemory::UHeader* CFiXmlMemory::cutFromChunk(std::size_t size) {
     if (chunkLeft < size) {
         chunk = newPiece(kChunk);
@@ -80,9 +87,14 @@ CFiXmlMemory::UHeader* CFiXmlMemory::cutFromChunk(std::size_t size) {
 }
 
 std::byte* CFiXmlMemory::newPiece(std::size_t size) {
+    if (isDrawing) {
+        if (std::byte* const drawnNow = takeFromReserve(size)) {
+            return drawnNow;
+        }
+    }
     void* const memory = operator new(sizeof(SPiece) + size, std::nothrow);
     if (memory == nullptr) {
-        return drawOnReserve(size);
+        throw xercesc::OutOfMemoryException();
     }
     auto* const piece = new (memory) SPiece{pieces.next, &pieces};
     if (piece->next != nullptr) {
@@ -92,10 +104,10 @@ std::byte* CFiXmlMemory::newPiece(std::size_t size) {
     return reinterpret_cast<std::byte*>(piece + 1);
 }
 
-std::byte* CFiXmlMemory::drawOnReserve(std::size_t size) {
+std::byte* CFiXmlMemory::takeFromReserve(std::size_t size) {
     const std::size_t aligned = (size + kUnit - 1) / kUnit * kUnit;
-    if (!isDrawing || aligned > kReserve - drawn) {
-        throw xercesc::OutOfMemoryException();
+    if (aligned > kReserve - drawn) {
+        return nullptr;
     }
     std::byte* const memory = reserve.get() + drawn;
     drawn += aligned;

@@ -30,6 +30,8 @@ struct SShortageProgress {
     std::size_t survived = 0;
     // Shortages behind which no call works in that process.
     std::size_t lost = 0;
+    // Those that left the XML library half set up until the next call.
+    std::size_t halfSetUps = 0;
     // What went wrong, if anything did.
     char fault[128] = {};
 };

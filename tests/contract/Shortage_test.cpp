@@ -2,9 +2,11 @@
 // the one that the call has otherwise, or a failure, or an exception that leaves the outputs alone; nothing
 // is lost, and the next call works.
 //
-// One shortage cannot be undone. The XML library can be terminated only when it was set up whole, and a few
-// of its allocations while it is set up are not made through its memory manager. When one of those fails,
-// later calls throw too.
+// The XML library can be terminated only when it was set up whole, and three of its allocations while it is
+// set up are not made through its memory manager. When one of those fails, the next call finishes the set-up
+// and terminates it. Only behind the first of them, which is the converter of the local code page, it cannot,
+// and later calls throw too. No process that really runs out of memory comes to that: there is heap enough,
+// or the set-up does not begin.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -138,21 +140,24 @@ void tryShortages(EShortage kind, const SScenario& scenario, SShortageProgress& 
             fail("a failure that changed the outputs");
         }
         const std::size_t blocksLeft = blocksLeftByShortage();
-        const bool isTerminated = isXmlLibraryTerminated();
+        const bool isHalfSetUp = !isXmlLibraryTerminated();
+        progress.halfSetUps += isHalfSetUp ? 1 : 0;
         const SOutcome next = caller.call(kind, 0);
-        if (!isTerminated && outcome.end == kException && next.end == kException &&
-            caller.areOutputsLeft(next)) {
+        if (isHalfSetUp && next.end == kException && caller.areOutputsLeft(next)) {
             ++progress.lost;
             return;
         }
-        if (!isTerminated) {
+        if (isHalfSetUp && outcome.end != kException) {
             fail("the XML library is not terminated");
         }
-        if (blocksLeft != 0) {
+        if (!isHalfSetUp && blocksLeft != 0) {
             fail("memory is lost");
         }
         if (!(next == usual)) {
             fail("the next call does not work");
+        }
+        if (!isXmlLibraryTerminated()) {
+            fail("the next call does not terminate the XML library");
         }
         ++progress.survived;
     }
@@ -161,16 +166,16 @@ void tryShortages(EShortage kind, const SScenario& scenario, SShortageProgress& 
 void expectSurvival(EShortage kind, const SScenario& scenario, std::size_t first) {
     const SShortageProgress progress =
         expectEachSurvives(first, [&](SShortageProgress& shared) { tryShortages(kind, scenario, shared); });
-    std::printf("%zu shortages survived, the XML library lost behind %zu\n", progress.survived,
-                progress.lost);
-    // The converter of the local code page, and what is made with the plain operator new.
-    EXPECT_LE(progress.lost, 3U);
+    std::printf("%zu shortages survived, the XML library half set up behind %zu, lost behind %zu\n",
+                progress.survived, progress.halfSetUps, progress.lost);
+    // The converter of the local code page.
+    EXPECT_LE(progress.lost, 1U);
 }
 
 // Each allocation of the call.
-void expectSurvival(const SScenario& scenario) {
-    CCaller(scenario).call(EShortage::kOfOneBlock, 0);
-    expectSurvival(EShortage::kOfOneBlock, scenario, 1);
+void expectSurvival(EShortage kind, const SScenario& scenario) {
+    CCaller(scenario).call(kind, 0);
+    expectSurvival(kind, scenario, 1);
 }
 
 // Only those behind the set-up of the XML library, which is the same for every call.
@@ -220,11 +225,11 @@ protected:
 };
 
 TEST_F(CShortage, OfOneBlockIsSurvivedByAFirstBackup) {
-    expectSurvival({kFirst + ";snapshot 1 with a long name;snapshot 2", {}});
+    expectSurvival(EShortage::kOfOneBlock, {kFirst + ";snapshot 1 with a long name;snapshot 2", {}});
 }
 
 TEST_F(CShortage, OfOneBlockIsSurvivedByARotation) {
-    expectSurvival(rotation());
+    expectSurvival(EShortage::kOfOneBlock, rotation());
 }
 
 TEST_F(CShortage, OfOneBlockIsSurvivedByACallWithoutASelection) {
@@ -240,7 +245,7 @@ TEST_F(CShortage, OfOneBlockIsSurvivedByACallWithAMissingFile) {
 }
 
 TEST_F(CShortage, ThatLastsIsSurvivedByARotation) {
-    expectSurvivalBehindSetUp(EShortage::kLasting, rotation());
+    expectSurvival(EShortage::kLasting, rotation());
 }
 
 TEST_F(CShortage, ThatLastsIsSurvivedByACallThatThrows) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <set>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -89,8 +90,61 @@ TEST(CFiXmlMemory, NothingIsFreedForNull) {
 TEST(CFiXmlMemory, BlockThatCannotBeHadIsAnExceptionOfTheXmlLibrary) {
     CFiXmlMemory memory;
     EXPECT_THROW(memory.allocate(SIZE_MAX), xercesc::OutOfMemoryException);
-    memory.mayDrawOnReserve(true);
+    memory.drawOnReserve(true);
     EXPECT_THROW(memory.allocate(SIZE_MAX), xercesc::OutOfMemoryException);
+    std::thread([&memory] {
+        EXPECT_THROW(memory.allocate(SIZE_MAX), xercesc::OutOfMemoryException);
+        EXPECT_THROW(memory.allocate(SIZE_MAX / 4), xercesc::OutOfMemoryException);
+    }).join();
+}
+
+TEST(CFiXmlMemory, BlocksOfOtherThreadsStayIntactWhileTheOwnerGoesOn) {
+    CFiXmlMemory memory;
+    const auto useAndFree = [&memory](unsigned char filling) {
+        for (int round = 0; round < 3; ++round) {
+            for (const SBlock& block : blocksOfManySizes(memory, filling)) {
+                EXPECT_TRUE(block.isIntact());
+                memory.deallocate(block.block);
+            }
+        }
+    };
+    std::thread first(useAndFree, 1);
+    std::thread second(useAndFree, 2);
+    useAndFree(3);
+    first.join();
+    second.join();
+}
+
+TEST(CFiXmlMemory, BlocksOfTheOwnerMayBeFreedByOtherThreads) {
+    CFiXmlMemory memory;
+    const std::vector<SBlock> blocks = blocksOfManySizes(memory, 1);
+    std::thread([&] {
+        for (const SBlock& block : blocks) {
+            memory.deallocate(block.block);
+        }
+    }).join();
+    for (const SBlock& block : blocksOfManySizes(memory, 2)) {
+        EXPECT_TRUE(block.isIntact());
+    }
+}
+
+TEST(CFiXmlMemory, GivesBlocksToEveryThreadWhenItsOwnerIsDone) {
+    CFiXmlMemory memory;
+    const std::vector<SBlock> ownersBlocks = blocksOfManySizes(memory, 1);
+    memory.leaveToOthers();
+    const auto use = [&memory] {
+        for (const SBlock& block : blocksOfManySizes(memory, 2)) {
+            EXPECT_TRUE(block.isIntact());
+            memory.deallocate(block.block);
+        }
+    };
+    std::thread other(use);
+    use();
+    other.join();
+    for (const SBlock& block : ownersBlocks) {
+        EXPECT_TRUE(block.isIntact());
+        memory.deallocate(block.block);
+    }
 }
 
 TEST(CFiXmlMemory, ExceptionsUseTheSameMemory) {
