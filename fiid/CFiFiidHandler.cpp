@@ -6,6 +6,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "fiid/CFiFiidNode.h"
+#include "fiid/CFiXmlLimits.h"
 #include "fiid/entry_exit_trace.h"
 #include "fiid/host_library.h"
 #include "fiid/local_code_page.h"
@@ -14,8 +15,8 @@ using xercesc::XMLPlatformUtils;
 
 namespace {
 
-// GCOVR_EXCL_START: in the host library only.
-[[maybe_unused]] void tracePlace(const xercesc::SAXParseException& report) {
+// GCOVR_EXCL_START: in the host library and the hardened library only.
+void tracePlace(const xercesc::SAXParseException& report) {
     std::string words;
     toLocalCodePage(report.getMessage(), words);
     mofi_tracelog(kTraceFailure, "CFiFiidHandler::fatalError : line %s, column %s : %s",
@@ -142,8 +143,8 @@ void CFiFiidHandler::error(const xercesc::SAXParseException& report) {
 
 void CFiFiidHandler::fatalError(const xercesc::SAXParseException& report) {
     traceEntering("CFiFiidHandler::fatalError");
-    if constexpr (kInHostLibrary) {
-        tracePlace(report);
+    if (kInHostLibrary || dynamic_cast<const CFiXmlExcess*>(&report) != nullptr) {
+        tracePlace(report);  // GCOVR_EXCL_LINE
     }
     record(report);
     traceExiting("CFiFiidHandler::fatalError");

@@ -4,14 +4,17 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <new>
 
+#include "common/CFiDocumentLimits.h"
 #include "common/CFiFileState.h"
 #include "fiid/CFiFiidHandler.h"
 #include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
+#include "fiid/CFiXmlLimits.h"
 #include "fiid/entry_exit_trace.h"
 #include "fiid/host_library.h"
 
@@ -19,6 +22,8 @@ namespace {
 
 // The loader's entry and exit lines carry no name.
 constexpr const char* kNoName = "";
+
+constexpr std::size_t kMostContent = kHardenedXml ? CFiDocumentLimits::kMostBytes : SIZE_MAX;
 
 constexpr const char* kOpenMode = kInHostLibrary ? "re" : "r";
 
@@ -98,7 +103,8 @@ std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
     // Nobody else knows the stream, so its lock, once a line, is saved.
     __fsetlocking(stream.get(), FSETLOCKING_BYCALLER);
     char piece[2048];
-    while (std::fgets(piece, sizeof piece, stream.get()) != nullptr) {
+    // What is too long to be parsed need not be read to its end.
+    while (content.size() <= kMostContent && std::fgets(piece, sizeof piece, stream.get()) != nullptr) {
         content += piece;
     }
     if constexpr (kInHostLibrary) {

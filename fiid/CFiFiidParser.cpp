@@ -63,8 +63,11 @@ void CFiFiidParser::setHandler(xercesc::DefaultHandler* newHandler) {
     traceEntering("CFiFiidParser::setHandler");
     handler = newHandler;
     try {
+        limits.setHandler(handler);
         if (reader != nullptr) {
-            reader->setContentHandler(handler);
+            if constexpr (!kHardenedXml) {
+                reader->setContentHandler(handler);
+            }
             reader->setErrorHandler(handler);
         }
         // GCOVR_EXCL_START: this version of the library only stores what it is given and never throws here.
@@ -80,8 +83,17 @@ void CFiFiidParser::parse(const std::string& document) {
     if (reader != nullptr) {
         const MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()), document.size(),
                                        "mofi_sax_parser", false, XMLPlatformUtils::fgMemoryManager);
-        limits.startDocument();
-        reader->parse(source);
+        try {
+            if constexpr (kHardenedXml) {
+                limits.startDocument(document);
+            }
+            reader->parse(source);
+        } catch (const CFiXmlExcess& excess) {
+            // As the reader reports what is malformed.
+            if (handler != nullptr) {
+                handler->fatalError(excess);
+            }
+        }
     }
     traceExiting("CFiFiidParser::parse");
 }

@@ -1,45 +1,110 @@
 #include "fiid/CFiXmlLimits.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+using xercesc::XMLPlatformUtils;
 using xercesc::XMLUni;
 
 namespace {
 
-// The reader makes a fatal error of the document out of it.
-void refuseIf(CFiDtdLimits::EExcess excess) {
-    if (excess != CFiDtdLimits::EExcess::kNone) {
-        ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
-                           xercesc::XMLPlatformUtils::fgMemoryManager);
-    }
+// The words are ASCII.
+std::u16string messageOf(CFiDocumentLimits::EExcess excess) {
+    const std::string words = CFiDocumentLimits::inWords(excess);
+    return {words.begin(), words.end()};
+}
+
+// As a reader counts them: the line, and the column behind the last character that was read.
+struct SPlace {
+    XMLFileLoc line;
+    XMLFileLoc column;
+};
+
+SPlace placeOf(std::string_view before) {
+    const std::size_t lineEnd = before.rfind('\n');
+    const std::size_t inLine =
+        lineEnd == std::string_view::npos ? before.size() : before.size() - lineEnd - 1;
+    return {static_cast<XMLFileLoc>(std::count(before.begin(), before.end(), '\n') + 1),
+            static_cast<XMLFileLoc>(inLine + 1)};
 }
 
 }  // namespace
 
 CFiXmlLimits::CFiXmlLimits() {
-    references.setEntityExpansionLimit(CFiDtdLimits::kMostReferences);
+    references.setEntityExpansionLimit(CFiDocumentLimits::kMostReferences);
 }
 
 void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
     reader.setFeature(XMLUni::fgXercesDisableDefaultEntityResolution, true);
     reader.setProperty(XMLUni::fgXercesSecurityManager, &references);
+    reader.setContentHandler(this);
     reader.setDeclarationHandler(this);
+    reader.setDTDHandler(this);
+}
+
+void CFiXmlLimits::startDocument(const std::string& document) {
+    const CFiDocumentLimits::SFinding finding = limits.startDocument(document);
+    if (finding.excess != EExcess::kNone) {
+        const SPlace place = placeOf(std::string_view(document).substr(0, finding.offset));
+        throw CFiXmlExcess(messageOf(finding.excess).c_str(), nullptr, nullptr, place.line, place.column,
+                           XMLPlatformUtils::fgMemoryManager);
+    }
+}
+
+void CFiXmlLimits::refuseIf(EExcess excess) const {
+    if (excess != EExcess::kNone) {
+        throw CFiXmlExcess(messageOf(excess).c_str(), *locator, XMLPlatformUtils::fgMemoryManager);
+    }
+}
+
+void CFiXmlLimits::startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
+                                const xercesc::Attributes& attributes) {
+    refuseIf(limits.startElement(qname));
+    if (handler != nullptr) {
+        handler->startElement(uri, localname, qname, attributes);
+    }
+}
+
+void CFiXmlLimits::endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname) {
+    limits.endElement();
+    if (handler != nullptr) {
+        handler->endElement(uri, localname, qname);
+    }
+}
+
+void CFiXmlLimits::characters(const XMLCh* chars, XMLSize_t length) {
+    if (handler != nullptr) {
+        handler->characters(chars, length);
+    }
 }
 
 void CFiXmlLimits::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
                                  const XMLCh* /*mode*/, const XMLCh* value) {
-    refuseIf(dtd.declareAttribute(value));
+    refuseIf(limits.declareAttribute(value));
 }
 
-void CFiXmlLimits::elementDecl(const XMLCh* /*name*/, const XMLCh* /*model*/) {}
+void CFiXmlLimits::elementDecl(const XMLCh* /*name*/, const XMLCh* /*model*/) {
+    refuseIf(limits.declareOther());
+}
 
+// A reference to it fails, and without one nothing is opened.
 void CFiXmlLimits::externalEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
                                       const XMLCh* /*systemId*/) {
-    // A reference to it fails, and without one nothing is opened.
+    refuseIf(limits.declareOther());
 }
 
 void CFiXmlLimits::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
-    refuseIf(CFiDtdLimits::declareEntity(name, value));
+    refuseIf(limits.declareEntity(name, value));
+}
+
+void CFiXmlLimits::notationDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/, const XMLCh* /*systemId*/) {
+    refuseIf(limits.declareOther());
+}
+
+void CFiXmlLimits::unparsedEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
+                                      const XMLCh* /*systemId*/, const XMLCh* /*notation*/) {
+    refuseIf(limits.declareOther());
 }

@@ -1,10 +1,14 @@
 #pragma once
 
-#include <xercesc/sax2/DeclHandler.hpp>
+#include <string>
+
+#include <xercesc/sax/Locator.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
-#include "common/CFiDtdLimits.h"
+#include "common/CFiDocumentLimits.h"
 
 // Whether the library was built to keep documents within these limits.
 #ifdef FI_ROTATION_HARDENED_XML
@@ -13,26 +17,51 @@ constexpr bool kHardenedXml = true;
 constexpr bool kHardenedXml = false;
 #endif
 
-// What a document may not ask of a reader: to open a file or a connection, or to make much text of little
-// (CFiDtdLimits). A document that does so is malformed: the reader reports a fatal error and stops. Nothing
-// external is opened.
-class CFiXmlLimits : private xercesc::DeclHandler {
+// A document goes beyond a limit: which one, and where.
+class CFiXmlExcess : public xercesc::SAXParseException {
+public:
+    using SAXParseException::SAXParseException;
+};
+
+// What a document may not ask of a reader: to open a file or a connection, or to do more than its bytes are
+// worth (CFiDocumentLimits). Stands between the reader and the handler of its events.
+class CFiXmlLimits : private xercesc::DefaultHandler {
 public:
     CFiXmlLimits();
 
     // These limits are borrowed by `reader` and must outlive it.
     void applyTo(xercesc::SAX2XMLReader& reader);
 
-    // Another document follows, with counts of its own.
-    void startDocument() { dtd.startDocument(); }
+    // Who gets the content that is within the limits. Borrowed; may be null.
+    void setHandler(xercesc::ContentHandler* newHandler) { handler = newHandler; }
+
+    // Another document follows, with counts of its own. While it is read, a limit that it exceeds is thrown
+    // as a CFiXmlExcess.
+    void startDocument(const std::string& document);
 
 private:
+    using EExcess = CFiDocumentLimits::EExcess;
+
+    void refuseIf(EExcess excess) const;
+
+    void setDocumentLocator(const xercesc::Locator* given) override { locator = given; }
+    void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
+                      const xercesc::Attributes& attributes) override;
+    void endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname) override;
+    void characters(const XMLCh* chars, XMLSize_t length) override;
+
     void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type, const XMLCh* mode,
                        const XMLCh* value) override;
     void elementDecl(const XMLCh* name, const XMLCh* model) override;
     void externalEntityDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
     void internalEntityDecl(const XMLCh* name, const XMLCh* value) override;
+    void notationDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
+    void unparsedEntityDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId,
+                            const XMLCh* notation) override;
 
     xercesc::SecurityManager references;
-    CFiDtdLimits dtd;
+    CFiDocumentLimits limits;
+    xercesc::ContentHandler* handler = nullptr;
+    // Of the reader, for one document.
+    const xercesc::Locator* locator = nullptr;
 };

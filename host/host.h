@@ -151,7 +151,7 @@ FI_ROTATION_API int32_t fi_rotation_call_add(fi_rotation_call* call, const char*
 /* Permits problems, a sum of FI_ROTATION_... values of fi_rotation_problem; at first none is. */
 FI_ROTATION_API void fi_rotation_call_permit(fi_rotation_call* call, uint32_t problems);
 
-/* Documents of more bytes are refused; at first 128 MiB. */
+/* Documents of more bytes are refused; at first, and at most, 128 MiB. */
 FI_ROTATION_API void fi_rotation_call_limit_document(fi_rotation_call* call, uint64_t bytes);
 
 /*

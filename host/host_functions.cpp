@@ -1,5 +1,6 @@
 #include <pthread.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "common/CFiDocumentLimits.h"
 #include "host/account.h"
 #include "host/call_handle.h"
 #include "host/host.h"
@@ -176,7 +178,7 @@ void fi_rotation_call_permit(fi_rotation_call* call, std::uint32_t problems) {
 
 void fi_rotation_call_limit_document(fi_rotation_call* call, std::uint64_t bytes) {
     if (call != nullptr && !call->isRunning) {
-        call->safety.mostBytes = bytes;
+        call->safety.mostBytes = std::min<std::uint64_t>(bytes, CFiDocumentLimits::kMostBytes);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/CFiDocumentLimits.h"
 #include "host/call.h"
 #include "host/host.h"
 #include "host/library_call.h"
@@ -17,7 +18,7 @@ namespace fi_rotate {
 struct SSafety {
     // Values of fi_rotation_problem.
     std::uint32_t permitted = 0;
-    std::uint64_t mostBytes = std::uint64_t{128} << 20;
+    std::uint64_t mostBytes = CFiDocumentLimits::kMostBytes;
     // Kept backups of each configuration; one that has fewer may not lose any.
     std::size_t leastKept = 0;
 };

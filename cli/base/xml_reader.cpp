@@ -14,7 +14,7 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include "common/CFiDtdLimits.h"
+#include "common/CFiDocumentLimits.h"
 
 namespace fi_rotate {
 namespace {
@@ -42,7 +42,7 @@ void readDocument(const std::string& document, xercesc::DefaultHandler& handler)
     const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(document.data()),
                                             document.size(), "fi-rotate");
     xercesc::SecurityManager references;
-    references.setEntityExpansionLimit(CFiDtdLimits::kMostReferences);
+    references.setEntityExpansionLimit(CFiDocumentLimits::kMostReferences);
     const std::unique_ptr<xercesc::SAX2XMLReader> reader(xercesc::XMLReaderFactory::createXMLReader());
     reader->setFeature(XMLUni::fgSAX2CoreValidation, false);
     reader->setFeature(XMLUni::fgSAX2CoreNameSpaces, false);
@@ -52,6 +52,7 @@ void readDocument(const std::string& document, xercesc::DefaultHandler& handler)
     reader->setErrorHandler(&handler);
     reader->setLexicalHandler(&handler);
     reader->setDeclarationHandler(&handler);
+    reader->setDTDHandler(&handler);
     reader->setEntityResolver(&handler);
     try {
         reader->parse(source);

@@ -8,37 +8,16 @@
 
 #include "cli/base/text.h"
 #include "cli/check/findings.h"
+#include "common/document_prolog.h"
 
 namespace fi_rotate {
 namespace {
 
 constexpr std::size_t kLongestPiece = 2047;
 
-// What may stand before it.
-struct SSkipped {
-    std::string_view start;
-    std::string_view end;
-};
-constexpr SSkipped kSkipped[] = {
-    {"\xEF\xBB\xBF", ""}, {" ", ""}, {"\t", ""}, {"\r", ""}, {"\n", ""}, {"<!--", "-->"}, {"<?", "?>"},
-};
-
-// Bytes at the start of `text` that may stand before it.
-std::size_t skippedAt(std::string_view text) {
-    const auto* const found =
-        std::find_if(std::begin(kSkipped), std::end(kSkipped),
-                     [text](const SSkipped& row) { return startsWith(text, row.start); });
-    if (found == std::end(kSkipped)) {
-        return 0;
-    }
-    const std::size_t end = text.find(found->end, found->start.size());
-    return end == std::string_view::npos ? 0 : end + found->end.size();
-}
-
 using namespace std::string_view_literals;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kWhiteSpace = " \t\r\n";
 
 struct SWideStart {
     std::string_view bytes;
@@ -62,38 +41,6 @@ std::string inCapitals(std::string_view text) {
         capitals += static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
     }
     return capitals;
-}
-
-// A value in quotation marks after '=' at the start of `text`.
-std::optional<std::string_view> valueAt(std::string_view text) {
-    const std::size_t equals = text.find_first_not_of(kWhiteSpace);
-    if (equals == std::string_view::npos || text[equals] != '=') {
-        return std::nullopt;
-    }
-    const std::size_t begin = text.find_first_not_of(kWhiteSpace, equals + 1);
-    if (begin == std::string_view::npos || (text[begin] != '"' && text[begin] != '\'')) {
-        return std::nullopt;
-    }
-    const std::size_t end = text.find(text[begin], begin + 1);
-    if (end == std::string_view::npos) {
-        return std::nullopt;
-    }
-    return text.substr(begin + 1, end - begin - 1);
-}
-
-// The encoding in the XML declaration of a document without a byte order mark.
-std::optional<std::string_view> declaredEncoding(std::string_view document) {
-    constexpr std::string_view kStart = "<?xml";
-    constexpr std::string_view kAttribute = "encoding";
-    constexpr std::size_t kLongestDeclaration = 1024;
-    const std::string_view declaration =
-        document.substr(0, std::min(document.substr(0, kLongestDeclaration).find("?>"), kLongestDeclaration));
-    if (!startsWith(declaration, kStart)) {
-        return std::nullopt;
-    }
-    const std::size_t attribute = declaration.find(kAttribute);
-    return attribute == std::string_view::npos ? std::nullopt
-                                               : valueAt(declaration.substr(attribute + kAttribute.size()));
 }
 
 bool isOneOf(const std::string& name, std::initializer_list<std::string_view> starts) {
@@ -176,17 +123,6 @@ bool CDocumentText::check(CFindings& findings) const {
     return true;
 }
 
-std::optional<std::size_t> doctypeIn(std::string_view document) {
-    std::size_t offset = 0;
-    while (const std::size_t skipped = skippedAt(document.substr(offset))) {
-        offset += skipped;
-    }
-    if (startsWith(document.substr(offset), "<!DOCTYPE")) {
-        return offset;
-    }
-    return std::nullopt;
-}
-
 std::optional<std::string_view> wideEncoding(std::string_view bytes) {
     const auto* const found =
         std::find_if(std::begin(kWideStarts), std::end(kWideStarts),
@@ -199,7 +135,7 @@ std::optional<std::string_view> wideEncoding(std::string_view bytes) {
 
 std::optional<SEncodingMismatch> encodingMismatch(std::string_view document) {
     const bool hasMark = startsWith(document, kByteOrderMark);
-    const auto declared = declaredEncoding(document.substr(hasMark ? kByteOrderMark.size() : 0));
+    const auto declared = declaredEncoding(document);
     const std::string name = inCapitals(declared.value_or("UTF-8"));
     if (hasMark && !isOneOf(name, {"UTF-8", "UTF8"})) {
         return SEncodingMismatch{

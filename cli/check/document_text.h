@@ -51,9 +51,6 @@ private:
     CLines contentLines;
 };
 
-// Where the DOCTYPE of `document` begins.
-std::optional<std::size_t> doctypeIn(std::string_view document);
-
 // The name of the encoding when `bytes` are a document in one whose characters are wider than a byte.
 std::optional<std::string_view> wideEncoding(std::string_view bytes);
 

@@ -16,12 +16,13 @@
 #include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
 #include "cli/check/document_text.h"
-#include "common/CFiDtdLimits.h"
+#include "common/CFiDocumentLimits.h"
+#include "common/document_prolog.h"
 
 namespace fi_rotate {
 namespace {
 
-using EExcess = CFiDtdLimits::EExcess;
+using EExcess = CFiDocumentLimits::EExcess;
 
 // The XML library delivers longer runs of text in pieces.
 constexpr std::size_t kLongestRun = 1 << 20;
@@ -37,7 +38,7 @@ std::size_t deviceCount(const std::vector<SNode>& nodes) {
 // The XML library has no other sign for it. Messages of other faults end with what the document holds.
 bool isExpansionLimit(const std::string& message) {
     return message.rfind(fmt::format("parser has encountered more than '{}' entity expansions",
-                                     CFiDtdLimits::kMostReferences),
+                                     CFiDocumentLimits::kMostReferences),
                          0) == 0;
 }
 
@@ -115,8 +116,8 @@ public:
     CTreeReader(const CDocumentText& source, EForeign whatIsForeign, CFindings& receiver)
         : document(source), foreign(whatIsForeign), findings(receiver) {}
 
-    // To be called when the document has been read.
-    SDocumentTree finish();
+    // Reads the document, unless it goes beyond a limit from the start.
+    SDocumentTree read();
 
     void setDocumentLocator(const xercesc::Locator* given) override { locator = given; }
     void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
@@ -131,7 +132,12 @@ public:
     void endEntity(const XMLCh* /*name*/) override { --openEntities; }
     void attributeDecl(const XMLCh* element, const XMLCh* attribute, const XMLCh* type, const XMLCh* mode,
                        const XMLCh* value) override;
+    void elementDecl(const XMLCh* name, const XMLCh* model) override;
+    void externalEntityDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
     void internalEntityDecl(const XMLCh* name, const XMLCh* value) override;
+    void notationDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId) override;
+    void unparsedEntityDecl(const XMLCh* name, const XMLCh* publicId, const XMLCh* systemId,
+                            const XMLCh* notation) override;
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 
 private:
@@ -150,7 +156,9 @@ private:
     void report(EHazard hazard, const SSite& site, std::string what,
                 const std::optional<EHazard>& causedBy = std::nullopt);
     [[noreturn]] void stop(EHazard hazard, const SSite& site, std::string what);
-    void stopAt(EExcess excess, const std::string& name);
+    void stopAt(EExcess excess);
+    void reportExcess(EExcess excess, const SSpot& spot);
+    SDocumentTree finish();
 
     void openNode();
     void noteMisnamed(EElement element, const std::string& name);
@@ -179,7 +187,7 @@ private:
     std::size_t length = 0;
     int openEntities = 0;
     bool isInDtd = false;
-    CFiDtdLimits limits;
+    CFiDocumentLimits limits;
 
     SSite root;
     // Those that a later one replaced.
@@ -240,6 +248,7 @@ void CTreeReader::characters(const XMLCh* chars, XMLSize_t count) {
 
 void CTreeReader::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname,
                                const xercesc::Attributes& /*attributes*/) {
+    stopAt(limits.startElement(qname));
     const EElement element = elementOf(qname);
     if (element == EElement::kNode) {
         openNode();
@@ -285,6 +294,7 @@ void CTreeReader::openNode() {
 }
 
 void CTreeReader::endElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/, const XMLCh* qname) {
+    limits.endElement();
     const EElement element = elementOf(qname);
     if (element == EElement::kNode) {
         openNodes.pop_back();
@@ -365,32 +375,48 @@ void CTreeReader::startDTD(const XMLCh* /*name*/, const XMLCh* /*publicId*/, con
 
 void CTreeReader::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
                                 const XMLCh* /*mode*/, const XMLCh* value) {
-    stopAt(limits.declareAttribute(value), "");
+    stopAt(limits.declareAttribute(value));
+}
+
+void CTreeReader::elementDecl(const XMLCh* /*name*/, const XMLCh* /*model*/) {
+    stopAt(limits.declareOther());
+}
+
+void CTreeReader::externalEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
+                                     const XMLCh* /*systemId*/) {
+    stopAt(limits.declareOther());
 }
 
 void CTreeReader::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
-    stopAt(CFiDtdLimits::declareEntity(name, value), toLocalCodePage(name));
+    const EExcess excess = limits.declareEntity(name, value);
+    if (excess == EExcess::kNestedEntity) {
+        stop(EHazard::kNestedEntities, {here(), "<"},
+             fmt::format("the entity {} refers to another one; the document is not read on",
+                         inQuotes(toLocalCodePage(name))));
+    }
+    stopAt(excess);
 }
 
-void CTreeReader::stopAt(EExcess excess, const std::string& name) {
-    const SSite site{here(), "<"};
-    switch (excess) {
-        case EExcess::kNone:
-            return;
-        case EExcess::kAttributes:
-            stop(EHazard::kExpansionLimit, site, "too many attributes to be read on");
-        case EExcess::kLongDefault:
-            stop(EHazard::kExpansionLimit, site, "the default of an attribute is too long to be read on");
-        case EExcess::kParameterEntity:
-            stop(EHazard::kExpansionLimit, site, "a parameter entity is not followed");
-        case EExcess::kNestedEntity:
-            stop(EHazard::kNestedEntities, site,
-                 fmt::format("the entity {} refers to another one; the document is not read on",
-                             inQuotes(name)));
-        case EExcess::kLongEntity:
-            stop(EHazard::kExpansionLimit, site,
-                 fmt::format("the entity {} is too long to be read on", inQuotes(name)));
+void CTreeReader::notationDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/, const XMLCh* /*systemId*/) {
+    stopAt(limits.declareOther());
+}
+
+void CTreeReader::unparsedEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
+                                     const XMLCh* /*systemId*/, const XMLCh* /*notation*/) {
+    stopAt(limits.declareOther());
+}
+
+void CTreeReader::stopAt(EExcess excess) {
+    if (excess != EExcess::kNone) {
+        reportExcess(excess, document.spotAt(offsetOf({here(), "<"})));
+        refuseDocument();
     }
+}
+
+void CTreeReader::reportExcess(EExcess excess, const SSpot& spot) {
+    findings.add({EHazard::kReadingLimit, spot,
+                  fmt::format("{}; the document is not read on", CFiDocumentLimits::inWords(excess))});
+    tree.isCutShort = true;
 }
 
 xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, const XMLCh* systemId) {
@@ -413,10 +439,7 @@ void CTreeReader::finishFault() {
     }
     const SSite site{fault->place, ""};
     if (isExpansionLimit(fault->text)) {
-        tree.isCutShort = true;
-        report(EHazard::kExpansionLimit, site,
-               fmt::format("more than {} references to entities; the document is not read on",
-                           CFiDtdLimits::kMostReferences));
+        reportExcess(EExcess::kReferences, document.spotAt(offsetOf(site)));
         return;
     }
     report(EHazard::kMalformedXml, site,
@@ -482,6 +505,16 @@ void CTreeReader::finishRoots() {
     }
 }
 
+SDocumentTree CTreeReader::read() {
+    const CFiDocumentLimits::SFinding finding = limits.startDocument(document.content());
+    if (finding.excess != EExcess::kNone) {
+        reportExcess(finding.excess, document.spotAt(finding.offset));
+        return std::move(tree);
+    }
+    readDocument(document.content(), *this);
+    return finish();
+}
+
 SDocumentTree CTreeReader::finish() {
     finishFault();
     if (!tree.isCutShort) {
@@ -502,9 +535,7 @@ SDocumentTree readTree(const CDocumentText& document, EForeign foreign, CFinding
         findings.add({EHazard::kDoctype, document.spotAt(*doctype),
                       "the document has a DOCTYPE; the entities that it declares are expanded"});
     }
-    CTreeReader reader(document, foreign, findings);
-    readDocument(document.content(), reader);
-    return reader.finish();
+    return CTreeReader(document, foreign, findings).read();
 }
 
 std::string readTimeStamp(std::string bytes) {

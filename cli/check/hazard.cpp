@@ -80,10 +80,12 @@ the document is read as empty.)"},
     {EHazard::kNestedEntities, "nested-entities", ESeverity::kError,
      R"(An entity refers to others. Each level multiplies the size of the document; a few lines can grow beyond
 all memory. The document is read to this place only; a library that was not built hardened reads on.)"},
-    {EHazard::kExpansionLimit, "expansion-limit", ESeverity::kError,
-     R"(The document asks for more than is followed: 100 references to entities, 256 characters of an entity or of
-the default of an attribute, 256 attributes in a DTD, or any parameter entity. It is read to this place
-only; a library that was not built hardened reads on.)"},
+    {EHazard::kReadingLimit, "reading-limit", ESeverity::kError,
+     R"(The document goes beyond a limit of reading: 128 MiB, 256 different element names, elements nested 256 deep, a
+start tag of 8192 bytes, a DTD of 16384 bytes, 256 declarations or 32 attributes, 100 references to entities, 256 characters of
+an entity or of the default of an attribute, any parameter entity, or an encoding other than UTF-8, ISO-8859,
+Windows-125x and the common Asian ones. It is not read beyond this place; a library that was not built hardened
+reads on.)"},
     {EHazard::kNoNode, "no-node", ESeverity::kError,
      R"(No element called Node was read. The document adds no backup, which the library passes over in silence; its
 flag word stays as it is.)"},

@@ -28,7 +28,7 @@ enum class EHazard {
     kDoctype,
     kExternalEntity,
     kNestedEntities,
-    kExpansionLimit,
+    kReadingLimit,
     kNoNode,
     kSeveralNodes,
     kOutsideNode,

@@ -151,6 +151,58 @@ TEST_F(CHazard, EntityOfTheDocumentItselfIsHarmless) {
     EXPECT_FALSE(hasFatalError(observed));
 }
 
+std::string repeated(const std::string& text, int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+std::string elements(int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += "<n" + std::to_string(i) + "/>";
+    }
+    return all;
+}
+
+struct SLimit {
+    const char* name;
+    std::string within;
+    std::string beyond;
+    // Where reading ends, and why.
+    const char* report;
+};
+
+TEST_F(CHazard, WhatCostsMoreThanItsBytesIsReadUpToALimit) {
+    const auto backup = [](const std::string& content) {
+        return "<Node><timeStamp>1</timeStamp>\n" + content + "</Node>\n";
+    };
+    const std::string digits(8000, '1');
+    for (const SLimit& row : {
+             SLimit{"names", backup(elements(254)), backup(elements(255)),
+                    "line 2, column 1676 : more than 256 different element names"},
+             SLimit{"depth", backup(repeated("<a>", 255) + repeated("</a>", 255)),
+                    backup(repeated("<a>", 256) + repeated("</a>", 256)),
+                    "line 2, column 769 : elements nested more than 256 deep"},
+             SLimit{"tag", backup("<a b='" + digits + digits.substr(0, 183) + "'/>"),
+                    backup("<a b='" + digits + digits.substr(0, 184) + "'/>"),
+                    "line 2, column 1 : a tag of more than 8192 bytes"},
+             SLimit{"DTD", "<!DOCTYPE a [<!--" + digits + digits + "-->]>" + backup(""),
+                    "<!DOCTYPE a [<!--" + digits + digits + digits + "-->]>" + backup(""),
+                    "line 1, column 1 : a DTD of more than 16384 bytes"},
+         }) {
+        SCOPED_TRACE(row.name);
+        const SObserved within = callWith(row.within);
+        EXPECT_FALSE(hasFatalError(within));
+        const SObserved beyond = callWith(row.beyond);
+        EXPECT_EQ(beyond.status, 0);
+        EXPECT_EQ(hasFatalError(beyond), kHardened);
+        EXPECT_EQ(hasLine(beyond, std::string("CFiFiidHandler::fatalError : ") + row.report), kHardened);
+    }
+}
+
 // The backups beside it are not touched by a document's fault.
 TEST_F(CHazard, OtherDocumentsAreReadAllTheSame) {
     const SObserved observed =

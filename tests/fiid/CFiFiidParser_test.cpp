@@ -74,9 +74,10 @@ TEST(CFiFiidParser, SetHandlerInstallsForContentAndErrorsOnly) {
     parser.setHandler(&handler);
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidParser::setHandler"));
     EXPECT_EQ(parser.handler, &handler);
-    EXPECT_EQ(parser.reader->getContentHandler(), &handler);
+    // In a hardened library the limits stand between.
+    EXPECT_EQ(parser.reader->getContentHandler() == &handler, !kHardenedXml);
     EXPECT_EQ(parser.reader->getErrorHandler(), &handler);
-    EXPECT_EQ(parser.reader->getDTDHandler(), nullptr);
+    EXPECT_EQ(parser.reader->getDTDHandler() != nullptr, kHardenedXml);
     EXPECT_EQ(parser.reader->getEntityResolver(), nullptr);
     EXPECT_EQ(parser.reader->getLexicalHandler(), nullptr);
     EXPECT_EQ(parser.reader->getDeclarationHandler() != nullptr, kHardenedXml);
@@ -87,7 +88,7 @@ TEST(CFiFiidParser, EmptyHandlerTakesTheInstalledOneAway) {
     CFiFiidParser parser(&handler);
     parser.setHandler(nullptr);
     EXPECT_EQ(parser.handler, nullptr);
-    EXPECT_EQ(parser.reader->getContentHandler(), nullptr);
+    EXPECT_EQ(parser.reader->getContentHandler() == nullptr, !kHardenedXml);
     EXPECT_EQ(parser.reader->getErrorHandler(), nullptr);
     parser.parse("<a/>");
     EXPECT_EQ(handler.notes, "");

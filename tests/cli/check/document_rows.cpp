@@ -140,24 +140,6 @@ std::vector<SCheckRow> xmlRows() {
           "[nested-entities]"},
          of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"y\">\n")),
          {"doctype"}},
-        {"a parameter entity",
-         EHazard::kExpansionLimit,
-         of(withDtd("<!ENTITY % a \"x\">\n")),
-         {kDoctype, "d:2:1: error: a parameter entity is not followed [expansion-limit]"},
-         of(withDtd("<!ENTITY a \"x\">\n")),
-         {"doctype"}},
-        {"a long entity",
-         EHazard::kExpansionLimit,
-         of(withDtd("<!ENTITY a \"" + times(257, "x") + "\">\n")),
-         {kDoctype, "d:2:1: error: the entity \"a\" is too long to be read on [expansion-limit]"},
-         of(withDtd("<!ENTITY a \"" + times(256, "x") + "\">\n")),
-         {"doctype"}},
-        {"a long default",
-         EHazard::kExpansionLimit,
-         of(withDtd("<!ATTLIST a b CDATA \"" + times(257, "x") + "\">\n")),
-         {kDoctype, "d:2:1: error: the default of an attribute is too long to be read on [expansion-limit]"},
-         of(withDtd("<!ATTLIST a b CDATA \"" + times(256, "x") + "\">\n")),
-         {"doctype"}},
     };
 }
 
@@ -268,20 +250,87 @@ std::vector<SCheckRow> valueRows() {
          of(backup("<Node><timeStamp>2</timeStamp></Node>\n")),
          {"d:5:7: warning: timeStamp \"2\" replaces \"1\" [repeated-element]"},
          of(backup("<Node><timeStamp>1</timeStamp><objid>JOB</objid></Node>\n"))},
+    };
+}
+
+// `count` elements of different names, side by side.
+std::string elements(int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += "<n" + std::to_string(i) + "/>";
+    }
+    return all;
+}
+
+// The document reaches each limit, and then goes beyond it.
+std::vector<SCheckRow> limitRows() {
+    return {
+        {"a parameter entity",
+         EHazard::kReadingLimit,
+         of(withDtd("<!ENTITY % a \"x\">\n")),
+         {kDoctype, "d:2:1: error: a parameter entity; the document is not read on [reading-limit]"},
+         of(withDtd("<!ENTITY a \"x\">\n")),
+         {"doctype"}},
+        {"a long entity",
+         EHazard::kReadingLimit,
+         of(withDtd("<!ENTITY a \"" + times(257, "x") + "\">\n")),
+         {kDoctype,
+          "d:2:1: error: an entity of more than 256 characters; the document is not read on [reading-limit]"},
+         of(withDtd("<!ENTITY a \"" + times(256, "x") + "\">\n")),
+         {"doctype"}},
+        {"a long default",
+         EHazard::kReadingLimit,
+         of(withDtd("<!ATTLIST a b CDATA \"" + times(257, "x") + "\">\n")),
+         {kDoctype,
+          "d:2:1: error: a default of an attribute of more than 256 characters; the document is not read on "
+          "[reading-limit]"},
+         of(withDtd("<!ATTLIST a b CDATA \"" + times(256, "x") + "\">\n")),
+         {"doctype"}},
         {"101 references to entities",
-         EHazard::kExpansionLimit,
+         EHazard::kReadingLimit,
          of(withDtd("<!ENTITY e \"x\">", "<x>" + times(101, "&e;") + "</x>\n")),
          {kDoctype,
           "d:7:307: error: more than 100 references to entities; the document is not read on "
-          "[expansion-limit]"},
+          "[reading-limit]"},
          of(withDtd("<!ENTITY e \"x\">", "<x>" + times(100, "&e;") + "</x>\n")),
          {"doctype"}},
-        {"257 attributes",
-         EHazard::kExpansionLimit,
-         of(withDtd(attributes(256) + "\n<!ATTLIST a last CDATA \"\">")),
-         {kDoctype, "d:3:1: error: too many attributes to be read on [expansion-limit]"},
-         of(withDtd(attributes(256))),
+        {"33 attributes",
+         EHazard::kReadingLimit,
+         of(withDtd(attributes(32) + "\n<!ATTLIST a last CDATA \"\">")),
+         {kDoctype,
+          "d:3:1: error: more than 32 attributes declared in the DTD; the document is not read on "
+          "[reading-limit]"},
+         of(withDtd(attributes(32))),
          {"doctype"}},
+        {"elements 257 deep",
+         EHazard::kReadingLimit,
+         of(backup(times(256, "<a>") + times(256, "</a>") + "\n")),
+         {"d:5:766: error: elements nested more than 256 deep; the document is not read on [reading-limit]"},
+         of(backup(times(255, "<a>") + times(255, "</a>") + "\n"))},
+        {"257 element names",
+         EHazard::kReadingLimit,
+         // Beside the four of the backup.
+         of(backup(elements(253) + "\n")),
+         {"d:5:1655: error: more than 256 different element names; the document is not read on "
+          "[reading-limit]"},
+         of(backup(elements(252) + "\n"))},
+        {"a long tag",
+         EHazard::kReadingLimit,
+         of(backup("<a b='" + times(8184, "x") + "'/>\n")),
+         {"d:5:1: error: a tag of more than 8192 bytes; the document is not read on [reading-limit]"},
+         of(backup("<a b='" + times(8183, "x") + "'/>\n"))},
+        {"a long DTD",
+         EHazard::kReadingLimit,
+         of(withDtd("<!--" + times(16384, "x") + "-->")),
+         {kDoctype,
+          "d:1:1: error: a DTD of more than 16384 bytes; the document is not read on [reading-limit]"},
+         of(withDtd("<!--" + times(16000, "x") + "-->")),
+         {"doctype"}},
+        {"an encoding whose bytes do not show the tags",
+         EHazard::kReadingLimit,
+         of("<?xml version=\"1.0\" encoding=\"UTF-7\"?>\n" + backup()),
+         {"d:1:1: error: an encoding that is not read; the document is not read on [reading-limit]"},
+         of("<?xml version=\"1.0\" encoding=\"US-ASCII\"?>\n" + backup())},
     };
 }
 
@@ -289,7 +338,7 @@ std::vector<SCheckRow> valueRows() {
 
 std::vector<SCheckRow> documentRows() {
     std::vector<SCheckRow> rows;
-    for (auto* const some : {byteRows, xmlRows, formRows, valueRows}) {
+    for (auto* const some : {byteRows, xmlRows, formRows, valueRows, limitRows}) {
         const std::vector<SCheckRow> more = some();
         rows.insert(rows.end(), more.begin(), more.end());
     }

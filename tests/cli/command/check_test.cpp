@@ -356,7 +356,7 @@ TEST(FiRotateCheck, TakesNoFaultForALimitBecauseOfWhatTheDocumentHolds) {
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_THAT(result.output, HasSubstr("[malformed-xml]"));
     EXPECT_THAT(result.output, HasSubstr("[no-node]"));
-    EXPECT_THAT(result.output, Not(HasSubstr("[expansion-limit]")));
+    EXPECT_THAT(result.output, Not(HasSubstr("[reading-limit]")));
 }
 
 }  // namespace

@@ -1,0 +1,172 @@
+#include "common/CFiDocumentLimits.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <optional>
+
+#include "common/document_prolog.h"
+
+namespace {
+
+// Encodings in which the byte '<' stands for nothing but that character, and no other byte does.
+constexpr std::string_view kKnownEncodings[] = {
+    "UTF-8",  "UTF8",   "US-ASCII", "ASCII",  "LATIN1", "KOI8-R",  "KOI8-U", "SHIFT_JIS",
+    "EUC-JP", "EUC-KR", "EUC-TW",   "GB2312", "GBK",    "GB18030", "BIG5",
+};
+// How the names of others begin. The last ones, wider than a byte, cannot hold a '<' without a NUL.
+constexpr std::string_view kKnownFamilies[] = {
+    "ISO-8859-", "WINDOWS-125", "UTF-16", "UTF-32", "UCS-", "ISO-10646-UCS-",
+};
+
+bool isSameButForCase(std::string_view name, std::string_view capitals) {
+    return std::equal(name.begin(), name.end(), capitals.begin(), capitals.end(),
+                      [](char character, char capital) {
+                          return std::toupper(static_cast<unsigned char>(character)) == capital;
+                      });
+}
+
+bool isKnownEncoding(std::string_view name) {
+    return std::any_of(std::begin(kKnownEncodings), std::end(kKnownEncodings),
+                       [name](std::string_view known) { return isSameButForCase(name, known); }) ||
+           std::any_of(std::begin(kKnownFamilies), std::end(kKnownFamilies), [name](std::string_view family) {
+               return isSameButForCase(name.substr(0, family.size()), family);
+           });
+}
+
+// The bytes tell where tags begin only in these. EBCDIC is found by the XML library itself.
+bool isReadByItsBytes(std::string_view document) {
+    constexpr std::string_view kEbcdicStart = "\x4C\x6F\xA7\x94";
+    return document.substr(0, kEbcdicStart.size()) != kEbcdicStart && hasAtMostOneEncoding(document) &&
+           isKnownEncoding(declaredEncoding(document).value_or("UTF-8"));
+}
+
+// Where a start tag ends that `text` begins with; its size when it does not.
+std::size_t endOfTag(std::string_view text) {
+    std::size_t end = text.find_first_of("'\">");
+    while (end != std::string_view::npos && text[end] != '>') {
+        const std::size_t closing = text.find(text[end], end + 1);
+        end = closing == std::string_view::npos ? closing : text.find_first_of("'\">", closing + 1);
+    }
+    return std::min(end, text.size());
+}
+
+bool isLongStartTag(std::string_view text) {
+    const bool isStartTag = text.substr(1).find_first_of("!?/") != 0;
+    return isStartTag && endOfTag(text) >= CFiDocumentLimits::kLongestTag;
+}
+
+// No tag holds another '<', so one that is too long leaves whole blocks without any. Nearly all documents are
+// done with by a look at the start of each block.
+std::optional<std::size_t> longStartTagIn(std::string_view document) {
+    constexpr std::size_t kBlock = CFiDocumentLimits::kLongestTag / 2;
+    std::size_t block = 0;
+    while (block + kBlock <= document.size()) {
+        if (document.substr(block, kBlock).find('<') != std::string_view::npos) {
+            block += kBlock;
+            continue;
+        }
+        const std::size_t begin = document.rfind('<', block);
+        const std::size_t next = std::min(document.find('<', block), document.size());
+        if (begin != std::string_view::npos && isLongStartTag(document.substr(begin, next - begin))) {
+            return begin;
+        }
+        block = next;
+    }
+    return std::nullopt;
+}
+
+bool isLong(std::u16string_view text) {
+    return text.size() > CFiDocumentLimits::kLongestText;
+}
+
+}  // namespace
+
+std::string CFiDocumentLimits::inWords(EExcess excess) {
+    const auto moreThan = [](std::size_t most) { return "more than " + std::to_string(most); };
+    switch (excess) {
+        case EExcess::kNone:
+            break;
+        case EExcess::kBytes:
+            return moreThan(kMostBytes) + " bytes";
+        case EExcess::kEncoding:
+            return "an encoding that is not read";
+        case EExcess::kTag:
+            return "a tag of " + moreThan(kLongestTag) + " bytes";
+        case EExcess::kDtd:
+            return "a DTD of " + moreThan(kLongestDtd) + " bytes";
+        case EExcess::kDeclarations:
+            return moreThan(kMostDeclarations) + " declarations in the DTD";
+        case EExcess::kAttributes:
+            return moreThan(kMostAttributes) + " attributes declared in the DTD";
+        case EExcess::kLongDefault:
+            return "a default of an attribute of " + moreThan(kLongestText) + " characters";
+        case EExcess::kParameterEntity:
+            return "a parameter entity";
+        case EExcess::kNestedEntity:
+            return "an entity that refers to another one";
+        case EExcess::kLongEntity:
+            return "an entity of " + moreThan(kLongestText) + " characters";
+        case EExcess::kReferences:
+            return moreThan(kMostReferences) + " references to entities";
+        case EExcess::kNames:
+            return moreThan(kMostNames) + " different element names";
+        case EExcess::kDepth:
+            return "elements nested " + moreThan(kMostDepth) + " deep";
+    }
+    return "";
+}
+
+CFiDocumentLimits::SFinding CFiDocumentLimits::startDocument(std::string_view document) {
+    declarations = 0;
+    attributes = 0;
+    depth = 0;
+    names.clear();
+    if (document.size() > kMostBytes) {
+        return {EExcess::kBytes, kMostBytes};
+    }
+    if (!isReadByItsBytes(document)) {
+        return {EExcess::kEncoding, 0};
+    }
+    const std::optional<std::size_t> dtd = doctypeIn(document);
+    if (dtd.has_value() && !endsWithin(kLongestDtd, document.substr(*dtd))) {
+        return {EExcess::kDtd, *dtd};
+    }
+    if (const auto tag = longStartTagIn(document)) {
+        return {EExcess::kTag, *tag};
+    }
+    return {};
+}
+
+CFiDocumentLimits::EExcess CFiDocumentLimits::declareAttribute(const char16_t* value) {
+    if (value != nullptr && isLong(value)) {
+        return EExcess::kLongDefault;
+    }
+    ++attributes;
+    return attributes > kMostAttributes ? EExcess::kAttributes : declareOther();
+}
+
+CFiDocumentLimits::EExcess CFiDocumentLimits::declareEntity(std::u16string_view name,
+                                                            std::u16string_view value) {
+    if (name.substr(0, 1) == u"%") {
+        return EExcess::kParameterEntity;
+    }
+    if (value.find(u'&') != std::u16string_view::npos) {
+        return EExcess::kNestedEntity;
+    }
+    return isLong(value) ? EExcess::kLongEntity : declareOther();
+}
+
+CFiDocumentLimits::EExcess CFiDocumentLimits::declareOther() {
+    ++declarations;
+    return declarations > kMostDeclarations ? EExcess::kDeclarations : EExcess::kNone;
+}
+
+CFiDocumentLimits::EExcess CFiDocumentLimits::startElement(const char16_t* name) {
+    ++depth;
+    if (depth > kMostDepth) {
+        return EExcess::kDepth;
+    }
+    names.insert(name);
+    return names.size() > kMostNames ? EExcess::kNames : EExcess::kNone;
+}

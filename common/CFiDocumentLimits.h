@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+// What a document may ask of a reader, so that reading takes time and memory in proportion to the bytes of
+// the document. The hardened library, the host library and fi-rotate refuse the same documents: all ask here.
+//
+// The XML library looks names up in hash tables whose hash everybody can foresee: names that collide cost as
+// many comparisons as there are names before them. So different element names are counted, and start tags,
+// which hold the names of attributes, and DTDs, which hold all kinds of names, may not be long. It looks at
+// every declared attribute in every element; and the trace of a tree indents each Node by its depth.
+//
+// References to entities are counted, but not those within a DTD; so an entity may not refer to another one,
+// and neither an entity nor the default of an attribute may be long. Entities of the DTD itself (parameter
+// entities) may not be declared at all.
+class CFiDocumentLimits {
+public:
+    static constexpr std::size_t kMostBytes = std::size_t{128} << 20;
+    // Bytes from the '<' of a start tag to its '>', wherever it stands: comments and CDATA sections are not
+    // told apart.
+    static constexpr std::size_t kLongestTag = 8192;
+    // Bytes from "<!DOCTYPE" to its '>'.
+    static constexpr std::size_t kLongestDtd = 16384;
+    // Attributes, entities, elements and notations.
+    static constexpr std::size_t kMostDeclarations = 256;
+    // Attributes that a DTD may declare.
+    static constexpr std::size_t kMostAttributes = 32;
+    // References to entities that a document may make; the five predefined ones are not counted.
+    static constexpr std::size_t kMostReferences = 100;
+    // Characters that an entity or the default of an attribute may have.
+    static constexpr std::size_t kLongestText = 256;
+    // Different names of elements.
+    static constexpr std::size_t kMostNames = 256;
+    // Elements within one another.
+    static constexpr std::size_t kMostDepth = 256;
+
+    enum class EExcess {
+        kNone,
+        kBytes,
+        kEncoding,
+        kTag,
+        kDtd,
+        kDeclarations,
+        kAttributes,
+        kLongDefault,
+        kParameterEntity,
+        kNestedEntity,
+        kLongEntity,
+        kReferences,
+        kNames,
+        kDepth
+    };
+    // What went beyond a limit, for a message.
+    static std::string inWords(EExcess excess);
+
+    struct SFinding {
+        EExcess excess = EExcess::kNone;
+        // In the document.
+        std::size_t offset = 0;
+    };
+    // Another document follows, with counts of its own. Tells what its bytes show before it is read. They
+    // must not hold a NUL.
+    SFinding startDocument(std::string_view document);
+
+    // Of the declaration of an attribute with this default; null without one.
+    EExcess declareAttribute(const char16_t* value);
+    // Of the declaration of an entity; the names of parameter entities begin with '%'.
+    EExcess declareEntity(std::u16string_view name, std::u16string_view value);
+    // Of any other one.
+    EExcess declareOther();
+
+    // A name is known by its address: the XML library keeps each name once, for as long as it reads a
+    // document.
+    EExcess startElement(const char16_t* name);
+    void endElement() { --depth; }
+
+private:
+    std::size_t declarations = 0;
+    std::size_t attributes = 0;
+    std::size_t depth = 0;
+    std::unordered_set<const char16_t*> names;
+};
