@@ -85,7 +85,7 @@ void CFiFiidParser::parse(const std::string& document) {
                                        "mofi_sax_parser", false, XMLPlatformUtils::fgMemoryManager);
         try {
             if constexpr (kHardenedXml) {
-                limits.startDocument(document);
+                limits.begin(document);
             }
             reader->parse(source);
         } catch (const CFiXmlExcess& excess) {

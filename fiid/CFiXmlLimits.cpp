@@ -45,7 +45,7 @@ void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
     reader.setDTDHandler(this);
 }
 
-void CFiXmlLimits::startDocument(const std::string& document) {
+void CFiXmlLimits::begin(const std::string& document) {
     const CFiDocumentLimits::SFinding finding = limits.startDocument(document);
     if (finding.excess != EExcess::kNone) {
         const SPlace place = placeOf(std::string_view(document).substr(0, finding.offset));

@@ -37,7 +37,7 @@ public:
 
     // Another document follows, with counts of its own. While it is read, a limit that it exceeds is thrown
     // as a CFiXmlExcess.
-    void startDocument(const std::string& document);
+    void begin(const std::string& document);
 
 private:
     using EExcess = CFiDocumentLimits::EExcess;

@@ -63,7 +63,7 @@ protected:
         limits->setHandler(events.get());
         reader->setErrorHandler(events.get());
         try {
-            limits->startDocument(document);
+            limits->begin(document);
             reader->parse(xercesc::MemBufInputSource(reinterpret_cast<const XMLByte*>(document.data()),
                                                      document.size(), "document"));
         } catch (const CFiXmlExcess& excess) {
