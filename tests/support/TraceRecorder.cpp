@@ -1,5 +1,7 @@
 #include "tests/support/TraceRecorder.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <ostream>
@@ -15,11 +17,16 @@ CTraceRecorder* activeRecorder = nullptr;
 std::string formatted(const char* format, std::va_list arguments) {
     std::va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, again);
+    // Most lines are no longer than this and are formatted once.
+    std::array<char, 256> line{};
+    const auto length = static_cast<std::size_t>(std::vsnprintf(line.data(), line.size(), format, arguments));
+    std::string text(line.data(), std::min(length, line.size() - 1));
+    if (length >= line.size()) {
+        text.resize(length + 1);
+        std::vsnprintf(text.data(), text.size(), format, again);
+        text.pop_back();
+    }
     va_end(again);
-    text.pop_back();
     return text;
 }
 
