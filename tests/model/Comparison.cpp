@@ -67,12 +67,12 @@ std::vector<std::vector<std::size_t>> tieRanks(const std::vector<std::string>& t
 
 SComparison compare(const SCall& call, const Subject& subject) {
     const SPrediction prediction = predict(call);
-    const SAnswer actual = subject(call);
     SComparison comparison;
     comparison.tally = prediction.tally;
-    comparison.difference = firstDifference(prediction.answer, actual);
+    comparison.actual = subject(call);
+    comparison.difference = firstDifference(prediction.answer, comparison.actual);
     if (!comparison.difference.empty() && countTieRanks(prediction.timeStamps) > 1 &&
-        agreesUnderSomeOrder(call, actual, prediction.timeStamps)) {
+        agreesUnderSomeOrder(call, comparison.actual, prediction.timeStamps)) {
         comparison.difference.clear();
     }
     return comparison;

@@ -19,6 +19,8 @@ struct SComparison {
     std::string difference;
     // What the model counted.
     CTally tally;
+    // The subject's answer.
+    SAnswer actual;
 };
 
 // Every order of equal time stamps, as ranks by load order; the load order itself is the first.

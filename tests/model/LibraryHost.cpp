@@ -115,18 +115,31 @@ CLibraryHost::~CLibraryHost() {
 }
 
 SAnswer CLibraryHost::run(const SCall& call) {
-    SAnswer answer;
-    const CWorkingFolder inFolder(folder.path(""));
     const CDocumentFiles documents(folder, call.files);
+    return answer(call);
+}
+
+SAnswer CLibraryHost::runOnKeptFiles(const SCall& call) {
+    for (const auto& [name, document] : call.files) {
+        if (keptFiles.insert(name).second) {
+            folder.write(name, xmlText(document));
+        }
+    }
+    return answer(call);
+}
+
+SAnswer CLibraryHost::answer(const SCall& call) {
+    SAnswer seen;
+    const CWorkingFolder inFolder(folder.path(""));
     {
         fi_test::CTraceRecorder recorder;
         const COutputCapture capture(captureFile);
-        callLibrary(call, answer);
-        answer.trace = recorder.take();
+        callLibrary(call, seen);
+        seen.trace = recorder.take();
         seenFormats.insert(recorder.formats().begin(), recorder.formats().end());
     }
-    answer.standardOutput = takeText(captureFile);
-    return answer;
+    seen.standardOutput = takeText(captureFile);
+    return seen;
 }
 
 }  // namespace fi_model

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <unordered_set>
+
 #include "tests/model/Answer.h"
 #include "tests/model/Call.h"
 #include "tests/support/TemporaryFolder.h"
@@ -20,11 +23,18 @@ public:
     // Writes the documents, calls the library, and removes the documents.
     SAnswer run(const SCall& call);
 
+    // The same, for calls in which a name always stands for the same document: writes those that it has not
+    // written before, and leaves them for later calls.
+    SAnswer runOnKeptFiles(const SCall& call);
+
     // The formats that the library has traced with, each with its level.
     const fi_test::Formats& formats() const { return seenFormats; }
 
 private:
+    SAnswer answer(const SCall& call);
+
     fi_test::CTemporaryFolder folder;
+    std::unordered_set<std::string> keptFiles;
     int captureFile = -1;
     fi_test::Formats seenFormats;
 };

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <xercesc/util/PlatformUtils.hpp>
+
+namespace fi_model {
+
+// A host that uses the XML library itself. Setting it up would take most of the time of each call otherwise.
+class CXmlLibraryInUse {
+public:
+    CXmlLibraryInUse() { xercesc::XMLPlatformUtils::Initialize(); }
+    ~CXmlLibraryInUse() { xercesc::XMLPlatformUtils::Terminate(); }
+    CXmlLibraryInUse(const CXmlLibraryInUse&) = delete;
+    CXmlLibraryInUse& operator=(const CXmlLibraryInUse&) = delete;
+};
+
+}  // namespace fi_model
