@@ -60,12 +60,12 @@ private:
     };
 
     static void* allocateOnHeap(std::size_t size);
-    bool isOwnersThread() const { return owner == std::this_thread::get_id(); }
+    [[nodiscard]] bool isOwnersThread() const { return owner == std::this_thread::get_id(); }
     UHeader* cutFromChunk(std::size_t size);
     std::byte* newPiece(std::size_t size);
     // Null when it does not reach.
     std::byte* takeFromReserve(std::size_t size);
-    bool isOfReserve(const void* memory) const;
+    [[nodiscard]] bool isOfReserve(const void* memory) const;
 
     std::atomic<std::thread::id> owner{std::this_thread::get_id()};
     // By units.

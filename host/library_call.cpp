@@ -107,7 +107,7 @@ class CMeanings {
 public:
     explicit CMeanings(Meaning (*ofLiteral)(const char*)) : find(ofLiteral) {}
 
-    Meaning of(const char* literal) {
+    const Meaning& of(const char* literal) {
         const auto address = reinterpret_cast<std::uintptr_t>(literal);
         SSlot& slot = slots[(address ^ address / kSlots) % kSlots];
         if (slot.literal != literal) {
@@ -141,14 +141,29 @@ EOperation operationOf(const char* name) {
                                                                 : EOperation::kOther;
 }
 
+// A line, known by its format.
+struct SLine {
+    std::optional<ETraceText> text;
+    // The letters of its conversions, in order.
+    std::string conversions;
+};
+
+SLine lineOf(const char* format) {
+    SLine line{kindOf(format), {}};
+    for (const char* at = std::strchr(format, '%'); at != nullptr; at = std::strchr(at + 1, '%')) {
+        line.conversions += at[1];
+    }
+    return line;
+}
+
 // The arguments of one line, without its being formatted.
 class CArguments {
 public:
-    const TraceArguments& read(std::string_view format, std::va_list arguments) {
+    const TraceArguments& read(std::string_view conversions, std::va_list arguments) {
         taken.clear();
         std::size_t numbersInUse = 0;
-        for (std::size_t at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
-            if (format[at + 1] == 'd') {
+        for (const char conversion : conversions) {
+            if (conversion == 'd') {
                 auto& number = numbers.at(numbersInUse++);
                 const auto end = std::to_chars(number.begin(), number.end(), va_arg(arguments, int));
                 taken.emplace_back(number.data(), static_cast<std::size_t>(end.ptr - number.data()));
@@ -199,7 +214,7 @@ private:
     CAccountReader* account;
     // Of the document that was loaded and not parsed yet.
     SReading nextReading;
-    CMeanings<std::optional<ETraceText>> texts{kindOf};
+    CMeanings<SLine> lines{lineOf};
     CMeanings<EOperation> operations{operationOf};
     CArguments lastArguments;
     // Since the last entry.
@@ -265,11 +280,12 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
         leave(va_arg(arguments, const char*));
         return;
     }
-    const std::optional<ETraceText> kind = texts.of(format);
-    if (!kind.has_value()) {
+    const SLine& line = lines.of(format);
+    if (!line.text.has_value()) {
         return;
     }
-    switch (*kind) {
+    const ETraceText text = *line.text;
+    switch (text) {
         case ETraceText::kEntering:
             entering = format;
             enter(va_arg(arguments, const char*));
@@ -279,30 +295,30 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
             leave(va_arg(arguments, const char*));
             return;
         case ETraceText::kDocumentRead: {
-            const TraceArguments& read = lastArguments.read(format, arguments);
+            const TraceArguments& read = lastArguments.read(line.conversions, arguments);
             nextReading.file = read[0];
             nextReading.isWhole = read[1] == "1";
             return;
         }
         case ETraceText::kMalformedDocument: {
-            const TraceArguments& place = lastArguments.read(format, arguments);
+            const TraceArguments& place = lastArguments.read(line.conversions, arguments);
             readings.back().fault = fmt::format("line {}, column {}: {}", place[0], place[1], place[2]);
             return;
         }
         default:
             break;
     }
-    checked += *kind == ETraceText::kCheckPassed || *kind == ETraceText::kCheckFailed ? 1 : 0;
-    const bool isLoaded = *kind == ETraceText::kParsed;
+    checked += text == ETraceText::kCheckPassed || text == ETraceText::kCheckFailed ? 1 : 0;
+    const bool isLoaded = text == ETraceText::kParsed;
     if (account == nullptr && !isLoaded) {
         return;
     }
-    const TraceArguments& taken = lastArguments.read(format, arguments);
+    const TraceArguments& taken = lastArguments.read(line.conversions, arguments);
     if (isLoaded) {
         loaded.emplace_back(taken[0]);
     }
     if (account != nullptr) {
-        account->take(*kind, taken);
+        account->take(text, taken);
     }
 }
 
