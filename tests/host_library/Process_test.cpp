@@ -113,6 +113,17 @@ TEST_F(CHostLibraryProcess, DecidesWithoutAStandardOutput) {
     EXPECT_EQ(statusOfChild(body), 0);
 }
 
+// Documents are then opened under the lowest number that there is.
+TEST_F(CHostLibraryProcess, LeavesNoDocumentOpenInPlaceOfAStandardInput) {
+    const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), holder("b.xml", "snap2")});
+    const auto body = [&call] {
+        close(STDIN_FILENO);
+        const bool isSelected = fi_rotation_call_run(call.get()) == FI_ROTATION_SELECTED;
+        return isSelected && fcntl(STDIN_FILENO, F_GETFD) == -1 ? 0 : 1;
+    };
+    EXPECT_EQ(statusOfChild(body), 0);
+}
+
 TEST_F(CHostLibraryProcess, KeepsErrnoInEveryFunction) {
     const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), path("missing.xml")});
     const auto expectKept = [](const std::function<void()>& function) {
