@@ -153,6 +153,13 @@ TEST_F(HostExplanation, InvalidBecauseAPairNamesNoConfiguration) {
     EXPECT_EQ(inWords(reasonFor(outcome, 0)), "UDID##v##m##B##x names no configuration");
 }
 
+// The check ends with the first, in the order of the objids.
+TEST_F(HostExplanation, InvalidBecauseOfTheFirstPairOfSeveralThatNameNothing) {
+    give("a", "1", {{"A##y", "A##9"}, {"A##x", "A##8"}, {"B##x", "A##1"}});
+    EXPECT_EQ(inWords(reasonFor(explained("A##x;1&A##y;3"), 0)),
+              "UDID##v##m##A##x with UDID##v##m##A##8 names no target of A##x");
+}
+
 TEST_F(HostExplanation, InvalidBecauseATargetWasHeldAlready) {
     give("old", "1", {{"A##x", "A##1"}});
     const std::string newer = give("new", "2", {{"A##x", "A##1"}});
