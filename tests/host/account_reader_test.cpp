@@ -150,9 +150,22 @@ TEST(HostAccountReader, TakesNoPrintedTargetThatTheParserDidNotRead) {
     ASSERT_THAT(another.account.configurations, SizeIs(1));
     EXPECT_THAT(another.account.configurations[0].targets, IsEmpty());
     EXPECT_THAT(another.gaps(), ElementsAre("lines before \"7\""));
+    const CAccountReader anotherFirst = readerOf(kBeginning + Lines{heading, "[A:z](Available)"});
+    EXPECT_THAT(anotherFirst.account.configurations, IsEmpty());
+    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines before \"A\""));
     const CAccountReader withoutFirst = readerOf(kBeginning + Lines{heading, "{1,Available}"});
     EXPECT_THAT(withoutFirst.account.configurations, IsEmpty());
     EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines before \"1\""));
+}
+
+TEST(HostAccountReader, KnowsAPrintedTargetWhoseDeviceHoldsWhatStandsBehindAnEnclosure) {
+    const CAccountReader reader =
+        readerOf({"CFiResourceParser::parse : Resource specification [A##x:y;1]",
+                  "CFiResourceParser::parse : [A][x:y]", "CFiResourceManager::print : printing resource set",
+                  "[A:x:y](Available)"});
+    ASSERT_THAT(reader.account.configurations, SizeIs(1));
+    EXPECT_EQ(reader.account.configurations[0].first, "A##x:y");
+    EXPECT_THAT(reader.gaps(), IsEmpty());
 }
 
 TEST(HostAccountReader, TakesNoLineOfABackupThatWasNotLoaded) {
