@@ -6,13 +6,13 @@
 
 namespace {
 
-struct Escape {
+struct SEscape {
     std::string_view sequence;
     std::string_view replacement;
 };
 
 // The order matters: "&amp;" last, or a doubly escaped text would be decoded twice.
-constexpr Escape kEscapes[] = {
+constexpr SEscape kEscapes[] = {
     {"&#39;", "'"}, {"&quot;", "\""}, {"&gt;", ">"}, {"&lt;", "<"}, {"&amp;", "&"},
 };
 
@@ -25,7 +25,7 @@ std::size_t countOccurrences(const std::string& text, std::string_view sequence)
     return count;
 }
 
-std::string replaceAll(const std::string& text, const Escape& escape) {
+std::string replaceAll(const std::string& text, const SEscape& escape) {
     const std::size_t count = countOccurrences(text, escape.sequence);
     std::string result;
     result.reserve(text.size() - count * (escape.sequence.size() - escape.replacement.size()));
@@ -47,7 +47,7 @@ std::string replaceAll(const std::string& text, const Escape& escape) {
 
 std::string CCmnStringTool::convertFromXmlSpecialCharacters(const std::string& input) {
     std::string result = input;
-    for (const Escape& escape : kEscapes) {
+    for (const SEscape& escape : kEscapes) {
         result = replaceAll(result, escape);
     }
     return result;
