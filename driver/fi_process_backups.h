@@ -68,7 +68,7 @@ enum {
  *     fiidListSize NUL-terminated file names, each the document of one earlier backup, in any
  *     order. Borrowed for the call. May be null only when fiidListSize is not positive; no entry
  *     may be null. The files are read in this order up to the first that cannot be opened: that
- *     one and all after it take no part in the rotation, which is no failure. One line on standard
+ *     one and all after it are ignored, which is no failure. One line on standard
  *     output names it.
  *
  * resource_config_string

@@ -164,7 +164,7 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
     CFiFiidLoader loader;
     const CFiTreeReleaser releaser(loader.nodes);
     const CFiTreeReleaser releaserOfReplaced(loader.replaced);
-    // The status is not looked at: what could not be loaded takes no part, and the rest is enough
+    // The status is not looked at: what could not be loaded is ignored, and the rest is enough
     // or not.
     {
         const CFiXmlLibrary heldForAllDocuments;

@@ -39,7 +39,7 @@ public:
     CFiFiidNode* current = nullptr;
     // A top-level Node has closed.
     bool done = false;
-    // Nobody's; kept with the record.
+    // Unused; part of the record's fixed layout.
     std::string spareName;
     xercesc::SAXParseException lastException;
     // A warning counts like an error.

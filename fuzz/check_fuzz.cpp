@@ -2,7 +2,7 @@
 // in its input and stands in order; a report counts what it shows and has a line for each. Where no entities
 // are involved, the configurations, the content, the tree and the identifiers are those that the library
 // reads; an exception leaves a call when, and only when, a finding says so; a backup with a pair that matches
-// nothing is invalid; one without a Node takes no part.
+// nothing is invalid; one without a Node is ignored.
 
 #include <algorithm>
 #include <cstddef>
@@ -239,7 +239,7 @@ void requireCall(const fi_rotate::SInputs& inputs, const std::vector<CFindings>&
     for (std::size_t i = 0; i < flags.size(); ++i) {
         const CFindings& some = findings[i + 1];
         require(has(some, EHazard::kNoNode) == (flags[i] == kUntouched),
-                "a document without a Node takes no part");
+                "a document without a Node is ignored");
         if (has(some, EHazard::kPairMatchesNothing) || has(some, EHazard::kTargetHeldTwice)) {
             require(flags[i] == FI_BACKUP_INVALID, "a backup that cannot be claimed is invalid");
         }

@@ -63,7 +63,7 @@ typedef enum fi_rotation_outcome {
     FI_ROTATION_TRACE_FAILED = 5,
     /* The call was run from its own or another call's trace function, or by two threads at once. */
     FI_ROTATION_MISUSED = 6,
-    /* The XML library could not be set up, for want of memory as a rule, or this process was forked while
+    /* The XML library could not be set up, mostly because memory ran out, or this process was forked while
        another thread ran a call. */
     FI_ROTATION_FAILED = 7
 } fi_rotation_outcome;

@@ -54,7 +54,7 @@ CInterrupt::CInterrupt() {
         action.sa_handler = noteSignal;
         action.sa_flags = SA_RESTART;
         sigaction(signal, nullptr, &saved[signal]);
-        // Who started the program with a signal ignored (nohup) wants it so.
+        // Keep signals ignored that were ignored at start (nohup).
         if (saved[signal].sa_handler != SIG_IGN) {
             sigaction(signal, &action, nullptr);
         }

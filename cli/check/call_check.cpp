@@ -164,10 +164,10 @@ private:
     [[nodiscard]] std::string withoutDocument(std::size_t index) const {
         const std::size_t others = inputs.files.size() - index - 1;
         if (isStopped) {
-            return "the library does not come so far";
+            return "not reached: an earlier document cannot be opened";
         }
         if (others == 0) {
-            return "it takes no part";
+            return "it is ignored";
         }
         return fmt::format("neither it nor the {} after it will be read",
                            others == 1 ? "one" : std::to_string(others));

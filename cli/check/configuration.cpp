@@ -351,10 +351,8 @@ private:
         }
         if (configuration.further.empty()) {
             const auto cause = causeAt(index);
-            report(
-                EHazard::kNoFurtherTargets, first.offset,
-                inQuotes(first.name()) + " has no further targets, so that every call fails for want of one",
-                cause);
+            report(EHazard::kNoFurtherTargets, first.offset,
+                   inQuotes(first.name()) + " has no further targets, so that no call succeeds", cause);
             unread.addTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
         }
         checkBlanks(first);

@@ -54,7 +54,7 @@ enum class EHazard {
 constexpr auto kHazardCount = static_cast<std::size_t>(EHazard::kCount);
 
 enum class ESeverity {
-    // It may be meant, but it is not what it looks like.
+    // It may be meant, but usually is a mistake.
     kWarning,
     // The call cannot do what it is made for, or something that was given does not count.
     kError,

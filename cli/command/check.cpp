@@ -86,8 +86,7 @@ int runCheck(const SOptions& options) {
 
 void addCheck(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& check =
-        *app.add_subcommand("check", "Say what in the inputs of a call is not what it looks like");
+    CLI::App& check = *app.add_subcommand("check", "Check a configuration and documents for mistakes");
     setFooter(check, kFooter);
 
     CLI::Option_group& input = addConfigurationOptions(check, "input", options->call);

@@ -56,7 +56,8 @@ CLI::Option_group& addConfigurationOptions(CLI::App& subcommand, const std::stri
                                            SCallOptions& options) {
     CLI::Option_group& added = *subcommand.add_option_group(group);
     added.add_option("--config", options.configuration, "The resource configuration")->type_name("TEXT");
-    added.add_option("--config-file", options.configurationFile, "A file that holds it")->type_name("FILE");
+    added.add_option("--config-file", options.configurationFile, "File with the resource configuration")
+        ->type_name("FILE");
     added.require_option(1);
     return added;
 }

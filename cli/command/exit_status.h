@@ -41,7 +41,7 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitException, "simulate", "an exception left the library"},
     {kExitWarnings, "check", "warnings were found, but no errors"},
     {kExitNotWhole, "select",
-     "documents took no part; with --strict, inputs are not whole and nothing is decided"},
+     "documents were ignored; with --strict, inputs are not whole and nothing is decided"},
     {kExitTooFewKept, "select",
      "a configuration would keep fewer backups than --keep-at-least asks for; nothing is decided"},
     {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},

@@ -120,7 +120,7 @@ int runExplain(const SOptions& options) {
 
 void addExplain(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& explain = *app.add_subcommand("explain", "Show from logs what calls came to, and why");
+    CLI::App& explain = *app.add_subcommand("explain", "Explain past calls from logs");
     setFooter(explain, kFooter);
     explain.add_option("LOG", options->logs, "The logs, oldest first; - or nothing for standard input")
         ->type_name("");

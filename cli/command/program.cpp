@@ -70,7 +70,7 @@ std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
 
 int parseAndRun(int argc, char** argv) {
     int exitStatus = kExitUsage;
-    CLI::App app("Runs rotations of snapshot targets by hand.", "fi-rotate");
+    CLI::App app("Shows which backups give up their targets next, and why.", "fi-rotate");
     app.failure_message(failureMessage);
     addSubcommands(app, exitStatus);
     try {

@@ -49,7 +49,7 @@ constexpr const char* kFooter = R"(Example:
   fi-rotate select --request call.json --only rotated,invalid
 
 Without FIID this is a first backup. Documents are loaded in the order given, up to the first that cannot be
-opened; that one and those after it are "not loaded" and take no part, like a document without a Node. Targets
+opened; that one and those after it are "not loaded" and ignored, like a document without a Node. Targets
 that they hold may then be chosen; with --strict nothing is decided instead.
 State "-" (null in JSON): the library handed no states back, because there is no selection.
 
@@ -159,7 +159,7 @@ void reportNotLoaded(const SOutcome& outcome) {
     bool isFirstUnread = true;
     for (const SBackupOutcome& backup : outcome.backups) {
         if (!backup.isLoaded) {
-            printError(backup.given.file + " took no part: " + whyNotLoaded(backup, isFirstUnread));
+            printError(backup.given.file + " was ignored: " + whyNotLoaded(backup, isFirstUnread));
             isFirstUnread = isFirstUnread && backup.reading.has_value();
         }
     }

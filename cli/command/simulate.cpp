@@ -240,7 +240,7 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         ->needs(from);
     simulate
         .add_option("--keep-days", options->goal,
-                    "Search the least number of targets that keeps every snapshot so many days")
+                    "Find the fewest targets that keep every snapshot for so many days")
         ->type_name("GOAL")
         ->excludes(from);
     CLI::Option* const noTimeline =

@@ -29,7 +29,7 @@ class CWriters {
 public:
     explicit CWriters(const std::vector<SNamedLine>& lines);
 
-    // The name of the writer whose lines in this log have this prefix; nothing when it is nobody's.
+    // The name of the writer whose lines in this log have this prefix; nothing when no writer has it.
     [[nodiscard]] std::optional<std::string> find(std::size_t log, const SPrefix& prefix) const;
 
     // The same of a prefix that must be whole, blanks at its end included.

@@ -126,7 +126,7 @@ std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size
 
 std::string reasonFor(const SBackupOutcome& backup) {
     if (!backup.reason.has_value()) {
-        return backup.isLoaded ? "not known" : "took no part";
+        return backup.isLoaded ? "not known" : "ignored";
     }
     return asPrintable(inWords(*backup.reason));
 }
@@ -151,7 +151,7 @@ std::string shortageTable(const SAccount& account) {
         for (const SHeldTarget& held : shortage.targets) {
             text += fmt::format("  {} is held by {}, {}\n", asPrintable(configuration.targets[held.target]),
                                 asPrintable(account.backups[held.holder].file),
-                                held.isExcluded ? "which is excluded; without that it would be rotated"
+                                held.isExcluded ? "which would be rotated if it were not excluded"
                                                 : "which is invalid; it is free when that backup is gone");
         }
     }

@@ -10,7 +10,7 @@
 namespace fi_rotate {
 
 // Where all targets are known, counts those that are free and puts the configurations first that need
-// somebody's attention. Leaves out what nobody would take in and some programs would refuse to draw: several
+// attention. Leaves out what nobody would take in and some programs would refuse to draw: several
 // free targets in a row become one row; of many configurations the first are drawn whole, of some more the
 // chosen target only, and the others are counted. The picture says so.
 void arrange(SPicture& picture);

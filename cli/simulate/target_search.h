@@ -30,18 +30,18 @@ struct SLeastTargets {
 // false stops it.
 using GoOnSearch = std::function<bool(std::size_t targets, std::size_t rounds)>;
 
-// The least number of targets with which the rounds of `plan`, run with this configuration alone, all find a
+// The fewest targets with which the rounds of `plan`, run with this configuration alone, all find a
 // target and rotate no snapshot that is younger than `goal` seconds. No backup is there before the first
 // round: fewer targets than there are could not hold it.
 //
 // Fewer targets than it has are its first ones; more are its own and invented ones. The number is doubled
 // until the goal is met, then halved in: a target more lets each snapshot live a round longer and moves the
-// first round without a target later, so with the least number every larger one meets the goal too.
+// first round without a target later, so with the fewest targets any larger number meets the goal too.
 SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
                            const GoOnSearch& goOn);
 
 // So many rounds it takes until all that is to be kept for a time is there at once, whichever rounds are
-// excluded: with more of them the least number of targets is the same. Nothing when there is no such number.
+// excluded: with more of them the fewest targets are the same. Nothing when there is no such number.
 std::optional<std::size_t> roundsUntilSettled(const SPlan& plan, std::int64_t goal);
 
 }  // namespace fi_rotate

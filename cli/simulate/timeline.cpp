@@ -149,7 +149,7 @@ std::string marksOf(const SSimulation& simulation, const SWindow& window) {
 std::string heading(const SSimulation& simulation, const SWindow& window) {
     std::string text = fmt::format("Rounds {} to {}, a column each\n", window.first, window.last);
     if (window.first > 1) {
-        text += fmt::format("  left out for want of room: 1 to {}\n", window.first - 1);
+        text += fmt::format("  not shown (terminal too narrow): 1 to {}\n", window.first - 1);
     }
     if (window.last < simulation.finishedRounds) {
         text += fmt::format("  left out, since they found no target either: {} to {}\n", window.last + 1,

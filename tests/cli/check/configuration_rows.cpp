@@ -59,8 +59,8 @@ std::vector<SCheckRow> configurationRows() {
         {"no further targets",
          EHazard::kNoFurtherTargets,
          of("encA##lun1;snap1&encA##lun2"),
-         {"config:1:18: error: \"encA##lun2\" has no further targets, so that every call fails for "
-          "want of one [no-further-targets]"},
+         {"config:1:18: error: \"encA##lun2\" has no further targets, so that no call succeeds "
+          "[no-further-targets]"},
          of("encA##lun1;snap1&encA##lun2;snap2")},
         {"twice in one configuration",
          EHazard::kTargetRepeated,

@@ -81,8 +81,7 @@ std::vector<SCheckRow> ofConfigurations() {
         {"no further targets",
          EHazard::kNoFurtherTargets,
          with("encA##lun1;snap1\nencB##lun2"),
-         {"config:2:1: error: \"encB##lun2\" has no further targets, so that every call fails for want of "
-          "one "
+         {"config:2:1: error: \"encB##lun2\" has no further targets, so that no call succeeds "
           "[no-further-targets]",
           unknownFurther("3:66", "encB##snap3", "\"encB##lun2\"", "no-further-targets of config")},
          clean},

@@ -200,7 +200,7 @@ TEST(FiRotateCheck, TakesAWholeCallFromARequest) {
     EXPECT_EQ(result.output,
               request +
                   " (configuration):1:1: error: \"encA##lun1\" has no further targets, so that "
-                  "every call fails for want of one [no-further-targets]\n"
+                  "no call succeeds [no-further-targets]\n"
                   "    encA##lun1\n"
                   "    ^\n"
                   "/:1:1: error: a folder, which the library reads as an empty document "

@@ -151,10 +151,10 @@ TEST(FiRotateSelect, NamesEveryBackupThatWasNotLoadedWithTheReasonAndExitsWith6)
                                 "fi-rotate: CFiFiidLoader::load: ERROR: failed to load FIID file\n"
                                 "fi-rotate: " +
                                 missing +
-                                " took no part: it cannot be opened: No such file or directory\n"
+                                " was ignored: it cannot be opened: No such file or directory\n"
                                 "fi-rotate: " +
                                 file +
-                                "2 took no part: a document before it cannot be opened\n"
+                                "2 was ignored: a document before it cannot be opened\n"
                                 "fi-rotate: the chosen targets may be in use by these documents' backups\n");
     EXPECT_THAT(result.output, HasSubstr("  -           0      not loaded\n"));
 }
@@ -166,7 +166,7 @@ TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
     EXPECT_EQ(result.exitStatus, 6);
     EXPECT_THAT(result.output, EndsWith("not loaded\n"));
     EXPECT_EQ(result.error, "fi-rotate: " + file +
-                                " took no part: it has no Node\n"
+                                " was ignored: it has no Node\n"
                                 "fi-rotate: the chosen targets may be in use by these documents' backups\n");
 }
 

@@ -51,7 +51,7 @@ TEST(FiRotateTimeline, ShowsTheLastRoundsThatFitAndSaysSo) {
                             "  encA##lun1", "    encA##s1     abcdefghijklmnopqrstuvwxyzabcd",
                             "  letter: a backup that holds the target; capital: an excluded one; .: free"));
     EXPECT_THAT(linesOf(toTimeline(oneTarget(40), 17 * 3)),
-                ElementsAre("Rounds 7 to 40, a column each", "  left out for want of room: 1 to 6",
+                ElementsAre("Rounds 7 to 40, a column each", "  not shown (terminal too narrow): 1 to 6",
                             "                 7         17        27        37", "  encA##lun1",
                             "    encA##s1     ghijklmnopqrstuvwxyzabcdefghijklmn",
                             "  letter: a backup that holds the target; capital: an excluded one; .: free"));
