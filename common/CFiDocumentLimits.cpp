@@ -12,11 +12,12 @@ namespace {
 // Encodings in which the byte '<' stands for nothing but that character, and no other byte does.
 constexpr std::string_view kKnownEncodings[] = {
     "UTF-8",  "UTF8",   "US-ASCII", "ASCII",  "LATIN1", "KOI8-R",  "KOI8-U", "SHIFT_JIS",
-    "EUC-JP", "EUC-KR", "EUC-TW",   "GB2312", "GBK",    "GB18030", "BIG5",
+    "EUC-JP", "EUC-KR", "EUC-TW",   "GB2312", "GBK",    "GB18030", "BIG5",   "WINDOWS-31J",
 };
 // How the names of others begin. The last ones, wider than a byte, cannot hold a '<' without a NUL.
 constexpr std::string_view kKnownFamilies[] = {
-    "ISO-8859-", "WINDOWS-125", "UTF-16", "UTF-32", "UCS-", "ISO-10646-UCS-",
+    "ISO-8859-", "ISO8859-", "ISO_8859-", "WINDOWS-125",    "CP125",
+    "UTF-16",    "UTF-32",   "UCS-",      "ISO-10646-UCS-",
 };
 
 bool isSameButForCase(std::string_view name, std::string_view capitals) {
@@ -51,9 +52,14 @@ std::size_t endOfTag(std::string_view text) {
     return std::min(end, text.size());
 }
 
+// As an ASCII character, or as a part of any other.
+bool beginsName(char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return std::isalpha(byte) != 0 || character == '_' || character == ':' || byte >= 0x80;
+}
+
 bool isLongStartTag(std::string_view text) {
-    const bool isStartTag = text.substr(1).find_first_of("!?/") != 0;
-    return isStartTag && endOfTag(text) >= CFiDocumentLimits::kLongestTag;
+    return text.size() > 1 && beginsName(text[1]) && endOfTag(text) >= CFiDocumentLimits::kLongestTag;
 }
 
 // No tag holds another '<', so one that is too long leaves whole blocks without any. Nearly all documents are

@@ -19,8 +19,8 @@
 class CFiDocumentLimits {
 public:
     static constexpr std::size_t kMostBytes = std::size_t{128} << 20;
-    // Bytes from the '<' of a start tag to its '>', wherever it stands: comments and CDATA sections are not
-    // told apart.
+    // Bytes from the '<' of a start tag to its '>'. What looks like a start tag in a comment or a CDATA
+    // section is measured too.
     static constexpr std::size_t kLongestTag = 8192;
     // Bytes from "<!DOCTYPE" to its '>'.
     static constexpr std::size_t kLongestDtd = 16384;

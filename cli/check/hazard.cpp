@@ -43,8 +43,8 @@ a text. It is part of the name of the first enclosure, so that no identifier mat
 configuration: all backups of its device are invalid, and the targets that they hold count as free. Save the
 configuration as UTF-8 without the mark.)"},
     {EHazard::kCannotOpen, "cannot-open", ESeverity::kError,
-     R"(The document cannot be opened. The library stops reading there: this document and all after it take no
-part, their targets count as free, and the call goes on without them. They are checked here nevertheless,
+     R"(The document cannot be opened. The library stops reading there: this document and all after it are
+ignored, their targets count as free, and the call goes on without them. They are checked here nevertheless,
 as if this one were not listed.)"},
     {EHazard::kNotAFile, "not-a-file", ESeverity::kError,
      R"(The name is that of a folder, a device or a pipe. The library opens it: a folder reads as an empty

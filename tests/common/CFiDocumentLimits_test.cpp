@@ -62,6 +62,7 @@ TEST(CFiDocumentLimits, AcceptLongMarkupOfOtherKinds) {
     EXPECT_EQ(excessOf("<!--" + text + "--><?pi " + text + "?><a><![CDATA[" + text + "]]></a >"),
               EExcess::kNone);
     EXPECT_EQ(excessOf("<a></a" + std::string(100000, ' ') + ">"), EExcess::kNone);
+    EXPECT_EQ(excessOf("<a><![CDATA[1 < 2, 1 <= 2" + text + "]]></a>"), EExcess::kNone);
 }
 
 TEST(CFiDocumentLimits, MeasureTheDtd) {
