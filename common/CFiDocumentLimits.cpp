@@ -1,7 +1,6 @@
 #include "common/CFiDocumentLimits.h"
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <optional>
 
@@ -20,11 +19,14 @@ constexpr std::string_view kKnownFamilies[] = {
     "UTF-16",    "UTF-32",   "UCS-",      "ISO-10646-UCS-",
 };
 
+// Whatever the locale.
+char inCapitals(char character) {
+    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
+}
+
 bool isSameButForCase(std::string_view name, std::string_view capitals) {
     return std::equal(name.begin(), name.end(), capitals.begin(), capitals.end(),
-                      [](char character, char capital) {
-                          return std::toupper(static_cast<unsigned char>(character)) == capital;
-                      });
+                      [](char character, char capital) { return inCapitals(character) == capital; });
 }
 
 bool isKnownEncoding(std::string_view name) {
@@ -54,8 +56,9 @@ std::size_t endOfTag(std::string_view text) {
 
 // As an ASCII character, or as a part of any other.
 bool beginsName(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return std::isalpha(byte) != 0 || character == '_' || character == ':' || byte >= 0x80;
+    const char capital = inCapitals(character);
+    return (capital >= 'A' && capital <= 'Z') || character == '_' || character == ':' ||
+           static_cast<unsigned char>(character) >= 0x80;
 }
 
 bool isLongStartTag(std::string_view text) {
