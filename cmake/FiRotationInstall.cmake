@@ -85,7 +85,7 @@ if(FI_ROTATION_BUILD_CLI)
     install(FILES "${completions}/_fi-rotate"
         DESTINATION "${FI_ROTATION_ZSH_COMPLETIONS}" COMPONENT tools)
 
-    install(FILES "${PROJECT_SOURCE_DIR}/docs/simulate.md"
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/administrators-guide.md" "${PROJECT_SOURCE_DIR}/docs/simulate.md"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/fi-rotate" COMPONENT tools)
     # Where the manual page of fi-rotate says.
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/schema"
