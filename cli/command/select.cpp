@@ -29,6 +29,7 @@
 #include "cli/command/outputs.h"
 #include "cli/command/subcommands.h"
 #include "cli/outcome/advice.h"
+#include "cli/outcome/failure_words.h"
 #include "cli/outcome/json.h"
 #include "cli/outcome/picture.h"
 #include "cli/outcome/request.h"
@@ -170,8 +171,13 @@ void reportNotLoaded(const SOutcome& outcome) {
 
 void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
     const SOutcome& outcome = call.outcome;
-    if (!isTraceShown || call.isRefused || call.isTooFew) {
-        std::for_each(outcome.messages.begin(), outcome.messages.end(), printError);
+    for (const std::string& message : outcome.messages) {
+        // The trace has shown it as it is.
+        const bool isTold = isTraceShown && !call.isRefused && !call.isTooFew;
+        const std::string words = failureInWords(message);
+        if (!isTold && !words.empty()) {
+            printError(words);
+        }
     }
     if (outcome.exception.has_value()) {
         const SException& exception = *outcome.exception;
