@@ -4,8 +4,8 @@
 
 namespace fi_rotate {
 
-// What a failure in the library's trace means. Empty for one that is reported with more than its line tells: of a
-// document, of an identifier, or of the whole call.
+// What a failure in the library's trace means. Empty for one that is reported with more than its line tells:
+// of a document, of an identifier, or of the whole call.
 std::string failureInWords(const std::string& traced);
 
 }  // namespace fi_rotate

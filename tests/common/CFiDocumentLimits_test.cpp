@@ -126,6 +126,25 @@ TEST(CFiDocumentLimits, FindTheEncodingWhereverTheDeclarationHoldsIt) {
     EXPECT_EQ(excessOf("<?xml version='1.0'?><a encoding='UTF-7'/>"), EExcess::kNone);
 }
 
+TEST(CFiDocumentLimits, HaveWordsForEachExcess) {
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kNone), "");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kBytes), "more than 134217728 bytes");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kEncoding), "an encoding that is not read");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kTag), "a tag of more than 8192 bytes");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kDtd), "a DTD of more than 16384 bytes");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kDeclarations), "more than 256 declarations in the DTD");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kAttributes),
+              "more than 32 attributes declared in the DTD");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kLongDefault),
+              "a default of an attribute of more than 256 characters");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kParameterEntity), "a parameter entity");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kNestedEntity), "an entity that refers to another one");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kLongEntity), "an entity of more than 256 characters");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kReferences), "more than 100 references to entities");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kNames), "more than 256 different element names");
+    EXPECT_EQ(CFiDocumentLimits::inWords(EExcess::kDepth), "elements nested more than 256 deep");
+}
+
 TEST(CFiDocumentLimits, RefuseEbcdic) {
     EXPECT_EQ(excessOf("\x4C\x6F\xA7\x94\x93\x40\x6E"), EExcess::kEncoding);
 }
