@@ -174,8 +174,11 @@ void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
     for (const std::string& message : outcome.messages) {
         // The trace has shown it as it is.
         const bool isTold = isTraceShown && !call.isRefused && !call.isTooFew;
+        // The exception is told with its reason.
+        const bool isOfException = outcome.exception.has_value() &&
+                                   argumentsOf(ETraceText::kMalformedIdentifier, message).has_value();
         const std::string words = failureInWords(message);
-        if (!isTold && !words.empty()) {
+        if (!isTold && !isOfException && !words.empty()) {
             printError(words);
         }
     }

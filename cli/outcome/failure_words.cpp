@@ -27,7 +27,6 @@ constexpr SFailure kOfConfiguration[] = {
 
 constexpr ETraceText kReportedElsewhere[] = {
     ETraceText::kCannotLoad,
-    ETraceText::kMalformedIdentifier,
     ETraceText::kNoResource,
     ETraceText::kNotAvailable,
 };
@@ -43,6 +42,11 @@ std::string failureInWords(const std::string& traced) {
         if (const auto arguments = argumentsOf(failure.kind, traced)) {
             return fmt::format("{} {}{}", inQuotes(arguments->front()), failure.words, kRest);
         }
+    }
+    // Only a hardened library traces it.
+    if (const auto arguments = argumentsOf(ETraceText::kMalformedDocument, traced)) {
+        return fmt::format("a document is read up to line {}, column {} only: {}", arguments->at(0),
+                           arguments->at(1), arguments->at(2));
     }
     if (const auto arguments = argumentsOf(ETraceText::kNoConfiguration, traced)) {
         return "the configuration names no target: " + inQuotes(arguments->front());

@@ -12,9 +12,9 @@ namespace fi_model {
 // Which lists of pairs are documents.
 enum class EDocuments {
     // Every list of pairs that name something configured, something unknown, or nothing well-formed, or the
-    // very
-    // first target in the place of a further one; each second pair with an objid of its own and with that of
-    // the first.
+    // very first target in the place of a further one; each second pair with an objid of its own and with
+    // that
+    // of the first.
     kAll,
     // Every list of pairs that agree with the configuration, one pair that does not, and a malformed one.
     kAgreeing,

@@ -25,15 +25,23 @@ TEST(FiRotateFailureWords, SayWhatIsWrongWithAConfiguration) {
 
 TEST(FiRotateFailureWords, LeaveOutWhatIsReportedElsewhere) {
     for (const char* traced :
-         {"CFiFiidLoader::load: ERROR: failed to load FIID file", "ERROR: UDID##a",
+         {"CFiFiidLoader::load: ERROR: failed to load FIID file",
           "fi_process_backups : no resource is available",
           "fi_process_backups : Resources not availabe, some/all are part of Skip rotation fiids"}) {
         EXPECT_EQ(failureInWords(traced), "") << traced;
     }
 }
 
+TEST(FiRotateFailureWords, SayWhereAHardenedLibraryStopsReading) {
+    EXPECT_EQ(failureInWords(
+                  "CFiFiidHandler::fatalError : line 2, column 9 : more than 256 different element names"),
+              "a document is read up to line 2, column 9 only: more than 256 different element names");
+}
+
+// A message of ours may begin as the line of a malformed identifier does: with the name of a file.
 TEST(FiRotateFailureWords, ShowALineThatTheyDoNotKnow) {
     EXPECT_EQ(failureInWords("something new"), "something new");
+    EXPECT_EQ(failureInWords("ERROR: a.xml: cannot be opened"), "ERROR: a.xml: cannot be opened");
 }
 
 }  // namespace
