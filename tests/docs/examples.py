@@ -107,6 +107,18 @@ def session_of(commands):
     return "\n".join(script) + "\n"
 
 
+def seen_of(printed):
+    """What stays to be seen: a carriage return goes to the start of the line, which is then written over. A
+    progress bar, shown where a command takes its time on a slow machine, is gone that way in the end."""
+    lines = []
+    for line in printed.split("\n"):
+        seen = ""
+        for piece in line.split("\r"):
+            seen = piece + seen[len(piece):]
+        lines.append(seen)
+    return "\n".join(lines)
+
+
 def printed_on(terminal):
     """All that arrives until nobody holds the other end any more."""
     printed = b""
@@ -114,7 +126,7 @@ def printed_on(terminal):
         try:
             piece = os.read(terminal, 65536)
         except OSError:
-            return printed.decode(errors="backslashreplace").replace("\r\n", "\n")
+            return seen_of(printed.decode(errors="backslashreplace").replace("\r\n", "\n"))
         printed += piece
 
 

@@ -46,6 +46,12 @@ class Page(unittest.TestCase):
     def test_standard_error_stands_where_it_was_written(self):
         self.assertEqual(self.faults("; run\n```\n$ echo a; echo b >&2; echo c\na\nb\nc\n```\n")[0], [])
 
+    def test_what_is_written_over_is_not_seen(self):
+        page = "; run\n```\n$ printf '[##  ] 1 of 2\\\\r             \\\\rone\\\\n' >&2\none\n```\n"
+        self.assertEqual(self.faults(page)[0], [])
+        page = "; run\n```\n$ printf 'one two\\\\rTWO\\\\n'\nTWO two\n```\n"
+        self.assertEqual(self.faults(page)[0], [])
+
     def test_a_command_sees_the_status_of_the_one_before(self):
         self.assertEqual(self.faults("; run\n```\n$ false\n$ echo $?\n1\n```\n")[0], [])
 
