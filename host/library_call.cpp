@@ -79,17 +79,23 @@ void callLibrary(const SCall& call, std::int32_t listSize, std::vector<std::int3
     }
 }
 
-std::string formatted(const char* format, std::va_list arguments) {
+// As vsnprintf, but the arguments can be read again.
+int print(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
     std::va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    const int length = std::vsnprintf(buffer, size, format, again);
+    va_end(again);
+    return length;
+}
+
+std::string formatted(const char* format, std::va_list arguments) {
+    const int length = print(nullptr, 0, format, arguments);
     std::string text;
     if (length > 0) {
         text.resize(static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(text.data(), text.size(), format, again);
+        print(text.data(), text.size(), format, arguments);
         text.pop_back();
     }
-    va_end(again);
     return text;
 }
 
@@ -111,7 +117,7 @@ public:
         const auto address = reinterpret_cast<std::uintptr_t>(literal);
         SSlot& slot = slots[(address ^ address / kSlots) % kSlots];
         if (slot.literal != literal) {
-            slot = {literal, find(literal)};
+            fill(slot, literal);
         }
         return slot.meaning;
     }
@@ -122,6 +128,9 @@ private:
         const char* literal = nullptr;
         Meaning meaning = {};
     };
+
+    // Apart, since it is hardly ever needed.
+    [[gnu::noinline]] void fill(SSlot& slot, const char* literal) { slot = {literal, find(literal)}; }
 
     Meaning (*find)(const char*);
     std::array<SSlot, kSlots> slots;
@@ -205,12 +214,16 @@ public:
     std::exception_ptr sinkFailure;
 
 private:
-    void tell(int level, const char* format, std::va_list arguments);
-    void follow(const char* format, std::va_list arguments);
+    // What few lines need stands apart, so that the many others do not pay for it.
+    [[gnu::noinline]] void tell(int level, const char* format, std::va_list arguments);
+    [[gnu::noinline]] void follow(const char* format, std::va_list arguments);
     void enter(const char* name);
+    [[gnu::noinline]] void noteDocument(EOperation operation);
     void leave(const char* name);
 
     const SWishes& wished;
+    // Lines up to this level are told to somebody.
+    const int heardLevel;
     CAccountReader* account;
     // Of the document that was loaded and not parsed yet.
     SReading nextReading;
@@ -228,7 +241,9 @@ private:
 CTraceReceiver* activeReceiver = nullptr;
 
 CTraceReceiver::CTraceReceiver(const SWishes& wishes, CAccountReader* reader)
-    : wished(wishes), account(reader) {
+    : wished(wishes),
+      heardLevel(wishes.trace != nullptr ? std::max(kFailureLevel, wishes.traceLevel) : kFailureLevel),
+      account(reader) {
     if (activeReceiver != nullptr) {
         throw std::logic_error("the trace has a receiver already");
     }
@@ -240,14 +255,17 @@ CTraceReceiver::~CTraceReceiver() {
 }
 
 void CTraceReceiver::receive(int level, const char* format, std::va_list arguments) {
-    const bool isWished = wished.trace != nullptr && level <= wished.traceLevel;
-    if (isWished || level == kFailureLevel) {
-        std::va_list again;
-        va_copy(again, arguments);
-        tell(level, format, again);
-        va_end(again);
+    if (level <= heardLevel) {
+        tell(level, format, arguments);
     }
-    follow(format, arguments);
+    // Nearly all lines are of these two.
+    if (format == entering) {
+        enter(va_arg(arguments, const char*));
+    } else if (format == exiting) {
+        leave(va_arg(arguments, const char*));
+    } else {
+        follow(format, arguments);
+    }
 }
 
 void CTraceReceiver::tell(int level, const char* format, std::va_list arguments) {
@@ -271,15 +289,6 @@ void CTraceReceiver::tell(int level, const char* format, std::va_list arguments)
 }
 
 void CTraceReceiver::follow(const char* format, std::va_list arguments) {
-    // Nearly all lines are of these two.
-    if (format == entering) {
-        enter(va_arg(arguments, const char*));
-        return;
-    }
-    if (format == exiting) {
-        leave(va_arg(arguments, const char*));
-        return;
-    }
     const SLine& line = lines.of(format);
     if (!line.text.has_value()) {
         return;
@@ -325,9 +334,15 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
 void CTraceReceiver::enter(const char* name) {
     exits = 0;
     const EOperation operation = operations.of(name);
+    if (operation == EOperation::kParse || operation == EOperation::kFatalError) {
+        noteDocument(operation);
+    }
+}
+
+void CTraceReceiver::noteDocument(EOperation operation) {
     if (operation == EOperation::kParse) {
         readings.push_back(std::exchange(nextReading, {}));
-    } else if (operation == EOperation::kFatalError) {
+    } else {
         readings.back().isMalformed = true;
     }
 }
