@@ -61,13 +61,14 @@ struct CFiXmlLibrary::SProcess {
     static inline SSurroundings* halfSetUp = nullptr;
     // Of a call that ended while somebody else held the library.
     static inline SSurroundings* left = nullptr;
-    // In the host library only.
-    static inline bool isHeld = false;
+    // In the host library only: from its first call on.
+    static inline SSurroundings* held = nullptr;
 };
 
 CFiXmlLibrary::CFiXmlLibrary() {
-    if (SProcess::isHeld) {
-        return;  // GCOVR_EXCL_LINE: in the host library only.
+    if (SProcess::held != nullptr) {
+        SProcess::held->memory.takeOver();  // GCOVR_EXCL_LINE: in the host library only.
+        return;                             // GCOVR_EXCL_LINE
     }
     freeWhatWasLeft();
     finishHalfSetUp();
@@ -88,15 +89,15 @@ CFiXmlLibrary::CFiXmlLibrary() {
         throw;
     }
     if constexpr (kInHostLibrary) {
-        surroundings->memory.leaveToOthers();
-        static_cast<void>(surroundings.release());
-        SProcess::isHeld = true;
+        SProcess::held = surroundings.release();
     }
 }
 
 CFiXmlLibrary::~CFiXmlLibrary() {
     if (surroundings != nullptr) {
         terminate();
+    } else if (SProcess::held != nullptr) {
+        SProcess::held->memory.leaveToOthers();  // GCOVR_EXCL_LINE: in the host library only.
     }
 }
 

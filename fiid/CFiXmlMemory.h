@@ -14,9 +14,9 @@
 // not, and while it is set up and terminated it draws on a reserve that was there before.
 //
 // Small blocks, which a reader makes and drops by the hundred for each document, are cut from larger ones and
-// used again. Only the thread that made this object gets such blocks. Whoever else uses the XML library
-// meanwhile, or holds it when its owner is done, is given blocks of the process's own heap, which is
-// thread-safe; those that the XML library loses when memory runs out stay lost.
+// used again. Only the owner gets such blocks: the thread that made this object, until it leaves it to others
+// or another one takes it over. Whoever else uses the XML library is given blocks of the process's own heap,
+// which is thread-safe; those that the XML library loses when memory runs out stay lost.
 class CFiXmlMemory : public xercesc::MemoryManager {
 public:
     CFiXmlMemory();
@@ -34,6 +34,9 @@ public:
 
     // Ends the owner's use. Others may go on using this object, from any thread, until it is destroyed.
     void leaveToOthers() { owner = std::thread::id(); }
+
+    // Makes this thread the owner. Nobody else is, and what its last owner did has happened before.
+    void takeOver() { owner = std::this_thread::get_id(); }
 
 private:
     static constexpr std::size_t kUnit = alignof(std::max_align_t);

@@ -154,3 +154,15 @@ TEST(CFiXmlMemory, ExceptionsUseTheSameMemory) {
 }
 
 }  // namespace
+
+TEST(CFiXmlMemory, UsesTheBlocksOfItsOwnerAgainForAThreadThatTakesItOver) {
+    CFiXmlMemory memory;
+    void* const ofOwner = memory.allocate(64);
+    memory.leaveToOthers();
+    std::thread([&memory, ofOwner] {
+        memory.takeOver();
+        memory.deallocate(ofOwner);
+        EXPECT_EQ(memory.allocate(64), ofOwner);
+        memory.leaveToOthers();
+    }).join();
+}
