@@ -38,7 +38,7 @@ std::string replaceAll(const std::string& text, const SEscape& escape) {
     }
     result.append(text, copied);
 
-    // The text is a C string to everybody behind this call: nothing after a NUL byte counts.
+    // All callers take the result for a C string, so it ends at its first NUL byte.
     result.resize(std::strlen(result.c_str()));
     return result;
 }

@@ -8,18 +8,20 @@
 
 namespace {
 
-// Encodings in which the byte '<' stands for nothing but that character, and no other byte does.
+// Encodings in which the byte '<' always is that character, and that character always is this byte: tags can
+// be found without decoding the document.
 constexpr std::string_view kKnownEncodings[] = {
     "UTF-8",  "UTF8",   "US-ASCII", "ASCII",  "LATIN1", "KOI8-R",  "KOI8-U", "SHIFT_JIS",
     "EUC-JP", "EUC-KR", "EUC-TW",   "GB2312", "GBK",    "GB18030", "BIG5",   "WINDOWS-31J",
 };
-// How the names of others begin. The last ones, wider than a byte, cannot hold a '<' without a NUL.
+// How the names of further such encodings begin. From UTF-16 on, a '<' has a NUL byte beside it, and
+// startDocument is given no document with a NUL byte: no tag can be missed.
 constexpr std::string_view kKnownFamilies[] = {
     "ISO-8859-", "ISO8859-", "ISO_8859-", "WINDOWS-125",    "CP125",
     "UTF-16",    "UTF-32",   "UCS-",      "ISO-10646-UCS-",
 };
 
-// Whatever the locale.
+// Unlike std::toupper, the same in every locale.
 char inCapitals(char character) {
     return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
 }
@@ -37,14 +39,15 @@ bool isKnownEncoding(std::string_view name) {
            });
 }
 
-// The bytes tell where tags begin only in these. EBCDIC is found by the XML library itself.
+// Whether tags can be found in the bytes of the document. The XML library reads EBCDIC without a declaration
+// when the document begins with these bytes, so they are looked for here, too.
 bool isReadByItsBytes(std::string_view document) {
     constexpr std::string_view kEbcdicStart = "\x4C\x6F\xA7\x94";
     return document.substr(0, kEbcdicStart.size()) != kEbcdicStart && hasAtMostOneEncoding(document) &&
            isKnownEncoding(declaredEncoding(document).value_or("UTF-8"));
 }
 
-// Where a start tag ends that `text` begins with; its size when it does not.
+// Where the start tag at the start of `text` ends; the size of `text` when the tag has no end.
 std::size_t endOfTag(std::string_view text) {
     std::size_t end = text.find_first_of("'\">");
     while (end != std::string_view::npos && text[end] != '>') {
@@ -54,7 +57,7 @@ std::size_t endOfTag(std::string_view text) {
     return std::min(end, text.size());
 }
 
-// As an ASCII character, or as a part of any other.
+// Whether the name of an element may begin with this byte, be it ASCII or part of another character.
 bool beginsName(char character) {
     const char capital = inCapitals(character);
     return (capital >= 'A' && capital <= 'Z') || character == '_' || character == ':' ||
@@ -65,8 +68,8 @@ bool isLongStartTag(std::string_view text) {
     return text.size() > 1 && beginsName(text[1]) && endOfTag(text) >= CFiDocumentLimits::kLongestTag;
 }
 
-// No tag holds another '<', so one that is too long leaves whole blocks without any. Nearly all documents are
-// done with by a look at the start of each block.
+// A tag holds no second '<', so a tag that is too long fills at least one block without a '<'. Only around
+// such a block a tag is measured, which saves time: nearly all documents have none.
 std::optional<std::size_t> longStartTagIn(std::string_view document) {
     constexpr std::size_t kBlock = CFiDocumentLimits::kLongestTag / 2;
     std::size_t block = 0;

@@ -6,7 +6,8 @@
 #include <unordered_set>
 
 // What a document may ask of a reader, so that reading takes time and memory in proportion to the bytes of
-// the document. The hardened library, the host library and fi-rotate refuse the same documents: all ask here.
+// the document. The hardened library, the host library and fi-rotate all use this class, so that they refuse
+// the same documents.
 //
 // The XML library looks names up in hash tables whose hash everybody can foresee: names that collide cost as
 // many comparisons as there are names before them. So different element names are counted, and start tags,
@@ -53,27 +54,29 @@ public:
         kNames,
         kDepth
     };
-    // What went beyond a limit, for a message.
+    // What exceeds a limit, in words for a message.
     static std::string inWords(EExcess excess);
 
     struct SFinding {
         EExcess excess = EExcess::kNone;
-        // In the document.
+        // In bytes from the start of the document.
         std::size_t offset = 0;
     };
-    // Another document follows, with counts of its own. Tells what its bytes show before it is read. They
-    // must not hold a NUL.
+    // Begins a document and sets all counts to zero. Returns the limit that it exceeds, as far as its bytes
+    // show that before they are parsed. `document` must not hold a NUL byte.
     SFinding startDocument(std::string_view document);
 
-    // Of the declaration of an attribute with this default; null without one.
+    // The functions below count what the reader meets, and return the limit that is exceeded then, or kNone.
+
+    // `value` is the default of the attribute; null when it has none.
     EExcess declareAttribute(const char16_t* value);
-    // Of the declaration of an entity; the names of parameter entities begin with '%'.
+    // The names of parameter entities begin with '%'.
     EExcess declareEntity(std::u16string_view name, std::u16string_view value);
-    // Of any other one.
+    // A declaration of any other kind.
     EExcess declareOther();
 
-    // A name is known by its address: the XML library keeps each name once, for as long as it reads a
-    // document.
+    // Names are told apart by their addresses: while it reads a document, the XML library stores each name
+    // once.
     EExcess startElement(const char16_t* name);
     void endElement() { --depth; }
 

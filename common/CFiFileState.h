@@ -4,9 +4,9 @@
 
 #include <string>
 
-// A file, and the state that it is in, as texts to be compared. The host library looks at each document
-// before it is read, and what reads it says what it has read: both ask here.
-// GCOVR_EXCL_START: in the host library only.
+// Which file is meant and in which state it is, as texts that can be compared. The host library notes the
+// state of each document before the call; the loader traces the state of what it has read. Both use this
+// class, so that the two can be compared. GCOVR_EXCL_START: in the host library only.
 class CFiFileState {
 public:
     explicit CFiFileState(const struct stat& seen)
@@ -14,9 +14,9 @@ public:
           text(file + ' ' + std::to_string(seen.st_size) + ' ' + asText(seen.st_mtim) + ' ' +
                asText(seen.st_ctim)) {}
 
-    // Of which file, whatever its names.
+    // The same for all names of a file, different for other files.
     std::string file;
-    // Different for every state that a file was in or may come to.
+    // Becomes another text when the file is changed or replaced.
     std::string text;
 
 private:

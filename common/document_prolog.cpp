@@ -22,7 +22,7 @@ constexpr SSkipped kSkipped[] = {
     {kByteOrderMark, ""}, {" ", ""}, {"\t", ""}, {"\r", ""}, {"\n", ""}, {"<!--", "-->"}, {"<?", "?>"},
 };
 
-// Bytes at the start of `text` that may stand before it.
+// How many bytes the first of these takes at the start of `text`; 0 when none of them stands there.
 std::size_t skippedAt(std::string_view text) {
     const auto* const found =
         std::find_if(std::begin(kSkipped), std::end(kSkipped),
@@ -34,7 +34,7 @@ std::size_t skippedAt(std::string_view text) {
     return end == std::string_view::npos ? 0 : end + found->end.size();
 }
 
-// A value in quotation marks after '=' at the start of `text`.
+// The value of an attribute, given the text behind the attribute's name.
 std::optional<std::string_view> valueAt(std::string_view text) {
     const std::size_t equals = text.find_first_not_of(kWhiteSpace);
     if (equals == std::string_view::npos || text[equals] != '=') {
@@ -51,8 +51,9 @@ std::optional<std::string_view> valueAt(std::string_view text) {
     return text.substr(begin + 1, end - begin - 1);
 }
 
-// Bytes of a text in quotation marks, a comment or a processing instruction at the start of `text`, whose '>'
-// and brackets do not count; all of `text` when it does not end in it.
+// How many bytes to go on at the start of `text`: over a whole quoted text, comment or processing
+// instruction, because a '>' or a bracket within it does not end the DTD; over all of `text` when that has no
+// end; else 1.
 std::size_t quotedOrSkipped(std::string_view text) {
     if (text[0] == '"' || text[0] == '\'') {
         return std::min(text.find(text[0], 1), text.size() - 1) + 1;
@@ -64,7 +65,7 @@ std::size_t quotedOrSkipped(std::string_view text) {
     return 1;
 }
 
-// What the XML declaration says; empty without one.
+// The XML declaration; empty when the document has none.
 std::string_view xmlDeclaration(std::string_view document) {
     if (startsWith(document, kByteOrderMark)) {
         document.remove_prefix(kByteOrderMark.size());

@@ -6,14 +6,15 @@
 
 // What stands before the first element of an XML document.
 
-// The encoding in the XML declaration.
+// The encoding that the XML declaration names.
 std::optional<std::string_view> declaredEncoding(std::string_view document);
 
-// Whether the XML declaration names no second encoding, which a reader might find where this one does not.
+// Whether the XML declaration names one encoding at most. If it named two, the XML library might take another
+// one than declaredEncoding.
 bool hasAtMostOneEncoding(std::string_view document);
 
-// Where the DOCTYPE begins.
+// The offset of the DOCTYPE.
 std::optional<std::size_t> doctypeIn(std::string_view document);
 
-// Whether the DOCTYPE that `text` begins with has ended after `most` bytes.
+// Whether the DOCTYPE at the start of `text` ends within `most` bytes.
 bool endsWithin(std::size_t most, std::string_view text);

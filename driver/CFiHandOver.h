@@ -17,7 +17,7 @@ public:
     CFiHandOver& operator=(const CFiHandOver&) = delete;
 
     void give(CMallocedText selection);
-    // As many flag words as there are.
+    // `finalFlags` holds `count` flag words.
     void give(const std::vector<std::int32_t>& finalFlags);
     void keep() { isKept = true; }
 

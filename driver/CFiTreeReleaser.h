@@ -4,9 +4,9 @@
 
 class CFiFiidNode;
 
-// Deletes whole trees at the end of a scope: all those whose roots the list holds by then. Nodes
-// have no owner of their own; the call that had them loaded is the one that knows when the last
-// pointer into them is done with.
+// Deletes whole trees at the end of a scope: all those whose roots the list holds by then. Nodes do
+// not delete one another; only the call that had them loaded knows when no pointer into them is used
+// any more.
 class CFiTreeReleaser {
 public:
     // `rootList` is borrowed and must outlive the releaser.

@@ -37,8 +37,7 @@ std::int32_t fi_process_backups(const char* const* fiidList, const char* resourc
         return FI_STATUS_FAILURE;
     }
 
-    // The parser's status is not looked at: what a rejected configuration leaves is what can be
-    // used.
+    // The parser's status is ignored: the call goes on with the configurations before a rejected one.
     CFiResourceParser parser;
     parser.parse(resource_config_string);
     CFiResourceManager manager;

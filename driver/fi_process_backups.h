@@ -31,8 +31,8 @@ extern "C" {
  * end with a line end. Level 3 carries failures, level 4 progress. It must not throw, and must not call
  * the library.
  *
- * It is visible outside the program even when that is compiled with hidden visibility; a program that
- * loads the library at run time exports it besides, with
+ * This declaration makes it visible outside the program even when that is compiled with hidden visibility.
+ * A program that loads the library at run time must also export it: link with
  * -Wl,--export-dynamic-symbol=mofi_tracelog.
  */
 /* NOLINTNEXTLINE(readability-redundant-declaration): our own sources have one without this header. */
@@ -50,7 +50,7 @@ enum {
     FI_STATUS_FAILURE = 3
 };
 
-/* What became of an earlier backup. */
+/* The state of an earlier backup after a call. */
 enum {
     /* Its targets agree with the configuration and it keeps them. */
     FI_BACKUP_KEPT = 0,
@@ -109,9 +109,9 @@ enum {
  *
  * Threads: calls in one process must not overlap. The library takes no lock, and the set-up of the
  * XML library, which every call with earlier backups runs, is not thread-safe. The host serialises
- * its calls, on whichever threads it makes them, and any use of its own that sets up or terminates
- * the same XML library with them. A host that holds the XML library set up all the time only hides
- * the fault: the library's count of its users stays unprotected.
+ * its calls, on whichever threads it makes them, and with them any use of its own that sets up or
+ * terminates the same XML library. It is not enough that the host keeps the XML library set up all the
+ * time: each call still changes that library's count of its users, without a lock.
  */
 __attribute__((visibility("default"))) int32_t fi_process_backups(const char* const* fiidList,
                                                                   const char* resource_config_string,

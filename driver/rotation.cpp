@@ -26,8 +26,8 @@
 namespace {
 
 using Backups = std::vector<CFiFiidNode*>;
-// Of each backup that passed the check. Until the end of the call no tree changes, and of the configuration
-// the states only.
+// The targets of each backup that passed the check. They stay valid to the end of the call: until then no
+// tree changes, and nothing of the configurations but their states.
 using TargetsOfBackups = std::unordered_map<const CFiFiidNode*, BackupTargets>;
 // By file name: 0, or FI_EXCLUDE_ROTATION for a backup that must keep its targets.
 using ExcludeMap = std::map<std::string, std::int32_t>;
@@ -88,8 +88,8 @@ void claimTargets(const TargetsOfBackups& targetsOf, const Backups& backups) {
     }
 }
 
-// The configurations that have no free target. A release only ever adds free targets, so what was found
-// to have one is never looked at again, and the selection string need not be built to know.
+// The configurations without a free target. A release only adds free targets, so a configuration that has one
+// is not looked at again; trying to build the selection after each release would take much longer.
 class CFiExhaustedLists {
 public:
     explicit CFiExhaustedLists(const std::vector<SFiResourceList>& resourceSet)
@@ -107,8 +107,7 @@ private:
     std::vector<SFiResourceList>::const_iterator end;
 };
 
-// `backups` oldest first. No more are released than needed, since every release is preceded by the
-// test.
+// `backups` oldest first. The test before each release makes sure that no more are released than needed.
 void releaseOldest(const std::vector<SFiResourceList>& resourceSet, const TargetsOfBackups& targetsOf,
                    const Backups& backups, ExcludeMap& excludeMap) {
     CFiExhaustedLists exhausted(resourceSet);
@@ -129,8 +128,8 @@ void releaseOldest(const std::vector<SFiResourceList>& resourceSet, const Target
     }
 }
 
-// What fiidFlags will hold: the state of each name's first backup, oldest first, or the flag word
-// of a name that was not loaded.
+// What fiidFlags will hold: for a name that was loaded, the state of the first of `backups` with that name;
+// for any other name, its flag word.
 std::vector<std::int32_t> finalFlags(const std::vector<std::string>& fiidNames, const std::int32_t* fiidFlags,
                                      const Backups& backups) {
     std::unordered_map<std::string_view, std::int32_t> states;
@@ -164,8 +163,7 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
     CFiFiidLoader loader;
     const CFiTreeReleaser releaser(loader.nodes);
     const CFiTreeReleaser releaserOfReplaced(loader.replaced);
-    // The status is not looked at: what could not be loaded is ignored, and the rest is enough
-    // or not.
+    // The status is ignored: the call goes on with the documents that could be loaded.
     {
         const CFiXmlLibrary heldForAllDocuments;
         loader.import(fiidNames);

@@ -33,8 +33,8 @@ std::optional<std::string> buildSelection(const std::vector<SFiResourceList>& re
 CMallocedText duplicateForCaller(const std::string& selection) {
     const ACE_CString copy(selection.c_str(), selection.size());
     if (copy.length() != selection.size()) {
-        // Without memory the string class stays empty and says nothing; an empty selection would
-        // tell the caller that there is nothing to choose.
+        // When memory runs out, this string class stays empty without an error. An empty selection
+        // would tell the caller that there is nothing to choose.
         return nullptr;
     }
     return CMallocedText(strdup(copy.c_str()));

@@ -25,8 +25,8 @@ void tracePlace(const xercesc::SAXParseException& report) {
 }
 // GCOVR_EXCL_STOP
 
-// Names are compared as they arrive, in UTF-16: no character but ASCII's own becomes ASCII in a local
-// code page.
+// Compares in UTF-16, which is faster and gives the same answer as a comparison in the local code page: in
+// none of these does a character outside ASCII become one of the letters of `element`.
 bool isNamed(const XMLCh* qname, const XMLCh* element) {
     while (*qname == *element && *element != 0) {
         ++qname;
@@ -38,7 +38,7 @@ bool isNamed(const XMLCh* qname, const XMLCh* element) {
 }  // namespace
 
 CFiFiidHandler::CFiFiidHandler()
-    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a member, the last report; nothing is thrown.
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): this initialises a member and throws nothing.
     : lastException(nullptr, nullptr, nullptr, 0, 0, XMLPlatformUtils::fgMemoryManager) {
     traceEntering("CFiFiidHandler::CFiFiidHandler");
     traceExiting("CFiFiidHandler::CFiFiidHandler");
@@ -57,7 +57,7 @@ void CFiFiidHandler::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname
                                   const xercesc::Attributes& /*attributes*/) {
     traceEntering("CFiFiidHandler::startElement");
     if (done) {
-        // The extra line is what tells a reader of the trace that the tree was already complete.
+        // This extra line tells readers of the trace that the tree was complete before.
         traceExiting("CFiFiidHandler::startElement");
     }
     if (isNamed(qname, u"Node")) {
@@ -89,9 +89,9 @@ void CFiFiidHandler::openNode() {
         node->parent = current;
         current->children.push_back(node.get());
     } else {
-        // A root made earlier in this document is dropped from view here and stays allocated:
-        // nobody holds it any more, and nodes are never deleted by the code that builds them.
-        // The host library keeps it for who releases the trees.
+        // An earlier root of this document stays allocated: nothing points to it any more, and the
+        // code that builds nodes never deletes any. In the host library it is kept in a list, so that
+        // the driver frees it with the other trees.
         if constexpr (kInHostLibrary) {
             keepReplaced();
         }

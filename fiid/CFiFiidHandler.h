@@ -15,7 +15,7 @@ class CFiFiidNode;
 class CFiFiidHandler : public xercesc::DefaultHandler {
 public:
     CFiFiidHandler();
-    // Leaves the nodes alone.
+    // Deletes no nodes.
     ~CFiFiidHandler() override;
 
     CFiFiidHandler(const CFiFiidHandler&) = delete;
@@ -37,16 +37,17 @@ public:
     CFiFiidNode* root = nullptr;
     // The innermost open Node.
     CFiFiidNode* current = nullptr;
-    // A top-level Node has closed.
+    // Whether a top-level Node has closed.
     bool done = false;
     // Unused; part of the record's fixed layout.
     std::string spareName;
     xercesc::SAXParseException lastException;
     // A warning counts like an error.
     bool errorSeen = false;
-    // The latest piece of character data; white space between tags included.
+    // The latest piece of character data; white space between tags is one, too.
     std::string text;
-    // In the host library: the root before the last one, if there is one; `parent` of each is the one before.
+    // Used in the host library only: the first of a list of roots that a later one replaced, or null. The
+    // next in the list is the `parent` of each.
     CFiFiidNode* replaced = nullptr;
 
 private:

@@ -32,7 +32,8 @@ struct SFileClose {
 };
 
 // Hands the trees of a handler to the loader at the end of the scope, also when an exception ends it: a tree
-// that no list knows would never be freed. The list must have room.
+// that is in no list would never be freed. The loader's list must have room for one more root, because a
+// destructor must not fail to allocate it.
 class CRootKeeper {
 public:
     CRootKeeper(const CFiFiidHandler& reading, CFiFiidLoader& reader) : handler(reading), loader(reader) {}
@@ -60,7 +61,8 @@ private:
 };
 
 // GCOVR_EXCL_START: in the host library only.
-// Which state of which file was read, and whether to its end: the name may stand for another one by now.
+// Traces which file was read, in which state, and whether to its end. It asks the open stream, because the
+// name may be that of another file by now.
 [[maybe_unused]] void traceWhatWasRead(std::FILE* stream) {
     struct stat state {};
     const bool isWhole = std::ferror(stream) == 0 && fstat(fileno(stream), &state) == 0;
@@ -70,7 +72,8 @@ private:
 // GCOVR_EXCL_STOP
 
 void parseDocument(const std::string& content, CFiFiidLoader& loader) {
-    // The handler allocates through the XML library, which lives as long as the parser.
+    // The parser comes first and goes last: the handler allocates through the XML library, which the parser
+    // keeps initialised.
     CFiFiidParser parser(nullptr);
     CFiFiidHandler handler;
     const CRootKeeper keeper(handler, loader);
@@ -80,14 +83,14 @@ void parseDocument(const std::string& content, CFiFiidLoader& loader) {
 
 }  // namespace
 
-// The operation takes a copy.
+// `file` is a copy because the signature of this operation is fixed.
 std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
     content.clear();
     traceEntering(kNoName);
 
     std::unique_ptr<std::FILE, SFileClose> stream(fopen64(file.c_str(), kOpenMode));
     if (stream == nullptr && errno == ENOMEM) {
-        // The file is there, as far as anybody knows. Without it, and all behind it, a target that it holds
+        // The file may well be there. If the call went on without it and the files after it, their targets
         // would be taken for free.
         throw std::bad_alloc();
     }
@@ -100,10 +103,10 @@ std::int32_t CFiFiidLoader::load(std::string file, std::string& content) const {
         return kCannotOpen;
     }
 
-    // Nobody else knows the stream, so its lock, once a line, is saved.
+    // No other thread uses the stream, so it need not be locked for every line.
     __fsetlocking(stream.get(), FSETLOCKING_BYCALLER);
     char piece[2048];
-    // What is too long to be parsed need not be read to its end.
+    // A document beyond the limit is not parsed, so it need not be read to its end.
     while (content.size() <= kMostContent && std::fgets(piece, sizeof piece, stream.get()) != nullptr) {
         content += piece;
     }

@@ -7,8 +7,9 @@
 
 namespace {
 
-// Calls visit(node, depth) for `root` (depth 0) and all its descendants, in pre-order. Only nodes with
-// children still to come wait on the stack, so that a tree without branches needs none, however deep.
+// Calls visit(node, depth) for `root` (depth 0) and all its descendants, in pre-order. A node waits in
+// `waiting` only while it has children still to be visited, so a tree without branches takes no space there,
+// however deep.
 template <typename Visit>
 void walkPreOrder(const CFiFiidNode& root, Visit visit) {
     struct SFrame {
@@ -49,7 +50,7 @@ std::vector<const CFiFiidNode*> CFiFiidNode::findNodes(const std::string& patter
     return found;
 }
 
-// The operation takes a copy.
+// `pattern` is a copy because the signature of this operation is fixed.
 std::int32_t CFiFiidNode::getNodes(std::string pattern, std::map<std::string, std::string>& result) const {
     for (const CFiFiidNode* node : findNodes(pattern)) {
         result[node->objid] = node->altobjid;

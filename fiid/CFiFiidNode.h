@@ -34,7 +34,7 @@ public:
     // The key of the date orderings, compared as bytes; root only.
     std::string timeStamp;
     std::int32_t type = 0;
-    // What became of the backup, set by the rotation; root only.
+    // The state of the backup, FI_BACKUP_..., which the rotation sets; root only.
     std::int32_t state = 0;
     // In document order.
     std::vector<CFiFiidNode*> children;

@@ -23,7 +23,7 @@ CFiFiidParser::CFiFiidParser(xercesc::DefaultHandler* initialHandler) {
             setHandler(initialHandler);
         }
     } catch (...) {
-        // No destructor runs for an object whose constructor throws.
+        // The destructor does not run for an object whose constructor throws.
         release();
         throw;
     }
@@ -39,7 +39,8 @@ CFiFiidParser::~CFiFiidParser() {
 void CFiFiidParser::init() {
     traceEntering("CFiFiidParser::init");
     try {
-        // In the host library it is held, and its count of users, which is not thread-safe, is left alone.
+        // The host library keeps the XML library initialised. There, the count of its users is left alone,
+        // because other threads of the process may be changing it.
         if constexpr (!kInHostLibrary) {
             XMLPlatformUtils::Initialize(XMLUni::fgXercescDefaultLocale);
         }
@@ -53,8 +54,7 @@ void CFiFiidParser::init() {
             limits.applyTo(*reader);
         }
     } catch (const XMLException&) {  // NOLINT(bugprone-empty-catch)
-        // A parser without a reader yields no tree, and the backup is then absent from the
-        // selection.
+        // A parser without a reader yields no tree; the backup is then ignored.
     }
     traceExiting("CFiFiidParser::init");
 }
@@ -90,7 +90,7 @@ void CFiFiidParser::parse(const std::string& document) {
             reader->parse(source);
             // GCOVR_EXCL_START: in a hardened library only.
         } catch (const CFiXmlExcess& excess) {
-            // As the reader reports what is malformed.
+            // Reported like a document that is not well-formed.
             if (handler != nullptr) {
                 handler->fatalError(excess);
             }

@@ -11,13 +11,13 @@ using xercesc::XMLUni;
 
 namespace {
 
-// The words are ASCII.
+// The words are ASCII, so that each byte is a character.
 std::u16string messageOf(CFiDocumentLimits::EExcess excess) {
     const std::string words = CFiDocumentLimits::inWords(excess);
     return {words.begin(), words.end()};
 }
 
-// As a reader counts them: the line, and the column behind the last character that was read.
+// A place as a reader counts it: the column is that behind the last character that was read.
 struct SPlace {
     XMLFileLoc line;
     XMLFileLoc column;
@@ -90,7 +90,8 @@ void CFiXmlLimits::elementDecl(const XMLCh* /*name*/, const XMLCh* /*model*/) {
     refuseIf(limits.declareOther());
 }
 
-// A reference to it fails, and without one nothing is opened.
+// The declaration alone opens nothing, so it is only counted. A reference to the entity makes the reader
+// fail.
 void CFiXmlLimits::externalEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
                                       const XMLCh* /*systemId*/) {
     refuseIf(limits.declareOther());

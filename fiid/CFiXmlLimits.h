@@ -17,26 +17,26 @@ constexpr bool kHardenedXml = true;
 constexpr bool kHardenedXml = false;
 #endif
 
-// A document goes beyond a limit: which one, and where.
+// Thrown when a document exceeds a limit. Says which one, and where.
 class CFiXmlExcess : public xercesc::SAXParseException {
 public:
     using SAXParseException::SAXParseException;
 };
 
-// What a document may not ask of a reader: to open a file or a connection, or to do more than its bytes are
-// worth (CFiDocumentLimits). Stands between the reader and the handler of its events.
+// Keeps a document from making the reader open a file or a connection, or take more time and memory than its
+// size justifies (CFiDocumentLimits). It stands between the reader and the handler of the reader's events.
 class CFiXmlLimits : private xercesc::DefaultHandler {
 public:
     CFiXmlLimits();
 
-    // These limits are borrowed by `reader` and must outlive it.
+    // Sets `reader` up to keep to these limits. They are borrowed and must outlive it.
     void applyTo(xercesc::SAX2XMLReader& reader);
 
-    // Who gets the content that is within the limits. Borrowed; may be null.
+    // Sets the handler of the content that is within the limits. Borrowed; may be null.
     void setHandler(xercesc::ContentHandler* newHandler) { handler = newHandler; }
 
-    // Another document follows, with counts of its own. While it is read, a limit that it exceeds is thrown
-    // as a CFiXmlExcess.
+    // Begins a document and sets all counts to zero. When the document exceeds a limit, this function or the
+    // reader throws a CFiXmlExcess.
     void begin(const std::string& document);
 
 private:
@@ -62,6 +62,6 @@ private:
     xercesc::SecurityManager references;
     CFiDocumentLimits limits;
     xercesc::ContentHandler* handler = nullptr;
-    // Of the reader, for one document.
+    // Where the reader is in the document that it reads.
     const xercesc::Locator* locator = nullptr;
 };

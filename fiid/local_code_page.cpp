@@ -26,7 +26,7 @@ bool transcode(const XMLCh* text, std::string& result) {
     return true;
 }
 
-// One comparison for both ends of the range: the loop that asks runs over all text of a document.
+// Compares once for both ends of the range, to save time: this is asked of every character of a document.
 bool isAsciiButNul(XMLCh unit) {
     return static_cast<std::uint16_t>(unit - 1) < 0x7F;
 }
@@ -34,8 +34,8 @@ bool isAsciiButNul(XMLCh unit) {
 }  // namespace
 
 bool toLocalCodePage(const XMLCh* text, std::string& result) {
-    // Long enough for identifiers and time stamps; what is longer is rare, and the transcoder's cost
-    // is then small beside the text's.
+    // Long enough for identifiers and time stamps. Longer texts are rare, so they may take the slower way
+    // through the transcoder.
     char ascii[256];
     std::size_t length = 0;
     while (length < sizeof ascii && isAsciiButNul(text[length])) {

@@ -61,8 +61,8 @@ bool applyMode(const STargetPlace& place, int mode) {
     return true;
 }
 
-// In ascending order of objid, which decides what is thrown, traced and changed when a pair is malformed or
-// matches no target.
+// Goes through the pairs in ascending order of objid. The order matters when a pair is malformed or matches
+// no target: it decides what is thrown, traced and changed.
 bool validateInOrder(const CFiFiidNode& node, const CFiTargetIndex& index, int mode) {
     std::map<std::string, std::string> pairs;
     node.getNodes(kDeviceIdentifierMark, pairs);
@@ -112,7 +112,7 @@ void CFiResourceManager::print() const {
 std::optional<BackupTargets> findTargets(const CFiFiidNode& root, const CFiTargetIndex& index) {
     std::optional<BackupTargets> targets = matchAll(root, index);
     if (!targets.has_value()) {
-        // Throws unless a pair without a target comes before the malformed ones.
+        // Traces and throws what is malformed, unless a pair that matches no target comes first.
         validateInOrder(root, index, CFiResourceManager::kCheck);
     }
     return targets;

@@ -42,9 +42,9 @@ public:
 // The targets of one backup, where they stand in a resource set; the set's records must stay where they are.
 using BackupTargets = std::vector<STargetPlace>;
 
-// validateResources for a caller that changes no record, but for its state, and no tree between the check of
-// a backup, its claim and its release: its targets are found once, in the check, through an index that serves
-// all backups.
+// The three functions below do what validateResources does in its three modes, in less time: the check finds
+// the targets of a backup, through an index that serves all backups, and the claim and the release take them
+// from there. In between, the caller must change no tree, and nothing of the records but their states.
 //
 // The check: the targets of all identifier pairs under `root`, in no particular order; nothing when a pair
 // matches no target. Traces and throws as validateResources does.

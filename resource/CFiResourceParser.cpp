@@ -50,7 +50,7 @@ std::int32_t CFiResourceParser::parse(const char* specification) {
         return kNoConfiguration;
     }
 
-    // The split has ended the text behind its first configuration, so the line shows no more.
+    // The split wrote a NUL byte behind the first configuration, so the line ends there.
     mofi_tracelog(kTraceProgress, "CFiResourceParser::parse : Resource specification [%s]", text.c_str());
 
     for (char* field : fields) {

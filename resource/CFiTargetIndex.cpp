@@ -17,7 +17,7 @@ CFiTargetIndex::CFiTargetIndex(std::vector<SFiResourceList>& resourceSet) {
             targets.reserve(list.resources.size());
         }
         for (SFiResource& resource : list.resources) {
-            // A name that comes again keeps its first place.
+            // The first of several targets of the same name counts.
             targets.try_emplace({resource.device, resource.enclosure}, STargetPlace{&list, &resource});
         }
     }

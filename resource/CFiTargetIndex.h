@@ -34,6 +34,7 @@ private:
     };
     using Targets = std::unordered_map<Name, STargetPlace, SNameHash>;
 
-    // By first target, since one table for all would be too large to stay in the cache while it is filled.
+    // A table for each first target: one table for all would be too large for the processor's cache while it
+    // is filled.
     std::unordered_map<Name, Targets, SNameHash> tables;
 };

@@ -17,7 +17,7 @@ public:
     std::string enclosure;
     // The rest of the text, further "##" included.
     std::string device;
-    // Set by nobody; part of the record as the identifiers' writers define it.
+    // Unused; part of the record's fixed layout.
     std::string reserved;
     bool isEnclosureId = false;
 };
