@@ -102,10 +102,10 @@ enum {
  * Nodes only the last counts, and the others stay allocated for the life of the process.
  *
  * Exceptions: CFiUdidException (CFiUdidException.h) leaves the call when the document of an earlier
- * backup holds a malformed device identifier. A host in C++ catches it; a host in C must call
- * through a function in C++ that does. When memory runs out, std::bad_alloc or an exception of the
- * XML library (which need not be a std::exception) leaves the call. When the XML library cannot be
- * set up, std::runtime_error or std::bad_alloc does; the next call tries again.
+ * backup holds a malformed device identifier. A host in C++ catches it. A host in C cannot; it uses the host
+ * library (host.h), which decides the same and throws nothing. When memory runs out, std::bad_alloc or an
+ * exception of the XML library (which need not be a std::exception) leaves the call. When the XML library
+ * cannot be set up, std::runtime_error or std::bad_alloc does; the next call tries again.
  *
  * Threads: calls in one process must not overlap. The library takes no lock, and the set-up of the
  * XML library, which every call with earlier backups runs, is not thread-safe. The host serialises

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-// What the library's trace says happened in one call, and why. Nothing is decided here: every verdict and
-// every state is one that the library traced; only the names in a reason are looked up.
+// What happened in one call, and why, as the library's trace tells it. Nothing is decided here: all states
+// are those that the library traced, and only the names in a reason are looked up.
 namespace fi_rotate {
 
 // Targets are written ENCLOSURE##DEVICE.
@@ -21,24 +21,25 @@ struct SAccountConfiguration {
 enum class EReason {
     // Nothing had to be released, and it is the newest that holds its targets.
     kNewestHolder,
-    // The same, and it holds none.
+    // It is kept, and it holds no target.
     kHoldsNothing,
     // Its flag word excludes it; `configuration` was short of a target when its turn came.
     kExcluded,
     // Every configuration had a free target again before its turn came.
     kRotationStopped,
-    // It was the oldest that could be released while `configuration` had no free target, and freed one of
-    // its.
+    // It was the oldest that could be released while `configuration` had no free target, and its release
+    // freed
+    // a target of `configuration`.
     kNeeded,
-    // The same, but it held nothing of a configuration that was short.
+    // The same, but its release freed no target of a configuration that was short.
     kInVain,
     // The pair of `objid` and `altobjid` names no target of `configuration`.
     kUnknownTarget,
     // `objid` names no configuration.
     kUnknownConfiguration,
-    // `target` of `configuration` was held by `backup` already; by another pair of the same backup when that
-    // is
-    // empty.
+    // `target` of `configuration` was held by `backup` already; when `backup` is empty, by another pair of
+    // the
+    // same backup.
     kHeldAlready,
     kCount,
 };
@@ -52,15 +53,15 @@ struct SReason {
     std::string altobjid;
     // What a kept backup holds and a released one held.
     std::vector<std::string> targets;
-    // Configurations of those targets, each once, of a released one.
+    // Of a released backup, the configurations of those targets, each once.
     std::vector<std::string> freed;
-    // The release came to nothing, since the call ended without a selection.
+    // Whether the release did not take effect, because the call ended without a selection.
     bool isUndone = false;
     // The place of its backup among those that the rotation goes through, oldest first.
     std::size_t turn = 0;
 };
 
-// The identifier pairs of one backup. They may be a hundred thousand, so all stand in one text.
+// The identifier pairs of one backup. There may be a hundred thousand, so they are stored in one text.
 class CPairs {
 public:
     struct SPair {
@@ -69,24 +70,24 @@ public:
     };
 
     void add(std::string_view objid, std::string_view altobjid);
-    // In the order in which the library goes through them, which is that of the objids. Of several with one
-    // objid the last counts.
+    // The pairs in the order in which the library goes through them: that of their objids. Of several with
+    // the same objid only the last counts, as for the library.
     [[nodiscard]] std::vector<SPair> inOrder() const;
 
 private:
     std::string text;
-    // Of each objid and altobjid in turn, where it ends.
+    // Where each objid and each altobjid ends in `text`, in turn.
     std::vector<std::size_t> ends;
 };
 
 struct SAccountBackup {
     std::string file;
     CPairs pairs;
-    // Told only of a backup that passed the check.
+    // The trace tells it only of a backup that passed the check.
     std::string timeStamp;
-    // FI_BACKUP_...; in a call without a selection the one that it had come to.
+    // FI_BACKUP_...; in a call without a selection, its state when the call ended.
     std::int32_t state = 0;
-    // Nothing when the call ended before one was known, or lines of its trace are missing.
+    // Nothing when the call ended before the reason was known, or lines of its trace are missing.
     std::optional<SReason> reason;
 };
 
@@ -94,15 +95,15 @@ struct SHeldTarget {
     // Places in the targets of its configuration and in SAccount::backups.
     std::size_t target = 0;
     std::size_t holder = 0;
-    // The holder is excluded from rotation; otherwise it is invalid and never released.
+    // Whether the holder is excluded from rotation; if not, it is invalid and therefore never released.
     bool isExcluded = false;
 };
 
-// A configuration that has no free target in the end.
+// A configuration that has no free target at the end of the call.
 struct SShortage {
     // Its place in SAccount::configurations.
     std::size_t configuration = 0;
-    // All that it has, in order.
+    // All further targets of the configuration, in order.
     std::vector<SHeldTarget> targets;
 };
 
@@ -112,33 +113,33 @@ struct SAccount {
     std::vector<SAccountConfiguration> configurations;
     // In the order of loading.
     std::vector<SAccountBackup> backups;
-    // The library traces it for a call with earlier backups only.
+    // The library traces the selection of a call with earlier backups only.
     std::optional<std::string> selection;
     std::vector<SShortage> shortages;
-    // By configuration and target, the place in `backups` of the one that holds it: before any was released,
-    // and in the end. Without a selection all that can be released are. Empty when lines of the trace are
-    // missing.
+    // For each configuration and target, the place in `backups` of the holder: before any backup was
+    // released, and at the end. In a call without a selection, every backup that may be released has been by
+    // then. Empty when lines of the trace are missing.
     Holders heldBefore;
     Holders heldAfter;
 };
 
-// The resource configuration string that the library reads as these. No name that it has read holds what
-// separates names.
+// A resource configuration string that means these configurations. Names that the library has read from such
+// a string hold no separators, so the string means nothing else.
 std::string toSpecification(const std::vector<SAccountConfiguration>& configurations);
 
-// How many backups hold targets of a configuration, which is given by its place in the account: those that
-// are kept, in the end. Neither function counts a backup twice, nor an invalid one, of which nothing can be
-// restored. None when lines of the trace are missing.
+// How many kept backups hold targets of the configuration at this place in the account, at the end of the
+// call. This function and the next count each backup once, and no invalid one, because nothing can be
+// restored from it. 0 when lines of the trace are missing.
 std::size_t keptHolders(const SAccount& account, std::size_t configuration);
 
-// The same before any was rotated, those that were rotated afterwards among them.
+// The same before the rotation: backups that it then released are counted, too.
 std::size_t keptHoldersBeforeRotation(const SAccount& account, std::size_t configuration);
 
-// In words, each configuration that would keep fewer than `least` backups; one that had fewer may not lose
-// any. Empty when there is none.
+// A sentence for each configuration that would keep fewer than `least` backups, or, if it had fewer before,
+// fewer than it had.
 std::vector<std::string> lossesInWords(const SAccount& account, std::size_t least);
 
-// "newest_holder" and so on: a stable name for programs.
+// The name of a reason for programs, such as "newest_holder". It never changes.
 std::string_view nameOf(EReason kind);
 
 // A reason as a sentence without a full stop.

@@ -19,7 +19,8 @@ std::int32_t numberIn(std::string_view text) {
     return number;
 }
 
-// The order in which a line of a log is asked what it is: a text that holds another one comes before it.
+// The texts that a line of a log is compared with, in order. A text that contains another one comes before
+// it, since a line with the longer text also fits the shorter one.
 constexpr std::array kInOrder{
     ETraceText::kTarget,          ETraceText::kConfiguration,
     ETraceText::kNoConfiguration, ETraceText::kNoTargets,
@@ -33,21 +34,22 @@ constexpr std::array kInOrder{
     ETraceText::kNotClaimed,      ETraceText::kMalformedIdentifier,
 };
 
-// A Node's lines, in order.
+// The lines of a Node, in order.
 constexpr std::array kOfTree{ETraceText::kNodeObjid, ETraceText::kNodeAltobjid, ETraceText::kNodeType};
 
-// Of lines that each loaded backup has.
-std::string missing(std::string_view lines, std::size_t seen, std::size_t backups) {
+// Says how many are missing of the lines that each loaded backup has.
+std::string describeMissing(std::string_view lines, std::size_t seen, std::size_t backups) {
     return seen < backups ? fmt::format("{}, {} of {}", lines, backups - seen, backups)
                           : fmt::format("the loading of backups, {} of {}", seen - backups, seen);
 }
 
-// What a line holds, if it is of this kind. A configuration may hold line breaks, so a log may have its
-// beginning only.
+// The arguments of a line, if it is of this kind. Of three kinds only the beginning is compared, and no
+// arguments are taken: when the configuration holds line breaks, a line of a log holds only the beginning of
+// the text.
 std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text) {
-    const bool isToldByStart = kind == ETraceText::kConfiguration || kind == ETraceText::kNoConfiguration ||
-                               kind == ETraceText::kNotAvailable;
-    if (!isToldByStart) {
+    const bool isKnownByStart = kind == ETraceText::kConfiguration || kind == ETraceText::kNoConfiguration ||
+                                kind == ETraceText::kNotAvailable;
+    if (!isKnownByStart) {
         return argumentsOf(kind, text);
     }
     return startsAs(kind, text) ? std::optional<TraceArguments>(TraceArguments()) : std::nullopt;
@@ -87,16 +89,16 @@ std::vector<std::string> CAccountReader::gaps() const {
     if (!isBegun) {
         gaps.emplace_back("its beginning, with the configuration");
     }
-    // What was parsed of a rejected configuration is never printed.
+    // The library does not print what it parsed of a configuration that it then rejected.
     if (isCheckBegun && (printedSets == 0 || (!isRejected && usedTargets != parsedTargets.size()))) {
         gaps.emplace_back("lines of the configuration");
     }
     if (isClaimBegun && checked != account.backups.size()) {
-        gaps.push_back(missing("checks", checked, account.backups.size()));
+        gaps.push_back(describeMissing("checks", checked, account.backups.size()));
     }
     const std::size_t passed = account.backups.size() - failedCheck.size();
     if (isRotationBegun && claims.size() != passed) {
-        gaps.push_back(missing("claims", claims.size(), passed));
+        gaps.push_back(describeMissing("claims", claims.size(), passed));
     }
     if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
         gaps.push_back(fmt::format("skipped backups, {} instead of {}", skipped.size(), expectedSkips()));
@@ -109,14 +111,14 @@ std::vector<std::string> CAccountReader::gaps() const {
     return gaps;
 }
 
-// Of a name that is listed several times the last flag word counts for all.
+// When a name is listed several times, its last flag word counts for all of them.
 bool CAccountReader::isExcluded(std::size_t place) const {
     const auto listed = lastFlagWords.find(account.backups[place].file);
     return listed != lastFlagWords.end() && (listed->second & FI_EXCLUDE_ROTATION) != 0;
 }
 
-// How many backups the rotation passed over because they are excluded: all that it met before it stopped,
-// which was behind the last one that it released.
+// How many backups the trace must tell to have been skipped: all excluded ones that the rotation came to. It
+// stopped behind the last one that it released.
 std::size_t CAccountReader::expectedSkips() const {
     std::size_t expected = 0;
     if (!account.selection.has_value()) {
@@ -210,8 +212,8 @@ bool CAccountReader::takeOther(ETraceText kind, const TraceArguments& arguments)
 }
 
 bool CAccountReader::takePrinted(ETraceText kind, const TraceArguments& arguments) {
-    // The first printed set, before anything is claimed, says how many targets each configuration has; their
-    // enclosures stand in the lines of the parser only.
+    // The set that is printed first, before anything is claimed, tells how many targets each configuration
+    // has. Their enclosures are only in the parser's lines.
     if (printedSets != 1 || arguments.back() != kAvailable) {
         return false;
     }
@@ -239,7 +241,7 @@ void CAccountReader::readPrintedTarget(bool isFirst, const TraceArguments& print
     }
 }
 
-// A name may hold what stands between two of them.
+// The names may hold the ':' that separates them in the line, so they are compared joined, too.
 bool CAccountReader::isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed) {
     if (!isFirst) {
         return printed[0] == target.device;
@@ -248,7 +250,7 @@ bool CAccountReader::isPrinted(const SParsedTarget& target, bool isFirst, const 
            fmt::format("{}:{}", printed[0], printed[1]) == target.enclosure + ":" + target.device;
 }
 
-// A line that names a backup or tells the end of the rotation.
+// Takes a line that names a backup or tells the end of the rotation.
 bool CAccountReader::takeOfBackup(ETraceText kind, const TraceArguments& arguments) {
     switch (kind) {
         case ETraceText::kFinalState:
@@ -296,8 +298,8 @@ bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
     if (!account.selection.has_value()) {
         return false;
     }
-    // Of a name that is listed twice only one copy can have been claimed, and the trace does not tell in
-    // which order the two come: their states do.
+    // A name that is listed twice stands for two backups, of which one is invalid. The trace does not tell
+    // which of the two a line means, but their states do.
     const std::int32_t state = numberIn(arguments[1]);
     if (const auto place = next(state == FI_BACKUP_INVALID ? "final, invalid" : "final", arguments[0])) {
         account.backups[*place].state = state;
@@ -332,7 +334,7 @@ std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::stri
     std::size_t& done = taken[{std::string(pass), std::string(file)}];
     while (done < all.size()) {
         const std::size_t place = all[done++];
-        // A pass asks only for those that the passes before left in play.
+        // A backup that an earlier pass found invalid has no line in this pass.
         const std::int32_t wanted = pass == "final, invalid" ? FI_BACKUP_INVALID : FI_BACKUP_KEPT;
         const bool isOut = pass != "check" && account.backups[place].state != wanted;
         if (!isOut) {

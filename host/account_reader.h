@@ -16,21 +16,21 @@
 
 namespace fi_rotate {
 
-// Takes the lines of one call in and keeps what each pass did, in order. Lines that are not the library's are
-// passed over.
+// Reads the lines of one call and keeps what each pass of the rotation did, in order. Lines that are not the
+// library's are passed over.
 class CAccountReader {
 public:
     // The text of one line of a log, without its line end.
     void read(std::string_view text);
-    // The same of a line that is known: which text it is and what stands in the places of its conversions.
+    // The same for a line that is known already: its text, and the arguments that were formatted into it.
     void take(ETraceText kind, const TraceArguments& arguments);
 
-    // What a call cannot be without up to its last line, and yet was not read: lines were lost, or another
-    // call's stand in between. Empty for a call that is merely cut off at its end.
+    // Says which lines are missing before the last one that was read: they were lost, or stand among those of
+    // another call. Empty when lines are missing only at the end of the call.
     std::vector<std::string> gaps() const;
-    // All that could be loaded was read.
+    // Whether all lines about the loading of documents were read.
     bool isLoadingOver() const { return printedSets != 0; }
-    // No line can follow but those of the last tree.
+    // Whether the call is over: only lines of the last tree may follow.
     bool isEnded() const;
 
     // Configurations, backups with their pairs and states, and the selection; reasons and shortages are not
@@ -38,16 +38,17 @@ public:
     SAccount account;
     // The flag words of the backups that the call was given, in order.
     std::vector<std::pair<std::string, std::int32_t>> flagWords;
-    // Places in `account.backups`: of those whose claim was decided, newest first, and whether it was good.
+    // The claims, newest backup first: the backup's place in `account.backups`, and whether its claim
+    // succeeded.
     std::vector<std::pair<std::size_t, bool>> claims;
-    // Those that the rotation passed over because they are excluded.
+    // Places of the backups that the rotation skipped because they are excluded.
     std::set<std::size_t> skipped;
-    // Those that failed the check.
+    // Places of the backups that failed the check.
     std::vector<std::size_t> failedCheck;
-    // In the order of the last pass, oldest first; empty without a selection.
+    // Places of all backups in the order of the last pass; empty without a selection.
     std::vector<std::size_t> oldestFirst;
     bool isWithoutSelection = false;
-    // A malformed identifier ended the call.
+    // The malformed identifier that ended the call, if one did.
     std::optional<std::string> malformed;
 
 private:
@@ -56,14 +57,14 @@ private:
         std::string device;
     };
 
-    // What a line of a tree tells of its Node.
+    // The kinds of lines that a tree has for each Node.
     enum class ETreeLine { kObjid, kAltobjid, kType };
 
     bool readTree(std::string_view text);
     void endTree(std::string_view text);
     void follow(ETreeLine line, ETreeLine next, std::string_view text);
     void takeOfTree(ETraceText kind, std::string_view inner, std::string_view text);
-    // These say whether the line was one that can stand here.
+    // These return whether the line can stand here; if not, it is passed over.
     bool takeOther(ETraceText kind, const TraceArguments& arguments);
     bool takePrinted(ETraceText kind, const TraceArguments& arguments);
     bool takeOfBackup(ETraceText kind, const TraceArguments& arguments);
@@ -84,7 +85,7 @@ private:
     bool isExcluded(std::size_t place) const;
     std::size_t expectedSkips() const;
 
-    // Parsed targets that no printed configuration has taken yet.
+    // All targets in the parser's lines. The first `usedTargets` of them were found again in the printed set.
     std::vector<SParsedTarget> parsedTargets;
     std::size_t usedTargets = 0;
     bool isBegun = false;
@@ -94,13 +95,13 @@ private:
     ETreeLine nextOfTree = ETreeLine::kObjid;
     std::string objid;
     std::size_t checked = 0;
-    // Lines that cannot follow the ones before.
+    // How many lines cannot follow the one before them, and the first of these.
     std::string firstContradiction;
     std::size_t contradictions = 0;
-    // By name: places in `account.backups`, and the last flag word.
+    // For each name, its places in `account.backups`, and its last flag word.
     std::unordered_map<std::string, std::vector<std::size_t>> places;
     std::unordered_map<std::string, std::int32_t> lastFlagWords;
-    // By pass and name, how many of the places are done with.
+    // For each pass and name, how many of its places have had their line.
     std::map<std::pair<std::string, std::string>, std::size_t> taken;
 };
 

@@ -6,21 +6,21 @@
 
 #include "common/CFiFileState.h"
 
-// The files of documents, looked at before the library reads them and after.
+// The state of documents' files before and after the library reads them.
 namespace fi_rotate {
 
 struct SDocumentFile {
-    // Before it was read; nothing when it is no file.
+    // The state before it was read; nothing when it is not a file.
     std::optional<CFiFileState> state;
-    // A value of fi_rotation_problem, and in words what is wrong; 0 when it could be read whole.
+    // A value of fi_rotation_problem; 0 when it could be read to its end. `fault` says it in words.
     std::uint32_t problem = 0;
     std::string fault;
 };
 
-// Reads a file to its end, without keeping it.
+// Reads a file to its end to find its problems, and keeps nothing of its content.
 SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes);
 
-// The present state of what has this name; nothing when that cannot be told.
+// The state of the file of this name now; nothing when there is none.
 std::optional<CFiFileState> stateOf(const std::string& file);
 
 }  // namespace fi_rotate

@@ -17,7 +17,7 @@
 namespace fi_rotate {
 namespace {
 
-// Who holds which target, replayed from the library's verdicts.
+// Who holds which target, worked out from what the trace says of each check, claim and release.
 class CHolders {
 public:
     explicit CHolders(const std::vector<SAccountConfiguration>& all) : configurations(all) {
@@ -32,7 +32,8 @@ public:
         std::size_t target = 0;
     };
 
-    // Of several configurations or targets of one name the first is meant.
+    // The place of a pair's target. When configurations or targets have the same name, the first is meant, as
+    // for the library.
     std::optional<SPlace> find(std::string_view objid, std::string_view altobjid) const {
         const auto named = byFirst.find(targetOf(objid));
         if (named == byFirst.end()) {
@@ -51,7 +52,7 @@ public:
 
     bool isConfigured(std::string_view objid) const { return byFirst.count(targetOf(objid)) != 0; }
 
-    // Nothing when it is free.
+    // The backup that holds the target; nothing when it is free.
     std::optional<std::size_t>& holder(const SPlace& place) {
         return holders[place.configuration][place.target];
     }
@@ -79,7 +80,7 @@ private:
     Holders holders;
 };
 
-// Goes through the passes again and writes down why each backup came to its state.
+// Goes through the passes of the rotation again and notes why each backup came to its state.
 class CExplanation {
 public:
     explicit CExplanation(CAccountReader reader) : passes(std::move(reader)) {}
@@ -153,7 +154,7 @@ private:
         auto shortOne = holders.firstShort();
         const bool wasNeeded = shortOne.has_value();
         std::size_t turn = 0;
-        for (const std::size_t place : rotationOrder()) {
+        for (const std::size_t place : orderOfRotation()) {
             if (backup(place).reason.has_value()) {
                 continue;
             }
@@ -180,7 +181,7 @@ private:
     void explainRelease(std::size_t place, SReason& reason) {
         reason.kind = EReason::kInVain;
         reason.isUndone = passes.isWithoutSelection;
-        // Several configurations may have one name.
+        // Several configurations may have the same name, which is to be listed once.
         std::set<std::string_view> named;
         for (const std::size_t configuration : configurationsOf(place)) {
             if (reason.kind == EReason::kInVain && holders.isShort(configuration)) {
@@ -193,7 +194,7 @@ private:
         }
     }
 
-    // Those of which the backup holds a target.
+    // The configurations of which the backup holds a target.
     std::set<std::size_t> configurationsOf(std::size_t place) const {
         std::set<std::size_t> configurations;
         for (const CHolders::SPlace& held : placesOf[place]) {
@@ -202,9 +203,10 @@ private:
         return configurations;
     }
 
-    // Oldest first. Without a selection every backup that was still in play and not excluded was released,
-    // and the trace does not tell in which order; the claims went from the newest to the oldest.
-    std::vector<std::size_t> rotationOrder() {
+    // The backups in the order of the rotation, oldest first. A call without a selection does not trace this
+    // order; it is the opposite of that of the claims. Such a call released every backup whose claim
+    // succeeded and that is not excluded.
+    std::vector<std::size_t> orderOfRotation() {
         if (passes.account.selection.has_value()) {
             return passes.oldestFirst;
         }
@@ -252,7 +254,7 @@ private:
 
     CAccountReader passes;
     CHolders holders{passes.account.configurations};
-    // What each backup that passed the check holds, if its claim was good.
+    // The targets that each backup claimed after it passed the check.
     std::vector<std::vector<CHolders::SPlace>> placesOf =
         std::vector<std::vector<CHolders::SPlace>>(passes.account.backups.size());
 };

@@ -5,8 +5,8 @@
 
 namespace fi_rotate {
 
-// The account of a call with earlier backups, whose lines `passes` has read. Without reasons when some are
-// missing in between, and with those that were known already when the end is missing.
+// The account of a call with earlier backups, whose lines `passes` has read, with reasons. When lines are
+// missing in between, it has no reasons; when the end is missing, it has those that were known by then.
 SAccount explain(CAccountReader passes);
 
 }  // namespace fi_rotate

@@ -11,13 +11,13 @@
 //       std::cerr << outcome.message << '\n';
 //   }
 //
-// What the inputs mean, what is decided and when it is refused is told in host.h; this header says what it
-// adds. It is compiled into the host: only C functions are called in the library, so the two need not be
-// built with the same compiler, runtime library or options. Link with fi_rotation_host.
+// host.h says what the inputs mean, what is decided, and when a decision is refused; this header says only
+// what it adds. It is compiled into the host and calls only C functions of the library, so the two need not
+// be built with the same compiler, runtime library or options. Link with fi_rotation_host.
 //
 // Errors: that nothing was decided is an outcome (EOutcome), not an exception. What has nothing to do with
-// the inputs of a rotation is an exception, see rotate(). After one nothing is left behind, and the next call
-// works, unless the process cannot make calls any more.
+// the inputs of a rotation is an exception, see rotate(). After an exception nothing is left allocated, and
+// the next call works, unless the process cannot make calls any more.
 //
 // Threads: any number of threads may call rotate() at once; inside, they wait for one another.
 //
@@ -43,11 +43,11 @@
 
 namespace fi_rotation {
 
-// A header whose records have other members has another name here, so that libraries that were built with
-// different ones can be parts of one process.
+// The name changes when members of the records change, so that a process may contain libraries that were
+// built with different versions of this header.
 inline namespace v1 {
 
-// What can be wrong with an input. host.h tells what each means, and what happens where it is permitted.
+// What can be wrong with an input. host.h says what each means, and what happens when it is permitted.
 enum class EProblem : std::uint32_t {
     kConfigurationRejected = FI_ROTATION_CONFIGURATION_REJECTED,
     kCannotOpen = FI_ROTATION_CANNOT_OPEN,
@@ -70,7 +70,7 @@ enum class EProblem : std::uint32_t {
 struct SBackup {
     // The name of its document.
     std::string file;
-    // Its targets are never released.
+    // Whether its targets must never be released.
     bool excluded = false;
 };
 
@@ -79,29 +79,32 @@ constexpr std::int32_t kTraceFailures = 3;
 constexpr std::int32_t kTraceProgress = 4;
 
 struct SOptions {
-    // Problems in spite of which the rotation is decided.
+    // The rotation is decided in spite of these problems.
     std::set<EProblem> permitted;
-    // Documents of more bytes are refused; without a number those of more than the library's own limit.
+    // Documents of more bytes are refused. Without a number, the library's own limit holds.
     std::optional<std::uint64_t> documentLimit;
-    // So many kept backups at least are to hold a target of each configuration afterwards. A configuration
-    // that has fewer to begin with may not lose any. 0: all may be released.
+    // At least so many kept backups must hold a target of each configuration after the rotation, or nothing
+    // is decided (EOutcome::kTooFewBackups). A configuration that has fewer before it may not lose any. 0:
+    // all may be released.
     std::int32_t keepAtLeast = 0;
-    // Asks for what takes time: the members of the outcome that say "with reasons".
+    // Asks for the members of the outcome that say "with reasons", which take time.
     bool reasons = false;
-    // Receives each line of the trace up to traceLevel, without a line end: its level and its text, which is
-    // borrowed for the call. It runs on the thread that called rotate(), while other threads wait. When it
-    // throws, it is not called again and rotate() throws the same once the library is done.
+    // Receives each line of the trace up to traceLevel: its level, and its text without a line end, which is
+    // valid only until the function returns. It runs on the thread that called rotate(), while other threads
+    // wait. When it throws, it is not called again, and rotate() throws the same exception.
     std::function<void(std::int32_t level, std::string_view text)> trace;
     std::int32_t traceLevel = kTraceProgress;
 };
 
-// ---- what came of them ----
+// ---- the outcome ----
 
 enum class EOutcome {
-    // Every configuration has a free target: there is a selection, and each backup that took part has its
-    // state.
+    // Every configuration has a free target: there is a selection, and each backup whose document was not
+    // ignored has its state.
     kSelected = FI_ROTATION_SELECTED,
-    // The inputs are whole, but some configuration has no free target even when all that may be released is.
+    // The inputs are whole, but a configuration has no free target, even when every backup that may be
+    // released
+    // is.
     kNoFreeTarget = FI_ROTATION_NO_FREE_TARGET,
     // A configuration would keep fewer backups than SOptions::keepAtLeast asks for.
     kTooFewBackups = FI_ROTATION_TOO_FEW_BACKUPS,
@@ -109,7 +112,7 @@ enum class EOutcome {
     kRefused = FI_ROTATION_REFUSED
 };
 
-// What became of an earlier backup.
+// The state of an earlier backup after a rotation.
 enum class EState {
     // It agrees with the configuration and keeps its targets.
     kKept = FI_ROTATION_KEPT,
@@ -124,7 +127,7 @@ struct SProblem {
     EProblem kind;
     // The index of the backup; nothing for the configuration.
     std::optional<std::size_t> backup;
-    // In words, with the file and the place.
+    // The problem in words, with the file name and the place.
     std::string text;
 };
 
@@ -141,39 +144,38 @@ struct SConfiguration {
     // The target to use; nothing unless the outcome is kSelected.
     std::optional<std::string> chosen;
     // With reasons, and always with kNoFreeTarget and kTooFewBackups: how many kept backups hold a target of
-    // this configuration after the rotation, and its further targets. When no target is free, the backups
-    // that may be released have been.
+    // this configuration after the rotation, and its further targets. With kNoFreeTarget and kTooFewBackups,
+    // where in fact no backup is released, this is what the releases would have led to.
     std::optional<std::size_t> kept;
     std::vector<STarget> targets;
 };
 
-// Why a backup came to its state.
+// Why a backup has its state.
 struct SReason {
     // For programs; host.h lists the words.
     std::string word;
-    // For people, a sentence without a full stop.
+    // For people.
     std::string text;
 };
 
 // What is known of an earlier backup after the rotation.
 struct SBackupOutcome {
     std::string file;
-    // Those of its document, permitted ones included; none when it was read whole.
+    // The problems of its document, permitted ones included; none when it was read whole.
     std::set<EProblem> problems;
-    // Nothing unless the outcome is kSelected and its document took part.
+    // Nothing unless the outcome is kSelected and its document was not ignored.
     std::optional<EState> state;
-    // With reasons: the text of its document's timeStamp; nothing when that is not known, as for a backup
-    // that does not agree with the configuration.
+    // With reasons, and always with kNoFreeTarget and kTooFewBackups: the time stamp of its document, nothing
+    // for a backup that does not agree with the configuration; the reason of its state, nothing when that is
+    // not known; and the targets that it held before any was released, none for an invalid backup.
     std::optional<std::string> timeStamp;
-    // With reasons, and always with kNoFreeTarget: why it came to its state, nothing when that is not known,
-    // and the targets that it held before any was released, none of a backup that is invalid.
     std::optional<SReason> reason;
     std::vector<std::string> targets;
 };
 
 struct SOutcome {
     EOutcome kind = EOutcome::kRefused;
-    // What came of the rotation in words, with the file and the place: a sentence, or several a line each.
+    // The outcome in words, with file names and places: one line, or several.
     std::string message;
     // "[FIRST;CHOSEN]" for each configuration in order, with nothing in between; nothing unless the outcome
     // is kSelected.
@@ -189,7 +191,7 @@ struct SOutcome {
 // ---- the rotation ----
 
 // Decides which targets a new snapshot backup may use, given the resource configuration and the earlier
-// backups. Nothing is written anywhere; the call may be made again at any time.
+// backups; without any, all targets are free. It writes no files, and may be called again at any time.
 //
 // Throws
 //   std::invalid_argument  the configuration or a file name holds a NUL byte;
@@ -210,7 +212,7 @@ struct SFreeCall {
 };
 using Call = std::unique_ptr<fi_rotation_call, SFreeCall>;
 
-// Where the trace of a call goes, and what that threw.
+// The receiver of a call's trace, and what it threw.
 struct STrace {
     const std::function<void(std::int32_t, std::string_view)>& receiver;
     std::exception_ptr failure;
@@ -222,12 +224,12 @@ inline void receiveTrace(void* user, std::int32_t level, const char* text) {
         trace.receiver(level, text);
     } catch (...) {
         trace.failure = std::current_exception();
-        // The library ends the run. What ends the thread passes through it.
+        // The library then ends the run. If this unwinds a thread that ends, it passes through the library.
         throw;
     }
 }
 
-// The C functions would take the text up to its first NUL byte.
+// The C functions would use the text only up to its first NUL byte, so such a text is refused.
 inline const char* withoutNulByte(const std::string& text, const char* name) {
     if (text.find('\0') != std::string::npos) {
         throw std::invalid_argument(std::string(name) + " holds a NUL byte");
@@ -251,7 +253,7 @@ inline std::optional<std::size_t> numberOrNothing(std::int32_t number) {
     return number >= 0 ? std::optional<std::size_t>(static_cast<std::size_t>(number)) : std::nullopt;
 }
 
-// What cannot be allocated is told by the run.
+// A failed allocation shows when the call is run: it ends with FI_ROTATION_OUT_OF_MEMORY.
 inline Call makeCall(const std::string& configuration, const std::vector<SBackup>& backups,
                      const SOptions& options) {
     Call call(fi_rotation_call_new(withoutNulByte(configuration, "the configuration")));

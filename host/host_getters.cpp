@@ -7,7 +7,7 @@
 #include "host/call_handle.h"
 #include "host/host.h"
 
-// The functions of the host library that say what came of a run.
+// The functions of the host library that give the results of a run.
 
 using fi_rotate::SBackupOutcome;
 using fi_rotate::SConfigurationOfDecision;
@@ -15,7 +15,7 @@ using fi_rotate::SProblem;
 
 namespace {
 
-// An element of a sequence by an index from outside; null when there is none.
+// The element at an index that a host gave; null when it is out of range.
 template <typename Sequence>
 auto elementOf(const Sequence& sequence, std::int32_t index) -> const typename Sequence::value_type* {
     const bool isInside = index >= 0 && static_cast<std::size_t>(index) < sequence.size();
@@ -30,7 +30,7 @@ std::int32_t countOf(const Sequence& sequence) {
 constexpr std::int32_t kNothing = -1;
 
 template <typename Number>
-std::int32_t numberOr(const std::optional<Number>& number) {
+std::int32_t numberOrMinusOne(const std::optional<Number>& number) {
     return number.has_value() ? static_cast<std::int32_t>(*number) : kNothing;
 }
 
@@ -48,7 +48,7 @@ const fi_rotate::STargetOfDecision* targetOf(const fi_rotation_call* call, std::
     return found != nullptr ? elementOf(found->targets, target) : nullptr;
 }
 
-// What a run that decided something says of a backup.
+// What is known of a backup; null unless the last run decided.
 const SBackupOutcome* backupOf(const fi_rotation_call* call, std::int32_t backup) {
     const bool isDecided = call != nullptr && call->decision.kind <= FI_ROTATION_TOO_FEW_BACKUPS;
     return isDecided ? elementOf(call->decision.outcome.backups, backup) : nullptr;
@@ -72,7 +72,7 @@ std::uint32_t fi_rotation_call_problem_kind(const fi_rotation_call* call, std::i
 
 std::int32_t fi_rotation_call_problem_backup(const fi_rotation_call* call, std::int32_t problem) {
     const SProblem* const found = problemOf(call, problem);
-    return found != nullptr ? numberOr(found->backup) : kNothing;
+    return found != nullptr ? numberOrMinusOne(found->backup) : kNothing;
 }
 
 const char* fi_rotation_call_problem_text(const fi_rotation_call* call, std::int32_t problem) {
@@ -101,7 +101,7 @@ const char* fi_rotation_call_configuration_chosen(const fi_rotation_call* call, 
 
 std::int32_t fi_rotation_call_configuration_kept(const fi_rotation_call* call, std::int32_t configuration) {
     const SConfigurationOfDecision* const found = configurationOf(call, configuration);
-    return found != nullptr ? numberOr(found->kept) : kNothing;
+    return found != nullptr ? numberOrMinusOne(found->kept) : kNothing;
 }
 
 std::int32_t fi_rotation_call_target_count(const fi_rotation_call* call, std::int32_t configuration) {
@@ -118,7 +118,7 @@ const char* fi_rotation_call_target(const fi_rotation_call* call, std::int32_t c
 std::int32_t fi_rotation_call_target_holder(const fi_rotation_call* call, std::int32_t configuration,
                                             std::int32_t target) {
     const auto* const found = targetOf(call, configuration, target);
-    return found != nullptr ? numberOr(found->holder) : kNothing;
+    return found != nullptr ? numberOrMinusOne(found->holder) : kNothing;
 }
 
 std::int32_t fi_rotation_call_backup_count(const fi_rotation_call* call) {
@@ -161,7 +161,7 @@ const char* fi_rotation_call_backup_target(const fi_rotation_call* call, std::in
 
 const char* fi_rotation_call_backup_reason(const fi_rotation_call* call, std::int32_t backup) {
     const fi_rotate::SReason* const reason = reasonOf(call, backup);
-    // A literal.
+    // The name is a literal, so it ends with a NUL byte and is never freed.
     return reason != nullptr ? fi_rotate::nameOf(reason->kind).data() : nullptr;
 }
 

@@ -11,7 +11,7 @@ constexpr std::string_view kDevicePrefix = "UDID##";
 constexpr std::string_view kEnclosurePrefix = "UEID##";
 constexpr std::string_view kSeparator = "##";
 
-// What stands behind the second separator after the prefix, or why there is none.
+// The text behind the second separator after the prefix, or why there is none.
 struct SThirdPart {
     std::string_view text;
     bool isDevice = false;
@@ -49,7 +49,8 @@ SIdentifier parseIdentifier(std::string_view text) {
     }
     const std::size_t end = rest.find(kSeparator);
     if (end == std::string_view::npos) {
-        // The third part alone is the device of a device identifier and the enclosure of the other one.
+        // A third part alone is the device of a device identifier, and the enclosure of an enclosure
+        // identifier.
         return isDevice ? SIdentifier{"", std::string(rest), std::nullopt}
                         : SIdentifier{std::string(rest), "", std::nullopt};
     }
@@ -59,7 +60,7 @@ SIdentifier parseIdentifier(std::string_view text) {
 
 std::string targetOf(std::string_view identifier) {
     const std::string_view rest = thirdPartOf(identifier).text;
-    // An enclosure and a device stand there as the target is called.
+    // An enclosure and a device stand there in the form of a target's name.
     return rest.find(kSeparator) != std::string_view::npos ? std::string(rest)
                                                            : parseIdentifier(identifier).name();
 }

@@ -7,7 +7,7 @@
 
 namespace fi_rotate {
 
-// What an identifier of a document names, or why it is none.
+// What an identifier of a document names, or why it is malformed.
 struct SIdentifier {
     std::string enclosure;
     std::string device;
@@ -20,10 +20,10 @@ struct SIdentifier {
 
 SIdentifier parseIdentifier(std::string_view text);
 
-// The name of the target that an identifier names which the library has accepted.
+// The name of the target that an identifier names. The identifier must be well-formed.
 std::string targetOf(std::string_view identifier);
 
-// What is wrong with an identifier, by the code of the exception that names it.
+// What is wrong with an identifier, in words, for a code of CFiUdidException.
 std::string_view identifierFault(std::int32_t code);
 
 }  // namespace fi_rotate

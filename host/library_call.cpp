@@ -35,7 +35,7 @@ struct SFree {
     void operator()(char* text) const { std::free(text); }
 };
 
-// With a list of no entries in place of none where that is wished for.
+// Where that is wished for, a first backup is made a call with a list without entries.
 std::int32_t sizeOfList(const SCall& call, const SWishes& wishes) {
     constexpr std::int32_t kNoEntries = -1;
     const bool isFirstBackup = call.backups.empty();
@@ -44,7 +44,8 @@ std::int32_t sizeOfList(const SCall& call, const SWishes& wishes) {
                : static_cast<std::int32_t>(call.backups.size());
 }
 
-// Status and selection, or the exception; `flags` is overwritten as the library does.
+// Puts the status and the selection, or the exception, into `outcome`. `flags` is what the library reads and
+// overwrites.
 void callLibrary(const SCall& call, std::int32_t listSize, std::vector<std::int32_t>& flags,
                  SOutcome& outcome) {
     std::vector<const char*> files;
@@ -52,7 +53,7 @@ void callLibrary(const SCall& call, std::int32_t listSize, std::vector<std::int3
     for (const SBackup& backup : call.backups) {
         files.push_back(backup.file.c_str());
     }
-    // A list of no entries needs flags, too.
+    // The library rejects a null pointer to the flags even when the list has no entries.
     flags.reserve(1);
 
     try {
@@ -71,10 +72,10 @@ void callLibrary(const SCall& call, std::int32_t listSize, std::vector<std::int3
     } catch (const std::exception& other) {
         outcome.exception = SException{{}, {}, other.what(), {}, false};
     } catch (const abi::__forced_unwind&) {
-        // The thread ends, by pthread_exit in a trace function.
+        // A trace function ends the thread with pthread_exit. Unless this is thrown on, the process ends.
         throw;
     } catch (...) {
-        // The only one is the XML library's for a shortage of memory.
+        // The only exception left is that of the XML library when memory runs out.
         outcome.exception = SException{{}, {}, "memory ran out in the XML library", {}, true};
     }
 }
@@ -106,8 +107,8 @@ std::string withoutLineEnd(std::string text) {
     return text;
 }
 
-// What the library's texts mean, by their addresses: a trace has many million lines, but all of them are made
-// of a few dozen literals of the library's.
+// Finds what a text of the library means, by the address of the text: a trace can have many million lines,
+// but they are made of a few dozen literals, so that each need be compared only once.
 template <typename Meaning>
 class CMeanings {
 public:
@@ -150,7 +151,7 @@ EOperation operationOf(const char* name) {
                                                                 : EOperation::kOther;
 }
 
-// A line, known by its format.
+// What a format says of the lines that are made with it.
 struct SLine {
     std::optional<ETraceText> text;
     // The letters of its conversions, in order.
@@ -165,7 +166,7 @@ SLine lineOf(const char* format) {
     return line;
 }
 
-// The arguments of one line, without its being formatted.
+// Takes the arguments of a line without formatting the line.
 class CArguments {
 public:
     const TraceArguments& read(std::string_view conversions, std::va_list arguments) {
@@ -184,17 +185,17 @@ public:
     }
 
 private:
-    // No line holds more numbers than one, and none of them more digits.
+    // Room for two numbers, one more than any line holds. A 32-bit number has at most 11 characters.
     std::array<std::array<char, 12>, 2> numbers{};
     TraceArguments taken;
 };
 
 // Receives the library's trace from its construction to its destruction; at most one exists at a time.
-// Lines are told by their formats, and formatted only where somebody reads them: the trace of a large
-// document is many times its size.
+// It tells lines apart by their formats, and formats only lines that somebody reads, because the trace of a
+// large document is many times the size of the document.
 class CTraceReceiver {
 public:
-    // `wishes` is borrowed, and `reader` too, which may be null.
+    // Both are borrowed. `reader` receives the lines for the account; null when there is to be none.
     CTraceReceiver(const SWishes& wishes, CAccountReader* reader);
     ~CTraceReceiver();
     CTraceReceiver(const CTraceReceiver&) = delete;
@@ -202,15 +203,15 @@ public:
 
     void receive(int level, const char* format, std::va_list arguments);
 
-    // Documents that the reader came to, in order.
+    // What the XML reader found in each document that it came to, in order.
     std::vector<SReading> readings;
     // Names of the documents that were loaded, in order.
     std::vector<std::string> loaded;
     // How many of these were checked.
     std::size_t checked = 0;
-    // The failures that the library told of.
+    // The lines in which the library reports failures.
     std::vector<std::string> failures;
-    // What the sink threw, or that there was no memory for a line; it is not asked again.
+    // What the sink threw, or std::bad_alloc for a line. The sink is not called again after it.
     std::exception_ptr sinkFailure;
 
 private:
@@ -225,14 +226,14 @@ private:
     // Lines up to this level are told to somebody.
     const int heardLevel;
     CAccountReader* account;
-    // Of the document that was loaded and not parsed yet.
+    // What is known of the document that was read but not parsed yet.
     SReading nextReading;
     CMeanings<SLine> lines{lineOf};
     CMeanings<EOperation> operations{operationOf};
     CArguments lastArguments;
-    // Since the last entry.
+    // How many exits were traced since the last entry.
     int exits = 0;
-    // The formats of entries and exits, once they were seen.
+    // The addresses of the formats of entries and exits, once they were seen.
     const char* entering = nullptr;
     const char* exiting = nullptr;
 };
@@ -245,7 +246,7 @@ CTraceReceiver::CTraceReceiver(const SWishes& wishes, CAccountReader* reader)
       heardLevel(wishes.trace != nullptr ? std::max(kFailureLevel, wishes.traceLevel) : kFailureLevel),
       account(reader) {
     if (activeReceiver != nullptr) {
-        throw std::logic_error("the trace has a receiver already");
+        throw std::logic_error("two calls overlap: the trace has a receiver already");
     }
     activeReceiver = this;
 }
@@ -347,8 +348,9 @@ void CTraceReceiver::noteDocument(EOperation operation) {
     }
 }
 
-// The end of an element is traced once; once more when it ends a Node that stands in no other; and once more
-// when such a Node has ended before.
+// The handler of a document traces one exit at the end of an element, one more when the element is a
+// top-level Node, and one more when a top-level Node has ended before. So three exits tell of a second
+// top-level Node.
 void CTraceReceiver::leave(const char* name) {
     constexpr int kExitsOfFurtherRoot = 3;
     if (++exits == kExitsOfFurtherRoot && operations.of(name) == EOperation::kEndElement) {
@@ -362,7 +364,7 @@ void forward(int level, const char* format, std::va_list arguments) {
     }
 }
 
-// What the trace tells of the documents and of a malformed identifier.
+// Puts into `outcome` what the trace tells of the documents, and which of them holds a malformed identifier.
 void giveReadings(const CTraceReceiver& trace, SOutcome& outcome) {
     const std::set<std::string_view> loaded(trace.loaded.begin(), trace.loaded.end());
     for (std::size_t i = 0; i < outcome.backups.size(); ++i) {
@@ -417,7 +419,7 @@ SOutcome runCall(const SCall& call, const SWishes& wishes) {
 
 }  // namespace fi_rotate
 
-// What the library resolves from its host.
+// The trace facility, which the library takes from its host.
 extern "C" __attribute__((format(printf, 2, 3), visibility("default"))) void mofi_tracelog(int level,
                                                                                            const char* format,
                                                                                            ...) {

@@ -11,43 +11,43 @@
 #include "host/account.h"
 #include "host/call.h"
 
-// What one call of the library came to, as facts that every renderer shows alike.
+// The outcome of one call of the library, as facts. Tables, JSON and pictures all show these.
 namespace fi_rotate {
 
-// What the reader of the library found in a document.
+// What the library's XML reader found in a document.
 struct SReading {
     bool isMalformed = false;
-    // What is wrong with a malformed one and where, if the library says so.
+    // What is wrong with a malformed document, and where, if the library says so.
     std::string fault;
-    // It has more than one Node that stands in no other.
+    // Whether it has several top-level Nodes.
     bool hasSeveralRoots = false;
-    // What was read (CFiFileState), and whether to its end; nothing if the library does not say.
+    // Which file was read in which state (CFiFileState), and whether to its end, if the library says so.
     std::optional<std::string> file;
     bool isWhole = true;
 };
 
-// What became of an earlier backup.
+// What a call found out and decided about an earlier backup.
 struct SBackupOutcome {
     SBackup given;
-    // As the library reads it; empty when the document has none, was not loaded, or was not looked into: the
-    // library tells it of few backups only.
+    // The time stamp as the library reads it; empty when the document has none or was not loaded, and when it
+    // is not known: the library traces it only of some backups.
     std::string timeStamp;
     bool isLoaded = false;
-    // FI_BACKUP_...; nothing when the library handed no state back.
+    // FI_BACKUP_...; nothing when the library gave it no state.
     std::optional<std::int32_t> state;
     // Why it came to its state; nothing unless asked for and known.
     std::optional<SReason> reason;
-    // Nothing when the reader did not come to its document: that or one before it could not be opened.
+    // Nothing when its document was not read, because it or one before it could not be opened.
     std::optional<SReading> reading = std::nullopt;
 };
 
-// What left the library in place of a status.
+// The exception that left the library instead of a status.
 struct SException {
     // Nothing for an exception that is not about an identifier.
     std::optional<std::string> identifier;
     std::optional<std::int32_t> code;
     std::string reason;
-    // The place in SOutcome::backups of the one whose document holds it.
+    // The place in SOutcome::backups of the backup whose document holds the identifier.
     std::optional<std::size_t> backup;
     // Memory ran out.
     bool isShortage = false;
@@ -63,7 +63,7 @@ struct SOutcome {
     std::vector<SBackupOutcome> backups;
     // Failures that the library traced, in order.
     std::vector<std::string> messages;
-    // What its trace says; nothing unless asked for.
+    // Nothing unless asked for.
     std::optional<SAccount> account;
 };
 
@@ -73,24 +73,24 @@ struct SChoice {
     std::string chosen;
 };
 
-// Takes a selection string apart. Nothing when a name in it holds "][", which makes it impossible to
-// say where one configuration ends.
+// Splits a selection string into configurations. Nothing when a name in it holds "][", since the end of a
+// configuration cannot be found then.
 std::optional<std::vector<SChoice>> choices(std::string_view selection);
 
-// Gives each backup the reason that the account has for it.
+// Copies to each backup the reason that the account has for it.
 void giveReasons(SOutcome& outcome);
 
-// Takes the decision back: no selection, no states, and no release that was carried out.
+// Takes the decision back: removes the selection and the states, and marks every release as undone.
 void withdraw(SOutcome& outcome);
 
-// What became of a backup, in a word. They are also the words in which people ask for backups.
+// The words for states. In outputs they say the state of a backup; on the command line they select backups.
 constexpr std::string_view kNotLoaded = "not loaded";
 constexpr std::array<std::string_view, 4> kStateWords{"kept", "invalid", "rotated", kNotLoaded};
 
 // The word for a state, FI_BACKUP_...
 std::string_view stateWord(std::int32_t state);
 
-// Nothing when the library handed no state back.
+// The word for the state of this backup; nothing when the library gave it no state.
 std::optional<std::string_view> stateWord(const SBackupOutcome& backup);
 
 }  // namespace fi_rotate

@@ -4,8 +4,8 @@
 
 namespace fi_rotate {
 
-// For tables with a row for each enumerator: whether each row stands at the place of the enumerator that it
-// names in its member `kind` (a pointer to it), so that no row is missing.
+// For a table with a row for each enumerator: whether each row stands at the place of its enumerator, so that
+// none is missing. `kind` points to the member of the row that names the enumerator.
 template <typename Rows, typename Member>
 constexpr bool areInOrder(const Rows& rows, Member kind) {
     for (std::size_t i = 0; i < rows.size(); ++i) {

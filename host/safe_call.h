@@ -12,14 +12,15 @@
 #include "host/library_call.h"
 #include "host/outcome.h"
 
-// The call of the library made safe: decided from whole inputs or not at all.
+// A call of the library that decides only when all its inputs are whole.
 namespace fi_rotate {
 
 struct SSafety {
-    // Values of fi_rotation_problem.
+    // A sum of values of fi_rotation_problem.
     std::uint32_t permitted = 0;
+    // The largest document that is read.
     std::uint64_t mostBytes = CFiDocumentLimits::kMostBytes;
-    // Kept backups of each configuration; one that has fewer may not lose any.
+    // How many backups each configuration must keep; one that has fewer may not lose any.
     std::size_t leastKept = 0;
 };
 
@@ -34,7 +35,7 @@ struct SProblem {
 struct STargetOfDecision {
     // ENCLOSURE##DEVICE.
     std::string name;
-    // The place in the call of the backup that holds it in the end; nothing when it is free.
+    // The place in the call of the backup that holds it at the end; nothing when it is free.
     std::optional<std::size_t> holder;
 };
 
@@ -48,7 +49,7 @@ struct SConfigurationOfDecision {
 
 struct SDecision {
     fi_rotation_outcome kind = FI_ROTATION_FAILED;
-    // In words.
+    // The decision in words, for people.
     std::string message;
     std::vector<SProblem> problems;
     // As many backups as the call has when the inputs are whole; states and a selection only with

@@ -7,11 +7,9 @@
 namespace fi_rotate {
 namespace {
 
-enum class ESplit {
-    // At the first place that fits: what comes before it holds no names.
-    kFirst,
-    kLast,
-};
+// Where a line is split when the text between two arguments occurs several times in it: at the first place
+// where no name comes before it, else at the last.
+enum class ESplit { kFirst, kLast };
 
 enum class ELevel { kFailure, kProgress };
 
@@ -73,7 +71,8 @@ const STraceText& rowOf(ETraceText kind) {
     return kTexts.at(static_cast<std::size_t>(kind));
 }
 
-// What must not stand in a line, and the letters behind a backslash that stand for it.
+// Characters that a line of a trace file must not hold, and for each the letter that stands for it behind a
+// backslash.
 constexpr std::string_view kEscaped = "\n\r\\";
 constexpr std::string_view kEscapes = "nr\\";
 
@@ -87,7 +86,7 @@ bool endsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-// Whoever keeps a log may take the blank off that some lines end with.
+// Some formats end with a blank, which the writer of a log may have removed.
 std::string_view withoutLastBlank(std::string_view text) {
     return endsWith(text, " ") ? text.substr(0, text.size() - 1) : text;
 }
@@ -103,7 +102,7 @@ std::vector<std::string_view> literalsOf(std::string_view format) {
     return literals;
 }
 
-// What stands between the `literals`, of which the outer ones have been taken off.
+// The arguments between `literals`. The first and the last of these have been removed from `inner` already.
 std::optional<TraceArguments> split(std::string_view inner, const std::vector<std::string_view>& literals,
                                     ESplit how) {
     TraceArguments arguments;
@@ -222,7 +221,7 @@ std::string toTraceLine(int level, std::string_view text) {
 }
 
 bool isTraceFile(std::string_view text) {
-    // Every call begins with the configuration.
+    // The first line of every call is one of the parser of the configuration.
     constexpr std::string_view kBegins = " CFiResourceParser::parse : ";
     return !text.empty() && text[0] >= '0' && text[0] <= '9' && text.substr(1, kBegins.size()) == kBegins;
 }

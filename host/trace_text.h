@@ -7,16 +7,17 @@
 #include <string_view>
 #include <vector>
 
-// The lines of the library's trace, which is all that tells why a call came to its outcome. The live reader
-// and the reader of logs know them from this one table; a test compares it with what the library writes.
+// The texts of the library's trace, which alone tells why a call had its outcome. The reader of a running
+// call and the reader of logs both take them from this table. A test compares it with what the library
+// writes.
 namespace fi_rotate {
 
 // The levels of the library's lines.
 constexpr int kFailureLevel = 3;
 constexpr int kProgressLevel = 4;
 
-// Each has a row in trace_text.cpp, in this order: those of which a call has most come first, since a line is
-// looked for from the beginning.
+// Each has a row in trace_text.cpp, in this order. The search for a line goes from the beginning, so the
+// texts that a call has most come first.
 enum class ETraceText {
     kEntering,
     kExiting,
@@ -55,12 +56,12 @@ enum class ETraceText {
 
 // The format that the library passes to the trace facility.
 std::string_view formatOf(ETraceText kind);
-// Which text has this format; nothing when it is none of the table's.
+// The text that has this format; nothing when it is not in the table.
 std::optional<ETraceText> kindOf(const char* format);
 
-// What `text` holds in the places of the format's conversions; nothing when it is another line. Texts of the
-// host's may stand in several places, so that a line can have several readings: names of files and
-// identifiers may hold anything, what comes after them is short, so the last place that fits ends them.
+// The arguments that were formatted into `text`; nothing when it is another line. File names and identifiers
+// may hold anything, also what stands between two arguments, so that a line may be split in several ways.
+// What comes behind a name is short and holds no such text, so a name ends at the last place where it can.
 using TraceArguments = std::vector<std::string_view>;
 std::optional<TraceArguments> argumentsOf(ETraceText kind, std::string_view text);
 
@@ -68,31 +69,33 @@ std::optional<TraceArguments> argumentsOf(ETraceText kind, std::string_view text
 std::string_view startOf(ETraceText kind);
 bool startsAs(ETraceText kind, std::string_view text);
 
-// It reports that something failed. (The flag words stand at that level too and report no failure.)
+// Whether the text reports a failure. (The flag words are traced at that level, too, and report none.)
 bool reportsFailure(ETraceText kind);
 
-// The line of some failure, but for that of a malformed identifier, which may begin any line of a host's.
+// Whether a line of a log reports a failure. The text for a malformed identifier is left out: lines that a
+// host writes itself may begin like it.
 bool isFailure(std::string_view text);
 
-// A line of the parser of configurations, and one that says that a target was malformed: it, its
-// configuration and all after it do not count.
+// Whether a line is one of the parser of configurations.
 bool isOfParser(std::string_view text);
+// Whether a line says that a target is malformed, so that its configuration and all after it are not used.
 bool rejectsConfiguration(std::string_view text);
 
-// What a line of a tree, kNodeObjid and so on, holds behind its indentation.
+// The argument behind the indentation of a tree's line, of the kind kNodeObjid, kNodeAltobjid or kNodeType.
 std::optional<std::string_view> nodeTextIn(ETraceText kind, std::string_view text);
 
-// The states in the lines of a printed target.
+// How the line of a printed target names the state of a target that is free.
 constexpr std::string_view kAvailable = "Available";
 
-// The names of operations that lines begin with. Those of a tree, of a printed target and of a malformed
-// identifier have none and are told by their form.
+// The names of operations that lines begin with.
 constexpr std::array<std::string_view, 4> kOperations{
     "fi_process_backups : ",
     "CFiResourceParser::parse : ",
     "CFiResourceManager::print : ",
     "CFiFiidLoader::load: ERROR: ",
 };
+// Whether it is a line without such a name, known by its form: of a tree, of a printed target, or of a
+// malformed identifier.
 bool isUnnamed(std::string_view text);
 
 // A text as a line of a trace file: the level, a blank and the text without its line end; line breaks and
@@ -101,8 +104,9 @@ std::string toTraceLine(int level, std::string_view text);
 
 // Whether a file with this text is the trace of a call, as such lines.
 bool isTraceFile(std::string_view text);
-// What stands before the text in such a line; then `withLineBreaks` gives back what the text was.
+// Whether `prefix` is what such a line has before its text.
 bool isOwnPrefix(std::string_view prefix);
+// The text of such a line, with its line breaks and backslashes put back.
 std::string withLineBreaks(std::string_view text);
 
 }  // namespace fi_rotate

@@ -4,9 +4,8 @@
 #include <cstdint>
 #include <string>
 
-// Thrown for a malformed device or enclosure identifier in a backup's document. It is the one
-// exception of the library's own that may leave fi_process_backups, and a C++ host catches it by
-// reference:
+// Thrown for a malformed device or enclosure identifier in a backup's document. It may leave
+// fi_process_backups, and a C++ host catches it by reference:
 //
 //   try {
 //       status = fi_process_backups(...);
