@@ -17,7 +17,7 @@ namespace {
 struct SReasonKind {
     EReason kind;
     std::string_view name;
-    // With the reason's fields in braces.
+    // A sentence, with the names of the reason's fields in braces.
     std::string_view words;
 };
 
@@ -43,7 +43,7 @@ const SReasonKind& rowOf(EReason kind) {
 
 std::size_t countHolders(const SAccount& account, const Holders& holders, std::size_t configuration,
                          std::initializer_list<std::int32_t> states) {
-    // There are no holders when lines of the trace are missing.
+    // When lines of the trace are missing, the holders are not known.
     if (configuration >= holders.size()) {
         return 0;
     }
@@ -60,7 +60,7 @@ std::size_t countHolders(const SAccount& account, const Holders& holders, std::s
     return static_cast<std::size_t>(std::unique(counted.begin(), counted.end()) - counted.begin());
 }
 
-// Several configurations may have one name.
+// Several configurations may have the same name, and the release may have freed another one of that name.
 std::string notFreedBy(const SReason& reason) {
     const bool isNameFreed =
         std::find(reason.freed.begin(), reason.freed.end(), reason.configuration) != reason.freed.end();
@@ -92,7 +92,7 @@ std::vector<CPairs::SPair> CPairs::inOrder() const {
         begin = ends[i + 1];
     }
     const auto isBefore = [](const SPair& one, const SPair& other) { return one.objid < other.objid; };
-    // Most documents have them in order.
+    // Most documents have them in order, and to look takes less time than to sort.
     if (!std::is_sorted(pairs.begin(), pairs.end(), isBefore)) {
         std::stable_sort(pairs.begin(), pairs.end(), isBefore);
     }
@@ -124,11 +124,14 @@ std::vector<std::string> lossesInWords(const SAccount& account, std::size_t leas
     for (std::size_t i = 0; i < account.configurations.size(); ++i) {
         const std::size_t before = keptHoldersBeforeRotation(account, i);
         const std::size_t after = keptHolders(account, i);
-        if (after < std::min(before, least)) {
-            losses.push_back(fmt::format("{} would keep {} of its {} backups; at least {} must remain",
-                                         account.configurations[i].first, after, before,
-                                         std::min(before, least)));
+        if (after >= std::min(before, least)) {
+            continue;
         }
+        const std::string rule = before < least ? fmt::format("it has fewer than {} and may lose none", least)
+                                                : fmt::format("at least {} must remain", least);
+        losses.push_back(
+            fmt::format("{} would keep {} of its {} backups; {}: add further targets, or keep fewer",
+                        account.configurations[i].first, after, before, rule));
     }
     return losses;
 }

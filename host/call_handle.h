@@ -9,7 +9,7 @@
 #include "host/safe_call.h"
 #include "host/trace_text.h"
 
-// What a host has a pointer to.
+// The call that a host of the host library has a pointer to.
 struct fi_rotation_call {
     fi_rotate::SCall inputs;
     fi_rotate::SSafety safety;
@@ -17,17 +17,17 @@ struct fi_rotation_call {
     std::int32_t traceLevel = fi_rotate::kProgressLevel;
     fi_rotation_trace_fn traceFunction = nullptr;
     void* traceUser = nullptr;
-    // A backup could not be added.
+    // Whether a backup could not be added; no run decides then.
     bool isIncomplete = false;
 
     std::atomic<bool> isRunning = false;
-    // It was freed while it ran.
+    // Whether it was freed while it ran; it is deleted at the end of the run.
     bool isAbandoned = false;
 
     fi_rotate::SDecision decision;
-    // By backup.
+    // For each backup, the sum of its problems.
     std::vector<std::uint32_t> problemsOfBackups;
     std::vector<std::string> reasonTexts;
-    // What decision.message says, or a text that needs no memory.
-    const char* message = "the call was not run";
+    // Points to decision.message, or to a literal, for which no memory is needed.
+    const char* message = "the call was not run yet";
 };

@@ -20,7 +20,7 @@ namespace {
 
 class CDescriptor {
 public:
-    // Without waiting for whoever writes to a pipe of this name.
+    // O_NONBLOCK, because a pipe of this name would be opened only when another process writes to it.
     explicit CDescriptor(const std::string& file)
         : number(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)) {}
     ~CDescriptor() {
@@ -66,7 +66,7 @@ SDocumentFile tooLarge(SDocumentFile file, std::uint64_t bytes, std::uint64_t mo
                        fmt::format("has {} bytes; at most {} are allowed", bytes, mostBytes));
 }
 
-// A read that was interrupted is made again.
+// Reads again when a signal interrupted it.
 ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     while (true) {
         const ssize_t count = read(descriptor, buffer, size);
@@ -76,7 +76,7 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     }
 }
 
-// Of a file that is open and of a size within the limit.
+// Reads an open file, which is not too large as far as its size says.
 SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBytes) {
     std::array<char, std::size_t{64} << 10> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init)
     std::uint64_t bytes = 0;
@@ -87,7 +87,8 @@ SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBy
         if (nul != std::string_view::npos) {
             file =
                 withProblem(std::move(file), FI_ROTATION_NUL_BYTE,
-                            fmt::format("holds a NUL byte at byte {}, as text in UTF-16 does", bytes + nul));
+                            fmt::format("holds a NUL byte at byte {}; if it is in UTF-16, save it as UTF-8",
+                                        bytes + nul));
         }
         bytes += piece.size();
         if (bytes > mostBytes) {

@@ -20,8 +20,8 @@
 #include "host/process_lock.h"
 #include "host/safe_call.h"
 
-// The functions of the host library that take inputs and run a call. Nothing leaves them but the end of the
-// thread.
+// The functions of the host library that take inputs and run a call. No exception leaves them; only when the
+// trace function ends its thread, that unwinds them.
 
 using fi_rotate::SBackupOutcome;
 using fi_rotate::SDecision;
@@ -31,7 +31,7 @@ namespace {
 
 class CTraceFailure : public std::exception {};
 
-// While it exists, the thread cannot be cancelled; afterwards that and errno are as they were.
+// While it exists, the thread cannot be cancelled. At its end, the cancellation state and errno are put back.
 class CThreadState {
 public:
     CThreadState() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelState); }
@@ -47,7 +47,7 @@ private:
     int cancelState = PTHREAD_CANCEL_ENABLE;
 };
 
-// At the end of the run a call that was freed meanwhile is deleted.
+// Ends the run of a call at the end of the scope, and deletes the call if it was freed meanwhile.
 class CRun {
 public:
     explicit CRun(fi_rotation_call& running) : call(running) {}
@@ -96,10 +96,10 @@ fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outco
 }
 
 fi_rotation_outcome outOfMemory(fi_rotation_call& call) {
-    return endWithout(call, FI_ROTATION_OUT_OF_MEMORY, "memory ran out");
+    return endWithout(call, FI_ROTATION_OUT_OF_MEMORY, "memory ran out, so nothing was decided");
 }
 
-// With what an exception says, if there is memory for that.
+// The message is that of `cause`, if there is memory for it.
 fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outcome,
                                const std::exception& cause) {
     endWithout(call, outcome, "the run failed");
@@ -113,7 +113,7 @@ fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outco
 }
 
 fi_rotation_outcome decide(fi_rotation_call& call) {
-    endWithout(call, FI_ROTATION_FAILED, "the run did not come to its end");
+    endWithout(call, FI_ROTATION_FAILED, "the run has not ended, or its trace function ended the thread");
     call.decision = fi_rotate::decideSafely(call.inputs, wishesOf(call), call.safety);
     call.problemsOfBackups.assign(call.inputs.backups.size(), 0);
     for (const SProblem& problem : call.decision.problems) {
@@ -164,7 +164,7 @@ std::int32_t fi_rotation_call_add(fi_rotation_call* call, const char* file, std:
             call->inputs.backups.push_back({file, excluded != 0 ? FI_EXCLUDE_ROTATION : 0});
             return static_cast<std::int32_t>(call->inputs.backups.size()) - 1;
         }
-    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): told by what is returned.
+    } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): the result says so.
     }
     call->isIncomplete = true;
     return -1;
@@ -213,14 +213,17 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
     }
     const CRun run(*call);
     if (call->isIncomplete) {
-        return endWithout(*call, FI_ROTATION_OUT_OF_MEMORY, "a backup could not be added to the call");
+        return endWithout(*call, FI_ROTATION_OUT_OF_MEMORY,
+                          "a backup could not be added (memory ran out, or its name was a null pointer), so "
+                          "nothing is decided; make a new call");
     }
     try {
         return decide(*call);
     } catch (const std::bad_alloc&) {
         return outOfMemory(*call);
     } catch (const CTraceFailure&) {
-        return endWithout(*call, FI_ROTATION_TRACE_FAILED, "the trace function threw an exception");
+        return endWithout(*call, FI_ROTATION_TRACE_FAILED,
+                          "the trace function threw an exception, so nothing was decided");
     } catch (const fi_rotate::CProcessLock::CMisuse& misuse) {
         return endWithout(*call, FI_ROTATION_MISUSED, misuse);
     } catch (const std::exception& failure) {
@@ -229,5 +232,5 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
 }
 
 const char* fi_rotation_call_message(const fi_rotation_call* call) {
-    return call != nullptr ? call->message : "memory ran out before there was a call";
+    return call != nullptr ? call->message : "the call could not be made, because memory ran out";
 }

@@ -3,13 +3,16 @@
 #include <optional>
 
 #include <fi_rotation/fi_process_backups.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
 using fi_rotate::keptHolders;
 using fi_rotate::keptHoldersBeforeRotation;
+using fi_rotate::lossesInWords;
 using fi_rotate::SAccount;
+using testing::ElementsAre;
 
 constexpr std::optional<std::size_t> kFree;
 
@@ -48,6 +51,21 @@ TEST(HostAccount, WithoutHoldersNoneAreCounted) {
     other.heldAfter.clear();
     EXPECT_EQ(keptHolders(other, 0), 0);
     EXPECT_EQ(keptHoldersBeforeRotation(other, 0), 0);
+}
+
+// A##x keeps one of two backups, A##y none of one.
+TEST(HostAccount, LossesSayHowManyBackupsMayNotBeLostAndWhatToDo) {
+    EXPECT_THAT(lossesInWords(account(), 0), ElementsAre());
+    EXPECT_THAT(
+        lossesInWords(account(), 1),
+        ElementsAre("A##y would keep 0 of its 1 backups; at least 1 must remain: add further targets, "
+                    "or keep fewer"));
+    EXPECT_THAT(
+        lossesInWords(account(), 2),
+        ElementsAre("A##x would keep 1 of its 2 backups; at least 2 must remain: add further targets, "
+                    "or keep fewer",
+                    "A##y would keep 0 of its 1 backups; it has fewer than 2 and may lose none: add "
+                    "further targets, or keep fewer"));
 }
 
 }  // namespace

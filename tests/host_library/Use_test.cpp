@@ -254,7 +254,7 @@ TEST_F(CHostLibraryUse, KeepsAsManyBackupsAsItIsAsked) {
     }
 }
 
-TEST_F(CHostLibraryUse, SaysWhatWouldBeLeftWhenThatIsTooFew) {
+TEST_F(CHostLibraryUse, SaysHowManyBackupsWouldBeLeftAndWhyWhenTheyAreTooFew) {
     const HostCall call = rotation();
     fi_rotation_call_keep_at_least(call.get(), 2);
     ASSERT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_TOO_FEW_BACKUPS);
@@ -268,6 +268,9 @@ TEST_F(CHostLibraryUse, SaysWhatWouldBeLeftWhenThatIsTooFew) {
     EXPECT_EQ(fi_rotation_call_target_holder(call.get(), 0, 1), 0);
     EXPECT_EQ(fi_rotation_call_backup_state(call.get(), 0), FI_ROTATION_NO_STATE);
     EXPECT_EQ(fi_rotation_call_backup_state(call.get(), 1), FI_ROTATION_NO_STATE);
+    EXPECT_STREQ(fi_rotation_call_backup_time_stamp(call.get(), 0), "2");
+    EXPECT_STREQ(fi_rotation_call_backup_reason(call.get(), 1), "needed");
+    EXPECT_EQ(fi_rotation_call_backup_target_count(call.get(), 1), 1);
     EXPECT_THAT(fi_rotation_call_message(call.get()), testing::HasSubstr("encA##lun1"));
     fi_rotation_call_keep_at_least(call.get(), 0);
     EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);

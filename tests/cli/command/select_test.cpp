@@ -277,7 +277,8 @@ TEST(FiRotateSelect, DecidesNothingWhereTooFewBackupsWouldBeKept) {
         EXPECT_THAT(refused.output, StartsWith("Selection: none\n"));
         EXPECT_THAT(refused.output, Not(HasSubstr("rotated")));
         EXPECT_EQ(refused.error,
-                  "fi-rotate: encA##lun1 would keep 0 of its 1 backups; at least 1 must remain\n"
+                  "fi-rotate: encA##lun1 would keep 0 of its 1 backups; at least 1 must remain: add further "
+                  "targets, or keep fewer\n"
                   "fi-rotate: nothing was decided, because too few backups would be kept\n");
     }
 }
