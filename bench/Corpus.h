@@ -4,20 +4,21 @@
 #include <string>
 #include <vector>
 
-// Input for calls, made by rule: the same shape gives the same bytes.
+// Inputs of calls. The same shape always gives the same bytes.
 namespace fi_bench {
 
 struct SShape {
     const char* name;
     std::size_t backups;
-    // In each document, its root included. Each Node holds one further target of one configuration; the
-    // pairs of all documents go through all configurations, then through their next targets.
+    // Nodes in each document, its root included. Each Node names one further target of one configuration. The
+    // pairs of all documents name the first further target of every configuration, then the second ones, and
+    // so on.
     std::size_t nodes;
     std::size_t configurations;
     // Further targets of each configuration.
     std::size_t targets;
-    // Each Node the only child of the one before, without elements but for the innermost and without
-    // white space: indenting so deep a document would make it quadratic.
+    // Each Node is the only child of the one before. Only the innermost has data elements, and there is no
+    // white space: to indent so deep a document would make its size quadratic.
     bool isNested = false;
 };
 
@@ -39,8 +40,8 @@ SCorpus writeCorpus(const SShape& shape, const std::string& folder);
 // A corpus that was written before.
 SCorpus readCorpus(const std::string& folder);
 
-// One call of the library over a corpus, the selection released. Ends the program when it gives none.
-// Returns the number of backups that were rotated.
+// Makes one call of the library over a corpus and frees the selection. Returns the number of backups that
+// were rotated. Ends the program when there is no selection.
 std::size_t runCall(const SCorpus& corpus);
 
 }  // namespace fi_bench

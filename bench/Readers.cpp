@@ -34,7 +34,8 @@ void gather(const pugi::xml_node& node, Pairs& pairs) {
     }
 }
 
-// Gathers as elements close: the objid and altobjid of a Node stand before its inner Nodes.
+// Gathers a pair when its altobjid ends, since the objid and the altobjid of a Node stand before its inner
+// Nodes.
 struct SGathering {
     Pairs pairs;
     std::string text;

@@ -9,8 +9,8 @@ namespace fi_bench {
 
 std::string readFile(const std::string& file);
 
-// The floor: reads and parses every file with the bare SAX2 reader, set up as the library's, and throws
-// the events away. The XML library must be initialised.
+// The least that a call must cost: reads and parses every file with the SAX2 reader alone, configured as in
+// the library, and ignores the events. The XML library must be initialised.
 void parseWithBareReader(const std::vector<std::string>& files);
 
 // Reads every file, gathers the identifier pairs of each document in a map, and returns their number.

@@ -12,7 +12,7 @@ KEPT, INVALID, ROTATED = range(3)
 
 
 def parse_configuration(text):
-    """First target -> {further target: whether it is used}."""
+    """By first target, a dictionary of the further targets, which says of each whether it is used."""
     configurations = {}
     for configuration in text.split("&"):
         first, *further = configuration.split(";")

@@ -1,6 +1,6 @@
-// What a call through the host library costs beside the same call of the first library. Each measurement is
-// made in a process of its own, since the host library sets up the XML library for the whole process, which
-// the first library's calls would profit from.
+// What a call through the host library costs, compared with the same call of the first library. Each
+// measurement is made in a process of its own: the host library sets up the XML library for the whole
+// process, which would make calls of the first library faster.
 //
 // Usage: fi_rotation_host_bench FOLDER ROUNDS
 
@@ -42,7 +42,7 @@ void runThroughHostLibrary(const SCorpus& corpus, bool wantsReasons) {
     }
 }
 
-// Seconds that one of `count` runs of the work takes, in a process that does nothing else.
+// The seconds of one run of the work: the average of `count` runs in a process that does nothing else.
 double secondsAlone(const std::function<void()>& work, std::size_t count) {
     int ends[2];
     if (pipe(ends) != 0) {
@@ -93,7 +93,7 @@ void measure(const SRow& row, const std::string& folder, int rounds) {
     std::vector<double> safe;
     std::vector<double> reasons;
     std::vector<double> parse;
-    // In turn, so that what the machine does meanwhile meets them all alike.
+    // All are measured in turn, so that other work of the machine slows all of them alike.
     for (int i = 0; i < rounds; ++i) {
         bare.push_back(secondsAlone([&] { fi_bench::runCall(corpus); }, row.count));
         safe.push_back(secondsAlone([&] { runThroughHostLibrary(corpus, false); }, row.count));

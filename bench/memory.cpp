@@ -1,7 +1,7 @@
 // Usage: fi_rotation_memory FOLDER CALLS
 //
-// Runs CALLS calls over the corpus in FOLDER and prints, in bytes: the documents, peak resident memory
-// behind the first call and behind the last.
+// Runs CALLS calls over the corpus in FOLDER and prints, in bytes: the size of the documents, and the peak
+// resident memory after the first call and after the last.
 
 #include <sys/resource.h>
 

@@ -1,6 +1,6 @@
-// Calls of the library beside the floor, over the six corpora, and the growth of a call's time with each
-// dimension of its input. FI_BENCH_FOLDER names a folder to keep the corpora in; without it they go to a
-// temporary one.
+// Measures calls of the library and the bare reading of their documents over the six corpora, and how the
+// time of a call grows with each dimension of its input. The corpora are kept in the folder FI_BENCH_FOLDER,
+// if it is set; otherwise they are in a temporary one.
 
 #include <algorithm>
 #include <cerrno>
@@ -45,8 +45,8 @@ double floorSeconds(const SCorpus& corpus) {
     return seconds;
 }
 
-// One call and one reading by each other reader in every round, so that what the machine does meanwhile
-// meets them all alike.
+// Every round makes one call and one reading with each other reader, so that other work of the machine slows
+// all of them alike.
 void runCorpus(benchmark::State& state, const SShape& shape, const std::string& folder) {
     const SCorpus corpus = fi_bench::writeCorpus(shape, folder + "/" + shape.name);
     std::vector<double> calls;
@@ -73,7 +73,8 @@ void runCorpus(benchmark::State& state, const SShape& shape, const std::string& 
     }
 }
 
-// The slope of the times over the sizes, both as logarithms: 1 for a time that is linear.
+// The exponent with which the times grow with the sizes: 1 when they grow linearly. It is the slope of their
+// logarithms.
 double exponent(const std::vector<double>& sizes, const std::vector<double>& times) {
     double sumX = 0;
     double sumY = 0;
@@ -99,7 +100,7 @@ struct SGrowth {
     Member member;
 };
 
-// Starts large enough that the dimension in question is what a call spends its time on.
+// The first size is so large that a call spends most of its time on the dimension that grows.
 const SGrowth kGrowths[] = {
     {"backups", {"backups", 250, 10, 100, 410}, &SShape::backups},
     {"nodes", {"nodes", 2, 10000, 100, 3300}, &SShape::nodes},

@@ -8,7 +8,7 @@ first last" for each corpus that memory was measured on.
 import json
 import sys
 
-# The ratio that a call must reach, and the one aimed at.
+# For each corpus, how many times the bare reading a call may take: the limit, and the aim.
 BOUNDS = {
     "small": (1.8, 1.4),
     "many": (2.2, 1.6),

@@ -2,7 +2,7 @@
 
 #include <string>
 
-// A file in memory that has a name while this object lives.
+// A file in memory, with a name as long as this object exists.
 class CDocument {
 public:
     explicit CDocument(const std::string& content);

@@ -2,6 +2,6 @@
 
 #include <cstdint>
 
-// The trace facility of these programs formats every line, so that what a line takes as its arguments is
-// read, and keeps only a digest. Returns that of all lines since the last call.
+// Returns a digest of all trace lines since it was called last. The trace facility of these programs keeps
+// only the digest, but formats every line, so that the sanitizers see the line's arguments read.
 std::uint64_t takeTraceDigest();

@@ -1,7 +1,7 @@
-// Bytes are the choices of whoever makes a call; then, parted by lines "%%", what is put behind the
-// configuration, and documents in place of the first ones. Whatever they are: the answer is the model's,
-// unless a document was put in place; a selection names one further target of each configuration, and none
-// that a kept backup holds; a state is 0, 1 or 2; an excluded backup is not rotated; a failure and an
+// The input has parts, separated by lines "%%": the choices of the generator of calls, a text that is added
+// to the configuration, and documents that replace the first ones. For every input: the answer is the
+// model's, unless a document was replaced; a selection names one further target of each configuration, and
+// none that a kept backup holds; a state is 0, 1 or 2; an excluded backup is not rotated; a failure and an
 // exception leave the outputs alone; the same call has the same answer again.
 
 #include <algorithm>
@@ -27,7 +27,7 @@
 #include "tests/model/ModelResources.h"
 #include "tests/model/Shrink.h"
 
-// There in programs with a leak checker: what is allocated in between is no leak.
+// These exist in programs with a leak checker. Blocks that are allocated between them are not reported.
 extern "C" __attribute__((weak)) void __lsan_disable();
 extern "C" __attribute__((weak)) void __lsan_enable();
 
@@ -44,7 +44,8 @@ using fi_model::STarget;
 
 constexpr std::size_t kMostParts = 5;
 
-// Each choice takes the bytes that it needs. Behind the last one chance goes on, always the same.
+// Each choice takes the bytes that it needs. When there are no more bytes, the choices are random, with a
+// fixed seed.
 class CChoices {
 public:
     explicit CChoices(std::string chosen) : bytes(std::move(chosen)) {}
@@ -69,14 +70,14 @@ private:
 
 struct SScenario {
     SCall call;
-    // Names of the documents that are bytes from the input.
+    // Names of the documents that consist of bytes from the input.
     std::set<std::string> raw;
-    // What the model says, which knows nothing of those.
+    // The model's prediction, which does not know those documents.
     SPrediction expected;
 };
 
-// Of several top-level Nodes in a document all but the last stay allocated, which a leak checker takes for a
-// finding.
+// When a document has several top-level Nodes, all but the last stay allocated, and a leak checker would
+// report them.
 bool leavesRoots(const SPrediction& prediction) {
     return prediction.tally[fi_model::EOutcome::kSeveralTopLevelNodes] > 0;
 }
@@ -89,7 +90,7 @@ SScenario choose(const std::string& input) {
     do {
         call = makeCall(random);
         if (parts.size() > 1 && call.configuration.has_value()) {
-            // A configuration ends at a NUL.
+            // The library reads a configuration up to its first NUL byte.
             call.configuration = (*call.configuration + parts[1]).c_str();
         }
         scenario.expected = predict(call);
@@ -124,7 +125,7 @@ SAnswer run(fi_model::CLibraryHost& host, const SScenario& scenario) {
     if (scenario.raw.empty()) {
         return host.run(scenario.call);
     }
-    // Bytes from the input may hold several top-level Nodes.
+    // A document of bytes from the input may have several top-level Nodes.
     const CWithoutLeakCheck unwatched;
     return host.run(scenario.call);
 }
@@ -214,8 +215,8 @@ std::string targetOf(const std::string& text) {
     return nameOf(identifier.enclosure, identifier.device);
 }
 
-// A pair means the first configuration of its first target, and the first target of its name in there; where
-// a configuration string repeats names, a kept backup says nothing of the others.
+// Whether no name is repeated. Where names are, a pair means the first configuration and the first target of
+// a name, and a kept backup does not hold the others.
 bool holdsNamesOnce(const Configurations& configurations) {
     std::vector<std::string> names;
     for (const SConfiguration& configuration : configurations) {
@@ -254,7 +255,7 @@ void requireKeptTargets(const SScenario& scenario, const SAnswer& answer,
 
 void requireSelection(const SScenario& scenario, const SAnswer& answer) {
     requireStates(scenario.call, answer);
-    // A device that ends like a group of the selection could be read in two ways.
+    // With a ']' in a name, the selection cannot be split into configurations for certain.
     if (scenario.call.configuration->find(']') != std::string::npos) {
         return;
     }
@@ -270,7 +271,7 @@ void requireAgreement(fi_model::CLibraryHost& host, const SScenario& scenario, c
     if (firstDifference(scenario.expected.answer, answer).empty()) {
         return;
     }
-    // Backups of equal time stamps may be in another order than the model's first.
+    // Where time stamps are equal, the library may take another order of these backups than the prediction.
     const SCall& call = scenario.call;
     const bool agrees = compare(call, [&](const SCall&) { return answer; }).difference.empty();
     if (!agrees) {

@@ -1,8 +1,8 @@
-// Bytes are a configuration and documents, parted by lines "%%". Whatever they are: each finding has a place
-// in its input and stands in order; a report counts what it shows and has a line for each. Where no entities
-// are involved, the configurations, the content, the tree and the identifiers are those that the library
-// reads; an exception leaves a call when, and only when, a finding says so; a backup with a pair that matches
-// nothing is invalid; one without a Node is ignored.
+// The input is a configuration and documents, separated by lines "%%". For every input: each finding has a
+// place in its input, and findings are in order; a report counts what it shows and has a line for each.
+// Without entities, the configurations, the content, the tree and the identifiers are those that the library
+// reads; an exception leaves a call exactly when a finding says so; a backup with a pair that matches nothing
+// is invalid; one without a Node is ignored.
 
 #include <algorithm>
 #include <cstddef>
@@ -206,10 +206,10 @@ void requireConfigurations(const std::string& text) {
     }
 }
 
-// What the findings say of a call is what it comes to.
+// Requires that a call has the outcome that the findings say.
 void requireCall(const fi_rotate::SInputs& inputs, const std::vector<CFindings>& findings) {
     for (const CFindings& some : findings) {
-        // Of several top-level Nodes the call leaves all but the last one allocated.
+        // With several top-level Nodes the call would leave all but the last one allocated.
         if (has(some, EHazard::kDoctype) || has(some, EHazard::kUtf16) || has(some, EHazard::kSeveralNodes) ||
             has(some, EHazard::kReadingLimit)) {
             return;

@@ -1,6 +1,6 @@
-// Any text is a configuration string. What is taken from it has names and is free; a call without backups
-// selects the first further target of each configuration, or fails when one has none; the same text gives
-// the same answer again.
+// The input is a configuration string. For every input: all targets that are read have names and are free; a
+// call without backups selects the first further target of each configuration, or fails when one has none;
+// the same text has the same answer again.
 
 #include <algorithm>
 #include <cstddef>
@@ -54,7 +54,7 @@ void requireNamed(const SFiResourceList& list) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // The text ends at its first NUL for everybody.
+    // The library reads the text up to its first NUL byte.
     const std::string configuration = std::string(reinterpret_cast<const char*>(data), size).c_str();
     CFiResourceParser parser;
     const std::int32_t status = parser.parse(configuration.c_str());

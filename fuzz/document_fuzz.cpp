@@ -1,5 +1,5 @@
-// Any bytes are a document. What the loader reads of it is what stands in the file, line by line up to each
-// NUL; the tree that comes of it is one, with every child's parent right; its pairs are those of its nodes.
+// The input is a document. For every input: the loader reads what is in the file, each line up to its first
+// NUL byte; the result is a tree in which every child has the right parent; its pairs are those of its nodes.
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,8 @@
 
 namespace {
 
-// Comparing every pair with every node, and printing, are quadratic.
+// Larger trees are not printed, and their pairs are not compared with every node, since both take quadratic
+// time.
 constexpr std::size_t kNodesWorthPrinting = 200;
 
 std::vector<const CFiFiidNode*> nodesOf(const CFiFiidNode* root) {
@@ -53,7 +54,7 @@ void requirePairs(const CFiFiidNode& root, const std::vector<const CFiFiidNode*>
 std::string asRead(const std::string& content) {
     std::string text;
     for (std::size_t start = 0; start < content.size();) {
-        // A line is also cut where the reader's buffer ends.
+        // A line also ends where the loader's buffer ends.
         const std::size_t lineEnd = content.find('\n', start);
         const std::size_t length =
             lineEnd == std::string::npos ? content.size() - start : lineEnd + 1 - start;

@@ -1,8 +1,8 @@
-// Bytes are, parted by lines "%%", the choices of a host, a configuration, and documents. Whatever they are,
-// the host library answers: a selection comes from whole inputs and names for each configuration a target
-// that is free; what is excluded is not rotated; without a selection there is no state; a refusal names an
-// input; with everything permitted only a malformed identifier is refused; reasons change nothing; and the
-// same call has the same answer again.
+// The input is the choices of a host, a configuration, and documents, separated by lines "%%". For every
+// input: a selection is made from whole inputs only and names a free target for each configuration; an
+// excluded backup is not rotated; without a selection there are no states; a refusal names an input; with
+// everything permitted only a malformed identifier is refused; asking for reasons changes nothing; the same
+// call has the same answer again.
 
 #include <cstddef>
 #include <cstdint>
@@ -18,8 +18,8 @@
 #include "fuzz/require.h"
 #include "tests/support/TemporaryFolder.h"
 
-// There in programs with a leak checker: of several top-level Nodes in a document all but the last stay
-// allocated.
+// This exists in programs with a leak checker, which would report the roots that a later one of their
+// document replaced.
 extern "C" __attribute__((weak)) void __lsan_disable();
 
 namespace {
@@ -37,14 +37,14 @@ struct SInputs {
     std::string configuration;
     std::vector<std::string> files;
 
-    // Whether the host chooses the thing of this number.
+    // Whether the host makes the choice of this number.
     bool chooses(std::size_t number) const {
         const std::size_t byte = number / 8;
         return byte < choices.size() && (static_cast<unsigned char>(choices[byte]) >> number % 8 & 1) != 0;
     }
 };
 
-// The first choices; those behind them are the exclusions.
+// The first choices; the ones after them say which backups are excluded.
 enum EChoice : std::size_t { kKeepsOne, kListsOneTwice, kExclusions };
 
 Call newCall(const SInputs& inputs) {
@@ -59,7 +59,7 @@ Call newCall(const SInputs& inputs) {
     return call;
 }
 
-// What a host sees of the decision.
+// The decision as a host sees it, as text.
 std::string told(const fi_rotation_call* call, fi_rotation_outcome outcome) {
     std::string text = std::to_string(outcome) + ' ' + fi_rotation_call_message(call);
     const char* const selection = fi_rotation_call_selection(call);
@@ -78,7 +78,7 @@ void requireNoDecision(const fi_rotation_call* call) {
     }
 }
 
-// With reasons.
+// Runs the call with reasons, in which each configuration must have the right free target.
 void requireFreeTargets(const fi_rotation_call* call, const SInputs& inputs) {
     for (std::int32_t i = 0; i < fi_rotation_call_configuration_count(call); ++i) {
         const std::string chosen = fi_rotation_call_configuration_chosen(call, i);
@@ -161,7 +161,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         partsOf(std::string(reinterpret_cast<const char*>(data), size), kMostParts);
     SInputs inputs;
     inputs.choices = parts[0];
-    // It ends at a NUL.
+    // The library reads a configuration up to its first NUL byte.
     inputs.configuration = parts.size() > 1 ? parts[1].c_str() : "";
     for (std::size_t i = 2; i < parts.size(); ++i) {
         inputs.files.push_back(folder.write("backup-" + std::to_string(i) + ".xml", parts[i]));

@@ -1,5 +1,5 @@
-// Any text is an identifier or is not one. If it is, its parts put together again are its end; if not, the
-// exception says which text and a reason that exists. What an object held before makes no difference.
+// The input is an identifier or not. If it is one, the text ends with its parts, joined again; if not, the
+// exception holds the text and a known reason. It does not matter what the object held before.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,6 @@
-// Any bytes are logs. Their calls stand in the order in which they begin; what is shown of them keeps to its
-// lines and is JSON that a program can read; a reason is given only where nothing is missing in between.
+// The input is one or more logs. For every input: calls are in the order in which they begin; what is shown
+// of them is printable text, and JSON that a program can read; reasons are given only where no lines are
+// missing in between.
 
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +36,7 @@ void requireOrder(const std::vector<SLoggedCall>& calls) {
     }
 }
 
-// Only the missing end leaves reasons standing.
+// Whether lines are missing before the end. When only the end is missing, reasons are kept.
 bool lacksLinesInBetween(const SLoggedCall& call) {
     for (const std::string& missing : call.missing) {
         if (missing.rfind("its end", 0) != 0 && missing.rfind("the flag word", 0) != 0) {
@@ -77,7 +78,7 @@ void requireReadable(const std::vector<SLoggedCall>& calls) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // A form feed in a line of its own begins another log.
+    // A line with a form feed alone separates logs.
     std::string_view log(reinterpret_cast<const char*>(data), size);
     fi_rotate::CLogReader reader;
     while (!log.empty()) {

@@ -5,8 +5,7 @@
 #include <string>
 #include <vector>
 
-// Several inputs in one: what stands between lines "%%", no more than `most`. At least one, which may be
-// empty.
+// Splits one input into parts at lines "%%", into at most `most`. There is always one, which may be empty.
 inline std::vector<std::string> partsOf(const std::string& bytes, std::size_t most) {
     const std::string separator = "\n%%\n";
     std::vector<std::string> parts;

@@ -1,6 +1,6 @@
-// What hosts have compiled into themselves, beside the functions: the values of the public constants, and the
-// layout of the exception, on 64-bit Linux with the C++ runtime of GCC. Compiles as long as they are what the
-// hosts of this major version were built with.
+// Hosts have the values of the public constants and the layout of the exception compiled in. This compiles
+// only while both are those that the hosts of this major version were built with, on 64-bit Linux with the
+// C++ runtime of GCC.
 #include <cstddef>
 #include <type_traits>
 

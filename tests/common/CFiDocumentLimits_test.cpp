@@ -22,7 +22,7 @@ TEST(CFiDocumentLimits, CountTheBytesOfADocument) {
     EXPECT_EQ(excessOf(document), EExcess::kBytes);
 }
 
-// Wherever blocks of the search for it begin.
+// The search looks at blocks of the document, so the tag is tried at every place in a block.
 TEST(CFiDocumentLimits, FindALongTagAtEveryPlace) {
     const std::string longest = "<b c='" + std::string(8184, 'x') + "'>";
     ASSERT_EQ(longest.size(), 8192U);

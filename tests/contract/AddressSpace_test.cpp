@@ -1,4 +1,4 @@
-// What is left of a real shortage: a process that may not map more memory, from its first call on.
+// A real shortage of memory: a process that may not map more memory, from its first call on.
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -98,10 +98,10 @@ EEnd callInAProcessOfItsOwn(const SMemory& memory, const std::string& file) {
     return WIFEXITED(status) ? static_cast<EEnd>(WEXITSTATUS(status)) : kUnexpected;
 }
 
-TEST(CAddressSpace, ThatIsTooSmallForACallLeavesTheNextCallsAsTheyAre) {
+TEST(CAddressSpace, LaterCallsWorkAfterACallForWhichItWasTooSmall) {
     const CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", toXml(backup("1", {{"encA##lun1", "encA##snap1"}})));
-    // Loaded before memory is short.
+    // The library is loaded before memory is short.
     ASSERT_NE(entryPoint(), nullptr);
     std::size_t ends[4] = {};
     const auto tryOut = [&](const SMemory& memory) {

@@ -37,7 +37,7 @@ bool isOfDecision(const std::string& text) {
     });
 }
 
-// The file of each backup behind `start`, then `end`.
+// A line for each backup: `start`, its file, `end`.
 Trace named(const std::vector<SBackup>& backups, const std::string& start, const std::string& end) {
     Trace trace;
     for (const SBackup& backup : backups) {
@@ -46,7 +46,7 @@ Trace named(const std::vector<SBackup>& backups, const std::string& start, const
     return trace;
 }
 
-// The same with the time stamps.
+// A line for each backup: `start`, its file and its time stamp.
 Trace dated(const std::vector<SBackup>& backups, const std::string& start) {
     Trace trace;
     for (const SBackup& backup : backups) {

@@ -21,7 +21,8 @@ struct SDeepCall {
     std::string selection;
 };
 
-// Without a recorder the trace is dropped: the printed lines of so deep a tree are together quadratic.
+// No recorder keeps the trace: the lines of so deep a tree are indented by their depth, so that together they
+// are quadratic in it.
 void* runDeepCall(void* argument) {
     auto& deep = *static_cast<SDeepCall*>(argument);
     const char* const files[] = {deep.file.c_str()};

@@ -27,7 +27,7 @@ SharedProgress newSharedProgress() {
 
 void runEach(SShortageProgress& progress, const std::function<void(SShortageProgress&)>& step) {
     for (; !progress.isFinished; ++progress.number) {
-        // The child ends like any process, with what this one has not written yet.
+        // Otherwise the child would write at its end what is still in this process's buffer.
         std::fflush(stdout);
         const pid_t child = fork();
         ASSERT_GE(child, 0);

@@ -10,7 +10,7 @@
 
 #include "tests/contract/Decision.h"
 
-// What a call says of its arguments and its configuration, and the whole of a call without backups.
+// How a call checks its arguments and its configuration, and everything about a call without backups.
 namespace fi_test {
 namespace {
 
@@ -21,7 +21,7 @@ const Trace kInvalid = failure("fi_process_backups : Invalid/empty parameter");
 const Trace kNoPrevious =
     progress({"fi_process_backups : fiidListSize empty, no previous backups to process"});
 
-// A call without backups, the rejections of its configuration first.
+// A call without backups. Its trace begins with the rejections of its configuration.
 SObserved firstBackup(const std::string& selection, const Trace& rejections = {}) {
     return {0, std::nullopt, selection, {}, rejections + kNoPrevious, ""};
 }
@@ -97,7 +97,7 @@ TEST_F(CEntryPoint, FirstBackupFailsWhenAnyConfigurationHasNoFurtherTarget) {
     }
 }
 
-// The list may be there all the same; a size of 0 says that it has no entries.
+// The pointer to the list need not be null: the size of 0 says that it has no entries.
 TEST_F(CEntryPoint, FirstBackupLeavesTheFlagsAlone) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##snap1"}}), 7);
     SObserved expected = firstBackup("[encA##lun1;encA##snap1]");
@@ -137,7 +137,7 @@ TEST_F(CEntryPoint, RejectedConfigurationDoesNotStopTheCall) {
     }
 }
 
-TEST_F(CEntryPoint, SeparatorsOfAllKindsPartTheConfigurations) {
+TEST_F(CEntryPoint, SeparatorsOfAllKindsSeparateConfigurations) {
     EXPECT_EQ(decided("&\n&encA##lun1;snap1\r\nencB##lun2;snap2&", {}),
               firstBackup("[encA##lun1;encA##snap1][encB##lun2;encB##snap2]"));
 }

@@ -5,8 +5,8 @@
 
 #include "tests/contract/Decision.h"
 
-// The one exception type that leaves the library, caught by its type in this program, which has no code of
-// the library but that type's header.
+// The exception of the library's own, caught by its type in this program, which contains no code of the
+// library but the header of that type.
 namespace fi_test {
 namespace {
 

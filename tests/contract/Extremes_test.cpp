@@ -1,4 +1,5 @@
-// Large inputs of every kind. Each call runs in a process of its own, so that its peak of memory can be seen.
+// Large inputs of every kind. Each call runs in a process of its own, so that its peak of memory can be
+// measured.
 
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -17,7 +18,8 @@
 #include "tests/contract/Document.h"
 #include "tests/contract/Host.h"
 
-// Drops the lines: those of a deep tree are together quadratic.
+// Drops the lines: those of a deep tree are indented by their depth, so that together they are quadratic in
+// it.
 extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int, const char*, ...) {}
 
 namespace fi_test {
@@ -68,8 +70,9 @@ protected:
         }
         const long peak = peakOfCall(input);
         std::printf("| %s | a selection | %ju MB | %ld MB |\n", what, bytes / 1000000, peak / 1000);
-        // A Node of thirteen bytes takes 600 in memory; nothing takes more for its size. To be sure that it
-        // is no power of the size, these are thousands of times larger than usual inputs.
+        // A Node of thirteen bytes takes 600 bytes of memory, and nothing takes more for its size. The inputs
+        // are thousands of times larger than usual ones, so that memory that grows faster than they do is
+        // noticed.
         EXPECT_LT(static_cast<std::uintmax_t>(peak) * 1000, 64 * bytes + 32'000'000);
     }
 
@@ -100,7 +103,7 @@ TEST_F(CExtremes, TextOf100MillionBytes) {
 }
 
 #ifndef FI_ROTATION_HARDENED_XML
-// A hardened library does not read these two.
+// A hardened library does not read the documents of the next two tests.
 TEST_F(CExtremes, MillionNestedNodes) {
     const std::size_t size = 1'000'000;
     std::ofstream document = file("a.xml");

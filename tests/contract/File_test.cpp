@@ -21,7 +21,8 @@
 
 namespace {
 
-// Runs before the line of this number, from 1, and says whether it can be read.
+// `interruption` runs before the line of this number is read, counted from 1, and returns whether it can be
+// read.
 int interruptedLine = 0;
 std::function<bool()> interruption;
 int lines = 0;
@@ -48,7 +49,7 @@ const char* const kConfiguration = "encA##lun1;snap1;snap2";
 
 class CFile : public CContractTest {
 protected:
-    // Loads the library while that can be done.
+    // Loads the library now, because some tests use up all descriptors.
     CFile() : process(entryPoint()) {}
     ~CFile() override { interruptedLine = 0; }
 
@@ -58,8 +59,8 @@ protected:
         interruption = std::move(what);
     }
 
-    // Holds snap1. Each part is longer than what the C library reads ahead, so that what happens to the file
-    // between two lines is not hidden by a buffer.
+    // Writes the document of a backup that holds snap1. Each part is longer than the C library's buffer, so
+    // that what happens to the file between two lines has an effect.
     std::string writeHolder(const std::string& name) const {
         const std::string filling = "<!-- " + std::string(10000, '.') + " -->\n";
         return write(name, "<Node>\n<objid>outer</objid>\n" + filling + "<Node><objid>" + udid("encA##lun1") +
@@ -88,7 +89,7 @@ protected:
     }
 };
 
-TEST_F(CFile, WholeOneIsReadWhateverItsLength) {
+TEST_F(CFile, OfEveryLengthIsReadWhole) {
     const SObserved observed = callWith(writeHolder("a.xml"));
     EXPECT_EQ(observed.selection, "[encA##lun1;encA##snap2]");
     EXPECT_FALSE(hasFatalError(observed));
@@ -97,7 +98,7 @@ TEST_F(CFile, WholeOneIsReadWhateverItsLength) {
 TEST_F(CFile, ThatMayNotBeReadIsMissing) {
     const std::string file = writeHolder("a.xml");
     std::filesystem::permissions(file, std::filesystem::perms::none);
-    // Permissions bind only those who are not root.
+    // Permissions do not keep root from reading.
     constexpr uid_t kNobody = 65534;
     const uid_t user = geteuid();
     ASSERT_TRUE(user != 0 || seteuid(kNobody) == 0);
@@ -116,7 +117,7 @@ TEST_F(CFile, DirectoryReadsAsEmpty) {
     EXPECT_TRUE(hasFatalError(observed));
 }
 
-// Its tree is what was read of it, and here that names no device.
+// Only the first part is read, which names no device.
 TEST_F(CFile, TruncatedWhileItIsReadIsReadAsFarAsItGoes) {
     const std::string file = writeHolder("a.xml");
     interruptBeforeLine(3, [&] { return truncate(file.c_str(), 0) == 0; });
@@ -154,7 +155,7 @@ TEST_F(CFile, NameThatIsTooLongIsMissingAndNamedWhole) {
                                                                     "] exclude rotation flag [8] "}));
 }
 
-// All the descriptors that the process may have, but for `left`.
+// Takes all descriptors that the process may have, except `left`.
 class CDescriptors {
 public:
     CDescriptors(rlim_t limit, int left) {
@@ -186,8 +187,8 @@ private:
     std::vector<int> held;
 };
 
-// The host's own files may be as many as they like. Three are left: the test takes two to look at standard
-// output.
+// The number of the host's own open files does not matter. Three descriptors are left, because the test
+// itself needs two to read standard output.
 TEST_F(CFile, IsReadAlthoughTenThousandDescriptorsAreInUse) {
     const std::string file = writeHolder("a.xml");
     const CDescriptors descriptors(10010, 3);

@@ -10,7 +10,7 @@
 #include "tests/contract/Host.h"
 #include "tests/support/Golden.h"
 
-// Calls whose complete trace is spelled out.
+// Calls whose complete trace is compared with one that was written by hand.
 namespace fi_test {
 namespace {
 
@@ -23,7 +23,7 @@ constexpr const char* kNewerHolder =
 constexpr const char* kMalformed =
     "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>snap1</altobjid>"
     "<type>2</type><splitType>mirror</splitType><timeStamp>20260102</timeStamp></Node>";
-// The reader gives up at the end tag that closes nothing.
+// Reading ends at the end tag that closes nothing.
 constexpr const char* kIllFormed =
     "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1</altobjid>"
     "<unclosed></Node><Node/>";
@@ -58,7 +58,7 @@ const std::string kInvalidPercent =
 
 struct SDocument {
     const char* name;
-    // Nothing for a file that is not there.
+    // Nothing when the file is missing.
     std::optional<std::string> content;
     std::int32_t flagWord;
 };
@@ -67,7 +67,7 @@ struct SGolden {
     const char* name;
     const char* configuration;
     std::vector<SDocument> documents;
-    // That of the list when there is none.
+    // The size that is passed; that of the list when there is none.
     std::optional<std::int32_t> size = std::nullopt;
 };
 

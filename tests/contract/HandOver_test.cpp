@@ -1,5 +1,5 @@
-// How far the outputs are handed over when a line is traced. The trace facility is this program's own, so the
-// program has no recorder.
+// Which outputs have been handed over when a line is traced. A trace facility of this program looks at them,
+// so the program has no recorder.
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,5 +1,4 @@
-// What a document can make the XML library do for it, and what of that is left when the library is built
-// to be wary of documents.
+// What a hostile document can make the XML library do, in the plain and in the hardened build.
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -39,7 +38,7 @@ bool hasObjid(const SObserved& observed, const std::string& objid) {
     return hasLine(observed, " [" + objid + "]");
 }
 
-// Accepts one connection, says nothing, and hangs up when the test says so.
+// Accepts one connection, sends nothing, and closes the connection after some time.
 class CSilentServer {
 public:
     CSilentServer() : listener(socket(AF_INET, SOCK_STREAM, 0)) {
@@ -108,7 +107,7 @@ TEST_F(CHazard, ExternalDtdThatIsMissingIsAFatalError) {
     EXPECT_TRUE(hasFatalError(observed));
 }
 
-TEST_F(CHazard, SilentServerHoldsTheCallUntilItHangsUp) {
+TEST_F(CHazard, SilentServerDelaysTheCallUntilItClosesTheConnection) {
     CSilentServer server;
     const std::string document =
         "<!DOCTYPE Node SYSTEM '" + server.address() + "'><Node><objid>a</objid></Node>";
@@ -126,7 +125,7 @@ TEST_F(CHazard, SilentServerHoldsTheCallUntilItHangsUp) {
     EXPECT_TRUE(hasFatalError(observed));
 }
 
-// Four levels are ten thousand texts out of a document of some three hundred bytes; each further level is
+// Four levels make ten thousand texts of a document of some three hundred bytes, and each further level makes
 // ten times as many.
 TEST_F(CHazard, NestedEntitiesExpand) {
     std::string declarations = "<!ENTITY e0 'x'>";
@@ -203,8 +202,7 @@ TEST_F(CHazard, WhatCostsMoreThanItsBytesIsReadUpToALimit) {
     }
 }
 
-// The backups beside it are not touched by a document's fault.
-TEST_F(CHazard, OtherDocumentsAreReadAllTheSame) {
+TEST_F(CHazard, OtherDocumentsAreReadInSpiteOfIt) {
     const SObserved observed =
         call("encA##lun1;snap1",
              {{write("a.xml", "<!DOCTYPE Node SYSTEM '" + path("missing.dtd") + "'><Node/>"), 8},

@@ -15,7 +15,7 @@ struct SFree {
     void operator()(char* text) const { std::free(text); }
 };
 
-// Of an exception, what a host reads of it.
+// What a host reads of an exception.
 std::optional<std::pair<std::string, std::int32_t>> contentOf(const SObserved& observed) {
     if (!observed.exception.has_value()) {
         return std::nullopt;

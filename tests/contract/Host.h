@@ -19,7 +19,7 @@ namespace fi_test {
 struct SBackup {
     std::string file;
     std::int32_t flagWord = 0;
-    // That of its document, for what is traced of it.
+    // The time stamp of its document, for the lines that are expected.
     std::string timeStamp{};
 };
 
@@ -38,10 +38,10 @@ struct SObserved {
 bool operator==(const SObserved& left, const SObserved& right);
 std::ostream& operator<<(std::ostream& out, const SObserved& observed);
 
-// Calls the library with the words around the flag array guarded.
+// Calls the library, and expects that it leaves the words before and behind the flag array alone.
 SObserved call(const std::string& configuration, const std::vector<SBackup>& backups);
 
-// The same with any configuration, null too, and another size than that of the list.
+// The same with a configuration that may be null, and with any size in place of that of the list.
 SObserved callWithSize(const char* configuration, const std::vector<SBackup>& backups, std::int32_t size);
 
 // A test with documents in a folder of its own.

@@ -7,7 +7,8 @@
 
 namespace {
 
-// Before each block, so that a block can be taken off the list when it is freed. Keeps the block aligned.
+// Stands before each block, so that the block can be taken off the list when it is freed. Its size keeps the
+// block aligned.
 struct alignas(std::max_align_t) SHeader {
     SHeader* next = nullptr;
     SHeader* previous = nullptr;

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-// An account of all blocks that operator new gives out in this program. The library, and the libraries under
-// it, find the program's operator new before the runtime's, so every block is known here.
+// Records all blocks that operator new allocates in this program. The library and those under it find the
+// program's operator new before that of the C++ runtime, so that every block is recorded.
 namespace fi_test {
 
 void startRecording();
@@ -12,8 +12,8 @@ void stopRecording();
 // Blocks allocated since the last startRecording, freed or not.
 std::size_t recordedAllocations();
 
-// Blocks allocated while recording and not freed since. The ledger reaches them, so that they are no leaks
-// to a leak checker.
+// Blocks allocated while recording and not freed since. The ledger points to them, so that a leak checker
+// does not report them.
 std::size_t blocksLeft();
 void releaseBlocksLeft();
 

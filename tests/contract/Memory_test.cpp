@@ -1,4 +1,4 @@
-// What a call leaves behind.
+// What a call leaves allocated.
 
 #include <cstddef>
 #include <cstdint>
@@ -27,8 +27,8 @@ const std::string kHolder = toXml(backup("1", {{"encA##lun1", "encA##snap1"}}));
 const std::string kMalformed =
     "<Node><objid>" + udid("encA##lun1") + "</objid><altobjid>bad</altobjid></Node>";
 const std::string kIllFormed = "<Node><Node><objid>" + udid("encA##lun1") + "</objid>";
-// Roots that a later top-level Node replaces are known to nobody. Their texts are short enough to need no
-// blocks of their own.
+// Roots that a later top-level Node replaces stay allocated. Their texts are short enough to need no blocks
+// of their own.
 const std::string kSeveralRoots =
     "<a><Node><objid>1</objid><Node/></Node>"  // two nodes, one list of children
     "<Node><objid>2</objid></Node>"            // one node
@@ -37,8 +37,9 @@ constexpr std::size_t kBlocksOfDroppedRoots = 4;
 
 class CMemory : public CContractTest {
 protected:
-    // The libraries under ours fill caches of their own once; those blocks are not recorded. What the
-    // tests call is not called here, so that what ours would keep of a call is not taken for a cache.
+    // The libraries under ours fill caches once, so calls are made before anything is recorded. They differ
+    // from the calls of the tests: otherwise a block that ours kept of such a call would be taken for a
+    // cache.
     CMemory() {
         for (const std::string& document : {kHolder, kMalformed, kIllFormed}) {
             std::int32_t flag = 0;
@@ -67,7 +68,7 @@ protected:
     bool hasThrown = false;
 
 private:
-    // Allocates nothing of its own that lives on.
+    // Makes a call and leaves nothing of its own allocated.
     void process(const std::string& configuration, const std::vector<std::string>& names, std::int32_t* flags,
                  std::int32_t size) {
         std::vector<const char*> files;
@@ -169,8 +170,8 @@ TEST_F(CMemory, ExceptionLeavesNothing) {
     EXPECT_TRUE(hasThrown);
 }
 
-// The whole trace of such a call is compared here because the blocks of the root that is dropped are
-// anywhere else a leak.
+// The whole trace of such a call is compared here, because the replaced root stays allocated, which in any
+// other test would be reported as a leak.
 TEST_F(CMemory, DocumentWithSeveralTopLevelNodesIsReadAsItsLast) {
     const std::string several =
         write("several.xml",

@@ -7,8 +7,7 @@
 
 #include "tests/contract/Decision.h"
 
-// Nothing of one call survives into the next: what a call does is decided by its arguments and the files
-// that they name.
+// No call depends on an earlier one: only its arguments and the files that they name decide what it does.
 namespace fi_test {
 namespace {
 
@@ -53,7 +52,7 @@ protected:
     }
 };
 
-TEST_F(CRepeat, TwoCallsAlikeHaveOneOutcomeAndOneTrace) {
+TEST_F(CRepeat, RepeatedCallHasTheSameOutcomeAndTrace) {
     int number = 0;
     for (const auto& [configuration, backups] : scenarios()) {
         SCOPED_TRACE("scenario " + std::to_string(number++));
@@ -107,7 +106,7 @@ private:
     std::mt19937 random;
 };
 
-TEST_F(CRepeat, RandomCallsRepeatAndKeepTheirPromises) {
+TEST_F(CRepeat, RepeatedRandomCallsHaveTheSameOutcomeAndKeepTheRules) {
     for (unsigned seed = 0; seed < 200; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         CRandomScenario random(seed);

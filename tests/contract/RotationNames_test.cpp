@@ -9,7 +9,7 @@
 
 #include "tests/contract/Decision.h"
 
-// Names and other texts of the caller and of the documents, and what is told apart by them.
+// How names and other texts of the caller and of the documents are compared.
 namespace fi_test {
 namespace {
 
@@ -29,8 +29,9 @@ SBackup withFlagWord(SBackup backup, std::int32_t flagWord) {
 const std::string kOnlyTarget = "[encA##lun1;encA##s1]";
 const std::vector<std::string> kOneTargetReleased{"[encA:lun1](Used)", "{s1,Available}"};
 
-// A name listed twice is two backups. One of them claims the target and is rotated, the other claims in
-// vain; which goes first is open. Both entries get the state of the one that comes first in the end.
+// A name listed twice is two backups. One of them claims the target and is rotated, the claim of the other
+// fails; which of them is first is not specified. Both entries get the state of the backup that comes first
+// at the end.
 TEST_F(CRotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd) {
     const SBackup twice = holder("twice.xml", "1", "s1");
     const SBackup newer = holder("newer.xml", "2", "s2");
@@ -44,7 +45,7 @@ TEST_F(CRotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd
                        {{twice, first}, {twice, first == 1 ? 2 : 1}, {newer, 0}}));
 }
 
-// The more entries, the more the order of equal time stamps changes between load and end.
+// With many entries, sorting changes the order of backups with equal time stamps.
 TEST_F(CRotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst) {
     const SBackup often = holder("often.xml", "1", "s1");
     const std::string start = "fi_process_backups : parsed [" + often.file + "] state=";
@@ -79,14 +80,14 @@ TEST_F(CRotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
 }
 
 // Each name is the start of a longer one; no entry gets the state of another.
-TEST_F(CRotationNames, StatesGoToTheWholeName) {
+TEST_F(CRotationNames, StateIsGivenToTheWholeNameOnly) {
     const SBackup oldest = holder("ab", "1", "s1", 16);
     const SBackup middle = holder("a", "2", "s2", 16);
     const SBackup newest = holder("abc", "3", "s3", 16);
     EXPECT_EQ(call("encA##lun1;s1;s2;s3", {newest, middle, oldest}).flags, (Flags{0, 0, 2}));
 }
 
-TEST_F(CRotationNames, ExclusionGoesToTheWholeName) {
+TEST_F(CRotationNames, ExclusionIsOfTheWholeNameOnly) {
     const SBackup oldest = holder("ab", "1", "s1");
     const SBackup middle = holder("a", "2", "s2", 4);
     const SBackup newest = holder("abc", "3", "s3", 4);

@@ -34,7 +34,7 @@ TEST_F(CRotationOrder, ReleasesTheOldestOnlyAndNoMoreThanNeeded) {
 TEST_F(CRotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
     const SBackup oldest = holder("1", "s1", 4);
     const SBackup middle = holder("2", "s2");
-    // Not reached by the rotation, so it is not said to be passed over.
+    // The rotation stops before it, so no line says that it was skipped.
     const SBackup newest = holder("3", "s3", 4);
     EXPECT_EQ(
         decided("encA##lun1;s1;s2;s3", {oldest, middle, newest}),
@@ -44,7 +44,7 @@ TEST_F(CRotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
                  {{oldest, 0}, {middle, 2}, {newest, 0}}));
 }
 
-TEST_F(CRotationOrder, ExcludedBackupThatIsInvalidIsNotSaidToBePassedOver) {
+TEST_F(CRotationOrder, ExcludedBackupThatIsInvalidIsNotTracedAsSkipped) {
     const SBackup unmatched = given("invalid.xml", backup("1", {{"encZ##gone", "encA##s1"}}), 4);
     const SBackup outdone = holder("2", "s1", 4);
     const SBackup keeper = holder("3", "s1", 4);
@@ -54,8 +54,7 @@ TEST_F(CRotationOrder, ExcludedBackupThatIsInvalidIsNotSaidToBePassedOver) {
 }
 
 TEST_F(CRotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
-    // The first is released although its configuration is not what keeps the selection from being
-    // complete afterwards: only the order counts.
+    // Backups are released in the order of their age, whichever configurations have no free target.
     const SBackup first = given("1.xml", backup("1", {{"encC##lun3", "encC##u1"}}));
     const SBackup second = given("2.xml", backup("2", {{"encA##lun1", "encA##s1"}}));
     const SBackup third = given("3.xml", backup("3", {{"encB##lun2", "encB##t1"}}));
@@ -105,7 +104,7 @@ TEST_F(CRotationOrder, BackupWithoutATimeStampIsTheOldest) {
                        {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"}, {{without, 2}, {with, 0}}));
 }
 
-// Which of the two goes first is open, in both passes; what becomes of them is not.
+// Which of the two is first is not specified, in either pass, but both orders lead to the same states.
 TEST_F(CRotationOrder, EqualTimeStampsEndAlikeWhicheverGoesFirst) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##s1"}}));
     const SBackup b = given("b.xml", backup("1", {{"encB##lun2", "encB##t1"}}));

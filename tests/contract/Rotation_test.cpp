@@ -24,7 +24,7 @@ std::string lineOfMissing(const std::string& file) {
     return "ERROR: failed to load FIID file [" + file + "]\n";
 }
 
-TEST_F(CRotation, OnlyTargetIsReleasedByTheOneBackupThatHoldsIt) {
+TEST_F(CRotation, OnlyBackupIsReleasedWhenItHoldsTheOnlyTarget) {
     const SBackup a = given("a.xml", kHolder);
     EXPECT_EQ(decided("encA##lun1;snap1", {a}),
               selected(kOnlyTarget, {2}, matched({a}) + reserved({a}), kOneTargetReleased, {{a, 2}}));

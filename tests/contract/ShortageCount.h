@@ -6,7 +6,7 @@
 
 namespace fi_test {
 
-// Which allocations fail. Allocates nothing.
+// Counts allocations and says which ones fail. It allocates nothing itself.
 class CShortageCount {
 public:
     void start(EShortage newKind, std::size_t number) {

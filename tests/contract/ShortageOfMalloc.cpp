@@ -1,5 +1,5 @@
-// Stands in front of the C library's allocation functions, so that everything that this process allocates
-// can fail.
+// Replaces the C library's allocation functions, so that every allocation of this process can be made to
+// fail.
 
 #include <cerrno>
 #include <cstddef>

@@ -1,12 +1,12 @@
-// What a call does when memory runs out: each of its allocations fails in turn. Each time the outcome is
-// the one that the call has otherwise, or a failure, or an exception that leaves the outputs alone; nothing
-// is lost, and the next call works.
+// What a call does when memory runs out: each of its allocations fails in turn. Each time the outcome is the
+// usual one, or a failure, or an exception that leaves the outputs alone; nothing stays allocated, and the
+// next call works.
 //
-// The XML library can be terminated only when it was set up whole, and three of its allocations while it is
-// set up are not made through its memory manager. When one of those fails, the next call finishes the set-up
-// and terminates it. Only behind the first of them, which is the converter of the local code page, it cannot,
-// and later calls throw too. No process that really runs out of memory comes to that: there is heap enough,
-// or the set-up does not begin.
+// There is one exception. The XML library can be terminated only when it was set up whole, and three
+// allocations of its set-up are not made through its memory manager. When one of these fails, the next call
+// finishes the set-up and terminates it. After the first of them, the converter of the local code page, it
+// cannot, and later calls throw, too. This cannot happen in a process that really runs out of memory: the
+// set-up begins only when there is heap enough for it.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -28,12 +28,12 @@
 
 namespace {
 
-// Allocations of a call before its first parser: those that set up the XML library are among them.
+// How many allocations a call makes before its first parser, those of the set-up of the XML library included.
 std::size_t allocationsBeforeParser = 0;
 
 }  // namespace
 
-// Formats nothing: a host's own shortage is not the subject.
+// Formats nothing, since it is not the host's own allocations that are tested.
 extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
@@ -110,15 +110,16 @@ private:
 };
 
 bool isXmlLibraryTerminated() {
-    // The manager of its memory is there as long as somebody holds it.
+    // Its memory manager exists as long as it is set up.
     static void* const* const manager =
         static_cast<void* const*>(librarySymbol("_ZN11xercesc_3_216XMLPlatformUtils15fgMemoryManagerE"));
     return manager != nullptr && *manager == nullptr;
 }
 
-// Tries the shortages from where `progress` stands; ends the process early when the XML library is lost.
+// Tries the shortages from `progress` on. Ends early when the XML library cannot be used any more in this
+// process.
 void tryShortages(EShortage kind, const SScenario& scenario, SShortageProgress& progress) {
-    // The line that names a missing file is of no interest here.
+    // Standard output receives the line that names a missing file, which is not tested here.
     const int nowhere = open("/dev/null", O_WRONLY);
     dup2(nowhere, STDOUT_FILENO);
     CCaller caller(scenario);
@@ -168,20 +169,21 @@ void expectSurvival(EShortage kind, const SScenario& scenario, std::size_t first
         expectEachSurvives(first, [&](SShortageProgress& shared) { tryShortages(kind, scenario, shared); });
     std::printf("%zu shortages survived, the XML library half set up behind %zu, lost behind %zu\n",
                 progress.survived, progress.halfSetUps, progress.lost);
-    // The converter of the local code page.
+    // Only the shortage at the converter of the local code page may end in that.
     EXPECT_LE(progress.lost, 1U);
 }
 
-// Each allocation of the call.
+// Tries each allocation of the call.
 void expectSurvival(EShortage kind, const SScenario& scenario) {
     CCaller(scenario).call(kind, 0);
     expectSurvival(kind, scenario, 1);
 }
 
-// Only those behind the set-up of the XML library, which is the same for every call.
+// Tries only the allocations after the set-up of the XML library, since the set-up is the same for every
+// call.
 void expectSurvivalBehindSetUp(EShortage kind, const SScenario& scenario) {
     allocationsBeforeParser = 0;
-    // The libraries under ours fill caches of their own once, so it is the second call that counts.
+    // The libraries under ours fill caches in the first call, so the allocations of a second one are counted.
     CCaller(scenario).call(kind, 0);
     allocationsBeforeParser = 0;
     CCaller(scenario).call(kind, 0);

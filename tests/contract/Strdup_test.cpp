@@ -1,5 +1,5 @@
-// What a call does when its selection cannot be duplicated. The library finds this program's strdup before
-// the C library's.
+// What a call does when strdup fails, which makes the copy of the selection. The library finds this program's
+// strdup before that of the C library.
 
 #include <cstdint>
 #include <cstdlib>

@@ -35,9 +35,9 @@ import termios
 KINDS = {"run": 0, "file": 1, "declaration": 0, "statements": 0, "python": 0, "form": 0}
 FENCES = {".scd": re.compile(r"```$"), ".md": re.compile(r"```\w*$")}
 COMMENTS = {".scd": re.compile(r"; (.*)$"), ".md": re.compile(r"<!-- (.*) -->$")}
-# The exit status that tests/docs/CMakeLists.txt takes for a test that was skipped.
+# With this exit status, tests/docs/CMakeLists.txt calls the test skipped.
 SKIPPED = 77
-# Between the outputs of two commands.
+# Printed between the outputs of two commands.
 MARK = "--- the next command ---"
 
 Block = collections.namedtuple("Block", "line kind name lines")
@@ -60,7 +60,7 @@ def kind_of(comment, line):
 
 
 def blocks_of(page):
-    """The literal blocks, their lines as a reader sees them."""
+    """The literal blocks of a page, with their lines as a reader sees them."""
     blocks = []
     block = None
     above = ""
@@ -100,7 +100,7 @@ def without_blank_ends(lines):
 
 
 def session_of(commands):
-    # The status of a command is there for the next, which may show it.
+    # The next command may print the status of the one before, so it is kept.
     script = [f"next() {{ local status=$?; printf '\\n{MARK}\\n'; return $status; }}"]
     for command in commands:
         script += ["next", command.text]
@@ -108,8 +108,8 @@ def session_of(commands):
 
 
 def seen_of(printed):
-    """What stays to be seen: a carriage return goes to the start of the line, which is then written over. A
-    progress bar, shown where a command takes its time on a slow machine, is gone that way in the end."""
+    """What can be seen in the end: behind a carriage return a line is written over from its start, so that nothing is
+    left of a progress bar, which is shown when a command takes long."""
     lines = []
     for line in printed.split("\n"):
         seen = ""
@@ -120,7 +120,7 @@ def seen_of(printed):
 
 
 def printed_on(terminal):
-    """All that arrives until nobody holds the other end any more."""
+    """All that is printed until the other end is closed."""
     printed = b""
     while True:
         try:
@@ -131,7 +131,8 @@ def printed_on(terminal):
 
 
 def outputs_of(commands, folder, environment):
-    # A terminal, since a reader has one: what a program prints to its two outputs arrives in that order.
+    # A terminal, as a reader has: standard output and standard error then arrive in the order in which they are
+    # written.
     try:
         terminal, other_end = pty.openpty()
     except OSError as error:
@@ -166,12 +167,12 @@ def write_files(blocks, folder):
 def source_of(block):
     head = "#include <stdlib.h>\n#include <fi_rotation/fi_process_backups.h>\n"
     text = "\n".join(block.lines) + "\n"
-    # Its own includes are known by now, so they may stand in a function.
+    # Headers that it includes were included before, so that these lines have no effect inside a function.
     return head + (f"static void example(void) {{\n{text}}}\n" if block.kind == "statements" else text)
 
 
 def refusals(blocks, folder, environment):
-    """What the compiler says of C that the header contradicts."""
+    """The compiler's messages about C that contradicts the header."""
     for block in blocks:
         if block.kind in ("declaration", "statements"):
             compiler = subprocess.run(["cc", "-std=c11", "-Wno-unused", "-fsyntax-only", "-x", "c", "-"],
@@ -186,7 +187,7 @@ def write_program(file, command):
 
 
 def environment_for(tools, arguments):
-    """The reader's: the programs and the library are installed, as far as a page can tell."""
+    """The environment of a reader who has the programs and the library installed."""
     warnings = "-Wall -Wextra -Wpedantic -Werror"
     write_program(tools / "fi-rotate", shlex.quote(arguments.program))
     write_program(tools / "cc", f"{arguments.cc} {warnings}")

@@ -1,5 +1,4 @@
-// What the manual page fi-rotate(1) and the schemas list is what the program knows: nothing is missing on
-// either side.
+// The manual page fi-rotate(1) and the schemas list exactly what the program knows.
 
 #include <algorithm>
 #include <cctype>
@@ -77,7 +76,7 @@ Words rowsBelow(const std::string& heading, std::size_t columns) {
     return rows;
 }
 
-// The lines below a heading that are nothing but small letters, emphasised.
+// The lines below a heading that consist of emphasised small letters.
 Words termsBelow(const std::string& heading) {
     Words terms;
     for (const std::string& line : linesBelow(heading)) {
@@ -116,7 +115,7 @@ Words optionsBelow(const std::string& heading) {
     return options;
 }
 
-// The words at `place` of a schema that one can choose from, null apart.
+// The words that a schema allows at `place`, except null.
 Words choicesOf(const std::string& schema, const std::string& place) {
     const nlohmann::json document = nlohmann::json::parse(contentOf(schema));
     Words words;
@@ -206,8 +205,8 @@ protected:
     std::vector<CLI::App*> subcommands;
 };
 
-// The page describes each in a section of its own, by the names that the help gives to options and their
-// values.
+// The page has a section for each subcommand, in which options and their values have the names that they have
+// in the help.
 TEST_F(SubcommandDocs, PageListsEveryOption) {
     for (const CLI::App* const subcommand : subcommands) {
         const std::string name = subcommand->get_name();

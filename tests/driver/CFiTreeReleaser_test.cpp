@@ -11,8 +11,8 @@
 
 namespace {
 
-// Bytes that are allocated and not freed. (The address checker has an allocator of its own and reports
-// none here; it finds leaks and double releases itself.)
+// Bytes that are allocated and not freed. (Under the address sanitizer this is always 0, but that finds leaks
+// and blocks that are freed twice itself.)
 std::size_t allocatedBytes() {
     return mallinfo2().uordblks;
 }
@@ -53,8 +53,8 @@ void growAndReleaseADeepTree() {
 }
 
 TEST(CFiTreeReleaser, ReleasesEveryTreeThatItsListHoldsAtTheEndOfTheScope) {
-    // A few times before, until the allocator's own stock of small blocks, which it counts as allocated, is
-    // what it stays; how soon that is depends on the tests before in this process.
+    // The allocator keeps a stock of small blocks, which it counts as allocated. First, a few rounds until
+    // this stock does not change any more; how many that takes depends on the earlier tests in this process.
     for (int i = 0; i < 10; ++i) {
         growAndReleaseThreeTrees();
     }
@@ -76,7 +76,7 @@ TEST(CFiTreeReleaser, LeavesTreesAloneThatItsListDoesNotHold) {
     growTree(ours[0]);
     const std::vector<CFiFiidNode*> none;
     {
-        // Releases what it knows when the scope ends.
+        // Deletes the trees in its list when the scope ends.
         const CFiTreeReleaser nothing(none);
     }
     EXPECT_EQ(ours[0]->children.size(), 3U);

@@ -1,6 +1,6 @@
-// A host that holds the XML library itself gives it memory of its own. Each block that the XML library asks
-// for fails in turn: the call throws and leaves the outputs alone, and the next call works. What the XML
-// library loses of its own then is the host's to free.
+// A host that keeps the XML library set up provides its memory. Each block that the XML library asks for
+// fails in turn: the call throws and leaves the outputs alone, and the next call works. Blocks that the XML
+// library then forgets to free are left to the host.
 
 #include <dlfcn.h>
 
@@ -131,8 +131,8 @@ TEST_F(CXmlShortage, AtEachBlockThrowsAndTheNextCallWorks) {
 }
 
 TEST_F(CXmlShortage, AtEachBlockOfAnEntityThrowsAndTheNextCallWorks) {
-    // Later packages of the XML library have this function. When memory runs out in it, they free the reader
-    // of the document twice, which cannot be helped from here.
+    // Later packages of the XML library have this function. When memory runs out in it, they free a reader
+    // twice, which this library cannot prevent.
     constexpr const char* kFreesItsReaderTwice =
         "_ZN11xercesc_3_29ReaderMgr21pushReaderAdoptEntityEPNS_9XMLReaderEPNS_13XMLEntityDeclEb";
     if (dlsym(RTLD_DEFAULT, kFreesItsReaderTwice) != nullptr) {

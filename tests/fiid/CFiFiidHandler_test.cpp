@@ -19,7 +19,7 @@ const STraceLine kExitingStart{4, "Exiting CFiFiidHandler::startElement\n"};
 const STraceLine kEnteringEnd{4, "Entering CFiFiidHandler::endElement\n"};
 const STraceLine kExitingEnd{4, "Exiting CFiFiidHandler::endElement\n"};
 
-// A handler whose callbacks the test calls itself, in the life of a parser as the XML library needs it.
+// A handler whose callbacks the test calls itself. A parser keeps the XML library initialised meanwhile.
 class CFiFiidHandlerEvents : public testing::Test {
 protected:
     void open(const XMLCh* name) {
@@ -213,7 +213,7 @@ TEST(CFiFiidHandler, ConstructionAndDestructionTraceEntryAndExit) {
     EXPECT_EQ(recorder.take(), entryAndExit("CFiFiidHandler::~CFiFiidHandler"));
 }
 
-// Which text an element takes: "objid|altobjid" of the root.
+// The rows show "objid|altobjid" of the root, which tells which text each element takes.
 TEST(CFiFiidHandler, AnElementTakesTheLastPieceOfTextBeforeItsEndTag) {
     const struct {
         const char* description;

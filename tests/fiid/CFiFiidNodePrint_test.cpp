@@ -82,7 +82,7 @@ TEST(CFiFiidNodePrint, OtherFieldsAreNotPrinted) {
     EXPECT_EQ(printed(node, 0), progress({" []", " {}", " <0 >"}));
 }
 
-// Nobody formats these lines, whose texts together would be quadratic in the depth.
+// The lines are not formatted, because with their indentation they would together be quadratic in the depth.
 TEST(CFiFiidNodePrint, WalksATreeDeeperThanAnyStack) {
     std::string document;
     for (int i = 0; i < 300000; ++i) {

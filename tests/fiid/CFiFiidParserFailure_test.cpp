@@ -1,5 +1,5 @@
-// What a parser does when its reader cannot be made. This program's own reader factory stands in front of
-// the XML library's and throws what a test wants.
+// What a parser does when its reader cannot be made. This program replaces the XML library's reader factory
+// with one that throws what a test asks for.
 
 #include <exception>
 #include <functional>
@@ -123,7 +123,7 @@ TEST_F(CFiFiidParserWithoutReader, DocumentYieldsNoTreeAndCountsAsLoaded) {
     EXPECT_TRUE(loader.nodes.empty());
 }
 
-// What is not an XMLException passes on, and the constructor undoes what it set up.
+// An exception that is not an XMLException leaves the constructor, which terminates the XML library before.
 TEST_F(CFiFiidParserWithoutReader, OtherExceptionsLeaveTheConstructorWithTheXmlLibraryBalanced) {
     readerFailure = [] { throw xercesc::OutOfMemoryException(); };
     EXPECT_THROW(CFiFiidParser(nullptr), xercesc::OutOfMemoryException);
@@ -154,7 +154,7 @@ TEST(CFiFiidParserThrowing, ParsePassesOnWhatTheReaderThrowsWithoutAnExitLine) {
     EXPECT_EQ(recorder.take(), progress({"Entering CFiFiidParser::parse\n"}));
 }
 
-// The second document's reader fails with what nobody catches.
+// The reader of the second document throws an exception that the loader does not catch.
 TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
     const CTemporaryFolder folder;
     const std::string good = folder.write("a.xml", "<Node/>");
@@ -173,7 +173,7 @@ TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
 }
 
-// Whoever holds the loader must find the tree to free it.
+// The user of the loader frees the trees, so it must find this one in the loader's list.
 TEST(CFiFiidLoaderThrowing, ImportKeepsTheTreeThatWasBuiltBeforeTheReaderFailed) {
     const CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", "<Node><objid>x</objid><Node/></Node>");

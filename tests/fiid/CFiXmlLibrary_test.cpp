@@ -31,7 +31,7 @@ public:
     int elements = 0;
 };
 
-// As a thread of a host does for its own ends.
+// Uses the XML library as a host might do in a thread of its own.
 void readManyDocuments() {
     constexpr std::string_view kDocument = "<a><b c='d'>e</b><f/></a>";
     for (int i = 0; i < 200; ++i) {
@@ -86,7 +86,7 @@ TEST(CFiXmlLibrary, StaysUsableForAHostThatHoldsItLonger) {
     xercesc::XMLString::release(&text);
     XMLPlatformUtils::Terminate();
     EXPECT_FALSE(isInitialized());
-    // Frees what it left.
+    // The memory that was left to the host is freed with this.
     const CFiXmlLibrary held;
 }
 
@@ -95,7 +95,7 @@ TEST(CFiXmlLibrary, StaysUsableForAllThreadsOfAHostThatHoldsItLonger) {
     {
         const CFiXmlLibrary held;
         XMLPlatformUtils::Initialize();
-        // While it is held by both, too.
+        // Used here while both hold it, and below when only the host does.
         threads.emplace_back(readManyDocuments);
         readManyDocuments();
     }

@@ -26,7 +26,7 @@ struct SBlock {
     void* block;
 };
 
-// Small and large ones, and more than one piece of memory is cut into.
+// Blocks of small and large sizes, more than fit into one of the pieces that memory is allocated in.
 std::vector<SBlock> blocksOfManySizes(CFiXmlMemory& memory, unsigned char filling) {
     std::vector<SBlock> blocks;
     for (const std::size_t size : {0U, 1U, 15U, 16U, 17U, 100U, 511U, 512U, 513U, 4000U, 70000U, 200000U}) {
@@ -76,7 +76,7 @@ TEST(CFiXmlMemory, BlockOfASizeIsUsedAgain) {
     EXPECT_EQ(memory.allocate(97), block);
 }
 
-// A leak checker sees those that are not.
+// A leak checker reports this test if they are not.
 TEST(CFiXmlMemory, BlocksThatAreLeftAreFreedInTheEnd) {
     CFiXmlMemory memory;
     EXPECT_EQ(blocksOfManySizes(memory, 0).size(), 1200U);

@@ -19,7 +19,7 @@ struct SPair {
 // A backup's document.
 std::string document(const std::string& timeStamp, const std::vector<SPair>& pairs);
 
-// So many random calls a test makes.
+// How many random calls a test makes.
 constexpr unsigned kRandomCalls = FI_RANDOM_CALLS;
 
 // Makes a call of few names, so that they meet often, and writes its documents.

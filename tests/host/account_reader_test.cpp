@@ -106,8 +106,7 @@ TEST(HostAccountReader, PassesOverLinesOfOthers) {
     EXPECT_TRUE(reader.isEnded());
 }
 
-// Lines that were lost, and what is said of them.
-TEST(HostAccountReader, NamesWhatACallLacks) {
+TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
     const Lines withoutStart(kBeginning.begin() + 1, kBeginning.end());
     Lines withoutTarget = kBeginning;
     withoutTarget.erase(withoutTarget.begin() + 3);
@@ -132,14 +131,13 @@ TEST(HostAccountReader, NamesWhatACallLacks) {
     EXPECT_THAT(readerOf(withoutTarget + kLoading + kChecks).gaps(), ElementsAre("lines before \"2\""));
 }
 
-// A call may break off behind any of its lines, and nothing is missing before that.
-TEST(HostAccountReader, LacksNothingOfACallThatIsCutOff) {
+TEST(HostAccountReader, NamesNoMissingLinesWhenACallBreaksOffAtItsEnd) {
     const Lines all = kBeginning + kLoading + kChecks + kClaims + kSkip + kEnd;
     for (std::size_t size = 1; size <= all.size(); ++size) {
         const CAccountReader reader =
             readerOf(Lines(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(size)));
         EXPECT_THAT(reader.gaps(), IsEmpty()) << all[size - 1];
-        // The last tree's lines may follow.
+        // A call has ended although lines of the last tree may still follow.
         EXPECT_EQ(reader.isEnded(), size >= all.size() - kTreeOfOld.size()) << all[size - 1];
     }
 }

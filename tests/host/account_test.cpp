@@ -32,7 +32,7 @@ TEST(HostAccount, ABackupThatHoldsTwoTargetsCountsOnce) {
     EXPECT_EQ(keptHolders(account(), 0), 1);
 }
 
-TEST(HostAccount, RotatedBackupsCountUntilTheyAreRotated) {
+TEST(HostAccount, RotatedBackupsCountOnlyBeforeTheRotation) {
     EXPECT_EQ(keptHoldersBeforeRotation(account(), 0), 2);
     EXPECT_EQ(keptHoldersBeforeRotation(account(), 1), 1);
     EXPECT_EQ(keptHolders(account(), 1), 0);
@@ -45,7 +45,7 @@ TEST(HostAccount, InvalidHoldersNeverCount) {
     EXPECT_EQ(keptHoldersBeforeRotation(other, 0), 1);
 }
 
-TEST(HostAccount, WithoutHoldersNoneAreCounted) {
+TEST(HostAccount, NothingIsCountedWhenHoldersAreNotKnown) {
     SAccount other = account();
     other.heldBefore.clear();
     other.heldAfter.clear();

@@ -71,7 +71,7 @@ TEST_F(HostExplanation, KeptWithoutATarget) {
     EXPECT_EQ(inWords(reasonFor(outcome, 0)), "holds no target");
 }
 
-TEST_F(HostExplanation, KeptBecauseItIsExcludedAndWhatThatLeftShort) {
+TEST_F(HostExplanation, KeptBecauseItIsExcludedNamesTheShortConfiguration) {
     give("a", "1", {{"A##x", "A##1"}, {"A##y", "A##3"}}, 4);
     give("b", "2", {{"A##y", "A##4"}});
     const SOutcome outcome = explained("A##x;1;2&A##y;3;4");
@@ -95,7 +95,7 @@ TEST_F(HostExplanation, RotatedForTheConfigurationThatWasShort) {
     EXPECT_EQ(inWords(reasonFor(outcome, 0)), "released while A##y had no free target; freed A##y");
 }
 
-// A##x is short too, and comes first.
+// A##x is short, too, and stands before the others, but the release frees a target of another one.
 TEST_F(HostExplanation, RotatedForTheShortConfigurationThatItFreed) {
     give("a", "1", {{"A##y", "A##3"}, {"A##z", "A##4"}});
     give("b", "2", {{"A##x", "A##1"}});
@@ -190,7 +190,7 @@ TEST_F(HostExplanation, HasNoReasonForABackupThatWasNotLoaded) {
     EXPECT_FALSE(outcome.backups[0].reason.has_value());
 }
 
-TEST_F(HostExplanation, NamesWhatIsShortWithoutASelectionAndWhoHoldsIt) {
+TEST_F(HostExplanation, NamesShortConfigurationsAndTheHoldersOfTheirTargets) {
     give("excluded", "1", {{"A##x", "A##1"}}, 4);
     give("holder", "3", {{"A##y", "A##3"}});
     give("invalid", "2", {{"A##x", "A##2"}, {"A##y", "A##3"}});
@@ -212,7 +212,7 @@ TEST_F(HostExplanation, NamesWhatIsShortWithoutASelectionAndWhoHoldsIt) {
     EXPECT_TRUE(shortages[1].targets.empty());
 }
 
-TEST_F(HostExplanation, CarriesEnclosuresOnThatThePrintedSetDoesNotShow) {
+TEST_F(HostExplanation, NamesTargetsWithTheEnclosureThatTheyCarryOn) {
     give("a", "1", {{"A##x", "B##1"}});
     const SOutcome outcome = explained("A##x;B##1;2&A##y&&C##");
     ASSERT_TRUE(outcome.account.has_value());
@@ -238,8 +238,8 @@ std::int32_t stateOf(EReason kind) {
     }
 }
 
-// The configuration that a release is said to be for had no free target, and the backup held one of it or, in
-// vain, none. Several configurations may have the name.
+// The configuration that a reason names had no free target before the release. With the reason kNeeded the
+// backup held one of its targets, with kInVain none. Several configurations may have its name.
 void expectTrueReleases(const SAccount& account) {
     for (std::size_t place = 0; place < account.backups.size(); ++place) {
         const SReason& reason = *account.backups[place].reason;

@@ -29,7 +29,7 @@ SOutcome rotate(const std::vector<SBackup>& backups) {
 
 class HostInCxxShortage : public testing::TestWithParam<EShortage> {
 protected:
-    // What the library sets up once remains.
+    // Sets up what the library keeps for the whole process.
     void SetUp() override { ASSERT_EQ(rotate(backups).kind, EOutcome::kSelected); }
 
     const fi_test::CTemporaryFolder folder;
@@ -54,7 +54,7 @@ TEST_P(HostInCxxShortage, IsABadAllocAndTheNextRotationWorks) {
     EXPECT_GT(shortages, 0U);
 }
 
-// The XML library loses blocks of its own, so no document is read here.
+// No document is read, because the XML library forgets to free blocks when memory runs out.
 TEST_P(HostInCxxShortage, LosesNothing) {
     const std::vector<SBackup> missing{{folder.path("missing")}};
     std::size_t shortages = 0;

@@ -1,5 +1,4 @@
-// The interface of the host library in C++, as its hosts see it: public headers and the library, nothing
-// else.
+// The interface of the host library in C++, as hosts use it: with the public headers and the library only.
 
 #include <pthread.h>
 #include <sys/wait.h>
@@ -303,7 +302,8 @@ TEST_F(HostInCxx, ThreadsMayCallAtOnce) {
 }
 
 #ifndef __SANITIZE_ADDRESS__
-// What unwinds the thread is no object, which the sanitizer takes for a null reference.
+// Without the undefined-behaviour sanitizer: the end of a thread is caught as an exception without an object,
+// which it takes for a null reference.
 TEST_F(HostInCxx, ThreadThatEndsInTheTraceLeavesOthersAlone) {
     std::function<void()> run = [this] {
         SOptions options;

@@ -29,7 +29,7 @@ TEST(HostTraceText, TakesLinesApart) {
                 Optional(ElementsAre()));
 }
 
-// Names may hold what stands between them.
+// Names may hold the text that stands between two arguments.
 TEST(HostTraceText, TakesTheLastPlaceThatFitsForTheEndOfAName) {
     EXPECT_THAT(argumentsOf(ETraceText::kClaimed, "fi_process_backups : [RESERVE GOOD] a - T: b - T: 1"),
                 Optional(ElementsAre("a - T: b", "1")));
@@ -67,8 +67,8 @@ TEST(HostTraceText, KnowsTheFormatsOfTheLibrary) {
     EXPECT_EQ(fi_rotate::kindOf(""), std::nullopt);
 }
 
-// The flag words stand at the level of failures and report none; that of a malformed identifier may begin any
-// line of a host's.
+// Lines with a flag word have the level of failures and report none. The text for a malformed identifier is
+// left out, because lines that a host writes itself may begin like it.
 TEST(HostTraceText, TellsFailuresFromTheRest) {
     EXPECT_TRUE(fi_rotate::isFailure("fi_process_backups : no resource is available"));
     EXPECT_TRUE(fi_rotate::isFailure("CFiFiidLoader::load: ERROR: failed to load FIID file"));
@@ -123,7 +123,7 @@ TEST(HostTraceText, PutsLineBreaksBack) {
         EXPECT_EQ(fi_rotate::withLineBreaks(line.substr(2)), text);
     }
     EXPECT_EQ(fi_rotate::withLineBreaks("a\\tb\\"), "a\\tb\\");
-    // What stands behind a text is none of it.
+    // The backslash is the last character of the text; what stands behind the text must not be read.
     EXPECT_EQ(fi_rotate::withLineBreaks(std::string_view("a\\n").substr(0, 2)), "a\\");
 }
 

@@ -1,4 +1,4 @@
-// Documents that change while the call runs: nothing is decided from them.
+// When a document changes while the call runs, nothing is decided.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,7 +16,7 @@ namespace fi_test {
 namespace {
 
 struct SOnce {
-    // At the first line that is this one; at the first of all when empty.
+    // The action runs at the first line with this text; when it is empty, at the very first line.
     std::string line;
     std::function<void()> action;
     bool isDone = false;
@@ -30,17 +30,17 @@ void actOnce(void* user, std::int32_t /*level*/, const char* text) {
     }
 }
 
-// Traced when a document was read and its text is parsed.
+// This line is traced when a document has been read and parsing begins.
 const char* const kParsing = "Entering CFiFiidParser::parse";
 
 class CHostLibraryChanged : public CHostLibraryTest {
 protected:
     CHostLibraryChanged() : file(holder("a.xml", "snap1")), other(holder("b.xml", "snap2")) {
-        // File systems count time in steps of milliseconds: what is changed later has a later time.
+        // File systems store times in steps of some milliseconds. After this pause a change has a later time.
         std::this_thread::sleep_for(std::chrono::milliseconds(30));
     }
 
-    // Before the document is read, and behind.
+    // Makes the change before the document is read, and in another call after it.
     void expectNoticed(const std::function<void()>& change) const {
         for (const std::string line : {"", kParsing}) {
             SCOPED_TRACE(line);
@@ -59,7 +59,7 @@ protected:
     const std::string other;
 };
 
-TEST_F(CHostLibraryChanged, InPlaceToTheSameSizeAndTimeIsNoticed) {
+TEST_F(CHostLibraryChanged, RewritingWithTheSameSizeAndTimeIsNoticed) {
     expectNoticed([this] {
         struct stat before {};
         ASSERT_EQ(stat(file.c_str(), &before), 0);
@@ -72,21 +72,21 @@ TEST_F(CHostLibraryChanged, InPlaceToTheSameSizeAndTimeIsNoticed) {
     });
 }
 
-TEST_F(CHostLibraryChanged, ByAnotherFileOfTheSameSizeAndTimeIsNoticed) {
+TEST_F(CHostLibraryChanged, ReplacingByAFileOfTheSameSizeAndTimeIsNoticed) {
     expectNoticed([this] {
         std::filesystem::last_write_time(other, std::filesystem::last_write_time(file));
         std::filesystem::rename(other, file);
     });
 }
 
-TEST_F(CHostLibraryChanged, ByALinkToAnotherFileIsNoticed) {
+TEST_F(CHostLibraryChanged, ReplacingByALinkToAnotherFileIsNoticed) {
     expectNoticed([this] {
         std::filesystem::remove(file);
         std::filesystem::create_hard_link(other, file);
     });
 }
 
-TEST_F(CHostLibraryChanged, ByFurtherBytesIsNoticed) {
+TEST_F(CHostLibraryChanged, AppendingBytesIsNoticed) {
     expectNoticed([this] {
         const int descriptor = open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
         EXPECT_EQ(::write(descriptor, "\n", 1), 1);
@@ -94,21 +94,21 @@ TEST_F(CHostLibraryChanged, ByFurtherBytesIsNoticed) {
     });
 }
 
-TEST_F(CHostLibraryChanged, ToNothingAfterItWasReadIsNoticed) {
+TEST_F(CHostLibraryChanged, RemovingAfterItWasReadIsNoticed) {
     SOnce once{kParsing, [this] { std::filesystem::remove(file); }};
     const HostCall call = newCall(kConfiguration, {file});
     fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
     expectRefused(call.get(), {{FI_ROTATION_CHANGED, 0}});
 }
 
-TEST_F(CHostLibraryChanged, ToNothingBeforeItIsReadIsAFileThatCannotBeOpened) {
+TEST_F(CHostLibraryChanged, RemovingBeforeItIsReadIsAFileThatCannotBeOpened) {
     SOnce once{"", [this] { std::filesystem::remove(file); }};
     const HostCall call = newCall(kConfiguration, {file});
     fi_rotation_call_set_trace(call.get(), 4, actOnce, &once);
     expectRefused(call.get(), {{FI_ROTATION_CANNOT_OPEN, 0}});
 }
 
-TEST_F(CHostLibraryChanged, IsNoticedOfADocumentThatWasReadLongAgo) {
+TEST_F(CHostLibraryChanged, ChangingAfterAllDocumentsWereReadIsNoticed) {
     SOnce once{"fi_process_backups : [RESERVE GOOD] " + other + " - T: 1",
                [this] { holder("a.xml", "snap2"); }};
     const HostCall call = newCall(kConfiguration, {file, other});
@@ -117,7 +117,7 @@ TEST_F(CHostLibraryChanged, IsNoticedOfADocumentThatWasReadLongAgo) {
     EXPECT_TRUE(once.isDone);
 }
 
-TEST_F(CHostLibraryChanged, IsNotWhatIsReadByOthers) {
+TEST_F(CHostLibraryChanged, ReadingByOthersIsNoChange) {
     SOnce once{"", [this] {
                    struct stat before {};
                    ASSERT_EQ(stat(file.c_str(), &before), 0);
@@ -132,7 +132,7 @@ TEST_F(CHostLibraryChanged, IsNotWhatIsReadByOthers) {
     EXPECT_TRUE(once.isDone);
 }
 
-TEST_F(CHostLibraryChanged, IsWhatWasReadWhenItIsPermitted) {
+TEST_F(CHostLibraryChanged, WhatWasReadIsUsedWhenAChangeIsPermitted) {
     const struct {
         const char* line;
         const char* selection;
@@ -149,7 +149,7 @@ TEST_F(CHostLibraryChanged, IsWhatWasReadWhenItIsPermitted) {
 }
 
 // A name that stands for another file only while that is read.
-TEST_F(CHostLibraryChanged, ByAnotherFileAndBackIsNoticed) {
+TEST_F(CHostLibraryChanged, ReplacingByAnotherFileAndBackIsNoticed) {
     const std::string link = path("link.xml");
     const auto pointTo = [&link](const std::string& target) {
         std::filesystem::remove(link);

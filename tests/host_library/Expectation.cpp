@@ -20,10 +20,11 @@ std::size_t sizeOfList(const SCall& call) {
     return static_cast<std::size_t>(call.listSize);
 }
 
-// What a reader meets in a document.
+// What a reader finds in a document.
 struct SReading {
     bool isWellFormed = true;
-    // Nodes that stand in no other, and those of them that ended: a damaged document may have begun one more.
+    // Top-level Nodes, and those of them that have an end: where a document is damaged, the last one may lack
+    // it.
     std::size_t topLevelNodes = 0;
     std::size_t endedTopLevelNodes = 0;
 };
@@ -109,8 +110,8 @@ private:
     std::vector<SExpectedProblem> problems;
 };
 
-// The names of those that the loader comes to and that have a Node.
-std::set<std::string> takingPart(const SCall& call) {
+// The names of the documents that are not ignored: the loader comes to them, and they have a Node.
+std::set<std::string> namesNotIgnored(const SCall& call) {
     std::set<std::string> names;
     for (std::size_t i = 0; i < sizeOfList(call); ++i) {
         const auto file = call.files.find(call.entries[i].name);
@@ -127,7 +128,7 @@ std::set<std::string> takingPart(const SCall& call) {
 SExpectedDecision decisionIn(const SCall& call, const fi_model::SAnswer& answer) {
     SExpectedDecision decision;
     decision.selection = answer.selection;
-    const std::set<std::string> names = takingPart(call);
+    const std::set<std::string> names = namesNotIgnored(call);
     for (std::size_t i = 0; i < sizeOfList(call); ++i) {
         const bool hasState = answer.selection.has_value() && names.count(call.entries[i].name) != 0;
         decision.states.push_back(hasState ? answer.flags[i] : -1);

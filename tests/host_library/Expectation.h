@@ -13,8 +13,7 @@
 // model.
 namespace fi_test {
 
-// Whether the call can be made at all through the host library: it takes no null pointers and no negative
-// sizes.
+// Whether the call can be made through the host library, which has no null pointers and no negative sizes.
 bool fitsInterface(const fi_model::SCall& call);
 
 struct SExpectedProblem {
@@ -30,8 +29,8 @@ struct SExpectedProblem {
     }
 };
 
-// All that is wrong with the inputs, in the order of the backups. A document that is never read, because one
-// before it is missing, has the problems that its file shows.
+// All problems of the inputs, in the order of the backups. A document that is not read, because one before it
+// is missing, has only the problems that can be seen from its file.
 std::vector<SExpectedProblem> problemsOf(const fi_model::SCall& call);
 
 struct SExpectedDecision {
@@ -45,8 +44,8 @@ struct SExpectedDecision {
     }
 };
 
-// Every decision that is right: one for each order of equal time stamps. None for a call that a malformed
-// identifier ends.
+// All right decisions: where time stamps are equal, one for each order of these backups. None for a call that
+// a malformed identifier ends.
 std::vector<SExpectedDecision> decisionsOf(const fi_model::SCall& call);
 
 fi_model::Configurations configurationsOf(const fi_model::SCall& call);

@@ -38,7 +38,7 @@ protected:
         }
     }
 
-    // Runs the call, which has these problems, kind and backup, and no other.
+    // Runs the call, and expects that it is refused with exactly these problems (kind and backup).
     static void expectRefused(fi_rotation_call* call,
                               const std::vector<std::pair<std::uint32_t, std::int32_t>>& expected) {
         EXPECT_EQ(fi_rotation_call_run(call), FI_ROTATION_REFUSED) << fi_rotation_call_message(call);
@@ -56,7 +56,8 @@ protected:
         EXPECT_EQ(found, expected) << fi_rotation_call_message(call);
     }
 
-    // Of a call of this file alone, what the problem says.
+    // Runs a call with this file alone, expects that it is refused for this kind of problem, and returns its
+    // text.
     static std::string textOfRefusal(const std::string& file, std::uint32_t kind) {
         const HostCall call = newCall(kConfiguration, {file});
         expectRefused(call.get(), {{kind, 0}});

@@ -1,4 +1,4 @@
-// Problems that are permitted: then the call decides what fi_process_backups does.
+// A call whose problems are permitted decides what fi_process_backups does.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -15,7 +15,8 @@ namespace {
 
 class CHostLibraryPermit : public CHostLibraryTest {
 protected:
-    // Runs the call, which is refused while any of these problems is not permitted, and then decides.
+    // Expects that the call is refused while any of these problems is not permitted, and that it decides when
+    // all are.
     static void expectDecision(fi_rotation_call* call, std::uint32_t problems, const std::string& selection) {
         for (std::uint32_t kind = 1; kind <= kEveryProblem; kind *= 2) {
             if ((problems & kind) != 0) {
@@ -123,7 +124,7 @@ TEST_F(CHostLibraryPermit, WhatStandsBeforeTheDamageCounts) {
     expectDecision(call.get(), FI_ROTATION_NOT_WELL_FORMED, kSecond);
 }
 
-TEST_F(CHostLibraryPermit, ADocumentWithoutANodeTakesNoPart) {
+TEST_F(CHostLibraryPermit, ADocumentWithoutANodeIsIgnored) {
     const HostCall call = newCall(kConfiguration, {write("a.xml", "<x/>"), holder("b.xml", "snap1")});
     expectDecision(call.get(), FI_ROTATION_NO_NODE, kSecond);
     EXPECT_EQ(fi_rotation_call_backup_state(call.get(), 0), FI_ROTATION_NO_STATE);
@@ -151,7 +152,8 @@ TEST_F(CHostLibraryPermit, AMalformedIdentifierIsRefusedNevertheless) {
     expectRefused(call.get(), {{FI_ROTATION_MALFORMED_IDENTIFIER, 0}});
 }
 
-// Read once without a Node and once with it, a name that is listed twice is one backup.
+// A name that is listed twice stands for one backup when its document has no Node at the first reading and
+// has one at the second.
 TEST_F(CHostLibraryPermit, ADocumentThatChangesBetweenItsTwoReadingsIsSafe) {
     const std::string file = write("a.xml", "<x/>");
     struct SChange {

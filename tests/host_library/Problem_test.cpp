@@ -1,4 +1,4 @@
-// What is wrong with an input is named, and nothing is decided then.
+// Every problem of an input is named, and nothing is decided then.
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
@@ -52,7 +52,7 @@ TEST_F(CHostLibraryProblem, OfALinkToItselfIsNamed) {
 
 TEST_F(CHostLibraryProblem, OfAFileThatMayNotBeReadIsNamed) {
     const std::string file = holder("a.xml", "snap1");
-    // Whoever is not root may look into the folder as well.
+    // The user that this test changes to must be able to use the folder.
     std::filesystem::permissions(folder.path(""), std::filesystem::perms::all);
     std::filesystem::permissions(file, std::filesystem::perms::none);
     constexpr uid_t kNobody = 65534;
@@ -67,7 +67,7 @@ TEST_F(CHostLibraryProblem, OfAFileThatMayNotBeReadIsNamed) {
 // The sanitizer needs descriptors itself.
 TEST_F(CHostLibraryProblem, OfAProcessWithoutDescriptorsLeftIsNamed) {
     const std::string file = holder("a.xml", "snap1");
-    // Whatever is set up once is set up now.
+    // Sets up what is set up once, which needs descriptors.
     ASSERT_EQ(fi_rotation_call_run(newCall(kConfiguration, {file}).get()), FI_ROTATION_SELECTED);
     rlimit former{};
     getrlimit(RLIMIT_NOFILE, &former);
@@ -165,7 +165,7 @@ TEST_F(CHostLibraryProblem, OfSeveralOutermostNodesIsNamed) {
     textOfRefusal(write("b.xml", "<fiid><Node/><x><Node/></x><Node/></fiid>"), FI_ROTATION_SEVERAL_ROOTS);
 }
 
-TEST_F(CHostLibraryProblem, IsNotThatANodeHoldsSeveral) {
+TEST_F(CHostLibraryProblem, IsNotSeenInANodeThatHoldsSeveralNodes) {
     const std::string file = write("a.xml", "<fiid><Node><Node/><x><Node/></x><Node/></Node><x/></fiid>");
     EXPECT_EQ(fi_rotation_call_run(newCall(kConfiguration, {file}).get()), FI_ROTATION_SELECTED);
 }
@@ -180,7 +180,7 @@ TEST_F(CHostLibraryProblem, OfANulByteIsNamedWithItsPlace) {
     }
 }
 
-// Behind what is read in one piece.
+// The NUL byte stands behind the first piece that is read.
 TEST_F(CHostLibraryProblem, OfANulByteFarBehindIsNamedWithItsPlace) {
     const std::string text = "<Node><!--" + std::string(300000, '.') + std::string(1, '\0') + "--></Node>";
     EXPECT_THAT(textOfRefusal(write("a.xml", text), FI_ROTATION_NUL_BYTE), HasSubstr("byte 300010"));
@@ -205,13 +205,13 @@ TEST_F(CHostLibraryProblem, OfAFileThatIsTooLargeIsNamedFromTheFirstByteTooMany)
     EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
 }
 
-TEST_F(CHostLibraryProblem, OfMoreThan128MebibytesIsNamedAtFirst) {
+TEST_F(CHostLibraryProblem, OfMoreThan128MebibytesIsNamedByDefault) {
     const std::string file = holder("a.xml", "snap1");
     std::filesystem::resize_file(file, (std::uintmax_t{128} << 20) + 1);
     textOfRefusal(file, FI_ROTATION_TOO_LARGE);
 }
 
-// A file of this kind says that it has no bytes, and has some.
+// The system says of this file that its size is 0, but it has content.
 TEST_F(CHostLibraryProblem, OfAFileThatIsLargerThanItSaysIsNamed) {
     const HostCall call = newCall(kConfiguration, {"/proc/self/status"});
     fi_rotation_call_limit_document(call.get(), 10);
@@ -231,7 +231,7 @@ TEST_F(CHostLibraryProblem, OfAFileThatIsListedTwiceIsNamedUnderEachOfItsNames) 
     EXPECT_THAT(fi_rotation_call_problem_text(call.get(), 3), HasSubstr(file));
 }
 
-TEST_F(CHostLibraryProblem, IsNotThatTwoFilesAreAlike) {
+TEST_F(CHostLibraryProblem, IsNotSeenInTwoFilesOfTheSameContent) {
     const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), holder("b.xml", "snap1")});
     EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
 }
@@ -258,7 +258,7 @@ TEST_F(CHostLibraryProblem, OfARejectedConfigurationIsNamed) {
     }
 }
 
-// The words of a rejection in a configuration do not hide it.
+// A configuration may hold the words with which the trace rejects one; it is still recognised as rejected.
 TEST_F(CHostLibraryProblem, OfARejectedConfigurationIsNamedWhateverItHolds) {
     const std::string words = "\" has no device data specified.";
     for (const std::string& name :
@@ -272,7 +272,7 @@ TEST_F(CHostLibraryProblem, OfARejectedConfigurationIsNamedWhateverItHolds) {
     }
 }
 
-TEST_F(CHostLibraryProblem, OfAnEmptyConfigurationIsThatOfNone) {
+TEST_F(CHostLibraryProblem, OfAnEmptyConfigurationSaysThatThereIsNone) {
     const HostCall call(fi_rotation_call_new(nullptr));
     expectRefused(call.get(), {{FI_ROTATION_CONFIGURATION_REJECTED, -1}});
 }
@@ -290,7 +290,7 @@ TEST_F(CHostLibraryProblem, OfEachKindOfMalformedIdentifierIsNamedInWordsOfItsOw
     EXPECT_EQ(texts.size(), 4U);
 }
 
-TEST_F(CHostLibraryProblem, OfAMalformedIdentifierIsThatOfTheDocumentThatHoldsIt) {
+TEST_F(CHostLibraryProblem, OfAMalformedIdentifierNamesTheDocumentThatHoldsIt) {
     const std::string bad = write("b.xml", "<Node><objid>UDID##v</objid></Node>");
     const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), bad, holder("c.xml", "snap2")});
     expectRefused(call.get(), {{FI_ROTATION_MALFORMED_IDENTIFIER, 1}});
@@ -303,7 +303,7 @@ TEST_F(CHostLibraryProblem, OfAMalformedIdentifierIsNamedForEveryDocumentThatHol
 }
 
 TEST_F(CHostLibraryProblem, OfAnExternalEntityIsNamedAndItIsNotOpened) {
-    // Whoever opened it would wait for ever.
+    // To open the pipe would wait for ever, since nothing writes to it.
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
     for (const std::string& prolog :
          {"<!DOCTYPE Node [<!ENTITY e SYSTEM \"" + path("pipe") + "\">]><Node>&e;</Node>",
@@ -350,7 +350,7 @@ TEST_F(CHostLibraryProblem, IsNamedOfEveryInputInOrder) {
     EXPECT_EQ(std::count(message.begin(), message.end(), '\n'), 9);
 }
 
-TEST_F(CHostLibraryProblem, IsGoneOnceItsInputIsMended) {
+TEST_F(CHostLibraryProblem, IsGoneInARunAfterItsInputWasCorrected) {
     const std::string file = path("a.xml");
     const HostCall call = newCall(kConfiguration, {file});
     expectRefused(call.get(), {{FI_ROTATION_CANNOT_OPEN, 0}});

@@ -1,4 +1,4 @@
-// The host library among threads, processes and the end of both.
+// The host library in threads and forked processes, and at the end of threads and processes.
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -25,7 +25,7 @@ bool isTraced = false;
 
 }  // namespace
 
-// What the rotation traces with, in a process that has such a function for another library.
+// The process has a trace function for another library. The rotation in the host library must not call it.
 extern "C" __attribute__((visibility("default"))) void mofi_tracelog(int /*level*/, const char* /*format*/,
                                                                      ...) {
     isTraced = true;
@@ -38,7 +38,7 @@ class CHostLibraryProcess : public CHostLibraryTest {
 protected:
     HostCall goodCall() const { return newCall(kConfiguration, {holder("a.xml", "snap1")}); }
 
-    // The status with which a child ends that does this; it has seconds for that.
+    // Runs `body` in a child, which is killed after some seconds, and returns the child's exit status.
     static int statusOfChild(const std::function<int()>& body) {
         std::fflush(stdout);
         const pid_t child = fork();
@@ -52,7 +52,7 @@ protected:
     }
 };
 
-// A trace function that stops at its first line until it is let go.
+// A trace function that waits at its first line until the gate is opened.
 class CGate {
 public:
     static void pass(void* gate, std::int32_t /*level*/, const char* /*text*/) {
@@ -113,7 +113,7 @@ TEST_F(CHostLibraryProcess, DecidesWithoutAStandardOutput) {
     EXPECT_EQ(statusOfChild(body), 0);
 }
 
-// Documents are then opened under the lowest number that there is.
+// When standard input is closed, a document is opened under its number, 0.
 TEST_F(CHostLibraryProcess, LeavesNoDocumentOpenInPlaceOfAStandardInput) {
     const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), holder("b.xml", "snap2")});
     const auto body = [&call] {
@@ -148,7 +148,7 @@ TEST_F(CHostLibraryProcess, KeepsTheCancellationState) {
     }
 }
 
-// Asked to end while it runs a call, a thread does so afterwards.
+// A thread that is cancelled while it runs a call ends after the run.
 TEST_F(CHostLibraryProcess, EndsARunBeforeItsThreadIsCancelled) {
     struct SState {
         HostCall call;
@@ -209,7 +209,7 @@ TEST_F(CHostLibraryProcess, FailsInAChildThatWasForkedDuringTheRunOfAnotherThrea
         const bool isFailure = fi_rotation_call_run(other.get()) == FI_ROTATION_FAILED &&
                                fi_rotation_call_run(other.get()) == FI_ROTATION_FAILED &&
                                fi_rotation_call_selection(other.get()) == nullptr;
-        // So does a child of the child.
+        // Runs fail in a child of the child, too.
         const pid_t grandchild = fork();
         if (grandchild == 0) {
             _exit(static_cast<int>(fi_rotation_call_run(other.get())));
@@ -224,7 +224,7 @@ TEST_F(CHostLibraryProcess, FailsInAChildThatWasForkedDuringTheRunOfAnotherThrea
     EXPECT_EQ(fi_rotation_call_run(other.get()), FI_ROTATION_SELECTED);
 }
 
-// The child goes on with the run that it was forked in, and then with others.
+// The child finishes the run during which it was forked, and can run further calls.
 TEST_F(CHostLibraryProcess, GoesOnInAChildThatItsTraceFunctionForks) {
     struct SFork {
         bool isDone = false;
@@ -253,7 +253,8 @@ TEST_F(CHostLibraryProcess, GoesOnInAChildThatItsTraceFunctionForks) {
     EXPECT_EQ(status, 0);
 }
 
-// Threads run calls all the time while the process forks; each child has an answer.
+// Threads run calls all the time while the process forks. Each child gets an outcome and does not wait for
+// ever.
 TEST_F(CHostLibraryProcess, AnswersInEveryChildWhileThreadsRunCalls) {
     std::atomic<bool> isOver = false;
     const HostCall other = goodCall();

@@ -13,7 +13,7 @@
 
 namespace {
 
-// The read, or line, of this number, from 1, fails; none when 0.
+// The number, counted from 1, of the read or the line that fails; 0 for none.
 int failingRead = 0;
 int failureOfRead = 0;
 int failingLine = 0;
@@ -32,8 +32,8 @@ extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, v
     return next(descriptor, buffer, size);
 }
 
-// From the failing line on the stream reads from a folder, which gives an error once what was read ahead is
-// used up.
+// From the failing line on the stream reads from a folder. That is an error, as soon as the stream's buffer
+// is used up.
 extern "C" __attribute__((visibility("default"))) char* fgets(char* buffer, int size, std::FILE* stream) {
     static const auto next = reinterpret_cast<char* (*)(char*, int, std::FILE*)>(dlsym(RTLD_NEXT, "fgets"));
     if (++lines == failingLine) {
@@ -54,7 +54,7 @@ protected:
         failingLine = 0;
     }
 
-    // Takes several reads.
+    // A document that takes several reads.
     std::string longHolder() const {
         std::string text = documentOf("1", {{"encA##lun1", "encA##snap1"}});
         const std::string filling = "<!-- " + std::string(1000, '.') + " -->\n";
@@ -100,7 +100,7 @@ TEST_F(CHostLibraryReadError, IsPermittedAndWhatWasReadCounts) {
     EXPECT_EQ(fi_rotation_call_backup_problems(call.get(), 0), std::uint32_t{FI_ROTATION_READ_ERROR});
 }
 
-// At whatever line: nothing is decided.
+// Whichever line fails, nothing is decided.
 TEST_F(CHostLibraryReadError, OfALaterReadingLeavesNothingDecided) {
     const std::string file = longHolder();
     for (const int number : {1, 2, 50, 250}) {

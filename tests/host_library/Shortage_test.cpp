@@ -1,8 +1,8 @@
-// What the host library does when memory runs out: each allocation fails in turn. Each time the answer is the
-// one that the call has otherwise, or that memory ran out and nothing is decided; and the next run works.
+// What the host library does when memory runs out: each allocation fails in turn. Each time the run has its
+// usual outcome, or ends because memory ran out and decides nothing, and the next run works.
 //
-// One shortage cannot be undone. The XML library is set up once for the process, with a converter for the
-// local code page. When that cannot be made, later runs say so.
+// There is one exception. The XML library is set up once for the process, with a converter for the local code
+// page. When memory runs out for that converter, all later runs fail.
 
 #include <cerrno>
 #include <cstddef>
@@ -28,7 +28,7 @@ bool isNothingDecided(const fi_rotation_call* call) {
            fi_rotation_call_problem_count(call) == 0;
 }
 
-// Empty when all is well.
+// What went wrong; empty when nothing did.
 const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call* call,
                             const SHostAnswer& usual, SShortageProgress& progress) {
     errno = E2BIG;
@@ -42,8 +42,7 @@ const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call
         progress.isFinished = true;
         return "";
     }
-    // That the XML library cannot be set up is an outcome of its own, where that is what the shortage came
-    // to.
+    // When the shortage keeps the XML library from being set up, the outcome is FI_ROTATION_FAILED.
     const bool isFailure = outcome == FI_ROTATION_OUT_OF_MEMORY || outcome == FI_ROTATION_FAILED;
     if (outcome != usual.outcome && !isFailure) {
         return "another outcome than without the shortage";
@@ -60,7 +59,8 @@ const char* faultOfShortage(EShortage kind, std::size_t number, fi_rotation_call
     return next == usual ? "" : "the next run has another answer";
 }
 
-// Of a process in which no call was run before, by an answer that is known.
+// Tries the shortages in processes in which no call was run before. The usual answer is given, since a run to
+// find it would set things up.
 void expectSurvivalOfFirstRun(const MakeCall& makeCall, const SHostAnswer& usual) {
     const SShortageProgress progress = expectEachSurvives(1, [&](SShortageProgress& shared) {
         const HostCall call = makeCall();
@@ -68,11 +68,11 @@ void expectSurvivalOfFirstRun(const MakeCall& makeCall, const SHostAnswer& usual
                       faultOfShortage(EShortage::kOfOneBlock, shared.number, call.get(), usual, shared));
     });
     std::printf("%zu shortages survived, no call can be run behind %zu\n", progress.survived, progress.lost);
-    // The converter of the local code page.
+    // Only the shortage at the converter of the local code page may end in that.
     EXPECT_LE(progress.lost, 1U);
 }
 
-// Of a call that is run after others. One process goes through all shortages.
+// Tries all shortages in one process, in which a call was run before.
 void expectSurvival(EShortage kind, const MakeCall& makeCall) {
     const SShortageProgress progress = expectEachSurvives(1, [&](SShortageProgress& shared) {
         const HostCall call = makeCall();
@@ -106,8 +106,8 @@ protected:
     static void trace(void* /*user*/, std::int32_t /*level*/, const char* /*text*/) {}
 };
 
-// It runs before any other in this program, so that each of its processes sets up all there is. It takes no
-// document for that.
+// This test comes first in this program, so that in each of its processes nothing is set up before. For the
+// set-up no document is needed.
 TEST_F(CHostLibraryShortage, OfOneBlockIsSurvivedByTheFirstRunOfAProcess) {
     SHostAnswer usual;
     usual.outcome = FI_ROTATION_SELECTED;
@@ -159,7 +159,7 @@ TEST_F(CHostLibraryShortage, IsSurvivedByACallWithAMalformedIdentifier) {
     });
 }
 
-TEST_F(CHostLibraryShortage, GivesNoCall) {
+TEST_F(CHostLibraryShortage, MakesANewCallANullPointer) {
     std::size_t number = 0;
     do {
         startShortage(EShortage::kOfOneBlock, ++number);
@@ -171,7 +171,7 @@ TEST_F(CHostLibraryShortage, GivesNoCall) {
     EXPECT_GT(number, 1U);
 }
 
-TEST_F(CHostLibraryShortage, OfABackupIsNotForgotten) {
+TEST_F(CHostLibraryShortage, WhileABackupIsAddedEndsEveryLaterRun) {
     const std::string file = holder("a file with a long name.xml", "snap1");
     std::size_t number = 0;
     do {
@@ -181,7 +181,7 @@ TEST_F(CHostLibraryShortage, OfABackupIsNotForgotten) {
         endShortage();
         const bool isShort = hasBeenShort();
         EXPECT_EQ(index, isShort ? -1 : 0);
-        // What is added later does not mend it.
+        // The call stays incomplete, whatever is added later.
         EXPECT_EQ(fi_rotation_call_add(call.get(), holder("b.xml", "snap2").c_str(), 0), isShort ? 0 : 1);
         EXPECT_EQ(fi_rotation_call_run(call.get()),
                   isShort ? FI_ROTATION_OUT_OF_MEMORY : FI_ROTATION_SELECTED);

@@ -1,4 +1,4 @@
-// What a trace function may do while it is called, and the run around it survives.
+// What a trace function may do during a run without harm to the run.
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -34,7 +34,7 @@ void handOn(void* user, std::int32_t level, const char* text) {
 
 class CHostLibraryTraceFunction : public CHostLibraryTest {
 protected:
-    // With two backups, one of them damaged when the damage is permitted, and a rotation.
+    // A call with two backups, one of which is damaged and permitted, and a rotation.
     HostCall newTracedCall(SLines& lines, std::int32_t level = 4) const {
         HostCall call =
             newCall("encA##lun1;snap1", {holder("a.xml", "snap1", "1"), holder("b.xml", "snap1", "2")});
@@ -48,7 +48,7 @@ protected:
         return lines.count;
     }
 
-    // Another call, on this thread.
+    // Runs another call on this thread.
     void expectCallsWork() const {
         const HostCall call = newCall(kConfiguration, {holder("works.xml", "snap1")});
         EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
@@ -82,7 +82,7 @@ TEST_F(CHostLibraryTraceFunction, IsNotCalledOnceItIsTakenBack) {
     EXPECT_EQ(lines.count, 0);
 }
 
-TEST_F(CHostLibraryTraceFunction, ReceivesEachLineOnceAlthoughTheAnswerTakesASecondLook) {
+TEST_F(CHostLibraryTraceFunction, ReceivesEachLineOnceAlthoughTheRotationRunsTwice) {
     std::vector<std::string> texts;
     SLines lines{[&](int /*line*/, int /*level*/, const std::string& text) { texts.push_back(text); }};
     const HostCall call = newCall("encA##lun1;snap1");
@@ -200,8 +200,9 @@ TEST_F(CHostLibraryTraceFunction, SeesNoDescriptorThatAProgramWouldInherit) {
 }
 
 #ifndef __SANITIZE_ADDRESS__
-// A trace function must not end its thread, but where it does the rest of the process goes on. What unwinds
-// the thread is no object, which the sanitizer takes for a null reference.
+// A trace function must not end its thread, but when it does, other threads go on. Not under the
+// undefined-behaviour sanitizer: the end of a thread is caught as an exception without an object, which it
+// takes for a null reference.
 
 // Ends a thread at this line of a run.
 void endThreadAtLine(const std::function<HostCall(SLines&)>& makeCall, int at) {
@@ -231,8 +232,8 @@ TEST_F(CHostLibraryTraceFunction, ThatEndsItsThreadLeavesOtherThreadsTheirCalls)
     expectCallsWork();
 }
 
-// Of the lines that a destructor traces none can end a thread.
-TEST_F(CHostLibraryTraceFunction, ThatEndsItsThreadMayDoSoAtAnyLineButADestructors) {
+// Lines of destructors are left out: a thread that ends there ends the process.
+TEST_F(CHostLibraryTraceFunction, ThatEndsItsThreadLeavesOtherThreadsTheirCallsAtEveryLine) {
     std::vector<std::string> texts;
     SLines all{[&](int /*line*/, int /*level*/, const std::string& text) { texts.push_back(text); }};
     fi_rotation_call_run(newTracedCall(all).get());

@@ -1,4 +1,4 @@
-// How the functions are used, rightly and wrongly, and what they say of a decision.
+// How the functions work when they are used rightly and wrongly, and what they say of a decision.
 
 #include <cstdint>
 #include <limits>
@@ -155,7 +155,7 @@ TEST_F(CHostLibraryUse, ExcludesForEveryNumberButZero) {
     }
 }
 
-TEST_F(CHostLibraryUse, SaysWhoHoldsWhatWhenNoTargetIsFree) {
+TEST_F(CHostLibraryUse, NamesTheHoldersOfTargetsWhenNoTargetIsFree) {
     const HostCall call = newCall("encA##lun1;snap1&encB##lun2;snap2&encC##lun3");
     fi_rotation_call_add(call.get(), holder("kept.xml", "snap1", "2").c_str(), 1);
     const std::string other = write("other.xml", documentOf("1", {{"encB##lun2", "encB##snap2"}}));
@@ -179,7 +179,7 @@ TEST_F(CHostLibraryUse, SaysWhoHoldsWhatWhenNoTargetIsFree) {
     EXPECT_STREQ(fi_rotation_call_backup_target(call.get(), 1, 0), "encB##snap2");
 }
 
-TEST_F(CHostLibraryUse, KeepsReasonsToItselfUntilItIsAsked) {
+TEST_F(CHostLibraryUse, GivesReasonsOnlyWhenAskedForThem) {
     const HostCall call = rotation();
     ASSERT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
     EXPECT_EQ(fi_rotation_call_configuration_kept(call.get(), 0), -1);
@@ -230,7 +230,7 @@ TEST_F(CHostLibraryUse, GivesEachStateItsReason) {
     EXPECT_EQ(fi_rotation_call_backup_time_stamp(call.get(), 3), nullptr);
 }
 
-TEST_F(CHostLibraryUse, SaysWhoIsTheNewestHolderAndWhoHoldsNothing) {
+TEST_F(CHostLibraryUse, TellsTheNewestHolderFromABackupThatHoldsNothing) {
     const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), write("b.xml", "<Node/>")});
     fi_rotation_call_ask_reasons(call.get(), 1);
     ASSERT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
@@ -288,7 +288,8 @@ TEST_F(CHostLibraryUse, LetsAConfigurationWithFewerBackupsLoseNone) {
     EXPECT_EQ(fi_rotation_call_run(hasNone.get()), FI_ROTATION_SELECTED);
 }
 
-// Of what one configuration is short of, another one loses a backup.
+// encA##lun1 has no free target. The release that frees one takes a backup from both configurations, and
+// leaves none to encA##lun1.
 TEST_F(CHostLibraryUse, KeepsBackupsOfEveryConfiguration) {
     const std::string both =
         write("both.xml", documentOf("1", {{"encA##lun1", "encA##snap1"}, {"encB##lun2", "encB##s1"}}));
@@ -302,7 +303,8 @@ TEST_F(CHostLibraryUse, KeepsBackupsOfEveryConfiguration) {
     EXPECT_EQ(fi_rotation_call_configuration_kept(call.get(), 1), 1);
 }
 
-// A backup that lost a target to a newer one keeps none, whatever it holds.
+// A backup that lost a target to a newer one is invalid, so it is not counted, although it holds other
+// targets.
 TEST_F(CHostLibraryUse, CountsInvalidBackupsForNoConfiguration) {
     const std::string part =
         write("part.xml", documentOf("1", {{"encA##lun1", "encA##snap1"}, {"encB##lun2", "encB##s1"}}));

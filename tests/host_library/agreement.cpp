@@ -31,7 +31,7 @@ using fi_test::SExpectedProblem;
 
 struct SOptions {
     std::uint64_t calls = 2000;
-    // Of the first call; each has the next one.
+    // The seed of the first call; each further call has the next one.
     std::uint64_t seed = 1;
 };
 
@@ -98,7 +98,7 @@ public:
     explicit CComparison(const SCall& made)
         : call(made), problems(fi_test::problemsOf(made)), decisions(fi_test::decisionsOf(made)) {}
 
-    // Empty when the library is right.
+    // What is wrong with the library's answer; empty when nothing is.
     std::string run(std::uint32_t permitted, bool wantsReasons, Tally* tally) {
         const HostCall host = hostCallOf(call);
         fi_rotation_call_permit(host.get(), permitted);
@@ -148,7 +148,7 @@ private:
             return "the problems are not in the order of the backups";
         }
         for (const SExpectedProblem& problem : problems) {
-            // A document that cannot be used is not looked into any further.
+            // When a document is refused, its further problems are not looked for.
             const bool isOfBackup =
                 std::any_of(named.begin(), named.end(), [&problem, permitted](const SExpectedProblem& one) {
                     return one.backup == problem.backup &&
@@ -201,7 +201,7 @@ private:
         return answer.selection.has_value() && selection != *answer.selection ? "the chosen targets" : "";
     }
 
-    // The first free target is the one that is chosen, and holders are backups of the call.
+    // Whether the first free target is the one that is chosen, and all holders are backups of the call.
     static bool areTargetsRight(const fi_rotation_call* host, std::int32_t place,
                                 const fi_model::SConfiguration& expected) {
         if (fi_rotation_call_target_count(host, place) !=
@@ -230,7 +230,7 @@ private:
     const std::vector<SExpectedDecision> decisions;
 };
 
-// Another mixture for each call.
+// A mixture of problems to permit, another one for each seed.
 std::uint32_t someProblems(std::uint64_t seed) {
     return static_cast<std::uint32_t>(seed * 0x9E3779B97F4A7C15U >> 52U) & fi_test::kEveryProblem;
 }

@@ -1,6 +1,7 @@
 // Usage: fi_host_library_at_exit DOCUMENT
 //
-// Decides once while it runs, with other threads that do so until its very end, and once when it ends.
+// Runs a call in main, calls in other threads until the process ends, and one in a function that was
+// registered with atexit.
 
 #include <cstdio>
 #include <cstdlib>

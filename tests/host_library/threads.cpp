@@ -1,4 +1,4 @@
-// Runs random calls in many threads at once. Each must end as the same call does that is made alone before.
+// Runs random calls in many threads at once. Each must have the same outcome as when it was run alone before.
 
 #include <atomic>
 #include <cstddef>
@@ -45,7 +45,7 @@ public:
         files.push_back(folder.path(""));
     }
 
-    // A call that is the same for the same number.
+    // Makes the same call for the same number.
     fi_test::HostCall make(std::uint64_t number) {
         random.seed(number);
         std::string configuration;

@@ -18,7 +18,7 @@ struct SEntry {
 
 // One call with everything that it reads.
 struct SCall {
-    // The seed that made the call; tells a report how to make it again.
+    // The seed that made the call, so that a report can say how to make it again.
     std::uint64_t seed = 0;
     // Empty for a null pointer.
     std::optional<std::string> configuration;

@@ -23,7 +23,7 @@ std::int32_t stateOf(const SHolder& holder, const SDecision& decision) {
     return decision.answer.flags.at(holder.entry);
 }
 
-// Then one flag word stands for two backups, and does not tell the state of either.
+// In such a call one flag word stands for two backups, and does not tell the state of each.
 bool listsANameTwice(const SWorld& world) {
     std::set<std::string> names;
     for (const SWorldBackup& backup : world.backups) {
@@ -32,7 +32,7 @@ bool listsANameTwice(const SWorld& world) {
     return names.size() < world.backups.size();
 }
 
-// The call tells what became of each backup.
+// Whether the flag words tell the state of each backup.
 bool tellsStates(const SDecision& decision) {
     return succeeds(decision) && !listsANameTwice(decision.world);
 }
@@ -62,8 +62,8 @@ bool isHeldByANewerOne(const Place& place, const SHolder& than, const Holders& h
                        [&](const SHolder& other) { return other.age > than.age && other.holds(place); });
 }
 
-// Nobody holds it, or one of its newest holders is among the released. (One that is not the newest, or that
-// another of its age came before, has lost it and is never released.)
+// Whether no backup holds the target, or one of its newest holders is among the released. (A holder that is
+// not the newest, or that was behind another one of the same age, lost the target and is never released.)
 bool isFree(const Place& place, const Entries& released, const Holders& holders) {
     bool isHeld = false;
     for (const SHolder& holder : holders) {

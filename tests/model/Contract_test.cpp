@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-// Each rule of the contract, with an answer that breaks it beside the right one. Both were worked out by
-// hand.
+// For each rule of the contract, a right answer and one that breaks the rule. Both were worked out by hand.
 
 namespace fi_model {
 namespace {
@@ -94,7 +93,7 @@ std::vector<SCase> cases() {
          selected(kTwo, {0, 1}), selected(kTwo, {0, 0})},
         {"aBackupThatLosesNoTargetIsNotInvalid", world({kOne, kTwo}, {old}), selected(kTwo, {0}),
          selected(kTwo, {1})},
-        // It names its target twice, and loses the second time against itself.
+        // It names its target twice; the second time the target is used already, by itself.
         {"ofTwoClaimantsTheNewerWins", world({kOne, kTwo}, {old, holding("b", 1, {kOne, kOne})}),
          selected(kTwo, {1, 1}), selected(kTwo, {0, 1})},
         {"theOldestAreReleasedFirst", world({kOne, kTwo}, {old, young}), selected(kOne, {2, 0}),
@@ -104,7 +103,7 @@ std::vector<SCase> cases() {
         {"aCallFailsOnlyWhenNothingIsLeftToRelease", world({kOne}, {old}), selected(kOne, {2}), failed({3})},
         {"everyConfigurationGetsItsFirstFreeTarget", world({kOne, kTwo}, {}), selected(kOne, {}),
          selected(kTwo, {})},
-        // What the loser of another target holds stays in use.
+        // The targets of a backup that loses one of them stay in use.
         {"everyConfigurationGetsItsFirstFreeTarget",
          world({kOne, kTwo, "F##s1"}, {holding("a", 0, {kOne, kTwo}), youngToo}), selected("F##s1", {1, 0}),
          selected(kTwo, {1, 0})},
@@ -133,19 +132,19 @@ std::vector<SCase> cases() {
     };
 }
 
-TEST(Contract, IsKeptByRightAnswers) {
+TEST(Contract, RightAnswersBreakNoRule) {
     for (const SCase& one : cases()) {
         EXPECT_THAT(brokenRules(one.world, one.right), IsEmpty()) << describe(one.world);
     }
 }
 
-TEST(Contract, HasARuleAgainstEachWrongAnswer) {
+TEST(Contract, WrongAnswersBreakTheirRule) {
     for (const SCase& one : cases()) {
         EXPECT_THAT(brokenRules(one.world, one.wrong), Contains(one.rule)) << describe(one.world);
     }
 }
 
-TEST(Contract, HasNoRuleThatNothingBreaks) {
+TEST(Contract, EveryRuleIsBrokenByAWrongAnswer) {
     std::set<std::string> broken;
     for (const SCase& one : cases()) {
         broken.insert(one.rule);
@@ -155,16 +154,16 @@ TEST(Contract, HasNoRuleThatNothingBreaks) {
     }
 }
 
-// A loser keeps what it claimed, and can be what the call fails for.
-TEST(Contract, LetsACallFailWhereALoserHoldsTheLastTarget) {
+// A backup that loses a target to a newer one keeps its other targets in use, so that the call may fail.
+TEST(Contract, CallMayFailWhenABackupThatLostATargetHoldsTheLastOne) {
     const SWorld both{{{kFirst, {kOne}}, {"E##l2", {kTwo}}},
                       {{"a", std::vector<SWorldPair>{{kFirst, kOne, '1'}, {"E##l2", kTwo, '2'}}, 0, false},
                        holding("b", 1, {kOne})}};
     EXPECT_THAT(brokenRules(both, failed({3, 3})), IsEmpty());
 }
 
-// One flag word stands for two backups, of which the second loses the target to the first.
-TEST(Contract, LetsEitherStateStandForANameThatIsListedTwice) {
+// One flag word stands for two backups, one of which loses the target to the other.
+TEST(Contract, EitherStateIsRightForANameThatIsListedTwice) {
     const SWorldBackup once = holding("a", 0, {kOne});
     const SWorld twice = world({kOne, kTwo}, {once, once});
     EXPECT_THAT(brokenRules(twice, selected(kTwo, {0, 0})), IsEmpty());

@@ -35,8 +35,8 @@ std::string xmlText(const SToken& token) {
         case EKind::kNulLine:
             return std::string("\n\0", 2) + token.text + "\n";
         case EKind::kInvalidByte:
-            // At the very end the byte would pass for a character that was cut off, and what
-            // stands before it would be read.
+            // More text follows the byte: at the very end of the document it would be taken for a
+            // character that is cut off, and the text before it would be read.
             return "\xFF (no UTF-8)";
     }
     return "";

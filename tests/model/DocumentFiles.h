@@ -8,8 +8,8 @@
 
 namespace fi_model {
 
-// The documents of one call, there while the call runs: by name what each holds, but for those that stand for
-// a folder.
+// Writes the documents of one call and removes them at the end of the scope. A document that stands for a
+// folder becomes one.
 class CDocumentFiles {
 public:
     CDocumentFiles(const fi_test::CTemporaryFolder& place, const std::map<std::string, SDocument>& contents);

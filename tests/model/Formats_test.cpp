@@ -9,15 +9,15 @@
 #include "tests/model/Generator.h"
 #include "tests/model/LibraryHost.h"
 
-// Hosts tell the lines of a trace apart by their formats, so these never hold a text of the call. The one
-// list of them is the table in the guide for hosts.
+// Hosts tell the lines of a trace apart by their formats, so a format must not hold texts of the call. The
+// table in the guide for hosts lists all formats.
 
 namespace fi_model {
 namespace {
 
 using fi_test::Formats;
 
-// Of a row "| severity | `format` | when it occurs |".
+// Adds the format of a row "| severity | `format` | when it occurs |".
 void addRow(const std::string& row, Formats& formats) {
     const std::size_t begin = row.find("| `");
     const std::size_t end = row.rfind("` |");
@@ -32,7 +32,7 @@ void addRow(const std::string& row, Formats& formats) {
     }
 }
 
-// Those of calls.
+// The formats that the guide lists for calls.
 Formats listedFormats() {
     std::ifstream guide(FI_HOST_GUIDE);
     Formats formats;

@@ -123,7 +123,7 @@ private:
         call.files[name] = document;
     }
 
-    // What few calls have, tried after the rest so that it meets every kind of call.
+    // Adds what few calls have. It comes last, so that it is combined with every kind of call.
     void unusual() {
         if (random.percent(4)) {
             insertEntry(random.percent(50) ? "missing.xml" : "", false);
@@ -177,7 +177,8 @@ private:
     SCall call;
 };
 
-// Documents without a usable time stamp are tied with one another, more often than is meant.
+// Whether too many backups have the same time stamp. Documents without a usable one all have the same, which
+// makes more ties than were planned.
 bool hasTooManyTies(const SCall& call) {
     constexpr std::size_t kMostOrders = 24;
     return call.entries.size() > 4 && countTieRanks(predict(call).timeStamps) > kMostOrders;

@@ -35,7 +35,7 @@ std::vector<SWorldPair> pairsThatCount(const std::vector<SWorldPair>& pairs) {
     return counting;
 }
 
-// The first pair that is malformed or has no place decides.
+// The first pair that is malformed or has no place decides what is noted of the backup.
 void look(const std::vector<SWorldPair>& pairs, const SWorld& world, SHolder& holder) {
     for (const SWorldPair& pair : pairsThatCount(pairs)) {
         const bool isMalformed = pair.first.empty() || pair.target.empty();

@@ -7,7 +7,7 @@
 
 #include "tests/model/World.h"
 
-// Who holds what in a world, told from its facts alone, and never from what a call makes of them.
+// Which backups hold which targets of a world, worked out from its facts only, and not from any call.
 
 namespace fi_model {
 
@@ -23,7 +23,7 @@ struct SHolder {
     std::size_t age = 0;
     bool isExcluded = false;
     EAgreement agreement = EAgreement::kAgrees;
-    // Of a backup that agrees, the target of each pair.
+    // The target of each pair, if the backup agrees with the configuration.
     std::vector<Place> places;
 
     bool holds(const Place& place) const;
@@ -32,7 +32,7 @@ struct SHolder {
 
 using Holders = std::vector<SHolder>;
 
-// In the caller's order. A file that is not there ends the reading: no later one is looked at. A name that is
+// The backups that are read, in the caller's order: those before the first missing file. A name that is
 // listed twice has the flag of its last entry.
 Holders holdersOf(const SWorld& world);
 

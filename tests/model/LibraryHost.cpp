@@ -24,7 +24,7 @@ void require(bool condition, const char* what) {
     }
 }
 
-// In memory where that can be: documents are many and live shortly.
+// A folder in memory, if there is one, since many documents are written and soon removed.
 std::filesystem::path parentOfFolder() {
     return access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path();
 }
@@ -46,8 +46,8 @@ private:
     std::filesystem::path former;
 };
 
-// Sends the standard output into a file while it lives. The descriptor is exchanged, because the
-// library may print in any way.
+// Sends the standard output into a file while it lives. It replaces the descriptor, so that it does not
+// matter how the library prints.
 class COutputCapture {
 public:
     explicit COutputCapture(int file) : former(dup(STDOUT_FILENO)) {
@@ -76,7 +76,7 @@ std::string takeText(int file) {
     return text;
 }
 
-// The call as such. The caller's pointer is filled beforehand, to tell whether it was written.
+// Makes the call. The caller's pointer has a value before it, which shows whether the call overwrites it.
 void callLibrary(const SCall& call, SAnswer& answer) {
     std::vector<const char*> names;
     for (const SEntry& entry : call.entries) {

@@ -11,8 +11,8 @@
 namespace fi_model {
 
 // The host's side of a call: a folder for the documents, the trace facility and the standard output. While a
-// call runs, the folder is the process's working folder, so that documents have short names which are the
-// same in every run. One at a time.
+// call runs, the folder is the process's working folder, so that documents have short names that are the same
+// in every run. Only one may exist at a time.
 class CLibraryHost {
 public:
     CLibraryHost();

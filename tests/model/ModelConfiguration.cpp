@@ -87,7 +87,7 @@ void noteTarget(const SSplitTarget& target, bool isFirst, SJournal& journal) {
     journal.noteIf(target.device.find("##") != std::string::npos, EOutcome::kDeviceWithSeparator);
 }
 
-// Appends the configuration, or says why not and leaves the list alone.
+// Appends the configuration; or, if it is malformed, traces why and returns false.
 bool parseConfiguration(const std::string& text, Configurations& configurations, SJournal& journal) {
     const std::vector<std::string> fields = nonEmptyFields(text, ";");
     if (fields.empty()) {

@@ -14,7 +14,7 @@
 #include "tests/model/ModelTestSupport.h"
 #include "tests/model/ModelTree.h"
 
-// The model's parts by themselves, each against what was worked out by hand.
+// Each part of the model by itself, compared with results that were worked out by hand.
 
 namespace fi_model {
 namespace {

@@ -116,8 +116,8 @@ private:
         }
     }
 
-    // A reference to a character begins a piece, together with the text after it; an entity of the
-    // document's own is a piece by itself.
+    // The character of a reference and the text after it are one piece. An entity that the document declares
+    // is a piece by itself.
     void reference(const std::string& name) {
         if (openElements.empty() || (name == "host" && !hasHostEntity)) {
             return fail();

@@ -113,7 +113,7 @@ bool validate(const SNode& root, EMode mode, Configurations& configurations, SJo
             match.target->state = kAvailable;
         }
     }
-    // Pairs are counted in the check, which every backup goes through, and not once more.
+    // Pairs are counted in the check only, because every backup goes through it.
     if (mode != EMode::kCheck) {
         journal.tally = before;
     }

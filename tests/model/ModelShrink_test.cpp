@@ -25,7 +25,7 @@ using ::testing::Optional;
 
 using Alteration = std::function<void(SAnswer&)>;
 
-// Answers as the model does, but for one thing.
+// A subject that changes one thing in the model's answer.
 Subject altered(const Alteration& alteration) {
     return [alteration](const SCall& call) {
         SAnswer answer = predict(call).answer;
@@ -146,7 +146,7 @@ TEST(Shrink, LeavesOneBackupAndOneConfigurationOfARotation) {
     EXPECT_EQ(smallest.listSize, 1);
     ASSERT_EQ(smallest.files.size(), 1U);
     EXPECT_THAT(smallest.configuration, Optional(Not(AnyOf(HasSubstr("&"), HasSubstr("\n")))));
-    // One Node with one objid and one altobjid is what it takes to hold a target.
+    // To hold a target, a document needs one Node with an objid and an altobjid.
     EXPECT_LE(smallest.files.begin()->second.tokens.size(), 8U);
     EXPECT_TRUE(differs(smallest, subject));
 }
@@ -163,7 +163,7 @@ TEST(Shrink, ExplainsADifferenceInFull) {
     EXPECT_THAT(explanation, HasSubstr("flags\n  model:   { 2 }\n  library: { 0 }"));
 }
 
-TEST(Shrink, LeavesNothingOfACallThatDoesNotMatter) {
+TEST(Shrink, RemovesEverythingFromACallOfWhichNothingMatters) {
     const SCall smallest = shrink(makeCall(1), [](const SCall&) { return true; });
     EXPECT_THAT(smallest.entries, IsEmpty());
     EXPECT_THAT(smallest.files, IsEmpty());

@@ -12,8 +12,8 @@
 #include "tests/model/ModelTestSupport.h"
 #include "tests/support/Golden.h"
 
-// What the model answers, worked out by hand. Were the model wrong in the same way as the library,
-// a comparison of the two would not show it.
+// The model's answers are compared with answers that were worked out by hand. If the model made the same
+// mistake as the library, a comparison of the two would not show it.
 
 namespace fi_model {
 namespace {
@@ -82,7 +82,7 @@ TEST(Model, ABackupThatClaimsInPartBlocksWhatItClaimed) {
     SCall call = callWith("encA##dev1;snap1&encB##dev2;snap2", {holding("snap1", "2")});
     call.entries.push_back({"both.xml", 0});
     call.listSize = 2;
-    // "UDID##a" comes before "UDID##v", so the target that is still free is claimed first.
+    // Pairs are claimed in the order of their objids: "UDID##a", whose target is free, comes first.
     const Tokens free = element("Node", joined({data("objid", "UDID##a##m##encB##dev2"),
                                                 data("altobjid", "UDID##a##m##encB##snap2")}));
     const Tokens held = element("Node", joined({data("objid", "UDID##v##m##encA##dev1"),
@@ -176,7 +176,8 @@ TEST(Model, BadArgumentsAreRejectedBeforeAnythingElse) {
     }
 }
 
-// The traces that are written by hand for the library. One backup holds the only target.
+// The model must trace what the golden files hold, which were written by hand for the library. In these calls
+// one backup holds the only target.
 TEST(Model, WholeTracesAreTheGoldenOnes) {
     const struct {
         const char* name;

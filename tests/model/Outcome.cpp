@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-// The macro is expanded on its way from the one to the other.
+// Two macros, so that FI_MODEL_OUTCOMES is expanded before it is made a text.
 #define FI_MODEL_QUOTED(...) #__VA_ARGS__
 #define FI_MODEL_TEXT(...) FI_MODEL_QUOTED(__VA_ARGS__)
 

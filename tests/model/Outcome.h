@@ -8,8 +8,8 @@
 
 namespace fi_model {
 
-// Every branch of the decision that a run of calls must have taken: the enumerators, and the text that names
-// them.
+// Every branch of the decision. A run of random calls must have taken each of them. The macro gives both the
+// enumerators and their names.
 #define FI_MODEL_OUTCOMES                                                                                   \
     kNullFlags, kNullResult, kNullConfiguration, kStatusSuccess, kStatusFailure, kException,                \
         kReferenceDecoded, kConfigurationAccepted, kConfigurationNone, kConfigurationNoTargets,             \

@@ -42,7 +42,7 @@ std::string malformedValue(CRandom& random) {
     return random.pick(kValues);
 }
 
-// Well-formed identifiers that name no target, or only the wrong one.
+// Well-formed identifiers that name no target, or a wrong one.
 std::string otherIdentifier(CRandom& random) {
     static const std::vector<std::string> kIdentifiers = {
         "UDID##v##m##encA##none",  "UDID##v##m##encZ##dev1", "UDID##v##m##ENCA##dev1",
@@ -57,7 +57,7 @@ std::string otherIdentifier(CRandom& random) {
 std::size_t CPairGenerator::furtherOf(std::size_t configuration) {
     const std::size_t size = plan[configuration].further.size();
     std::size_t place = random.below(size);
-    // Backups that hold the same target are wanted, but not as the rule.
+    // Some backups should hold the same target, but not most of them.
     for (std::size_t tries = 0; tries < 4 && held.count({configuration, place}) > 0; ++tries) {
         place = random.below(size);
     }

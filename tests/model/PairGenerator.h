@@ -29,7 +29,8 @@ private:
 
     const Plan& plan;
     CRandom& random;
-    // Configuration and target that an earlier backup of the call already holds.
+    // The targets that earlier backups of the call hold, each as the places of its configuration and of
+    // itself.
     std::set<std::pair<std::size_t, std::size_t>> held;
 };
 

@@ -10,8 +10,8 @@
 
 namespace fi_model {
 
-// Choices: random ones, the same with every implementation of the standard library, which its distributions
-// are not; or those of whoever draws the numbers.
+// Makes choices. With a seed they are random, and the same with every standard library, which those of the
+// standard distributions are not. With a source, they are those of the source.
 class CRandom {
 public:
     explicit CRandom(std::uint64_t seed)

@@ -79,7 +79,8 @@ private:
         return shortened;
     }
 
-    // Half a character would make another kind of document.
+    // Whether the piece begins and ends between characters. A cut inside a character would make the document
+    // ill-formed.
     static bool isWhole(const std::string& text, std::size_t position, std::size_t length) {
         const auto isStart = [&](std::size_t index) {
             return index == text.size() || (text[index] & 0xC0) != 0x80;
@@ -117,8 +118,8 @@ private:
         return dropped;
     }
 
-    // The end tag of a start tag, so that what is left stays well-formed where it was; of any
-    // other token, and where there is no end tag, the token itself.
+    // The place of the end tag that belongs to a start tag, so that both are removed together and the
+    // document stays well-formed. For any other token, and without an end tag, the place of the token itself.
     static std::size_t lastOf(const std::vector<SToken>& tokens, std::size_t index) {
         std::size_t depth = 0;
         for (std::size_t last = index; last < tokens.size(); ++last) {

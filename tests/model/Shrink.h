@@ -10,14 +10,14 @@ namespace fi_model {
 
 using Keeps = std::function<bool(const SCall&)>;
 
-// The smallest call to be found by leaving out backups, elements, configurations and characters
-// for which `keeps` still holds. It holds for the call itself.
+// Makes the call as small as possible by removing backups, elements, configurations and characters, such that
+// `keeps` stays true. `keeps(call)` must be true.
 SCall shrink(SCall call, const Keeps& keeps);
 
-// The call with everything that is needed to make it again in a test.
+// The call as text, with everything that is needed to make it again in a test.
 std::string describe(const SCall& call);
 
-// A call on which model and subject differ: shrunk, described, and with the difference that is left.
+// For a call on which model and subject differ: shrinks it, and describes it with the difference.
 std::string explainDifference(const SCall& call, const Subject& subject);
 
 }  // namespace fi_model

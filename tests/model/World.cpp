@@ -7,7 +7,7 @@
 namespace fi_model {
 namespace {
 
-// Time stamps are compared as bytes; as numbers they would have another order.
+// By age. As numbers these would have another order, which shows that time stamps are compared as bytes.
 constexpr std::array<const char*, kMostAges> kTimeStamps = {"10", "9", "95"};
 
 std::string configurationText(const SWorld& world) {
@@ -42,7 +42,7 @@ void addElement(const std::string& name, const std::string& text, std::vector<ST
     tokens.push_back({SToken::EKind::kClose, name, ""});
 }
 
-// Each pair on a Node in that of the pair before it.
+// A document with a Node for each pair, each inside that of the pair before it.
 SDocument documentOf(const SWorldBackup& backup) {
     SDocument document;
     std::vector<SToken>& tokens = document.tokens;

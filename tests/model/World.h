@@ -8,8 +8,8 @@
 
 #include "tests/model/Call.h"
 
-// One call as the plain facts from which it is written, so that what it means is known without reading its
-// documents.
+// A world is one call as plain facts: configurations, backups, who names which target. The configuration text
+// and the documents are written from these facts, so that their meaning is known without reading them.
 
 namespace fi_model {
 
@@ -23,17 +23,17 @@ struct SWorldConfiguration {
 struct SWorldPair {
     std::string first;
     std::string target;
-    // Stands before the name in the objid, and so decides in which order pairs are visited. Pairs that have
-    // the same first target and spelling have the same objid.
+    // A character that stands before the name in the objid, and so decides the order of the pairs. Pairs with
+    // the same first target and the same spelling have the same objid.
     char spelling = '1';
 };
 
 struct SWorldBackup {
     // Backups of the same name have the same document.
     std::string name;
-    // Without them there is no file.
+    // Nothing when the file is missing.
     std::optional<std::vector<SWorldPair>> pairs;
-    // A greater one is newer; at most kMostAges - 1.
+    // A backup with a greater number is newer; at most kMostAges - 1.
     std::size_t age = 0;
     bool isExcluded = false;
 };
@@ -46,12 +46,13 @@ struct SWorld {
 
 inline constexpr std::size_t kMostAges = 3;
 
-// The flag words of backups that are excluded and of others. Neither is a state, and both have a bit that
-// means nothing.
+// The flag words of backups that are excluded and of others. Neither is the number of a state, and both have
+// a bit that is ignored.
 inline constexpr std::int32_t kExcludedFlag = 5;
 inline constexpr std::int32_t kOtherFlag = 3;
 
-// The name of a file tells all that is in it: files of the same name are the same in all worlds.
+// The world as a call. The names of files are made from their content, so that files with the same name are
+// the same in all worlds.
 SCall asCall(const SWorld& world);
 
 // The configuration, and a line for each backup.

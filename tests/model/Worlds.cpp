@@ -9,7 +9,8 @@
 namespace fi_model {
 namespace {
 
-// Names of which one part tells two apart, so that both parts must be compared.
+// Some of these names differ only in their enclosures and some only in their devices, so that both must be
+// compared.
 constexpr std::array<const char*, 2> kFirsts = {"E##l1", "E##l2"};
 constexpr std::array<const char*, 4> kTargets = {"E##s1", "E##s2", "F##s1", "F##s2"};
 constexpr const char* kUnknownFirst = "F##l1";
@@ -102,7 +103,7 @@ std::set<std::string> targetsOf(const Configurations& configurations) {
 
 std::vector<SWorldPair> everyPair(const Configurations& configurations) {
     std::set<std::string> targets = targetsOf(configurations);
-    // One that is configured, if there is one: an unknown first target must not be passed over.
+    // A configured target, if there is one: a pair with an unknown first target must not match it.
     const std::string target = targets.empty() ? kUnknownTarget : *targets.begin();
     std::vector<SWorldPair> pairs = {
         {kMalformed, target}, {kUnknownFirst, target}, {kUnknownFirst, kMalformed}};
@@ -167,7 +168,7 @@ Documents documentsWithin(const SWorldBounds& bounds, const Configurations& conf
     return documents;
 }
 
-// Takes a number apart into digits of any radix.
+// Splits a number into digits, each with a radix of its own.
 class CDigits {
 public:
     explicit CDigits(std::uint64_t number) : rest(number) {}
@@ -231,8 +232,8 @@ void CWorlds::add(const SWorldBounds& bounds) {
     }
 }
 
-// The number of a world in its group has a digit for the order of ages, then for each backup one for its flag
-// and, if it has a document of its own, one for that.
+// The digits of a world's number in its group stand for the order of ages, and for the flag of each backup
+// and its document, if it has one of its own.
 void CWorlds::add(SGroup group) {
     group.firstNumber = total;
     groups.push_back(group);

@@ -11,40 +11,40 @@ namespace fi_model {
 
 // Which lists of pairs are documents.
 enum class EDocuments {
-    // Every list of pairs that name something configured, something unknown, or nothing well-formed, or the
-    // very first target in the place of a further one; each second pair with an objid of its own and with
-    // that
-    // of the first.
+    // Every list of pairs. A pair names something that is configured, something unknown, something malformed,
+    // or a
+    // first target in the place of a further one. A second pair has an objid of its own, or that of the first
+    // one.
     kAll,
     // Every list of pairs that agree with the configuration, one pair that does not, and a malformed one.
     kAgreeing,
 };
 
-// Which orders of the caller's list, as far as ages tell its entries apart.
+// In which orders of ages the caller lists the backups.
 enum class EArguments {
     kInEveryOrder,
-    // The oldest first, where all files are there and no name is listed twice: the others are the same worlds
-    // with the list in another order.
+    // The oldest first, where no file is missing and no name is listed twice. The other orders make the same
+    // worlds with another order of the list.
     kOldestFirst,
 };
 
-// What is the most that a world has, but for the fewest backups.
+// Upper bounds of a world, and the lower bound `fewestBackups`.
 struct SWorldBounds {
     std::size_t fewestBackups = 0;
     std::size_t backups = 0;
     std::size_t configurations = 0;
-    // Further ones, of each configuration.
+    // Further targets of each configuration.
     std::size_t targets = 0;
-    // Of each backup.
+    // Pairs of each backup.
     std::size_t pairs = 0;
     EDocuments documents = EDocuments::kAll;
     EArguments arguments = EArguments::kInEveryOrder;
 };
 
-// Every world within some bounds, by number: each configuration (its names numbered by where they occur
-// first, since a world with other names is the same), each document of each backup, both flag words, every
-// order and equality of ages; all files there, or that of any one backup missing, or the last name that of
-// the first.
+// Every world within some bounds, by number: every configuration (names are numbered in the order in which
+// they occur, since a world with other names is the same); every document of each backup; both flag words;
+// all orders of ages, equal ones included; with all files, with any one of them missing, and with the last
+// name the same as the first.
 class CWorlds {
 public:
     explicit CWorlds(const std::vector<SWorldBounds>& all);
@@ -62,13 +62,13 @@ private:
     // Worlds that differ in ages, documents and flags only.
     struct SGroup {
         std::uint64_t firstNumber = 0;
-        // Numbers of the sets.
+        // The numbers of its sets of configurations and documents.
         std::size_t configurations = 0;
         std::size_t documents = 0;
         std::size_t backups = 0;
         EArguments arguments = EArguments::kInEveryOrder;
         EFiles files = EFiles::kAllThere;
-        // Which one, where one is missing.
+        // The place of the missing file, where one is missing.
         std::size_t missing = 0;
     };
 
@@ -78,7 +78,7 @@ private:
     static std::size_t ownDocuments(const SGroup& group);
     const Orders& ordersOf(const SGroup& group) const;
 
-    // By their count.
+    // The orders of ages, by the number of backups.
     std::vector<Orders> everyOrder;
     std::vector<Orders> oldestFirst;
     std::vector<std::vector<SWorldConfiguration>> configurationSets;
@@ -87,7 +87,7 @@ private:
     std::uint64_t total = 0;
 };
 
-// Every order and equality of so many ages, each as ranks without a gap.
+// All orders of so many ages, equal ones included, each as ranks without gaps.
 std::vector<std::vector<std::size_t>> weakOrders(std::size_t count);
 
 }  // namespace fi_model

@@ -15,7 +15,7 @@
 #include "tests/model/LibraryHost.h"
 #include "tests/model/XmlLibraryInUse.h"
 
-// That the worlds are all there, and that those which are left out are the same as others.
+// All worlds are there, and those that are left out are the same as others.
 
 namespace fi_model {
 namespace {
@@ -38,7 +38,7 @@ std::set<std::string> described(const SWorldBounds& bounds) {
     return descriptions;
 }
 
-// The same backups, the oldest first, each under the name of its new place; of the same age as before.
+// The same backups with the oldest first. Each gets the name of its new place and keeps its age.
 SWorld oldestFirst(SWorld world) {
     std::stable_sort(
         world.backups.begin(), world.backups.end(),
@@ -73,17 +73,17 @@ TEST(Worlds, HaveEveryOrderAndEqualityOfAges) {
     EXPECT_THAT(weakOrders(3), SizeIs(13));
 }
 
-// Without a configuration there are 3 pairs that could be named: an unknown first target with and without a
-// malformed one behind it, and a malformed first target. A configuration adds its first target with an
-// unknown, a malformed and that same one, and a target one pair more: 4, 7 and 8 documents of at most one
-// pair. Each is there with both flags; besides, in each of the 3 configurations, there are the list without
-// backups and a missing file with both flags.
+// Without a configuration there are 3 pairs: an unknown first target with an unknown and with a malformed
+// further one, and a malformed first target. A configuration adds 3 pairs: its first target with an unknown
+// one, a malformed one and itself. A further target adds 1. So there are 4, 7 and 8 documents of at most one
+// pair, each with both flags. In each of the 3 configurations there are also the list without backups, and a
+// missing file with both flags.
 TEST(Worlds, AreAsManyAsWorkedOutByHand) {
     EXPECT_EQ(CWorlds({{0, 1, 1, 1, 1}}).count(), 2u * (4 + 7 + 8) + 3 * (1 + 2));
 }
 
-// Without pairs all documents are the same. 13 orders when all are there; 3 orders of two when one of three
-// is missing or repeats the first.
+// Without pairs all documents are the same. There are 13 orders of three ages when no file is missing, and 3
+// orders of two when one of three is missing or repeats the first.
 TEST(Worlds, HaveAMissingFileInEveryPlace) {
     const SWorldBounds bounds{3, 3, 0, 0, 0};
     EXPECT_EQ(CWorlds({bounds}).count(), 8u * (13 + 3 * 3 + 3));
@@ -96,8 +96,8 @@ TEST(Worlds, HaveAMissingFileInEveryPlace) {
     EXPECT_THAT(missing, ElementsAre(std::pair(0, 24), std::pair(1, 24), std::pair(2, 24)));
 }
 
-// One of one target; two of one each, of the same first target or not, and of the same target or not; and
-// those with no target.
+// One configuration with one target; two configurations with one target each, which have the same first
+// target or not, and the same further target or not; and those without targets.
 TEST(Worlds, HaveEveryConfiguration) {
     std::set<std::string> configurations;
     forEach({0, 0, 2, 1, 0},
@@ -130,8 +130,8 @@ TEST(Worlds, WithTheOldestFirstAreTheOthersInAnotherOrder) {
     EXPECT_EQ(described(bounds), sorted);
 }
 
-// Where ages are equal the order of the list may decide; there, every order of the documents is a world of
-// its own.
+// Where ages are equal the order of the list may matter, so every order of such documents is a world of its
+// own.
 TEST(WorldsAndTheLibrary, TheOrderOfTheListDoesNotMatter) {
     const CXmlLibraryInUse held;
     CLibraryHost host;
@@ -149,7 +149,7 @@ TEST(WorldsAndTheLibrary, TheOrderOfTheListDoesNotMatter) {
             ASSERT_EQ(answer.status, ofSorted.status) << describe(world);
             ASSERT_EQ(answer.selection, ofSorted.selection) << describe(world);
             for (std::size_t place = 0; place < world.backups.size(); ++place) {
-                // Ages are ranks, so they are the places of the sorted list.
+                // Ages are ranks, so the age of a backup is its place in the sorted list.
                 ASSERT_EQ(answer.flags[place], ofSorted.flags[world.backups[place].age]) << describe(world);
             }
             ++looked;
@@ -196,7 +196,7 @@ std::string renamed(const std::string& selection) {
     return text;
 }
 
-// They come in another order then, so none of them can matter by how it is ordered.
+// The new names are ordered differently, so that the order of names must not matter either.
 TEST(WorldsAndTheLibrary, NamesDoNotMatter) {
     const CXmlLibraryInUse held;
     CLibraryHost host;

@@ -4,7 +4,7 @@
 
 namespace fi_model {
 
-// A host that uses the XML library itself. Setting it up would take most of the time of each call otherwise.
+// A host that keeps the XML library set up. Otherwise its set-up would take most of the time of each call.
 class CXmlLibraryInUse {
 public:
     CXmlLibraryInUse() { xercesc::XMLPlatformUtils::Initialize(); }

@@ -1,4 +1,4 @@
-// Compares the library with the model on every call of a bounded size, and holds each answer against the
+// Compares the library with the model on every call of a bounded size, and checks each answer against the
 // contract. Ends at the first world on which they differ or a rule is broken.
 
 #include <algorithm>
@@ -24,8 +24,8 @@ using fi_model::EArguments;
 using fi_model::EDocuments;
 using fi_model::SWorldBounds;
 
-// Of each set of bounds every world is looked at: the few by the tests, the fewest by those that run under
-// sanitizers, the many by scripts/worlds.
+// Sets of bounds, of which every world is checked: "few" by the tests, "fewest" by those under sanitizers,
+// "many" by scripts/worlds.
 const std::map<std::string, std::vector<SWorldBounds>>& boundsByName() {
     static const std::map<std::string, std::vector<SWorldBounds>> kBounds = {
         {"fewest", {{0, 2, 1, 2, 1}, {2, 2, 2, 1, 2, EDocuments::kAgreeing}}},
@@ -89,7 +89,7 @@ int main(int count, char** arguments) {
             return isGood ? EXIT_SUCCESS : EXIT_FAILURE;
         }
     } catch (const std::logic_error&) {
-        // No such bounds, or no number: as below.
+        // There are no such bounds, or an argument is no number: the usage is printed below.
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "fi_model_worlds: %s\n", problem.what());
         return EXIT_FAILURE;

@@ -1,5 +1,5 @@
-// Compares the library with the model on random calls, and ends at the first difference, made as small as it
-// can be.
+// Compares the library with the model on random calls. Ends at the first difference, whose call it makes as
+// small as possible.
 
 #include <cstdint>
 #include <cstdio>
@@ -18,13 +18,13 @@ namespace {
 
 struct SOptions {
     std::uint64_t calls = 20000;
-    // Of the first call; each has the next one.
+    // The seed of the first call; each further call has the next one.
     std::uint64_t seed = 1;
-    // It fails when fewer calls had some outcome.
+    // How many calls must have taken each branch of the decision.
     std::uint64_t least = 0;
 };
 
-// A library that crashes leaves no report; the last of these lines says between which seeds.
+// If the library crashes, the last of these lines says between which seeds it did.
 void reportProgress(std::uint64_t done, const SOptions& options) {
     if (done % 10000 == 0) {
         std::fprintf(stderr, "seeds from %ju: %ju of %ju calls\n", std::uintmax_t{options.seed},

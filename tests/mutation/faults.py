@@ -1,6 +1,6 @@
 """The single faults that the code of a C++ source could have.
 
-Comments, literals and what no test can look at are blanked first, so that a fault is always one of the code.
+Comments, literals and code that no test can judge are replaced by blanks first, so that every fault is in code.
 """
 
 import pathlib
@@ -16,7 +16,7 @@ EXCHANGED = {
     "true": "false", "false": "true",
 }
 
-# Line breaks stay, since a fault is named by its line.
+# Line breaks are kept, because a fault is reported with its line.
 NOT_CODE = re.compile(
     r"""//[^\n]*
     | /\*.*?\*/
@@ -25,7 +25,7 @@ NOT_CODE = re.compile(
     | ^[ \t]*\#(?:[^\n]*\\\n)*[^\n]*
     | ^[^\n]*=\ (?:delete|default);
     """, re.VERBOSE | re.DOTALL | re.MULTILINE)
-# With what is in the parentheses: the compiler alone looks at the first two, and the last only saves time.
+# Left out with their parentheses: the first two have a meaning for the compiler only, and the last only saves time.
 PASSED_OVER = re.compile(r"\b(?:static_assert|__attribute__)\(|\b[\w.]+\.reserve\(")
 
 # Binary operators stand between blanks, unlike the brackets and signs of types.
@@ -33,7 +33,7 @@ OPERATOR = re.compile(r"(?<=\s)(?:[<>=!]=|&&|\|\||<<|>>|[-+|&]=|[-+*/%&|^<>])(?=
 NUMBER = re.compile(r"(?<![\w.])\d+(?=[uU]?(?![\w.]))")
 NEGATION = re.compile(r"!(?=[\w(:*])")
 CONDITION = re.compile(r"\b(?:if|while)(?: constexpr)? \(")
-# A declaration has a name behind its type; this has an operator or a bracket behind its first name.
+# Unlike a declaration, which has a name behind its type, a statement has an operator or a bracket behind its first name.
 STATEMENT = re.compile(
     r"(?:(?:return|throw|delete)\b.*"
     r"|(?:\+\+|--|\*|operator )?[\w:]+(?:<[^;]*>)?(?:\(|\.|->|\[|\+\+|--| [-+*/|&^%<>]*= ).*);$")
@@ -69,7 +69,7 @@ def closing(code: str, opening: int) -> int:
 
 
 def code_of(text: str) -> str:
-    """`text` with blanks in place of all that is no code."""
+    """`text` with blanks in the place of everything that is not code."""
     code = NOT_CODE.sub(lambda found: re.sub(r"[^\n]", " ", found.group()), text)
     for found in PASSED_OVER.finditer(code):
         code = blanked(code, found.start(), closing(code, found.end() - 1) + 1)
@@ -90,7 +90,7 @@ def negated_conditions(code: str) -> Iterator[Tuple[int, int, str]]:
     for found in CONDITION.finditer(code):
         end = closing(code, found.end() - 1)
         condition = code[found.end():end]
-        # With a comparison or a negation in it, another fault does the same or nearly so.
+        # In a condition with a comparison or a negation, another fault has nearly the same effect.
         if not re.search(r";|!|==", condition):
             yield found.end(), end, "!({})"
 

@@ -7,7 +7,7 @@ import faults
 
 
 def faulty_lines(text: str) -> List[str]:
-    """What each fault makes of the one line of `text`, or of the lines that it changes."""
+    """The lines as each fault changes them."""
     return [fault.applied(text) for fault in faults.faults_in("a.cpp", text)]
 
 

@@ -21,7 +21,7 @@ import faults
 
 
 class Part(NamedTuple):
-    """What to build, as arguments of cmake --build, and the tests that it is for, as arguments of ctest."""
+    """The targets to build, as arguments of cmake --build, and the tests that need them, as arguments of ctest."""
     targets: Tuple[Tuple[str, ...], ...]
     tests: Tuple[str, ...]
     is_program: bool
@@ -31,12 +31,12 @@ LIBRARIES = Part((("--preset", "unit"), ("--preset", "contract")), ("-L", "unit|
 READERS_OF_LOGS = Part((("--preset", "release", "--target", "fi_rotate_tests"),),
                        ("-R", "FiRotateLog", "-LE", "slow"), True)
 
-# By name; scripts/mutate tells why.
+# The names of tests that are left out; scripts/mutate says why.
 LEFT_OUT = re.compile(r"Walls\.|Labels\.|Mutation\.|Symbols\.|PublicHeaders\.AnotherSignature"
                       r"|CHostLibraryShortage\.OfOneBlock|CCeiling\.|CExtremes\.")
-# In a command, what tests of host/ have and those of the library alone have not.
+# Found in the commands of tests that know host/, and not in those of tests of the library alone.
 HOST = re.compile(r"/fi_host_|/fi_fuzz_host|/fi_rotate_|/host/host\.h|/tests/python/")
-# For an endless loop.
+# A fault may make an endless loop that takes memory or writes to a file.
 LIMITS = ("prlimit", f"--as={4 << 30}", f"--fsize={1 << 28}", "--core=0")
 COPIES = 2
 
@@ -54,7 +54,7 @@ class Check(NamedTuple):
 
 
 def passes(check: Check, temporary: pathlib.Path, seconds: float) -> bool:
-    """Kills what takes longer, with all that it has started."""
+    """Whether the check passes within so many seconds. A process that takes longer is killed with its children."""
     temporary.mkdir(parents=True, exist_ok=True)
     environment = {**os.environ, "TMPDIR": str(temporary), **dict(pair.split("=", 1) for pair in check.environment)}
     process = subprocess.Popen((*LIMITS, *check.command), cwd=check.folder, env=environment,
@@ -74,7 +74,7 @@ def passes(check: Check, temporary: pathlib.Path, seconds: float) -> bool:
 
 
 def checks_of(tests: Sequence[Dict[str, Any]]) -> List[Check]:
-    """The quick tests of one program run in one process, and its slow ones; it ends with the first that fails."""
+    """A check for the quick tests of each program, and one for its slow tests; it ends with the first that fails."""
     filters: Dict[Check, List[str]] = {}
     for test in tests:
         properties = {one["name"]: one["value"] for one in test["properties"]}
@@ -107,7 +107,7 @@ class Stage:
         return any(digest(path) != before for path, before in self.objects.items())
 
     def checks_in_order(self) -> List[Tuple[float, Check]]:
-        """With the seconds that each takes, shortest first. What fails here already is left out."""
+        """The checks with the seconds that they take, shortest first. Those that fail without a fault are left out."""
         listed = subprocess.run(
             ["ctest", "--preset", "release", "--show-only=json-v1", *self.part.tests], cwd=self.copy.folder,
             stdout=subprocess.PIPE, check=True)
@@ -124,7 +124,7 @@ class Stage:
         return sorted(ordered)
 
     def finder(self, of_host: bool) -> str:
-        """The first check that fails, of those that know host/ if the fault is one of it; empty when none does."""
+        """The first check that fails; empty when none does. For a fault in host/ only checks that know it are run."""
         for seconds, check in self.checks:
             if (check.knows_host or not of_host) and not passes(check, self.copy.temporary, 20 + 10 * seconds):
                 return check.name()
@@ -147,7 +147,7 @@ class Copy:
         self.stages: List[Stage] = []
         shutil.copytree(root, folder, symlinks=True, dirs_exist_ok=True, copy_function=copy_if_changed,
                         ignore=lambda parent, names: {".git", "build"} if parent == str(root) else {"__pycache__"})
-        # Faulty programs are not run while they are built, nor linked again for another shared library.
+        # Programs with a fault are not run during the build, and not linked again when only a shared library changes.
         if not self.run("cmake", "--preset", "release", "-D", "CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
                         "-D", "CMAKE_LINK_DEPENDS_NO_SHARED=ON"):
             raise SystemExit("the copy cannot be configured, see " + str(self.log))
@@ -191,7 +191,7 @@ def report(line: str) -> None:
 
 
 class Trial:
-    """Draws faults until COUNT of them compiled; the copies take them in turn."""
+    """Draws faults at random until COUNT of them compiled. Each copy of the project takes the next one."""
 
     def __init__(self, root: pathlib.Path, count: int, seed: int, paths: Sequence[str]) -> None:
         self.count = count
@@ -205,7 +205,7 @@ class Trial:
         copy.prepare()
         while True:
             with self.lock:
-                # What runs now may turn out not to compile.
+                # A fault that is being tried may turn out not to compile; then another one is needed.
                 self.lock.wait_for(lambda: len(self.verdicts) + self.running < self.count or self.running == 0)
                 if len(self.verdicts) >= self.count or not self.drawn:
                     return

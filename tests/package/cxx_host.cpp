@@ -1,4 +1,5 @@
-// A host in C++17: excludes the first document it is given and catches what may leave the call.
+// A host in C++17: excludes the first document it is given and catches the exceptions that may leave the
+// call.
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>

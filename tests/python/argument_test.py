@@ -1,4 +1,4 @@
-"""What rotate() takes and refuses to take, and how texts go in and come back."""
+"""Which arguments rotate() accepts and which it refuses, and how texts are passed and returned."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""Documents of backups, in a folder of the test's own that is its current one."""
+"""Documents of backups, in a folder for each test, which is the current folder."""
 
 import os
 import pathlib

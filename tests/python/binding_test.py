@@ -1,6 +1,6 @@
 """Usage: binding_test.py HEADER VERSION
 
-What the package says of the library is what its header says, and a library that is not the right one is noticed.
+The package binds the library's functions as the header declares them, and notices a wrong library.
 """
 
 import ctypes

@@ -1,6 +1,6 @@
 """Usage: documentation_test.py PROJECT
 
-All that is public has a documentation with an example, and the examples are true.
+Every public function and class has documentation with an example, and the examples are run.
 """
 
 import doctest

@@ -107,7 +107,7 @@ class Problems(FolderTest):
         return [(problem.kind, problem.backup.file if problem.backup else None) for problem in outcome.problems]
 
     def check(self, kind, file, permitted_state, **options):
-        """It alone is found, refuses the call, and is permitted by its own bit."""
+        """Only this problem is found; it refuses the call unless its own bit is permitted."""
         self.assertEqual(self.refusal([file], **options), [(kind, file)])
         self.assertEqual(self.refusal([file], permit=~kind, **options), [(kind, file)])
         outcome = fi_rotation.rotate(CONFIGURATION, [file], permit=kind, **options)
@@ -131,7 +131,7 @@ class Problems(FolderTest):
         self.assertEqual(self.refusal(["folder"]), [(ProblemKind.NOT_A_FILE, "folder")])
 
     def test_read_error(self):
-        # A file in the eyes of stat, at whose beginning there is nothing to read.
+        # stat calls it a regular file, but reading at its beginning fails.
         self.assertEqual(self.refusal(["/proc/self/mem"]), [(ProblemKind.READ_ERROR, "/proc/self/mem")])
 
     def test_too_large(self):

@@ -126,7 +126,7 @@ class Threads(FolderTest):
 
 class Forks(FolderTest):
     def in_child(self, check):
-        """Runs it in a process forked from this one, which must end well."""
+        """Runs `check` in a process forked from this one, and expects that it succeeds."""
         child = os.fork()
         if child == 0:
             try:
@@ -173,7 +173,7 @@ class Forks(FolderTest):
 
     def test_nor_can_its_threads_and_children(self):
         def check():
-            # New threads are given the ids of those that the fork left behind.
+            # New threads may get the ids of threads that the child did not inherit.
             with concurrent.futures.ThreadPoolExecutor(4) as pool:
                 calls = [pool.submit(self.expect_refusal_of_this_process) for _ in range(4)]
                 children = [pool.submit(self.in_child, self.expect_refusal_of_this_process) for _ in range(4)]

@@ -28,8 +28,8 @@ std::string udid(const std::string& target);
 
 CFiResourceManager managerOf(const char* configuration);
 
-// States of lists and their targets: "1:0,1 0:0" is a Used list with an Available and a Used target, then
-// an Available list with an Available target.
+// The states of lists and their targets: "1:0,1 0:0" stands for a Used list with an Available and a Used
+// target, and an Available list with an Available target.
 std::string states(const CFiResourceManager& manager);
 
 }  // namespace fi_test

@@ -1,4 +1,4 @@
-// findTargets, claim and release, which the operation validateResources is taken apart into.
+// findTargets, claim and release, which together do what validateResources does.
 
 #include <cstdint>
 #include <initializer_list>
@@ -89,7 +89,7 @@ TEST(BackupTargets, ReleaseMakesThemAvailableAndLeavesTheirListsUsed) {
     EXPECT_EQ(states(manager), "1:0,0");
 }
 
-// What came of `work`: its result or what it threw, the trace, and the states that it left.
+// The outcome of `work`: its result or what it threw, the trace, and the states afterwards.
 template <typename Work>
 std::string outcome(const CFiResourceManager& manager, Work work) {
     fi_test::CTraceRecorder recorder;
@@ -105,7 +105,7 @@ std::string outcome(const CFiResourceManager& manager, Work work) {
     return text + '\n' + states(manager);
 }
 
-// Few names, so that every outcome is common.
+// There are few names, so that every outcome is common.
 TEST(BackupTargets, AreCheckedClaimedAndReleasedAsByTheWholeOperation) {
     std::mt19937 random(20261121);
     int matches = 0;
@@ -118,7 +118,8 @@ TEST(BackupTargets, AreCheckedClaimedAndReleasedAsByTheWholeOperation) {
         CFiResourceManager other = manager;
         CBackup backup;
         for (auto pairs = random() % 5; pairs > 0; --pairs) {
-            // What stands before the prefix makes pairs of their own that name the same target.
+            // The digit before the prefix makes another objid of the same target, so that pairs may repeat
+            // targets.
             const std::string objid = std::to_string(random() % 3) + udid("enc##l");
             const std::string altobjid = random() % 20 == 0 ? "malformed" : udid("enc##s");
             backup.add(objid + "0001112"[random() % 7], altobjid + "0000111124"[random() % 10]);

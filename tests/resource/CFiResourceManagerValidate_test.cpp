@@ -25,7 +25,7 @@ constexpr int kClaim = 1;
 constexpr int kRelease = 2;
 constexpr int kAnotherMode = 7;
 
-// What comes of it, and the states behind it: "true 1:0,1 0:0".
+// The result and the states afterwards: "true 1:0,1 0:0".
 std::string validated(CFiResourceManager& manager, const CBackup& backup, int mode) {
     const bool isValid = manager.validateResources(backup.get(), mode);
     return (isValid ? "true " : "false ") + states(manager);

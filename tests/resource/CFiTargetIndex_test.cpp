@@ -19,7 +19,7 @@ CFiUdid named(const std::string& enclosure, const std::string& device) {
     return udid;
 }
 
-// The plain walk over the set that the index stands for.
+// Finds a target by a walk over the set, with which the index is compared.
 const SFiResource* scan(const Set& set, const CFiUdid& key, const CFiUdid& value) {
     for (const SFiResourceList& list : set) {
         if (list.device != key.device || list.enclosure != key.enclosure) {
@@ -72,7 +72,7 @@ TEST(CFiTargetIndex, TellsDeviceAndEnclosureApart) {
     EXPECT_EQ(index.find(named("b", "a"), named("c", "d")).list, nullptr);
 }
 
-// Few names, so that lists and targets of one name, and targets under the wrong list, are common.
+// There are few names, so that lists and targets of the same name, and targets of the wrong list, are common.
 TEST(CFiTargetIndex, FindsWhatAWalkOverTheSetFinds) {
     std::mt19937 random(20261001);
     const auto name = [&random](const std::string& stem, unsigned count) {

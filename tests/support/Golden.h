@@ -4,12 +4,12 @@
 
 #include "tests/support/TraceRecorder.h"
 
-// Complete traces spelled out in tests/contract/golden, one line a trace call: level and text. The entry of
-// an operation and its exit in the next call share a line, "Entering and exiting NAME". In a text a line end
-// stands as \n, a backslash as \\ and the folder of the documents as {dir}.
+// Complete traces in tests/contract/golden, with a line for each trace call: its level and its text. Where
+// the exit of an operation follows its entry, both share the line "Entering and exiting NAME". In a text, \n
+// stands for a line end, \\ for a backslash and {dir} for the folder of the documents.
 namespace fi_test {
 
-// The file NAME.trace in there.
+// The content of the file NAME.trace in that folder.
 std::string goldenText(const std::string& name);
 
 // A trace in the same form; `folder` is the folder of the documents with a slash at its end.

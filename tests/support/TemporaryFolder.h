@@ -21,7 +21,7 @@ public:
     // Writes `content` byte for byte and returns the file's path.
     std::string write(const std::string& name, std::string_view content) const;
 
-    // Names of all that is in it.
+    // The names of all files and folders in it.
     std::vector<std::string> entries() const;
 
 private:

@@ -39,7 +39,7 @@ public:
     CTraceRecorder(const CTraceRecorder&) = delete;
     CTraceRecorder& operator=(const CTraceRecorder&) = delete;
 
-    // The lines since the last take.
+    // Returns the lines since it was called last.
     Trace take();
 
     // The formats since its construction, each with its level.
