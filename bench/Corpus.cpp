@@ -132,7 +132,7 @@ SCorpus readCorpus(const std::string& folder) {
     return corpus;
 }
 
-std::size_t runCall(const SCorpus& corpus) {
+std::size_t runCallOrExit(const SCorpus& corpus) {
     std::vector<const char*> files;
     for (const std::string& file : corpus.files) {
         files.push_back(file.c_str());

@@ -42,6 +42,6 @@ SCorpus readCorpus(const std::string& folder);
 
 // Makes one call of the library over a corpus and frees the selection. Returns the number of backups that
 // were rotated. Ends the program when there is no selection.
-std::size_t runCall(const SCorpus& corpus);
+std::size_t runCallOrExit(const SCorpus& corpus);
 
 }  // namespace fi_bench

@@ -95,7 +95,7 @@ void measure(const SRow& row, const std::string& folder, int rounds) {
     std::vector<double> parse;
     // All are measured in turn, so that other work of the machine slows all of them alike.
     for (int i = 0; i < rounds; ++i) {
-        bare.push_back(secondsAlone([&] { fi_bench::runCall(corpus); }, row.count));
+        bare.push_back(secondsAlone([&] { fi_bench::runCallOrExit(corpus); }, row.count));
         safe.push_back(secondsAlone([&] { runThroughHostLibrary(corpus, false); }, row.count));
         reasons.push_back(secondsAlone([&] { runThroughHostLibrary(corpus, true); }, row.count));
         parse.push_back(secondsAlone(

@@ -28,10 +28,10 @@ int main(int argc, char** argv) {
     }
     try {
         const fi_bench::SCorpus corpus = fi_bench::readCorpus(argv[1]);
-        fi_bench::runCall(corpus);
+        fi_bench::runCallOrExit(corpus);
         const long first = peakBytes();
         for (int i = std::atoi(argv[2]); i > 1; --i) {
-            fi_bench::runCall(corpus);
+            fi_bench::runCallOrExit(corpus);
         }
         std::printf("%zu %ld %ld\n", corpus.bytes, first, peakBytes());
     } catch (const std::exception& error) {

@@ -55,7 +55,7 @@ void runCorpus(benchmark::State& state, const SShape& shape, const std::string& 
     std::vector<double> expat;
     std::size_t rotated = 0;
     for ([[maybe_unused]] auto round : state) {
-        calls.push_back(secondsOf([&] { rotated = fi_bench::runCall(corpus); }));
+        calls.push_back(secondsOf([&] { rotated = fi_bench::runCallOrExit(corpus); }));
         state.SetIterationTime(calls.back());
         floors.push_back(floorSeconds(corpus));
         if (!shape.isNested) {
@@ -122,7 +122,7 @@ void runGrowth(benchmark::State& state, const SGrowth& growth, const std::string
             const SCorpus corpus = fi_bench::writeCorpus(shape, own);
             std::vector<double> calls;
             for (int call = 0; call < kCallsPerSize; ++call) {
-                calls.push_back(secondsOf([&] { fi_bench::runCall(corpus); }));
+                calls.push_back(secondsOf([&] { fi_bench::runCallOrExit(corpus); }));
             }
             sizes.push_back(static_cast<double>(shape.*growth.member));
             times.push_back(median(calls));

@@ -141,7 +141,7 @@ CFiDocumentLimits::SFinding CFiDocumentLimits::startDocument(std::string_view do
         return {EExcess::kEncoding, 0};
     }
     const std::optional<std::size_t> dtd = doctypeIn(document);
-    if (dtd.has_value() && !endsWithin(kLongestDtd, document.substr(*dtd))) {
+    if (dtd.has_value() && !doctypeEndsWithin(document.substr(*dtd), kLongestDtd)) {
         return {EExcess::kDtd, *dtd};
     }
     if (const auto tag = longStartTagIn(document)) {

@@ -98,7 +98,7 @@ std::optional<std::size_t> doctypeIn(std::string_view document) {
     return std::nullopt;
 }
 
-bool endsWithin(std::size_t most, std::string_view text) {
+bool doctypeEndsWithin(std::string_view text, std::size_t most) {
     const std::string_view looked = text.substr(0, most);
     bool isInSubset = false;
     std::size_t offset = 0;

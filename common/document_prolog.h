@@ -17,4 +17,4 @@ bool hasAtMostOneEncoding(std::string_view document);
 std::optional<std::size_t> doctypeIn(std::string_view document);
 
 // Whether the DOCTYPE at the start of `text` ends within `most` bytes.
-bool endsWithin(std::size_t most, std::string_view text);
+bool doctypeEndsWithin(std::string_view text, std::size_t most);

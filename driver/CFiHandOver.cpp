@@ -3,27 +3,27 @@
 #include <algorithm>
 
 CFiHandOver::CFiHandOver(char** resultString, std::int32_t* fiidFlags, std::size_t count)
-    : target(resultString),
+    : result(resultString),
       flags(fiidFlags),
-      formerTarget(*resultString),
+      formerResult(*resultString),
       formerFlags(fiidFlags, fiidFlags + count) {}
 
 CFiHandOver::~CFiHandOver() {
-    if (isKept) {
+    if (isCommitted) {
         return;
     }
-    if (isSelectionGiven) {
-        const CMallocedText given(*target);
-        *target = formerTarget;
+    if (isSelectionWritten) {
+        const CMallocedText written(*result);
+        *result = formerResult;
     }
     std::copy(formerFlags.begin(), formerFlags.end(), flags);
 }
 
-void CFiHandOver::give(CMallocedText selection) {
-    *target = selection.release();
-    isSelectionGiven = true;
+void CFiHandOver::writeSelection(CMallocedText selection) {
+    *result = selection.release();
+    isSelectionWritten = true;
 }
 
-void CFiHandOver::give(const std::vector<std::int32_t>& finalFlags) {
+void CFiHandOver::writeFlagWords(const std::vector<std::int32_t>& finalFlags) {
     std::copy(finalFlags.begin(), finalFlags.end(), flags);
 }

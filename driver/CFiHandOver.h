@@ -6,7 +6,7 @@
 
 #include "driver/selection.h"
 
-// Writes the caller's outputs, and takes them back at the end of the scope unless they are kept: a call
+// Writes the caller's outputs, and takes them back at the end of the scope unless they are committed: a call
 // that an exception leaves after the hand-over must leave the outputs as they were.
 class CFiHandOver {
 public:
@@ -16,16 +16,16 @@ public:
     CFiHandOver(const CFiHandOver&) = delete;
     CFiHandOver& operator=(const CFiHandOver&) = delete;
 
-    void give(CMallocedText selection);
+    void writeSelection(CMallocedText selection);
     // `finalFlags` holds `count` flag words.
-    void give(const std::vector<std::int32_t>& finalFlags);
-    void keep() { isKept = true; }
+    void writeFlagWords(const std::vector<std::int32_t>& finalFlags);
+    void commit() { isCommitted = true; }
 
 private:
-    char** target;
+    char** result;
     std::int32_t* flags;
-    char* formerTarget;
+    char* formerResult;
     std::vector<std::int32_t> formerFlags;
-    bool isSelectionGiven = false;
-    bool isKept = false;
+    bool isSelectionWritten = false;
+    bool isCommitted = false;
 };

@@ -12,7 +12,7 @@
 
 #include "common/mofi_tracelog.h"
 #include "driver/CFiHandOver.h"
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 #include "driver/fi_process_backups.h"
 #include "driver/selection.h"
 #include "fiid/CFiFiidLoader.h"
@@ -95,11 +95,12 @@ public:
     explicit CFiExhaustedLists(const std::vector<SFiResourceList>& resourceSet)
         : next(resourceSet.begin()), end(resourceSet.end()) {}
 
-    bool areNone() {
+    // Goes on to the next configuration without a free target; false when there is none.
+    bool advance() {
         next = std::find_if(next, end, [](const SFiResourceList& list) {
             return std::none_of(list.resources.begin(), list.resources.end(), isAvailable);
         });
-        return next == end;
+        return next != end;
     }
 
 private:
@@ -112,7 +113,7 @@ void releaseOldest(const std::vector<SFiResourceList>& resourceSet, const Target
                    const Backups& backups, ExcludeMap& excludeMap) {
     CFiExhaustedLists exhausted(resourceSet);
     for (CFiFiidNode* backup : backups) {
-        if (exhausted.areNone()) {
+        if (!exhausted.advance()) {
             return;
         }
         if (backup->state != FI_BACKUP_KEPT) {
@@ -161,8 +162,8 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
     ExcludeMap excludeMap = recordExcludeFlags(fiidNames, fiidFlags);
 
     CFiFiidLoader loader;
-    const CFiTreeReleaser releaser(loader.nodes);
-    const CFiTreeReleaser releaserOfReplaced(loader.replaced);
+    const CFiTreeDeleter deleter(loader.nodes);
+    const CFiTreeDeleter deleterOfReplaced(loader.replaced);
     // The status is ignored: the call goes on with the documents that could be loaded.
     {
         const CFiXmlLibrary heldForAllDocuments;
@@ -190,12 +191,12 @@ std::int32_t selectByRotation(CFiResourceManager& manager, const char* const* fi
         return FI_STATUS_FAILURE;
     }
     CFiHandOver handOver(resultString, fiidFlags, fiidNames.size());
-    handOver.give(std::move(result));
+    handOver.writeSelection(std::move(result));
     mofi_tracelog(kTraceProgress, "fi_process_backups : resource_config_string [%s] ", selection->c_str());
-    handOver.give(finalFlags(fiidNames, fiidFlags, backups));
+    handOver.writeFlagWords(finalFlags(fiidNames, fiidFlags, backups));
 
     manager.print();
     printOutcome(backups);
-    handOver.keep();
+    handOver.commit();
     return FI_STATUS_SUCCESS;
 }

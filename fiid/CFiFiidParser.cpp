@@ -24,7 +24,7 @@ CFiFiidParser::CFiFiidParser(xercesc::DefaultHandler* initialHandler) {
         }
     } catch (...) {
         // The destructor does not run for an object whose constructor throws.
-        release();
+        closeReaderAndLibrary();
         throw;
     }
     traceExiting("CFiFiidParser::CFiFiidParser");
@@ -32,7 +32,7 @@ CFiFiidParser::CFiFiidParser(xercesc::DefaultHandler* initialHandler) {
 
 CFiFiidParser::~CFiFiidParser() {
     traceEntering("CFiFiidParser::~CFiFiidParser");
-    release();
+    closeReaderAndLibrary();
     traceExiting("CFiFiidParser::~CFiFiidParser");
 }
 
@@ -100,7 +100,7 @@ void CFiFiidParser::parse(const std::string& document) {
     traceExiting("CFiFiidParser::parse");
 }
 
-void CFiFiidParser::release() {
+void CFiFiidParser::closeReaderAndLibrary() {
     reader.reset();
     if constexpr (!kInHostLibrary) {
         XMLPlatformUtils::Terminate();

@@ -39,7 +39,7 @@ public:
     std::unique_ptr<xercesc::SAX2XMLReader> reader;
 
 private:
-    void release();
+    void closeReaderAndLibrary();
 
     CFiXmlLimits limits;
 };

@@ -20,7 +20,7 @@
 #include "cli/check/document_text.h"
 #include "cli/check/document_tree.h"
 #include "cli/check/report.h"
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 #include "driver/fi_process_backups.h"
 #include "fiid/CFiFiidLoader.h"
 #include "fiid/CFiFiidNode.h"
@@ -162,7 +162,7 @@ void requireTree(const std::string& bytes) {
     }
     CFiFiidParser parser(nullptr);
     CRootCollector handler;
-    const CFiTreeReleaser releaser(handler.roots);
+    const CFiTreeDeleter deleter(handler.roots);
     parser.setHandler(&handler);
     parser.parse(document.content());
     require((handler.root == nullptr) == tree.nodes.empty(), "there is a tree if the library has one");

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 #include "fiid/CFiFiidLoader.h"
 #include "fiid/CFiFiidNode.h"
 #include "fiid/CFiFiidParser.h"
@@ -79,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     CFiFiidParser parser(nullptr);
     CRootCollector handler;
-    const CFiTreeReleaser releaser(handler.roots);
+    const CFiTreeDeleter deleter(handler.roots);
     parser.setHandler(&handler);
     parser.parse(content);
 

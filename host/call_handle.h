@@ -28,6 +28,7 @@ struct fi_rotation_call {
     // For each backup, the sum of its problems.
     std::vector<std::uint32_t> problemsOfBackups;
     std::vector<std::string> reasonTexts;
-    // Points to decision.message, or to a literal, for which no memory is needed.
+    // Points into decision.message, or to a literal, for which no memory is needed. It is set anew whenever
+    // `decision` changes.
     const char* message = "the call was not run yet";
 };

@@ -17,7 +17,8 @@ struct SDocumentFile {
     std::string fault;
 };
 
-// Reads a file to its end to find its problems, and keeps nothing of its content.
+// Looks for problems of a file: whether it is a regular file, which is asked before it is opened; its size;
+// NUL bytes; and whether it can be read to its end. Keeps nothing of its content.
 SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes);
 
 // The state of the file of this name now; nothing when there is none.

@@ -80,7 +80,8 @@ private:
     Holders holders;
 };
 
-// Goes through the passes of the rotation again and notes why each backup came to its state.
+// Goes through the passes of the rotation again and notes why each backup came to its state. The decision
+// itself is made in driver/rotation.cpp.
 class CExplanation {
 public:
     explicit CExplanation(CAccountReader reader) : passes(std::move(reader)) {}

@@ -230,7 +230,7 @@ inline void receiveTrace(void* user, std::int32_t level, const char* text) {
 }
 
 // The C functions would use the text only up to its first NUL byte, so such a text is refused.
-inline const char* withoutNulByte(const std::string& text, const char* name) {
+inline const char* requireNoNulByte(const std::string& text, const char* name) {
     if (text.find('\0') != std::string::npos) {
         throw std::invalid_argument(std::string(name) + " holds a NUL byte");
     }
@@ -256,9 +256,10 @@ inline std::optional<std::size_t> numberOrNothing(std::int32_t number) {
 // A failed allocation shows when the call is run: it ends with FI_ROTATION_OUT_OF_MEMORY.
 inline Call makeCall(const std::string& configuration, const std::vector<SBackup>& backups,
                      const SOptions& options) {
-    Call call(fi_rotation_call_new(withoutNulByte(configuration, "the configuration")));
+    Call call(fi_rotation_call_new(requireNoNulByte(configuration, "the configuration")));
     for (const SBackup& backup : backups) {
-        fi_rotation_call_add(call.get(), withoutNulByte(backup.file, "a file name"), backup.excluded ? 1 : 0);
+        fi_rotation_call_add(call.get(), requireNoNulByte(backup.file, "a file name"),
+                             backup.excluded ? 1 : 0);
     }
     fi_rotation_call_permit(call.get(), sumOf(options.permitted));
     if (options.documentLimit.has_value()) {

@@ -32,15 +32,15 @@ namespace {
 class CTraceFailure : public std::exception {};
 
 // While it exists, the thread cannot be cancelled. At its end, the cancellation state and errno are put back.
-class CThreadState {
+class CThreadStateGuard {
 public:
-    CThreadState() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelState); }
-    ~CThreadState() {
+    CThreadStateGuard() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelState); }
+    ~CThreadStateGuard() {
         pthread_setcancelstate(cancelState, nullptr);
         errno = error;
     }
-    CThreadState(const CThreadState&) = delete;
-    CThreadState& operator=(const CThreadState&) = delete;
+    CThreadStateGuard(const CThreadStateGuard&) = delete;
+    CThreadStateGuard& operator=(const CThreadStateGuard&) = delete;
 
 private:
     int error = errno;
@@ -86,7 +86,7 @@ fi_rotate::SWishes wishesOf(const fi_rotation_call& call) {
     return wishes;
 }
 
-fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outcome, const char* message) {
+fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outcome, const char* message) {
     call.decision = SDecision();
     call.decision.kind = outcome;
     call.problemsOfBackups.clear();
@@ -96,13 +96,13 @@ fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outco
 }
 
 fi_rotation_outcome outOfMemory(fi_rotation_call& call) {
-    return endWithout(call, FI_ROTATION_OUT_OF_MEMORY, "memory ran out, so nothing was decided");
+    return setFailure(call, FI_ROTATION_OUT_OF_MEMORY, "memory ran out, so nothing was decided");
 }
 
 // The message is that of `cause`, if there is memory for it.
-fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outcome,
+fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outcome,
                                const std::exception& cause) {
-    endWithout(call, outcome, "the run failed");
+    setFailure(call, outcome, "the run failed");
     try {
         call.decision.message = cause.what();
     } catch (const std::bad_alloc&) {
@@ -113,7 +113,7 @@ fi_rotation_outcome endWithout(fi_rotation_call& call, fi_rotation_outcome outco
 }
 
 fi_rotation_outcome decide(fi_rotation_call& call) {
-    endWithout(call, FI_ROTATION_FAILED, "the run has not ended, or its trace function ended the thread");
+    setFailure(call, FI_ROTATION_FAILED, "the run has not ended, or its trace function ended the thread");
     call.decision = fi_rotate::decideSafely(call.inputs, wishesOf(call), call.safety);
     call.problemsOfBackups.assign(call.inputs.backups.size(), 0);
     for (const SProblem& problem : call.decision.problems) {
@@ -135,7 +135,7 @@ const char* fi_rotation_version() {
 }
 
 fi_rotation_call* fi_rotation_call_new(const char* configuration) {
-    const CThreadState unchanged;
+    const CThreadStateGuard guard;
     try {
         auto call = std::make_unique<fi_rotation_call>();
         call->inputs.configuration = configuration != nullptr ? configuration : "";
@@ -146,7 +146,7 @@ fi_rotation_call* fi_rotation_call_new(const char* configuration) {
 }
 
 void fi_rotation_call_free(fi_rotation_call* call) {
-    const CThreadState unchanged;
+    const CThreadStateGuard guard;
     if (call != nullptr && call->isRunning) {
         call->isAbandoned = true;
     } else {
@@ -155,7 +155,7 @@ void fi_rotation_call_free(fi_rotation_call* call) {
 }
 
 std::int32_t fi_rotation_call_add(fi_rotation_call* call, const char* file, std::int32_t excluded) {
-    const CThreadState unchanged;
+    const CThreadStateGuard guard;
     if (call == nullptr || call->isRunning) {
         return -1;
     }
@@ -207,13 +207,13 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
     if (call == nullptr) {
         return FI_ROTATION_OUT_OF_MEMORY;
     }
-    const CThreadState unchanged;
+    const CThreadStateGuard guard;
     if (call->isRunning.exchange(true)) {
         return FI_ROTATION_MISUSED;
     }
     const CRun run(*call);
     if (call->isIncomplete) {
-        return endWithout(*call, FI_ROTATION_OUT_OF_MEMORY,
+        return setFailure(*call, FI_ROTATION_OUT_OF_MEMORY,
                           "a backup could not be added (memory ran out, or its name was a null pointer), so "
                           "nothing is decided; make a new call");
     }
@@ -222,12 +222,12 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
     } catch (const std::bad_alloc&) {
         return outOfMemory(*call);
     } catch (const CTraceFailure&) {
-        return endWithout(*call, FI_ROTATION_TRACE_FAILED,
+        return setFailure(*call, FI_ROTATION_TRACE_FAILED,
                           "the trace function threw an exception, so nothing was decided");
     } catch (const fi_rotate::CProcessLock::CMisuse& misuse) {
-        return endWithout(*call, FI_ROTATION_MISUSED, misuse);
+        return setFailure(*call, FI_ROTATION_MISUSED, misuse);
     } catch (const std::exception& failure) {
-        return endWithout(*call, FI_ROTATION_FAILED, failure);
+        return setFailure(*call, FI_ROTATION_FAILED, failure);
     }
 }
 

@@ -35,7 +35,7 @@ struct SFree {
     void operator()(char* text) const { std::free(text); }
 };
 
-// Where that is wished for, a first backup is made a call with a list without entries.
+// The size of the list; -1 for a first backup whose configurations are wished for (SWishes).
 std::int32_t sizeOfList(const SCall& call, const SWishes& wishes) {
     constexpr std::int32_t kNoEntries = -1;
     const bool isFirstBackup = call.backups.empty();
@@ -412,7 +412,7 @@ SOutcome runCall(const SCall& call, const SWishes& wishes) {
     }
     if (wishes.account) {
         outcome.account = explain(std::move(reader));
-        giveReasons(outcome);
+        copyReasons(outcome);
     }
     return outcome;
 }

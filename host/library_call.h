@@ -16,8 +16,8 @@ using TraceSink = std::function<void(int level, const std::string& text)>;
 struct SWishes {
     // An account. It takes time, because every line of the trace must be looked at.
     bool account = false;
-    // The configurations even when there are no backups. The library traces them only when it is given a
-    // list, so it is then given one without entries.
+    // The configurations even when there are no backups. With a size of 0 the library does not trace them, so
+    // it is then given the size -1, which stands for a list without entries.
     bool configurationsOfFirstBackup = false;
     // Lines up to this level go to the sink.
     int traceLevel = kProgressLevel;

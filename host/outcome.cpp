@@ -31,7 +31,7 @@ std::optional<std::vector<SChoice>> choices(std::string_view selection) {
     }
 }
 
-void giveReasons(SOutcome& outcome) {
+void copyReasons(SOutcome& outcome) {
     // A name that is listed twice stands for two backups. Where their states differ, these tell them apart.
     std::unordered_map<std::string_view, std::vector<const SAccountBackup*>> known;
     for (const SAccountBackup& backup : outcome.account->backups) {

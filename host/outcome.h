@@ -78,7 +78,7 @@ struct SChoice {
 std::optional<std::vector<SChoice>> choices(std::string_view selection);
 
 // Copies to each backup the reason that the account has for it.
-void giveReasons(SOutcome& outcome);
+void copyReasons(SOutcome& outcome);
 
 // Takes the decision back: removes the selection and the states, and marks every release as undone.
 void withdraw(SOutcome& outcome);

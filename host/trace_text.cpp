@@ -177,7 +177,7 @@ bool isFailure(std::string_view text) {
 }
 
 bool isOfParser(std::string_view text) {
-    return startsWith(text, kOperations[1]);
+    return startsWith(text, kParserOperation);
 }
 
 bool rejectsConfiguration(std::string_view text) {

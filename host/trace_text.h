@@ -88,9 +88,10 @@ std::optional<std::string_view> nodeTextIn(ETraceText kind, std::string_view tex
 constexpr std::string_view kAvailable = "Available";
 
 // The names of operations that lines begin with.
+constexpr std::string_view kParserOperation = "CFiResourceParser::parse : ";
 constexpr std::array<std::string_view, 4> kOperations{
     "fi_process_backups : ",
-    "CFiResourceParser::parse : ",
+    kParserOperation,
     "CFiResourceManager::print : ",
     "CFiFiidLoader::load: ERROR: ",
 };

@@ -27,6 +27,8 @@ public:
     // objid must name a configuration's first target, the altobjid one of its further targets. True
     // when every pair was matched and no claim met a target already Used.
     //
+    // The rotation itself uses findTargets, claim and release below.
+    //
     // `node` is borrowed and not changed. `mode` is an EMode; any other value changes nothing and
     // goes on after a pair without a match. Throws CFiUdidException for a malformed identifier,
     // after tracing it; states changed for earlier pairs stay changed.
@@ -50,7 +52,9 @@ using BackupTargets = std::vector<STargetPlace>;
 // matches no target. Traces and throws as validateResources does.
 std::optional<BackupTargets> findTargets(const CFiFiidNode& root, const CFiTargetIndex& index);
 
-// Returns whether none of the targets was Used.
+// The claim: marks all targets that are not Used yet, and their configurations, Used. Returns whether none
+// was Used before; if one was, the others are marked nevertheless.
 bool claim(const BackupTargets& targets);
 
+// The release: marks the targets Available; their configurations keep their state.
 void release(const BackupTargets& targets);

@@ -154,7 +154,7 @@ void CCallReader::endDecision() {
         call.missing.push_back(fmt::format("its end, after line {}", call.last.line));
     }
     outcome.account = isCut ? std::move(account.account) : explain(std::move(account));
-    giveReasons(outcome);
+    copyReasons(outcome);
 }
 
 std::vector<SLoggedCall> CCallReader::finish() {

@@ -34,12 +34,12 @@ TEST(DocumentProlog, FindsTheDoctypeBehindWhatMayStandBeforeIt) {
 }
 
 TEST(DocumentProlog, FindsTheEndOfTheDoctype) {
-    EXPECT_TRUE(endsWithin(12, "<!DOCTYPE a>"));
-    EXPECT_FALSE(endsWithin(11, "<!DOCTYPE a>"));
-    EXPECT_TRUE(endsWithin(100, "<!DOCTYPE a [<!ENTITY e ']>'><!-- ]> --><?p ]> ?>]>"));
-    EXPECT_FALSE(endsWithin(100, "<!DOCTYPE a [<!ENTITY e ']>"));
-    EXPECT_FALSE(endsWithin(100, "<!DOCTYPE a [<!-- ]>"));
-    EXPECT_FALSE(endsWithin(100, "<!DOCTYPE a [<?p ]>"));
+    EXPECT_TRUE(doctypeEndsWithin("<!DOCTYPE a>", 12));
+    EXPECT_FALSE(doctypeEndsWithin("<!DOCTYPE a>", 11));
+    EXPECT_TRUE(doctypeEndsWithin("<!DOCTYPE a [<!ENTITY e ']>'><!-- ]> --><?p ]> ?>]>", 100));
+    EXPECT_FALSE(doctypeEndsWithin("<!DOCTYPE a [<!ENTITY e ']>", 100));
+    EXPECT_FALSE(doctypeEndsWithin("<!DOCTYPE a [<!-- ]>", 100));
+    EXPECT_FALSE(doctypeEndsWithin("<!DOCTYPE a [<?p ]>", 100));
 }
 
 }  // namespace

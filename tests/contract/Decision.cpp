@@ -96,11 +96,11 @@ Trace invalid(const std::vector<SBackup>& backups) {
     return named(backups, "[INVALID RESOURCES] [", "]");
 }
 
-Trace reserved(const std::vector<SBackup>& backups) {
+Trace claimed(const std::vector<SBackup>& backups) {
     return dated(backups, "[RESERVE GOOD] ");
 }
 
-Trace notReserved(const std::vector<SBackup>& backups) {
+Trace notClaimed(const std::vector<SBackup>& backups) {
     return dated(backups, "");
 }
 

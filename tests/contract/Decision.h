@@ -36,8 +36,8 @@ Trace missingFile();
 // The lines that a pass traces, one for each of these backups in order.
 Trace matched(const std::vector<SBackup>& backups);
 Trace invalid(const std::vector<SBackup>& backups);
-Trace reserved(const std::vector<SBackup>& backups);
-Trace notReserved(const std::vector<SBackup>& backups);
+Trace claimed(const std::vector<SBackup>& backups);
+Trace notClaimed(const std::vector<SBackup>& backups);
 Trace skipped(const std::vector<SBackup>& backups);
 
 using Flags = std::vector<std::int32_t>;

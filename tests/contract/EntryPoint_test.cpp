@@ -116,7 +116,7 @@ TEST_F(CEntryPoint, NoConfigurationGivesAnEmptySelectionWithoutBackups) {
 TEST_F(CEntryPoint, NoConfigurationGivesAnEmptySelectionWithBackups) {
     const SBackup a = given("a.xml", SNode{{{"objid", "disk"}}, {}}, 5);
     const Trace invalid = failure("CFiResourceParser::parse : Invalid resource specification [&\n]");
-    EXPECT_EQ(decided("&\n", {a}), selected("", {0}, invalid + matched({a}) + reserved({a}), {}, {{a, 0}}));
+    EXPECT_EQ(decided("&\n", {a}), selected("", {0}, invalid + matched({a}) + claimed({a}), {}, {{a, 0}}));
 }
 
 TEST_F(CEntryPoint, RejectedConfigurationDoesNotStopTheCall) {
@@ -146,7 +146,7 @@ TEST_F(CEntryPoint, SeparatorsOfAllKindsSeparateConfigurations) {
 TEST_F(CEntryPoint, OnlyFurtherTargetsAreSearchedForAFreeOne) {
     const SBackup a = given("a.xml", backup("1", {{"encA##lun1", "encA##snap1"}}));
     EXPECT_EQ(decided("encA##lun1;snap1;snap2", {a}),
-              selected("[encA##lun1;encA##snap2]", {0}, matched({a}) + reserved({a}),
+              selected("[encA##lun1;encA##snap2]", {0}, matched({a}) + claimed({a}),
                        {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{a, 0}}));
 }
 

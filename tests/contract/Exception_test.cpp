@@ -100,7 +100,7 @@ TEST_F(CException, NextCallWorks) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(call("encA##lun1;snap1", {bad}).exception.has_value());
         EXPECT_EQ(decided("encA##lun1;snap1", {good}),
-                  selected("[encA##lun1;encA##snap1]", {2}, matched({good}) + reserved({good}),
+                  selected("[encA##lun1;encA##snap1]", {2}, matched({good}) + claimed({good}),
                            {"[encA:lun1](Used)", "{snap1,Available}"}, {{good, 2}}));
     }
 }

@@ -40,7 +40,7 @@ TEST_F(CRotationNames, NameListedTwiceGivesBothEntriesTheStateOfTheFirstInTheEnd
     ASSERT_THAT(first, testing::AnyOf(1, 2));
     EXPECT_EQ(observed,
               selected(kOnlyTarget, {first, first, 0},
-                       matched({twice, twice, newer}) + reserved({newer, twice}) + notReserved({twice}),
+                       matched({twice, twice, newer}) + claimed({newer, twice}) + notClaimed({twice}),
                        {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"},
                        {{twice, first}, {twice, first == 1 ? 2 : 1}, {newer, 0}}));
 }
@@ -66,7 +66,7 @@ TEST_F(CRotationNames, NameListedOftenGivesEveryEntryTheStateThatIsPrintedFirst)
 TEST_F(CRotationNames, LastFlagWordOfANameListedTwiceExcludesBoth) {
     const SBackup a = holder("a.xml", "1", "s1");
     EXPECT_EQ(decided("encA##lun1;s1", {a, withFlagWord(a, 4)}),
-              notSelected({0, 4}, matched({a, a}) + reserved({a}) + notReserved({a}) + skipped({a})));
+              notSelected({0, 4}, matched({a, a}) + claimed({a}) + notClaimed({a}) + skipped({a})));
 }
 
 TEST_F(CRotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
@@ -75,7 +75,7 @@ TEST_F(CRotationNames, LastFlagWordOfANameListedTwiceReleasesBoth) {
     const std::int32_t first = observed.flags.front();
     ASSERT_THAT(first, testing::AnyOf(1, 2));
     EXPECT_EQ(observed,
-              selected(kOnlyTarget, {first, first}, matched({a, a}) + reserved({a}) + notReserved({a}),
+              selected(kOnlyTarget, {first, first}, matched({a, a}) + claimed({a}) + notClaimed({a}),
                        kOneTargetReleased, {{a, first}, {a, first == 1 ? 2 : 1}}));
 }
 
@@ -110,10 +110,10 @@ TEST_F(CRotationNames, PercentSignsAreTracedAsTheyStand) {
     const SBackup b = given("b%d.xml", document, 4);
     const SBackup c = given("c%x.xml", backup("99%s", {{"%s##%n", "%d##%s"}}));
     EXPECT_EQ(decided("encA%s##lun%n;snap%d", {a, c}),
-              selected("[encA%s##lun%n;encA%s##snap%d]", {2, 1}, matched({a}) + invalid({c}) + reserved({a}),
+              selected("[encA%s##lun%n;encA%s##snap%d]", {2, 1}, matched({a}) + invalid({c}) + claimed({a}),
                        {"[encA%s:lun%n](Used)", "{snap%d,Available}"}, {{a, 2}, {c, 1}}));
     EXPECT_EQ(decided("encA%s##lun%n;snap%d", {b}),
-              notSelected({4}, matched({b}) + reserved({b}) + skipped({b})));
+              notSelected({4}, matched({b}) + claimed({b}) + skipped({b})));
 }
 
 TEST_F(CRotationNames, PercentSignsInTheNameOfAMissingFileArePrintedAsTheyStand) {
@@ -129,7 +129,7 @@ TEST_F(CRotationNames, RejectedConfigurationLeavesWhatStandsBeforeItToTheRotatio
     const SBackup b = given("b.xml", backup("2", {{"encB##lun2", "encB##t1"}}), 1);
     EXPECT_EQ(decided("encA##lun1;s1&lun2;t1&encB##lun2;t1", {a, b}),
               selected(kOnlyTarget, {2, 1},
-                       rejected("lun2", "enclosure data") + matched({a}) + invalid({b}) + reserved({a}),
+                       rejected("lun2", "enclosure data") + matched({a}) + invalid({b}) + claimed({a}),
                        kOneTargetReleased, {{a, 2}, {b, 1}}));
 }
 
@@ -142,7 +142,7 @@ TEST_F(CRotationNames, RejectedConfigurationWithNothingBeforeItSelectsNothing) {
 TEST_F(CRotationNames, TargetIsLookedForInEveryConfigurationWithItsFirstTarget) {
     const SBackup a = holder("a.xml", "1", "s2");
     EXPECT_EQ(decided("encA##lun1;s1&encA##lun1;s2", {a}),
-              selected("[encA##lun1;encA##s1][encA##lun1;encA##s2]", {2}, matched({a}) + reserved({a}),
+              selected("[encA##lun1;encA##s1][encA##lun1;encA##s2]", {2}, matched({a}) + claimed({a}),
                        {"[encA:lun1](Available)", "{s1,Available}", "[encA:lun1](Used)", "{s2,Available}"},
                        {{a, 2}}));
 }
@@ -152,7 +152,7 @@ TEST_F(CRotationNames, OfATargetConfiguredTwiceTheFirstIsHeld) {
     const SBackup newer = holder("newer.xml", "2", "s1");
     EXPECT_EQ(decided("encA##lun1;s1;s1&encA##lun1;s1", {older, newer}),
               selected("[encA##lun1;encA##s1][encA##lun1;encA##s1]", {1, 0},
-                       matched({older, newer}) + reserved({newer}) + notReserved({older}),
+                       matched({older, newer}) + claimed({newer}) + notClaimed({older}),
                        {"[encA:lun1](Used)", "{s1,Used}", "{s1,Available}", "[encA:lun1](Available)",
                         "{s1,Available}"},
                        {{older, 1}, {newer, 0}}));
@@ -164,7 +164,7 @@ TEST_F(CRotationNames, OfNodesWithOneObjidTheLastAltobjidCounts) {
     const SNode last{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s2")}}, {}};
     const SBackup a = given("a.xml", SNode{{{"timeStamp", "1"}}, {first, last}});
     EXPECT_EQ(decided("encA##lun1;s1;s2", {a}),
-              selected(kOnlyTarget, {0}, matched({a}) + reserved({a}),
+              selected(kOnlyTarget, {0}, matched({a}) + claimed({a}),
                        {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}"}, {{a, 0}}));
 }
 

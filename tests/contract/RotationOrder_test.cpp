@@ -26,7 +26,7 @@ TEST_F(CRotationOrder, ReleasesTheOldestOnlyAndNoMoreThanNeeded) {
     const SBackup middle = holder("2", "s2");
     EXPECT_EQ(decided("encA##lun1;s1;s2;s3", {newest, oldest, middle}),
               selected("[encA##lun1;encA##s1]", {0, 2, 0},
-                       matched({newest, oldest, middle}) + reserved({newest, middle, oldest}),
+                       matched({newest, oldest, middle}) + claimed({newest, middle, oldest}),
                        {"[encA:lun1](Used)", "{s1,Available}", "{s2,Used}", "{s3,Used}"},
                        {{oldest, 2}, {middle, 0}, {newest, 0}}));
 }
@@ -39,7 +39,7 @@ TEST_F(CRotationOrder, PassesOverExcludedBackupsToTheNextOldest) {
     EXPECT_EQ(
         decided("encA##lun1;s1;s2;s3", {oldest, middle, newest}),
         selected("[encA##lun1;encA##s2]", {0, 2, 0},
-                 matched({oldest, middle, newest}) + reserved({newest, middle, oldest}) + skipped({oldest}),
+                 matched({oldest, middle, newest}) + claimed({newest, middle, oldest}) + skipped({oldest}),
                  {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}", "{s3,Used}"},
                  {{oldest, 0}, {middle, 2}, {newest, 0}}));
 }
@@ -49,8 +49,8 @@ TEST_F(CRotationOrder, ExcludedBackupThatIsInvalidIsNotTracedAsSkipped) {
     const SBackup outdone = holder("2", "s1", 4);
     const SBackup keeper = holder("3", "s1", 4);
     EXPECT_EQ(decided("encA##lun1;s1", {unmatched, outdone, keeper}),
-              notSelected({4, 4, 4}, invalid({unmatched}) + matched({outdone, keeper}) + reserved({keeper}) +
-                                         notReserved({outdone}) + skipped({keeper})));
+              notSelected({4, 4, 4}, invalid({unmatched}) + matched({outdone, keeper}) + claimed({keeper}) +
+                                         notClaimed({outdone}) + skipped({keeper})));
 }
 
 TEST_F(CRotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
@@ -61,7 +61,7 @@ TEST_F(CRotationOrder, ReleasesUntilEveryConfigurationHasAFreeTarget) {
     const SBackup fourth = given("4.xml", backup("4", {{"encC##lun3", "encC##u2"}}));
     EXPECT_EQ(decided("encA##lun1;s1&encB##lun2;t1&encC##lun3;u1;u2", {first, second, third, fourth}),
               selected("[encA##lun1;encA##s1][encB##lun2;encB##t1][encC##lun3;encC##u1]", {2, 2, 2, 0},
-                       matched({first, second, third, fourth}) + reserved({fourth, third, second, first}),
+                       matched({first, second, third, fourth}) + claimed({fourth, third, second, first}),
                        {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)", "{t1,Available}",
                         "[encC:lun3](Used)", "{u1,Available}", "{u2,Used}"},
                        {{first, 2}, {second, 2}, {third, 2}, {fourth, 0}}));
@@ -74,7 +74,7 @@ TEST_F(CRotationOrder, OneReleaseFreesAllTargetsOfTheBackup) {
     EXPECT_EQ(
         decided("encA##lun1;s1&encB##lun2;t1;t2", {other, both}),
         selected("[encA##lun1;encA##s1][encB##lun2;encB##t1]", {0, 2},
-                 matched({other, both}) + reserved({other, both}),
+                 matched({other, both}) + claimed({other, both}),
                  {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)", "{t1,Available}", "{t2,Used}"},
                  {{both, 2}, {other, 0}}));
 }
@@ -83,7 +83,7 @@ TEST_F(CRotationOrder, BackupThatNamesNoDeviceIsRotatedWithoutFreeingAnything) {
     const SBackup empty = given("empty.xml", backup("0", {}));
     const SBackup a = holder("1", "s1");
     EXPECT_EQ(decided("encA##lun1;s1", {empty, a}),
-              selected("[encA##lun1;encA##s1]", {2, 2}, matched({empty, a}) + reserved({a, empty}),
+              selected("[encA##lun1;encA##s1]", {2, 2}, matched({empty, a}) + claimed({a, empty}),
                        {"[encA:lun1](Used)", "{s1,Available}"}, {{empty, 2}, {a, 2}}));
 }
 
@@ -91,7 +91,7 @@ TEST_F(CRotationOrder, TimeStampsAreOrderedAsText) {
     const SBackup lesser = holder("999", "s1");
     const SBackup first = holder("1000", "s2");
     EXPECT_EQ(decided("encA##lun1;s1;s2", {lesser, first}),
-              selected("[encA##lun1;encA##s2]", {0, 2}, matched({lesser, first}) + reserved({lesser, first}),
+              selected("[encA##lun1;encA##s2]", {0, 2}, matched({lesser, first}) + claimed({lesser, first}),
                        {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"}, {{first, 2}, {lesser, 0}}));
 }
 
@@ -100,7 +100,7 @@ TEST_F(CRotationOrder, BackupWithoutATimeStampIsTheOldest) {
     const SBackup without =
         given("without.xml", SNode{{{"objid", udid("encA##lun1")}, {"altobjid", udid("encA##s2")}}, {}});
     EXPECT_EQ(decided("encA##lun1;s1;s2", {with, without}),
-              selected("[encA##lun1;encA##s2]", {0, 2}, matched({with, without}) + reserved({with, without}),
+              selected("[encA##lun1;encA##s2]", {0, 2}, matched({with, without}) + claimed({with, without}),
                        {"[encA:lun1](Used)", "{s1,Used}", "{s2,Available}"}, {{without, 2}, {with, 0}}));
 }
 
@@ -110,7 +110,7 @@ TEST_F(CRotationOrder, EqualTimeStampsEndAlikeWhicheverGoesFirst) {
     const SBackup b = given("b.xml", backup("1", {{"encB##lun2", "encB##t1"}}));
     const SObserved observed = decided("encA##lun1;s1&encB##lun2;t1", {a, b});
     SObserved expected = selected(
-        "[encA##lun1;encA##s1][encB##lun2;encB##t1]", {2, 2}, matched({a, b}) + reserved({a, b}),
+        "[encA##lun1;encA##s1][encB##lun2;encB##t1]", {2, 2}, matched({a, b}) + claimed({a, b}),
         {"[encA:lun1](Used)", "{s1,Available}", "[encB:lun2](Used)", "{t1,Available}"}, {{a, 2}, {b, 2}});
     EXPECT_THAT(observed.trace, testing::UnorderedElementsAreArray(expected.trace));
     expected.trace = observed.trace;
@@ -140,7 +140,7 @@ TEST_F(CRotationOrder, ManyBackupsAreClaimedAndRotatedInOrder) {
     }
     EXPECT_EQ(decided(configuration, given),
               selected("[encA##lun1;encA##s0]", flags,
-                       matched(given) + reserved({byAge.rbegin(), byAge.rend()}), targets, states));
+                       matched(given) + claimed({byAge.rbegin(), byAge.rend()}), targets, states));
 }
 
 }  // namespace

@@ -27,13 +27,12 @@ std::string lineOfMissing(const std::string& file) {
 TEST_F(CRotation, OnlyBackupIsReleasedWhenItHoldsTheOnlyTarget) {
     const SBackup a = given("a.xml", kHolder);
     EXPECT_EQ(decided("encA##lun1;snap1", {a}),
-              selected(kOnlyTarget, {2}, matched({a}) + reserved({a}), kOneTargetReleased, {{a, 2}}));
+              selected(kOnlyTarget, {2}, matched({a}) + claimed({a}), kOneTargetReleased, {{a, 2}}));
 }
 
 TEST_F(CRotation, ExcludedBackupKeepsTheOnlyTargetAndTheCallFails) {
     const SBackup a = given("a.xml", kHolder, 4);
-    EXPECT_EQ(decided("encA##lun1;snap1", {a}),
-              notSelected({4}, matched({a}) + reserved({a}) + skipped({a})));
+    EXPECT_EQ(decided("encA##lun1;snap1", {a}), notSelected({4}, matched({a}) + claimed({a}) + skipped({a})));
 }
 
 TEST_F(CRotation, FlagWordWithoutTheBitOfValue4DoesNotExclude) {
@@ -41,7 +40,7 @@ TEST_F(CRotation, FlagWordWithoutTheBitOfValue4DoesNotExclude) {
         SCOPED_TRACE(flagWord);
         const SBackup a = given("a.xml", kHolder, flagWord);
         EXPECT_EQ(decided("encA##lun1;snap1", {a}),
-                  selected(kOnlyTarget, {2}, matched({a}) + reserved({a}), kOneTargetReleased, {{a, 2}}));
+                  selected(kOnlyTarget, {2}, matched({a}) + claimed({a}), kOneTargetReleased, {{a, 2}}));
     }
 }
 
@@ -50,17 +49,16 @@ TEST_F(CRotation, FlagWordWithTheBitOfValue4Excludes) {
         SCOPED_TRACE(flagWord);
         const SBackup a = given("a.xml", kHolder, flagWord);
         EXPECT_EQ(decided("encA##lun1;snap1", {a}),
-                  notSelected({flagWord}, matched({a}) + reserved({a}) + skipped({a})));
+                  notSelected({flagWord}, matched({a}) + claimed({a}) + skipped({a})));
     }
 }
 
 TEST_F(CRotation, OfTwoBackupsWithOneTargetTheNewerGivesItUpWhenItIsNeeded) {
     const SBackup older = given("older.xml", kHolder);
     const SBackup newer = given("newer.xml", kNewerHolder);
-    EXPECT_EQ(
-        decided("encA##lun1;snap1", {older, newer}),
-        selected(kOnlyTarget, {1, 2}, matched({older, newer}) + reserved({newer}) + notReserved({older}),
-                 kOneTargetReleased, {{older, 1}, {newer, 2}}));
+    EXPECT_EQ(decided("encA##lun1;snap1", {older, newer}),
+              selected(kOnlyTarget, {1, 2}, matched({older, newer}) + claimed({newer}) + notClaimed({older}),
+                       kOneTargetReleased, {{older, 1}, {newer, 2}}));
 }
 
 TEST_F(CRotation, OfTwoBackupsWithOneTargetTheNewerKeepsItWhenItIsNotNeeded) {
@@ -68,7 +66,7 @@ TEST_F(CRotation, OfTwoBackupsWithOneTargetTheNewerKeepsItWhenItIsNotNeeded) {
     const SBackup newer = given("newer.xml", kNewerHolder);
     EXPECT_EQ(decided("encA##lun1;snap1;snap2", {older, newer}),
               selected("[encA##lun1;encA##snap2]", {1, 0},
-                       matched({older, newer}) + reserved({newer}) + notReserved({older}),
+                       matched({older, newer}) + claimed({newer}) + notClaimed({older}),
                        {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Available}"}, {{older, 1}, {newer, 0}}));
 }
 
@@ -76,7 +74,7 @@ TEST_F(CRotation, ClaimThatFailsPartWayHoldsItsOtherTargetsForTheWholeCall) {
     const SBackup newer = given("newer.xml", kNewerHolder, 1);
     const SBackup older = given("older.xml", kHolderOfTwo, 2);
     EXPECT_EQ(decided("encA##lun1;snap1;snap3&encB##lun2;snap2", {newer, older}),
-              notSelected({1, 2}, matched({newer, older}) + reserved({newer}) + notReserved({older})));
+              notSelected({1, 2}, matched({newer, older}) + claimed({newer}) + notClaimed({older})));
 }
 
 TEST_F(CRotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
@@ -84,7 +82,7 @@ TEST_F(CRotation, ClaimThatFailsPartWayIsInvalidAndItsOtherTargetsStayUsed) {
     const SBackup older = given("older.xml", kHolderOfTwo, 2);
     EXPECT_EQ(decided("encA##lun1;snap1;snap3&encB##lun2;snap2;snap4", {newer, older}),
               selected("[encA##lun1;encA##snap3][encB##lun2;encB##snap4]", {0, 1},
-                       matched({newer, older}) + reserved({newer}) + notReserved({older}),
+                       matched({newer, older}) + claimed({newer}) + notClaimed({older}),
                        {"[encA:lun1](Used)", "{snap1,Used}", "{snap3,Available}", "[encB:lun2](Used)",
                         "{snap2,Used}", "{snap4,Available}"},
                        {{older, 1}, {newer, 0}}));
@@ -101,7 +99,7 @@ TEST_F(CRotation, ClaimGoesOnBehindWhicheverTargetIsHeldByANewerBackup) {
             decided("encA##lun1;snap1;free&encA##lun2;snap2;free&encA##lun3;snap3;free", {older, newer}),
             selected(
                 "[encA##lun1;encA##free][encA##lun2;encA##free][encA##lun3;encA##free]", {1, 0},
-                matched({older, newer}) + reserved({newer}) + notReserved({older}),
+                matched({older, newer}) + claimed({newer}) + notClaimed({older}),
                 {"[encA:lun1](Used)", "{snap1,Used}", "{free,Available}", "[encA:lun2](Used)", "{snap2,Used}",
                  "{free,Available}", "[encA:lun3](Used)", "{snap3,Used}", "{free,Available}"},
                 {{older, 1}, {newer, 0}}));
@@ -112,7 +110,7 @@ TEST_F(CRotation, BackupThatHoldsOneTargetTwiceFailsItsClaimAndIsNeverReleased) 
     const SNode device{{{"objid", "UDID##v##m##encA##lun1"}, {"altobjid", udid("encA##snap1")}}, {}};
     const SNode same{{{"objid", "UDID##v##n##encA##lun1"}, {"altobjid", udid("encA##snap1")}}, {}};
     const SBackup a = given("a.xml", SNode{{{"timeStamp", "1"}}, {device, same}});
-    EXPECT_EQ(decided("encA##lun1;snap1", {a}), notSelected({0}, matched({a}) + notReserved({a})));
+    EXPECT_EQ(decided("encA##lun1;snap1", {a}), notSelected({0}, matched({a}) + notClaimed({a})));
 }
 
 TEST_F(CRotation, EnoughFreeTargetsLeaveEveryBackupAsItIs) {
@@ -120,7 +118,7 @@ TEST_F(CRotation, EnoughFreeTargetsLeaveEveryBackupAsItIs) {
     const SBackup other = given("other.xml", backup("20260102", {{"encA##lun1", "encA##snap2"}}), 1);
     EXPECT_EQ(
         decided("encA##lun1;snap1;snap2;snap3", {excluded, other}),
-        selected("[encA##lun1;encA##snap3]", {0, 0}, matched({excluded, other}) + reserved({other, excluded}),
+        selected("[encA##lun1;encA##snap3]", {0, 0}, matched({excluded, other}) + claimed({other, excluded}),
                  {"[encA:lun1](Used)", "{snap1,Used}", "{snap2,Used}", "{snap3,Available}"},
                  {{excluded, 0}, {other, 0}}));
 }
@@ -136,7 +134,7 @@ TEST_F(CRotation, BackupWithAnIdentifierOfNoConfiguredTargetIsInvalidAndHoldsNot
 TEST_F(CRotation, FilesFromTheFirstThatCannotBeOpenedKeepTheirFlagWords) {
     const SBackup a = given("a.xml", kHolder);
     const std::string missing = path("missing.xml");
-    SObserved expected = selected(kOnlyTarget, {2, 11, 12, -1}, missingFile() + matched({a}) + reserved({a}),
+    SObserved expected = selected(kOnlyTarget, {2, 11, 12, -1}, missingFile() + matched({a}) + claimed({a}),
                                   kOneTargetReleased, {{a, 2}});
     expected.standardOutput = lineOfMissing(missing);
     EXPECT_EQ(decided("encA##lun1;snap1",
@@ -148,7 +146,7 @@ TEST_F(CRotation, DocumentWithoutANodeKeepsItsFlagWordAndHidesNothing) {
     const SBackup a = given("a.xml", kHolder);
     EXPECT_EQ(decided("encA##lun1;snap1",
                       {{write("empty.xml", ""), 9}, {write("other.xml", "<other><x:Node/></other>"), 4}, a}),
-              selected(kOnlyTarget, {9, 4, 2}, matched({a}) + reserved({a}), kOneTargetReleased, {{a, 2}}));
+              selected(kOnlyTarget, {9, 4, 2}, matched({a}) + claimed({a}), kOneTargetReleased, {{a, 2}}));
 }
 
 TEST_F(CRotation, WithoutALoadedBackupAFreeTargetIsEnough) {

@@ -18,38 +18,38 @@ protected:
     Flags flags{4, 5};
 };
 
-TEST_F(CFiHandOverTest, GivesAtOnce) {
+TEST_F(CFiHandOverTest, WritesAtOnce) {
     CFiHandOver handOver(&target, flags.data(), flags.size());
-    handOver.give(duplicateForCaller("selection"));
+    handOver.writeSelection(duplicateForCaller("selection"));
     EXPECT_STREQ(target, "selection");
     EXPECT_EQ(flags, (Flags{4, 5}));
-    handOver.give(Flags{0, 2});
+    handOver.writeFlagWords(Flags{0, 2});
     EXPECT_EQ(flags, (Flags{0, 2}));
 }
 
-TEST_F(CFiHandOverTest, LeavesWhatIsKept) {
+TEST_F(CFiHandOverTest, LeavesCommittedOutputs) {
     {
         CFiHandOver handOver(&target, flags.data(), flags.size());
-        handOver.give(duplicateForCaller("selection"));
-        handOver.give(Flags{0, 2});
-        handOver.keep();
+        handOver.writeSelection(duplicateForCaller("selection"));
+        handOver.writeFlagWords(Flags{0, 2});
+        handOver.commit();
     }
     EXPECT_STREQ(target, "selection");
     EXPECT_EQ(flags, (Flags{0, 2}));
     std::free(target);
 }
 
-TEST_F(CFiHandOverTest, TakesBackWhatIsNotKept) {
+TEST_F(CFiHandOverTest, TakesBackOutputsThatAreNotCommitted) {
     {
         CFiHandOver handOver(&target, flags.data(), flags.size());
-        handOver.give(duplicateForCaller("selection"));
-        handOver.give(Flags{0, 2});
+        handOver.writeSelection(duplicateForCaller("selection"));
+        handOver.writeFlagWords(Flags{0, 2});
     }
     EXPECT_EQ(target, &former);
     EXPECT_EQ(flags, (Flags{4, 5}));
 }
 
-TEST_F(CFiHandOverTest, TakesNothingBackThatWasNotGiven) {
+TEST_F(CFiHandOverTest, LeavesOutputsThatWereNotWritten) {
     {
         // Takes back when the scope ends.
         const CFiHandOver handOver(&target, flags.data(), flags.size());

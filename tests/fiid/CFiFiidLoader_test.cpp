@@ -41,7 +41,7 @@ protected:
 
     CTemporaryFolder folder;
     CFiFiidLoader loader;
-    CFiTreeReleaser releaser{loader.nodes};
+    CFiTreeDeleter deleter{loader.nodes};
 };
 
 TEST_F(CFiFiidLoaderTest, EmptyListLoadsNothingAndEmptiesFiles) {

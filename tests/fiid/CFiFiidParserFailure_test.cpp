@@ -15,7 +15,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 #include "fiid/CFiFiidHandler.h"
 #include "fiid/CFiFiidLoader.h"
 #include "fiid/CFiFiidNode.h"
@@ -168,7 +168,7 @@ TEST(CFiFiidLoaderThrowing, ImportPassesItOnAndKeepsTheRootsBefore) {
     EXPECT_THROW(loader.import({good, good, good}), xercesc::OutOfMemoryException);
     readerFailure = nullptr;
     ASSERT_EQ(loader.nodes.size(), 1U);
-    CFiTreeReleaser release(loader.nodes);
+    CFiTreeDeleter release(loader.nodes);
     EXPECT_EQ(loader.files.size(), 3U);
     EXPECT_EQ(xercesc::XMLPlatformUtils::fgMemoryManager, nullptr);
 }
@@ -181,7 +181,7 @@ TEST(CFiFiidLoaderThrowing, ImportKeepsTheTreeThatWasBuiltBeforeTheReaderFailed)
     isMemoryShortBehindADocument = true;
     EXPECT_THROW(loader.import({file, file}), xercesc::OutOfMemoryException);
     isMemoryShortBehindADocument = false;
-    CFiTreeReleaser release(loader.nodes);
+    CFiTreeDeleter release(loader.nodes);
     ASSERT_EQ(loader.nodes.size(), 1U);
     EXPECT_EQ(loader.nodes.front()->objid, "x");
     EXPECT_EQ(loader.nodes.front()->children.size(), 1U);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 #include "fiid/CFiFiidNode.h"
 
 namespace fi_test {
@@ -16,7 +16,7 @@ std::string dump(const CFiFiidNode* node);
 // Owns the trees of the roots in `roots`.
 struct STrees {
     std::vector<CFiFiidNode*> roots;
-    CFiTreeReleaser releaser{roots};
+    CFiTreeDeleter deleter{roots};
 };
 
 // A document parsed by a parser and a handler of its own.

@@ -33,7 +33,8 @@ OPERATOR = re.compile(r"(?<=\s)(?:[<>=!]=|&&|\|\||<<|>>|[-+|&]=|[-+*/%&|^<>])(?=
 NUMBER = re.compile(r"(?<![\w.])\d+(?=[uU]?(?![\w.]))")
 NEGATION = re.compile(r"!(?=[\w(:*])")
 CONDITION = re.compile(r"\b(?:if|while)(?: constexpr)? \(")
-# Unlike a declaration, which has a name behind its type, a statement has an operator or a bracket behind its first name.
+# Unlike a declaration, which has a name behind its type, a statement has an operator or a bracket behind its first
+# name.
 STATEMENT = re.compile(
     r"(?:(?:return|throw|delete)\b.*"
     r"|(?:\+\+|--|\*|operator )?[\w:]+(?:<[^;]*>)?(?:\(|\.|->|\[|\+\+|--| [-+*/|&^%<>]*= ).*);$")

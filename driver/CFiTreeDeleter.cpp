@@ -1,4 +1,4 @@
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 
 #include "fiid/CFiFiidNode.h"
 
@@ -23,7 +23,7 @@ void deleteTree(CFiFiidNode* root) {
 
 }  // namespace
 
-CFiTreeReleaser::~CFiTreeReleaser() {
+CFiTreeDeleter::~CFiTreeDeleter() {
     for (CFiFiidNode* root : roots) {
         deleteTree(root);
     }

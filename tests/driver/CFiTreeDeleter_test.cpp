@@ -1,4 +1,4 @@
-#include "driver/CFiTreeReleaser.h"
+#include "driver/CFiTreeDeleter.h"
 
 #include <malloc.h>
 
@@ -33,18 +33,18 @@ void growTree(CFiFiidNode* root) {
     grow(root);
 }
 
-void growAndReleaseThreeTrees() {
+void growAndDeleteThreeTrees() {
     std::vector<CFiFiidNode*> roots;
-    const CFiTreeReleaser releaser(roots);
+    const CFiTreeDeleter deleter(roots);
     for (int i = 0; i < 3; ++i) {
         roots.push_back(grow(nullptr));
         growTree(roots.back());
     }
 }
 
-void growAndReleaseADeepTree() {
+void growAndDeleteADeepTree() {
     std::vector<CFiFiidNode*> roots;
-    const CFiTreeReleaser releaser(roots);
+    const CFiTreeDeleter deleter(roots);
     roots.push_back(grow(nullptr));
     CFiFiidNode* node = roots[0];
     for (int i = 0; i < 500000; ++i) {
@@ -52,32 +52,32 @@ void growAndReleaseADeepTree() {
     }
 }
 
-TEST(CFiTreeReleaser, ReleasesEveryTreeThatItsListHoldsAtTheEndOfTheScope) {
+TEST(CFiTreeDeleter, DeletesEveryTreeThatItsListHoldsAtTheEndOfTheScope) {
     // The allocator keeps a stock of small blocks, which it counts as allocated. First, a few rounds until
     // this stock does not change any more; how many that takes depends on the earlier tests in this process.
     for (int i = 0; i < 10; ++i) {
-        growAndReleaseThreeTrees();
+        growAndDeleteThreeTrees();
     }
     const std::size_t before = allocatedBytes();
-    growAndReleaseThreeTrees();
+    growAndDeleteThreeTrees();
     EXPECT_EQ(allocatedBytes(), before);
 }
 
-TEST(CFiTreeReleaser, ReleasesATreeDeeperThanAnyStack) {
-    growAndReleaseADeepTree();
+TEST(CFiTreeDeleter, DeletesATreeDeeperThanAnyStack) {
+    growAndDeleteADeepTree();
     const std::size_t before = allocatedBytes();
-    growAndReleaseADeepTree();
+    growAndDeleteADeepTree();
     EXPECT_EQ(allocatedBytes(), before);
 }
 
-TEST(CFiTreeReleaser, LeavesTreesAloneThatItsListDoesNotHold) {
+TEST(CFiTreeDeleter, LeavesTreesAloneThatItsListDoesNotHold) {
     std::vector<CFiFiidNode*> ours{grow(nullptr)};
-    const CFiTreeReleaser releaser(ours);
+    const CFiTreeDeleter deleter(ours);
     growTree(ours[0]);
     const std::vector<CFiFiidNode*> none;
     {
         // Deletes the trees in its list when the scope ends.
-        const CFiTreeReleaser nothing(none);
+        const CFiTreeDeleter nothing(none);
     }
     EXPECT_EQ(ours[0]->children.size(), 3U);
     EXPECT_EQ(ours[0]->children[0]->children[0]->objid, "long enough to need a block of its own");

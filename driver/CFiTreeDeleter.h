@@ -7,14 +7,14 @@ class CFiFiidNode;
 // Deletes whole trees at the end of a scope: all those whose roots the list holds by then. Nodes do
 // not delete one another; only the call that had them loaded knows when no pointer into them is used
 // any more.
-class CFiTreeReleaser {
+class CFiTreeDeleter {
 public:
-    // `rootList` is borrowed and must outlive the releaser.
-    explicit CFiTreeReleaser(const std::vector<CFiFiidNode*>& rootList) : roots(rootList) {}
-    ~CFiTreeReleaser();
+    // `rootList` is borrowed and must outlive the deleter.
+    explicit CFiTreeDeleter(const std::vector<CFiFiidNode*>& rootList) : roots(rootList) {}
+    ~CFiTreeDeleter();
 
-    CFiTreeReleaser(const CFiTreeReleaser&) = delete;
-    CFiTreeReleaser& operator=(const CFiTreeReleaser&) = delete;
+    CFiTreeDeleter(const CFiTreeDeleter&) = delete;
+    CFiTreeDeleter& operator=(const CFiTreeDeleter&) = delete;
 
 private:
     const std::vector<CFiFiidNode*>& roots;
