@@ -28,8 +28,8 @@ constexpr std::array<SReasonKind, kReasonCount> kKinds{{
     {EReason::kHoldsNothing, "holds_nothing", "holds no target"},
     {EReason::kExcluded, "excluded", "excluded from rotation, although {configuration} had no free target"},
     {EReason::kRotationStopped, "rotation_stopped", "rotation stopped before it; holds {targets}"},
-    {EReason::kNeeded, "needed", "{released} while {configuration} had no free target; {freed}"},
-    {EReason::kInVain, "in_vain", "{released} while {configuration} had no free target; {freed}"},
+    {EReason::kNeeded, "needed", "{released} while {configuration} had no free target; {held}"},
+    {EReason::kInVain, "in_vain", "{released} while {configuration} had no free target; {held}"},
     {EReason::kUnknownTarget, "unknown_target", "{objid} with {altobjid} names no target of {configuration}"},
     {EReason::kUnknownConfiguration, "unknown_configuration", "{objid} names no configuration"},
     {EReason::kHeldAlready, "held_already", "{target} of {configuration} was already held by {backup}"},
@@ -61,18 +61,19 @@ std::size_t countHolders(const SAccount& account, const Holders& holders, std::s
 }
 
 // Several configurations may have the same name, and the release may have freed another one of that name.
-std::string notFreedBy(const SReason& reason) {
+std::string withoutShortOne(const SReason& reason) {
     const bool isNameFreed =
         std::find(reason.freed.begin(), reason.freed.end(), reason.configuration) != reason.freed.end();
-    return isNameFreed ? ", but not the one that was short" : ", nothing of " + reason.configuration;
+    return isNameFreed ? ", but not of the one that was short" : ", none of " + reason.configuration;
 }
 
-std::string freedBy(const SReason& reason) {
+std::string targetsHeldBefore(const SReason& reason) {
     if (reason.freed.empty()) {
         return "it held no target";
     }
-    return fmt::format("{} {}{}", reason.isUndone ? "frees" : "freed", fmt::join(reason.freed, ", "),
-                       reason.kind == EReason::kInVain ? notFreedBy(reason) : "");
+    return fmt::format("it {} targets of {}{}", reason.isUndone ? "holds" : "held",
+                       fmt::join(reason.freed, ", "),
+                       reason.kind == EReason::kInVain ? withoutShortOne(reason) : "");
 }
 
 }  // namespace
@@ -147,7 +148,7 @@ std::string inWords(const SReason& reason) {
         fmt::arg("configuration", reason.configuration), fmt::arg("target", reason.target),
         fmt::arg("objid", reason.objid), fmt::arg("altobjid", reason.altobjid), fmt::arg("backup", holder),
         fmt::arg("released", reason.isUndone ? "would be released" : "released"),
-        fmt::arg("freed", freedBy(reason)));
+        fmt::arg("held", targetsHeldBefore(reason)));
 }
 
 }  // namespace fi_rotate

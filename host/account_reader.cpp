@@ -39,8 +39,8 @@ constexpr std::array kOfTree{ETraceText::kNodeObjid, ETraceText::kNodeAltobjid, 
 
 // Says how many are missing of the lines that each loaded backup has.
 std::string describeMissing(std::string_view lines, std::size_t seen, std::size_t backups) {
-    return seen < backups ? fmt::format("{}, {} of {}", lines, backups - seen, backups)
-                          : fmt::format("the loading of backups, {} of {}", seen - backups, seen);
+    return seen < backups ? fmt::format("{} of {} {}", backups - seen, backups, lines)
+                          : fmt::format("the loading of {} of {} backups", seen - backups, seen);
 }
 
 // The arguments of a line, if it is of this kind. Of three kinds only the beginning is compared, and no
@@ -101,12 +101,14 @@ std::vector<std::string> CAccountReader::gaps() const {
         gaps.push_back(describeMissing("claims", claims.size(), passed));
     }
     if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
-        gaps.push_back(fmt::format("skipped backups, {} instead of {}", skipped.size(), expectedSkips()));
+        gaps.push_back(fmt::format("lines about skipped backups ({} found, {} expected)", skipped.size(),
+                                   expectedSkips()));
     }
     if (contradictions != 0) {
-        gaps.push_back(contradictions == 1 ? fmt::format("lines before \"{}\"", firstContradiction)
-                                           : fmt::format("lines in {} places, the first before \"{}\"",
-                                                         contradictions, firstContradiction));
+        gaps.push_back(contradictions == 1
+                           ? fmt::format("lines before the message with \"{}\"", firstContradiction)
+                           : fmt::format("lines in {} places, the first before the message with \"{}\"",
+                                         contradictions, firstContradiction));
     }
     return gaps;
 }
@@ -154,28 +156,28 @@ bool CAccountReader::readTree(std::string_view text) {
 
 void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::string_view text) {
     if (kind == ETraceText::kNodeObjid) {
-        follow(ETreeLine::kObjid, ETreeLine::kAltobjid, text);
+        expectTreeLine(ETreeLine::kObjid, ETreeLine::kAltobjid, text);
         objid = inner;
     } else if (kind == ETraceText::kNodeAltobjid) {
-        follow(ETreeLine::kAltobjid, ETreeLine::kType, text);
+        expectTreeLine(ETreeLine::kAltobjid, ETreeLine::kType, text);
         if (objid.find("UDID##") != std::string::npos) {
             account.backups.back().pairs.add(objid, inner);
         }
     } else {
-        follow(ETreeLine::kType, ETreeLine::kObjid, text);
+        expectTreeLine(ETreeLine::kType, ETreeLine::kObjid, text);
     }
 }
 
 void CAccountReader::endTree(std::string_view text) {
     if (isInTree && nextOfTree != ETreeLine::kObjid) {
-        contradict(text);
+        noteContradiction(text);
     }
     isInTree = false;
 }
 
-void CAccountReader::follow(ETreeLine line, ETreeLine next, std::string_view text) {
+void CAccountReader::expectTreeLine(ETreeLine line, ETreeLine next, std::string_view text) {
     if (nextOfTree != line) {
-        contradict(text);
+        noteContradiction(text);
     }
     nextOfTree = next;
 }
@@ -223,12 +225,12 @@ bool CAccountReader::takePrinted(ETraceText kind, const TraceArguments& argument
 
 void CAccountReader::readPrintedTarget(bool isFirst, const TraceArguments& printed) {
     if (usedTargets == parsedTargets.size()) {
-        contradict(printed.front());
+        noteContradiction(printed.front());
         return;
     }
     const SParsedTarget& target = parsedTargets[usedTargets++];
     if (!isPrinted(target, isFirst, printed) || (!isFirst && account.configurations.empty())) {
-        contradict(printed.front());
+        noteContradiction(printed.front());
         return;
     }
     std::string name;
@@ -266,7 +268,7 @@ bool CAccountReader::takeOfBackup(ETraceText kind, const TraceArguments& argumen
             takeClaim(kind == ETraceText::kClaimed, arguments);
             return true;
         case ETraceText::kSkipped:
-            if (const auto place = next("rotation", arguments[0])) {
+            if (const auto place = takeNextPlace("rotation", arguments[0])) {
                 skipped.insert(*place);
             }
             return true;
@@ -301,7 +303,8 @@ bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
     // A name that is listed twice stands for two backups, of which one is invalid. The trace does not tell
     // which of the two a line means, but their states do.
     const std::int32_t state = numberIn(arguments[1]);
-    if (const auto place = next(state == FI_BACKUP_INVALID ? "final, invalid" : "final", arguments[0])) {
+    if (const auto place =
+            takeNextPlace(state == FI_BACKUP_INVALID ? "final, invalid" : "final", arguments[0])) {
         account.backups[*place].state = state;
         oldestFirst.push_back(*place);
     }
@@ -310,7 +313,7 @@ bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
 
 void CAccountReader::takeCheck(bool isGood, std::string_view file) {
     ++checked;
-    const auto place = next("check", file);
+    const auto place = takeNextPlace("check", file);
     if (place.has_value() && !isGood) {
         account.backups[*place].state = FI_BACKUP_INVALID;
         failedCheck.push_back(*place);
@@ -318,7 +321,7 @@ void CAccountReader::takeCheck(bool isGood, std::string_view file) {
 }
 
 void CAccountReader::takeClaim(bool isGood, const TraceArguments& arguments) {
-    const auto place = next("claim", arguments[0]);
+    const auto place = takeNextPlace("claim", arguments[0]);
     if (!place.has_value()) {
         return;
     }
@@ -329,7 +332,7 @@ void CAccountReader::takeClaim(bool isGood, const TraceArguments& arguments) {
     }
 }
 
-std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::string_view file) {
+std::optional<std::size_t> CAccountReader::takeNextPlace(std::string_view pass, std::string_view file) {
     const std::vector<std::size_t>& all = places[std::string(file)];
     std::size_t& done = taken[{std::string(pass), std::string(file)}];
     while (done < all.size()) {
@@ -341,7 +344,7 @@ std::optional<std::size_t> CAccountReader::next(std::string_view pass, std::stri
             return place;
         }
     }
-    contradict(file);
+    noteContradiction(file);
     return std::nullopt;
 }
 
@@ -363,7 +366,7 @@ bool CAccountReader::isNamed(std::string_view identifier) const {
     });
 }
 
-void CAccountReader::contradict(std::string_view text) {
+void CAccountReader::noteContradiction(std::string_view text) {
     if (contradictions == 0) {
         firstContradiction = text;
     }

@@ -62,7 +62,7 @@ private:
 
     bool readTree(std::string_view text);
     void endTree(std::string_view text);
-    void follow(ETreeLine line, ETreeLine next, std::string_view text);
+    void expectTreeLine(ETreeLine line, ETreeLine next, std::string_view text);
     void takeOfTree(ETraceText kind, std::string_view inner, std::string_view text);
     // These return whether the line can stand here; if not, it is passed over.
     bool takeOther(ETraceText kind, const TraceArguments& arguments);
@@ -76,11 +76,11 @@ private:
 
     void readPrintedTarget(bool isFirst, const TraceArguments& printed);
     static bool isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed);
-    void contradict(std::string_view text);
+    void noteContradiction(std::string_view text);
 
     // The next backup of this name in this pass. A name listed twice stands for two backups with one content,
     // so it does not matter which of them is taken first.
-    std::optional<std::size_t> next(std::string_view pass, std::string_view file);
+    std::optional<std::size_t> takeNextPlace(std::string_view pass, std::string_view file);
     bool isNamed(std::string_view identifier) const;
     bool isExcluded(std::size_t place) const;
     std::size_t expectedSkips() const;

@@ -121,14 +121,16 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
         {withoutStart + kLoading + kChecks + kClaims + kSkip + kEnd,
          {"its beginning, with the configuration"}},
         {kBeginning + withoutPrinted + kChecks, {"lines of the configuration"}},
-        {kBeginning + kLoading + oneCheck + kClaims, {"checks, 1 of 2"}},
-        {kBeginning + kLoading + kChecks + oneClaim + kSkip, {"claims, 1 of 2"}},
-        {kBeginning + kLoading + kChecks + kClaims + kEnd, {"skipped backups, 0 instead of 1"}},
+        {kBeginning + kLoading + oneCheck + kClaims, {"1 of 2 checks"}},
+        {kBeginning + kLoading + kChecks + oneClaim + kSkip, {"1 of 2 claims"}},
+        {kBeginning + kLoading + kChecks + kClaims + kEnd,
+         {"lines about skipped backups (0 found, 1 expected)"}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(readerOf(row.lines).gaps(), row.gaps) << row.gaps.front();
     }
-    EXPECT_THAT(readerOf(withoutTarget + kLoading + kChecks).gaps(), ElementsAre("lines before \"2\""));
+    EXPECT_THAT(readerOf(withoutTarget + kLoading + kChecks).gaps(),
+                ElementsAre("lines before the message with \"2\""));
 }
 
 TEST(HostAccountReader, NamesNoMissingLinesWhenACallBreaksOffAtItsEnd) {
@@ -147,13 +149,13 @@ TEST(HostAccountReader, TakesNoPrintedTargetThatTheParserDidNotRead) {
     const CAccountReader another = readerOf(kBeginning + Lines{heading, "[A:x](Available)", "{7,Available}"});
     ASSERT_THAT(another.account.configurations, SizeIs(1));
     EXPECT_THAT(another.account.configurations[0].targets, IsEmpty());
-    EXPECT_THAT(another.gaps(), ElementsAre("lines before \"7\""));
+    EXPECT_THAT(another.gaps(), ElementsAre("lines before the message with \"7\""));
     const CAccountReader anotherFirst = readerOf(kBeginning + Lines{heading, "[A:z](Available)"});
     EXPECT_THAT(anotherFirst.account.configurations, IsEmpty());
-    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines before \"A\""));
+    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines before the message with \"A\""));
     const CAccountReader withoutFirst = readerOf(kBeginning + Lines{heading, "{1,Available}"});
     EXPECT_THAT(withoutFirst.account.configurations, IsEmpty());
-    EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines before \"1\""));
+    EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines before the message with \"1\""));
 }
 
 TEST(HostAccountReader, KnowsAPrintedTargetWhoseDeviceHoldsWhatStandsBehindAnEnclosure) {
@@ -176,7 +178,7 @@ TEST(HostAccountReader, TakesNoLineOfABackupThatWasNotLoaded) {
         const CAccountReader reader = readerOf(kBeginning + kLoading + kChecks + Lines{line});
         EXPECT_THAT(reader.claims, IsEmpty());
         EXPECT_THAT(reader.skipped, IsEmpty());
-        EXPECT_THAT(reader.gaps(), testing::Contains("lines before \"other\"")) << line;
+        EXPECT_THAT(reader.gaps(), testing::Contains("lines before the message with \"other\"")) << line;
     }
 }
 
@@ -184,7 +186,7 @@ TEST(HostAccountReader, CountsTheLinesThatCannotFollow) {
     const Lines twice{"fi_process_backups : [RESERVE GOOD] other - T: 3",
                       "fi_process_backups : [RESERVE GOOD] another - T: 3"};
     EXPECT_THAT(readerOf(kBeginning + kLoading + kChecks + twice).gaps(),
-                ElementsAre("lines in 2 places, the first before \"other\""));
+                ElementsAre("lines in 2 places, the first before the message with \"other\""));
 }
 
 TEST(HostAccountReader, NoticesThatATreeLacksALine) {
@@ -205,7 +207,7 @@ TEST(HostAccountReader, EndsACallWithoutASelection) {
     EXPECT_TRUE(reader.isEnded());
     EXPECT_THAT(reader.gaps(), IsEmpty());
     EXPECT_THAT(readerOf(kBeginning + kLoading + kChecks + kClaims + noSelection).gaps(),
-                ElementsAre("skipped backups, 0 instead of 1"));
+                ElementsAre("lines about skipped backups (0 found, 1 expected)"));
 }
 
 TEST(HostAccountReader, EndsACallWithAMalformedIdentifierOfItsOwn) {

@@ -92,7 +92,8 @@ TEST_F(HostExplanation, RotatedForTheConfigurationThatWasShort) {
     give("a", "1", {{"A##y", "A##3"}});
     const SOutcome outcome = explained("A##x;1&A##y;3");
     EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_ROTATED);
-    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "released while A##y had no free target; freed A##y");
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
+              "released while A##y had no free target; it held targets of A##y");
 }
 
 // A##x is short, too, and stands before the others, but the release frees a target of another one.
@@ -101,8 +102,10 @@ TEST_F(HostExplanation, RotatedForTheShortConfigurationThatItFreed) {
     give("b", "2", {{"A##x", "A##1"}});
     const SOutcome outcome = explained("A##x;1&A##y;3&A##z;4;5");
     EXPECT_EQ(reasonFor(outcome, 0).kind, EReason::kNeeded);
-    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "released while A##y had no free target; freed A##y, A##z");
-    EXPECT_EQ(inWords(reasonFor(outcome, 1)), "released while A##x had no free target; freed A##x");
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
+              "released while A##y had no free target; it held targets of A##y, A##z");
+    EXPECT_EQ(inWords(reasonFor(outcome, 1)),
+              "released while A##x had no free target; it held targets of A##x");
 }
 
 TEST_F(HostExplanation, RotatedInVain) {
@@ -113,7 +116,7 @@ TEST_F(HostExplanation, RotatedInVain) {
     EXPECT_EQ(outcome.backups[0].state, FI_BACKUP_ROTATED);
     EXPECT_EQ(reasonFor(outcome, 0).kind, EReason::kInVain);
     EXPECT_EQ(inWords(reasonFor(outcome, 0)),
-              "released while A##x had no free target; freed A##y, nothing of A##x");
+              "released while A##x had no free target; it held targets of A##y, none of A##x");
     EXPECT_EQ(inWords(reasonFor(outcome, 1)), "released while A##x had no free target; it held no target");
     EXPECT_EQ(reasonFor(outcome, 2).kind, EReason::kNeeded);
 }
@@ -122,9 +125,11 @@ TEST_F(HostExplanation, RotatedInVainForAnotherConfigurationOfOneName) {
     give("a", "1", {{"A##x", "A##1"}});
     give("b", "2", {{"A##x", "A##3"}});
     const SOutcome outcome = explained("A##x;1;2&A##x;3");
-    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
-              "released while A##x had no free target; freed A##x, but not the one that was short");
-    EXPECT_EQ(inWords(reasonFor(outcome, 1)), "released while A##x had no free target; freed A##x");
+    EXPECT_EQ(
+        inWords(reasonFor(outcome, 0)),
+        "released while A##x had no free target; it held targets of A##x, but not of the one that was short");
+    EXPECT_EQ(inWords(reasonFor(outcome, 1)),
+              "released while A##x had no free target; it held targets of A##x");
 }
 
 TEST_F(HostExplanation, ReleasedForNothingInACallWithoutASelection) {
@@ -132,7 +137,8 @@ TEST_F(HostExplanation, ReleasedForNothingInACallWithoutASelection) {
     give("b", "2", {{"A##x", "A##1"}}, FI_EXCLUDE_ROTATION);
     const SOutcome outcome = explained("A##x;1&A##y;3");
     EXPECT_FALSE(outcome.selection.has_value());
-    EXPECT_EQ(inWords(reasonFor(outcome, 0)), "would be released while A##y had no free target; frees A##y");
+    EXPECT_EQ(inWords(reasonFor(outcome, 0)),
+              "would be released while A##y had no free target; it holds targets of A##y");
 }
 
 TEST_F(HostExplanation, InvalidBecauseAPairNamesNoTarget) {

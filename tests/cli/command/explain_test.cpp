@@ -46,7 +46,8 @@ TEST_F(FiRotateExplain, ShowsEveryCallOfALog) {
     EXPECT_THAT(result.output, HasSubstr("Selection\n"
                                          "  first target  chosen target  restore points\n"
                                          "  A##x          A##2           1\n"));
-    EXPECT_THAT(result.output, HasSubstr("rotated: released while A##x had no free target; freed A##x\n"));
+    EXPECT_THAT(result.output,
+                HasSubstr("rotated: released while A##x had no free target; it held targets of A##x\n"));
     EXPECT_THAT(result.output, EndsWith("kept: the newest that holds A##1\n"));
 }
 
