@@ -16,7 +16,8 @@ public:
 
     // The same for all names of a file, different for other files.
     std::string file;
-    // Becomes another text when the file is changed or replaced.
+    // Which file, its size and the times of its last changes: another text when the file is changed or
+    // replaced, as far as these show it.
     std::string text;
 
 private:

@@ -93,7 +93,7 @@ void CFiFiidHandler::openNode() {
         // code that builds nodes never deletes any. In the host library it is kept in a list, so that
         // the driver frees it with the other trees.
         if constexpr (kInHostLibrary) {
-            keepReplaced();
+            linkReplacedRoot();
         }
         root = node.get();
     }
@@ -101,7 +101,7 @@ void CFiFiidHandler::openNode() {
 }
 
 // GCOVR_EXCL_START: in the host library only.
-void CFiFiidHandler::keepReplaced() {
+void CFiFiidHandler::linkReplacedRoot() {
     if (root != nullptr) {
         root->parent = replaced;
         replaced = root;

@@ -52,7 +52,7 @@ public:
 
 private:
     void openNode();
-    void keepReplaced();
+    void linkReplacedRoot();
     void closeNode();
     void storeInCurrent(const XMLCh* qname);
     void record(const xercesc::SAXParseException& report);

@@ -9,11 +9,11 @@
 #include "fiid/CFiXmlLimits.h"
 
 // One SAX2 reader of the XML library, without validation and namespace processing, for documents
-// that are already in memory. Each parser initialises the library and terminates it again; the
-// library counts these calls, but not safely across threads.
+// that are already in memory. Each parser initialises the XML library and terminates it again; the
+// XML library counts these calls, but not safely across threads.
 //
-// Whatever allocates through the library (handlers, transcoded text) must be created after the
-// parser and destroyed before it.
+// Objects that allocate through the XML library (handlers, transcoded text) must be created after
+// the parser and destroyed before it.
 class CFiFiidParser {
 public:
     // Calls init(), then setHandler(initialHandler) when it is not null.

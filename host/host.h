@@ -49,7 +49,8 @@ typedef struct fi_rotation_call fi_rotation_call;
 
 /* The outcome of a run. */
 typedef enum fi_rotation_outcome {
-    /* Every configuration has a free target: there is a selection, and each backup has its state. */
+    /* Every configuration has a free target: there is a selection, and each backup whose document was not
+     * ignored has its state. */
     FI_ROTATION_SELECTED = 0,
     /* The inputs are whole, but a configuration has no free target, even when every backup that may be
      * released is. */

@@ -15,7 +15,7 @@ namespace {
 
 class CThreads : public CContractTest {};
 
-TEST_F(CThreads, MakeCallsOneAtATime) {
+TEST_F(CThreads, CallsThatDoNotOverlapWorkInEveryThread) {
     const std::string file = write("a.xml", toXml(backup("1", {{"encA##lun1", "encA##snap1"}})));
     std::mutex host;
     int wrong = 0;
