@@ -259,7 +259,7 @@ void CTraceReceiver::receive(int level, const char* format, std::va_list argumen
     if (level <= heardLevel) {
         tell(level, format, arguments);
     }
-    // Nearly all lines are of these two.
+    // Nearly all lines are entries and exits, so they are told first.
     if (format == entering) {
         enter(va_arg(arguments, const char*));
     } else if (format == exiting) {

@@ -37,7 +37,7 @@ class ProblemKind(enum.IntFlag):
 
     # Some configuration is malformed, or there is none. Permitted: those before the malformed one are used.
     CONFIGURATION_REJECTED = 1
-    # The document cannot be opened. Permitted: neither it nor any document after it takes part.
+    # The document cannot be opened. Permitted: it and all documents after it are ignored.
     CANNOT_OPEN = 2
     # It is a folder, a pipe or a device. Permitted: a folder counts as empty, a pipe is waited for.
     NOT_A_FILE = 4
@@ -51,7 +51,7 @@ class ProblemKind(enum.IntFlag):
     LISTED_TWICE = 64
     # It is not well-formed XML, or asks too much of a reader. Permitted: what stands before that place counts.
     NOT_WELL_FORMED = 128
-    # It has no Node. Permitted: it does not take part.
+    # It has no Node. Permitted: it is ignored.
     NO_NODE = 256
     # It has several Nodes that stand in no other. Permitted: only the last one counts.
     SEVERAL_ROOTS = 512
@@ -68,7 +68,7 @@ class State(enum.IntEnum):
     'rotated'
     """
 
-    # It has none, because there is no selection or its document did not take part.
+    # It has none, because there is no selection or its document was ignored.
     NO_STATE = -1
     # It agrees with the configuration and keeps its targets.
     KEPT = 0
