@@ -11,144 +11,207 @@ using Kinds = std::array<SHazardKind, kHazardCount>;
 
 constexpr Kinds kKinds{{
     {EHazard::kNoConfiguration, "no-configuration", ESeverity::kError,
-     R"(The configuration is empty or holds separators only. The call succeeds all the same, with an empty
-selection: no target is chosen for anything, and every backup that names a device is invalid.)"},
+     R"(The configuration is empty, or it contains only separators. The call succeeds
+nevertheless, with an empty selection: no target is chosen, and every backup
+that names a device is invalid. Give at least one configuration with a first
+target and a further target.)"},
     {EHazard::kConfigurationRejected, "configuration-rejected", ESeverity::kError,
-     R"(A target is malformed. The configuration that holds it and all after it are lost; those before it are
-used as if they were the whole, and the call does not fail for it. When the first one is malformed,
-none is left, and the call succeeds with an empty selection. Every target needs a device, the first one of
-a configuration an enclosure too: ENCLOSURE##DEVICE. An encoded &amp; separates configurations like a bare
-one, so that no name can hold it.)"},
+     R"(A target is malformed. The configuration that contains it and all configurations
+after it are not used. Those before it are used as if there were no others, and
+the call does not fail. When the first configuration is malformed, the call
+succeeds with an empty selection. Every target needs a device, and the first
+target of a configuration needs an enclosure too: ENCLOSURE##DEVICE. The library
+decodes &amp; before it separates configurations at &, so a name cannot contain
+&. Correct the target.)"},
     {EHazard::kNoFurtherTargets, "no-further-targets", ESeverity::kError,
-     R"(A configuration consists of its first target only. There is nothing to choose from, so that no call can
-succeed, whatever is released for the other configurations.)"},
+     R"(A configuration has only its first target. There is no target for its snapshots,
+so no call can succeed, even when backups of other configurations are released.
+Add at least one further target.)"},
     {EHazard::kTargetRepeated, "target-repeated", ESeverity::kError,
-     R"(A target stands twice in one configuration. A backup that holds it marks the first of the two only; the
-second stays free and may be chosen, which overwrites the snapshot on it.)"},
+     R"(A target is listed twice in one configuration. When a backup holds it, only the
+first entry counts as used. The second entry counts as free and can be chosen;
+the new snapshot then overwrites the one that is on the target. Remove one of
+the entries.)"},
     {EHazard::kTargetInTwoConfigurations, "target-in-two-configurations", ESeverity::kError,
-     R"(A target stands in two configurations. Each has a record of its own for it: what one holds is free in the
-other, and one selection can name it for both.)"},
+     R"(A target is listed in two configurations. Each of them has its own record of it:
+a target that is used in one configuration counts as free in the other, and one
+selection can name it for both. A snapshot can then be overwritten. Remove the
+target from one of the configurations.)"},
     {EHazard::kFirstTargetRepeated, "first-target-repeated", ESeverity::kError,
-     R"(The first target of a configuration, the device that is backed up, stands among the further targets, its
-own or those of another configuration. It can be chosen as the target of a snapshot, which overwrites it.)"},
+     R"(The first target of a configuration, which is the device that is backed up, is
+also listed as a further target of this or another configuration. It can be
+chosen for a snapshot, which overwrites the device. Remove it from the further
+targets.)"},
     {EHazard::kDeviceConfiguredTwice, "device-configured-twice", ESeverity::kWarning,
-     R"(Two configurations have the same first target. A backup of this device may hold targets of both, and the
-selection names a target for each of them.)"},
+     R"(Two configurations have the same first target. A backup of this device can hold
+targets of both, and the selection names a target for each of them. If you do
+not intend that, list all further targets in one configuration.)"},
     {EHazard::kBlankInTarget, "blank-in-target", ESeverity::kWarning,
-     R"(An enclosure or a device begins or ends with a blank. Nothing is trimmed: the blank is part of the name,
-and no identifier without it matches.)"},
+     R"(The name of an enclosure or of a device begins or ends with a space or a tab.
+The library does not remove it: it is part of the name, and only an identifier
+that has it too matches the target. Remove it if the name does not really have
+it.)"},
     {EHazard::kByteOrderMark, "byte-order-mark", ESeverity::kError,
-     R"(The configuration begins with the byte-order mark of UTF-8, the bytes EF BB BF that some editors put before
-a text. It is part of the name of the first enclosure, so that no identifier matches the first
-configuration: all backups of its device are invalid, and the targets that they hold count as free. Save the
+     R"(The configuration begins with the byte-order mark of UTF-8, the bytes EF BB BF,
+which some editors write before a text. It becomes part of the name of the first
+enclosure, so no identifier matches the first configuration: all backups of its
+device are invalid, and the targets that they hold count as free. Save the
 configuration as UTF-8 without the mark.)"},
     {EHazard::kCannotOpen, "cannot-open", ESeverity::kError,
-     R"(The document cannot be opened. The library stops reading there: this document and all after it are
-ignored, their targets count as free, and the call goes on without them. They are checked here nevertheless,
-as if this one were not listed.)"},
+     R"(The document cannot be opened. The library stops reading here: it ignores this
+document and all documents after it, the targets of their backups count as free,
+and the call goes on without them. The check goes on with the documents after
+it, as if this one were not listed. Make the document readable; if its backup no
+longer exists, do not list it.)"},
     {EHazard::kNotAFile, "not-a-file", ESeverity::kError,
-     R"(The name is that of a folder, a device or a pipe. The library opens it: a folder reads as an empty
-document; a pipe or a device is read to its end, if it has one. It is not read here.)"},
+     R"(The name is that of a folder, a device or a pipe. The library opens it
+nevertheless: it reads a folder as an empty document, and a device or a pipe to
+its end, for which it may wait forever. The check does not read it. Give the
+name of a file.)"},
     {EHazard::kReadError, "read-error", ESeverity::kError,
-     R"(The document can be opened, but reading it fails. The library takes what came before the fault for the
-whole document and says nothing.)"},
+     R"(The document can be opened, but not read to its end. The library uses the part
+that it has read as if it were the whole document, and reports no error. Repair
+the file system, or restore the document.)"},
     {EHazard::kListedTwice, "listed-twice", ESeverity::kError,
-     R"(A document is listed twice. It counts as two backups that hold the same targets: one of them is invalid,
-which one is undefined, and both flag words receive the state of the same one. The exclude bit of the last
-one counts for both.)"},
+     R"(A document is listed twice. It counts as two backups that hold the same targets.
+One of the two is invalid; which one is undefined. Both flag words receive the
+state of the same one of them, and the exclude bit of the last entry counts for
+both. List the document once.)"},
     {EHazard::kNulByte, "nul-byte", ESeverity::kError,
-     R"(There is a NUL byte. In a document the rest of its line, or of its piece of 2047 bytes, is lost, the line
-end with it. A configuration ends at its first one.)"},
+     R"(There is a NUL byte. In a document, the library ignores everything from the NUL
+byte to the end of the line, and the line end too; it reads a line that is
+longer than 2047 bytes in pieces of 2047 bytes and treats each like a line. A
+configuration ends at its first NUL byte. Remove the NUL bytes, or restore the
+file.)"},
     {EHazard::kUtf16, "utf-16", ESeverity::kError,
-     R"(The document or the configuration is written in UTF-16 or UTF-32. Its text holds NUL bytes. Of a document
-the library reads each line up to the first of them, of a configuration nothing behind the first, so that
-nothing of use is left. Write it in UTF-8.)"},
+     R"(The document or the configuration is encoded in UTF-16 or UTF-32, so its text
+contains NUL bytes. The library reads each line of a document, and a
+configuration, only up to the first NUL byte, so nearly all of the text is
+ignored. Save it as UTF-8.)"},
     {EHazard::kEncodingMismatch, "encoding-mismatch", ESeverity::kWarning,
-     R"(The encoding that the document declares, UTF-8 when it declares none, does not agree with its bytes. The
-document is malformed, or names are read as others than were written and then match nothing.)"},
+     R"(The document declares an encoding that does not agree with its bytes; without a
+declaration it is UTF-8. Either the document is malformed, or names are read
+with other characters than were written and match no configuration. Correct the
+declaration, or save the document in the encoding that it declares.)"},
     {EHazard::kMalformedXml, "malformed-xml", ESeverity::kError,
-     R"(The document is not well-formed. The library says nothing about it: it uses what was read before the
-fault. Data elements that had not ended do not count; devices that come after the fault are not known, so
-that their targets count as free.)"},
+     R"(The document is not well-formed XML. The library reports no error: it uses what
+it has read before the error. A data element that has not ended there does not
+count. Devices after that place are not known, so their targets count as free.
+Correct or restore the document.)"},
     {EHazard::kDoctype, "doctype", ESeverity::kWarning,
-     R"(The document has a DOCTYPE. Nothing is validated, but what it declares is obeyed: entities are opened and
-expanded by whoever reads the document.)"},
+     R"(The document has a DOCTYPE. The document is not validated against it, but its
+declarations take effect: whoever reads the document opens and expands the
+entities that it declares. The document of a backup needs no DOCTYPE; remove it.)"},
     {EHazard::kExternalEntity, "external-entity", ESeverity::kError,
-     R"(The document refers to another file or to the network. The library opens it with the rights of its host,
-unless it was built hardened, and takes a missing one for a fault. Nothing is opened here: what is outside
-the document is read as empty.)"},
+     R"(The document refers to another file or to a network address. The library opens
+it with the rights of its host, unless it was built hardened; if it cannot be
+opened, the document is malformed. The check opens nothing: it reads everything
+outside the document as empty. Write the text into the document itself.)"},
     {EHazard::kNestedEntities, "nested-entities", ESeverity::kError,
-     R"(An entity refers to others. Each level multiplies the size of the document; a few lines can grow beyond
-all memory. The document is read to this place only; a library that was not built hardened reads on.)"},
+     R"(An entity refers to other entities. Each level multiplies the size of the
+document, so a few lines can need more memory than there is. The document is
+read only up to this place. A library that was not built hardened reads on.
+Remove the entity.)"},
     {EHazard::kReadingLimit, "reading-limit", ESeverity::kError,
-     R"(The document goes beyond a limit of reading: 128 MiB, 256 different element names, elements nested 256 deep, a
-start tag of 8192 bytes, a DTD of 16384 bytes, 256 declarations or 32 attributes, 100 references to entities, 256 characters of
-an entity or of the default of an attribute, any parameter entity, or an encoding other than UTF-8, ISO-8859,
-Windows-125x and the common Asian ones. It is not read beyond this place; a library that was not built hardened
-reads on.)"},
+     R"(The document exceeds one of these limits: 128 MiB; 256 different element names;
+elements nested 256 levels deep; 8192 bytes in a start tag; 16384 bytes, 256
+declarations or 32 attributes in the DTD; 100 references to entities; 256
+characters in an entity or in the default value of an attribute. Parameter
+entities are not allowed, nor are encodings other than UTF-8, ISO-8859,
+Windows-125x and the common Asian ones. The document is read only up to this
+place. A library that was not built hardened reads on. The document of a backup
+needs nothing of this kind: correct or restore it.)"},
     {EHazard::kNoNode, "no-node", ESeverity::kError,
-     R"(No element called Node was read. The document adds no backup, which the library passes over in silence; its
-flag word stays as it is.)"},
+     R"(The document has no element called Node. It adds no backup: the library ignores
+it without a message, and its flag word does not change. Make sure that this is
+the document of a backup and that it is complete.)"},
     {EHazard::kSeveralNodes, "several-nodes", ESeverity::kError,
-     R"(Several Nodes stand side by side under another element. Only the last one counts, with its time stamp; the
-devices of the others are not known, so that their targets count as free. Put them into one Node.)"},
+     R"(Several Nodes are side by side, not inside another Node. Only the last one
+counts, with its time stamp. The devices of the others are not known, so their
+targets count as free. Put all of them into one Node.)"},
     {EHazard::kOutsideNode, "outside-node", ESeverity::kWarning,
-     R"(An objid, altobjid, type or splitType ends outside every Node, or a timeStamp before the first one. It is
-ignored.)"},
+     R"(An objid, altobjid, type or splitType is not inside a Node, or a timeStamp is
+before the first Node. It does not count. Move it into the Node that it belongs
+to.)"},
     {EHazard::kWrongName, "wrong-name", ESeverity::kWarning,
-     R"(An element is called like one that counts, but for the case of its letters or for a prefix. It is
-ignored: names are compared as they are written, namespaces are not known.)"},
+     R"(The name of an element is like one that the library uses, but has other capital
+or small letters, or a prefix. The element does not count, because the library
+compares names byte by byte and knows no namespaces. Correct the name.)"},
     {EHazard::kEmptyElement, "empty-element", ESeverity::kWarning,
-     R"(A data element holds no text. It takes the last text before it, mostly the white space before its start
-tag or the value of the element before it.)"},
+     R"(A data element (objid, altobjid, type, splitType or timeStamp) contains no text.
+It takes the last text before it, usually the white space before its start tag
+or the value of the element before it. Write the value into the element, or
+remove the element.)"},
     {EHazard::kSplitValue, "split-value", ESeverity::kError,
-     R"(The text of a data element comes in several pieces, of which only the last one counts: a&amp;b is read as
-&b. A reference ends the piece before it and begins the next one; comments, processing instructions, CDATA
-sections and elements end a piece. Write the text in one piece.)"},
+     R"(The text of a data element consists of several pieces, and only the last piece
+counts: a&amp;b is read as &b. A reference such as &amp; ends the piece before
+it and begins the next one. Comments, processing instructions, CDATA sections
+and elements end a piece. Write the text in one piece; a text that contains & or
+< can be one CDATA section.)"},
     {EHazard::kLongText, "long-text", ESeverity::kError,
-     R"(The text of a data element is longer than 1 MiB. The XML library delivers it in pieces, of which only the
-last one counts.)"},
+     R"(The text of a data element is longer than 1 MiB. The XML library delivers it in
+pieces, and only the last piece counts. Write a shorter text: no identifier or
+time stamp is that long.)"},
     {EHazard::kRepeatedElement, "repeated-element", ESeverity::kWarning,
-     R"(A Node has a second objid or altobjid, or a document a second timeStamp, with another text. The last one
-counts. A timeStamp belongs to the whole document, whichever Node it stands in.)"},
+     R"(A Node has a second objid or altobjid, or a document a second timeStamp, with a
+different text. The last one counts. A timeStamp counts for the whole document,
+whichever Node it is in. Remove all but the correct one.)"},
     {EHazard::kNoTimeStamp, "no-time-stamp", ESeverity::kError,
-     R"(The backup has no time stamp. It counts as older than all that have one: its targets are the first to be
-released, and a backup that has one wins a target that both hold.)"},
+     R"(The backup has no time stamp. It counts as older than all backups that have one:
+its targets are the first to be released, and a target that it shares with
+another backup is claimed by the other one. Write a timeStamp into the document.)"},
     {EHazard::kEqualTimeStamps, "equal-time-stamps", ESeverity::kWarning,
-     R"(Two backups have the same time stamp. Which of them counts as the newer is undefined: so is which one wins
-a target that both hold, and which one is released first.)"},
+     R"(Two backups have the same time stamp. It is undefined which of them counts as
+newer, so it is also undefined which one claims a target that both hold, and
+which one is released first. Give each backup its own time stamp.)"},
     {EHazard::kMixedTimeStamps, "mixed-time-stamps", ESeverity::kError,
-     R"(The time stamps differ in width or form. They are compared as text, byte by byte: 999 counts as newer than
-1000. The newest backup may be the first to be released. All should look alike, the year first.)"},
+     R"(The time stamps differ in width or form. They are compared as text, byte by
+byte: 999 counts as newer than 1000. The newest backup can be the first to be
+released. Write all time stamps in one form that begins with the year, such as
+20261001013000.)"},
     {EHazard::kNoDevice, "no-device", ESeverity::kWarning,
-     R"(No objid of the backup holds UDID##, so that it names no device. Such a backup agrees with every
-configuration, holds no target, and is "rotated" without freeing anything.)"},
+     R"(No objid of the backup contains UDID##, so the backup names no device. Such a
+backup agrees with every configuration and holds no target. It can become
+"rotated", but that frees no target. If the backup has snapshots, correct the
+objids.)"},
     {EHazard::kNoAltobjid, "no-altobjid", ESeverity::kError,
-     R"(A Node names a device with its objid but has no altobjid, or an empty one. An empty text is no identifier:
-unless a pair before it in the order of objids matches nothing, an exception ends the call.)"},
+     R"(A Node names a device with its objid, but its altobjid is missing or empty. An
+empty text is not an identifier: an exception ends the call, unless a pair
+before this one, in the order of the objids, matches no configuration. Write the
+altobjid into the Node.)"},
     {EHazard::kUnusedAltobjid, "unused-altobjid", ESeverity::kError,
-     R"(A Node has an altobjid with an identifier, but its objid holds no UDID## (with case). The Node is no device:
-the target that its altobjid names is not held by this backup and counts as free.)"},
+     R"(A Node has an altobjid with an identifier, but its objid does not contain UDID##
+(in capital letters). So the Node is not a device: this backup does not hold the
+target that the altobjid names, and the target counts as free. Correct the
+objid.)"},
     {EHazard::kMalformedIdentifier, "malformed-identifier", ESeverity::kError,
-     R"(A device's objid or altobjid is no identifier: UDID## or UEID##, two parts that end with ##, then an
-enclosure, ## and a device. When the check of the backup meets it, an exception ends the call: there is no
-selection, and no flag word changes. It does not meet it when a pair before it, in the order of objids,
-matches nothing.)"},
+     R"(The objid or altobjid of a device is not an identifier. An identifier begins
+with UDID## or UEID##; then come two parts that end with ##, an enclosure, ##
+and a device. When the library checks this identifier, an exception ends the
+call: there is no selection, and no flag word changes. The library does not
+check it if a pair before this one, in the order of the objids, matches no
+configuration. Correct the identifier.)"},
     {EHazard::kSameObjid, "same-objid", ESeverity::kError,
-     R"(Two Nodes have the same objid and different altobjids. Only the later one counts: the target of the other
-is not held by this backup and counts as free.)"},
+     R"(Two Nodes have the same objid and different altobjids. Only the later one
+counts: this backup does not hold the target that the earlier one names, and
+that target counts as free. Correct or remove one of the Nodes.)"},
     {EHazard::kPairMatchesNothing, "pair-matches-nothing", ESeverity::kError,
-     R"(The pair of an objid and an altobjid matches no configuration: none has the device as its first target, or
-none of those has the altobjid's among its further ones. The whole backup is invalid then: it claims none of
-its targets, and those that are configured count as free. Names are compared byte by byte.)"},
+     R"(The pair of an objid and an altobjid matches no configuration: either no
+configuration has the device of the objid as its first target, or none of those
+that do has the target of the altobjid as a further target. The whole backup is
+then invalid: it claims none of its targets, and those that are configured count
+as free. Names are compared byte by byte. Correct the name, or add the target to
+the configuration.)"},
     {EHazard::kTargetHeldTwice, "target-held-twice", ESeverity::kError,
-     R"(Two pairs of one backup name the same target of one configuration. The first claims it, the second finds
-it used: the backup is invalid, and it is never released.)"},
+     R"(Two pairs of one backup name the same target of one configuration. The first
+pair claims it, and the second finds it used: the backup is invalid, and it is
+never released. Correct one of the pairs.)"},
     {EHazard::kTargetHeldBySeveral, "target-held-by-several", ESeverity::kError,
-     R"(Several backups hold the same target; mostly one document is a renamed copy of another. The backup with the
-newest time stamp claims the target, the others find it used: they are invalid, so that they are never
-released, and what else they hold stays used. With equal time stamps it is undefined which of them claims
-it. List of these documents only the one whose snapshot is on the target.)"},
+     R"(Several backups hold the same target. Usually one document is a renamed copy of
+another. The backup with the newest time stamp claims the target. The others
+find it used: they are invalid and never released, and their other targets stay
+used. With equal time stamps it is undefined which backup claims the target.
+List only the document whose snapshot is on the target.)"},
 }};
 
 static_assert(areInOrder(kKinds, &SHazardKind::hazard), "a row for each EHazard, in that order");

@@ -48,15 +48,15 @@ enum class EHazard {
     kPairMatchesNothing,
     kTargetHeldTwice,
     kTargetHeldBySeveral,
-    // None, but how many there are.
+    // Not a hazard: the number of hazards.
     kCount,
 };
 constexpr auto kHazardCount = static_cast<std::size_t>(EHazard::kCount);
 
 enum class ESeverity {
-    // It may be meant, but usually is a mistake.
+    // It may be intended, but is usually a mistake.
     kWarning,
-    // The call cannot do what it is made for, or something that was given does not count.
+    // The call cannot choose targets, or it does not use some of its inputs.
     kError,
 };
 
@@ -64,7 +64,7 @@ struct SHazardKind {
     EHazard hazard;
     std::string_view name;
     ESeverity severity;
-    // What happens, why it matters, what to do.
+    // What is wrong, what follows from it, and what to do.
     std::string_view paragraph;
 };
 

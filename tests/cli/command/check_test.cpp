@@ -294,8 +294,9 @@ TEST(FiRotateCheck, ExplainsEveryHazardByItsName) {
 TEST(FiRotateCheck, ExplainsInAParagraph) {
     EXPECT_EQ(runFiRotate({"check", "--explain", "no-further-targets"}).output,
               "no-further-targets (error)\n\n"
-              "A configuration consists of its first target only. There is nothing to choose from, "
-              "so that no call can\nsucceed, whatever is released for the other configurations.\n");
+              "A configuration has only its first target. There is no target for its snapshots,\n"
+              "so no call can succeed, even when backups of other configurations are released.\n"
+              "Add at least one further target.\n");
 }
 
 TEST(FiRotateCheck, NamesTheHazardsWhenOneIsNotKnown) {
