@@ -66,7 +66,7 @@ void checkForms(const std::vector<SStamp>& stamps) {
         if (formOf(stamp.text) != form) {
             stamp.findings->add(
                 {EHazard::kMixedTimeStamps, stamp.spot,
-                 fmt::format("the time stamp {} differs in {} from {} of {}", inQuotes(stamp.text),
+                 fmt::format("the time stamp {} differs in {} from {} in {}", inQuotes(stamp.text),
                              stamp.text.size() == form.size() ? "form" : "width", inQuotes(pattern.text),
                              pattern.findings->input()),
                  stamp.cause});
@@ -85,9 +85,9 @@ void checkEquals(const std::vector<SStamp>& stamps, const CClaims& claims) {
                                    ? std::optional<SCause>({*report, EHazard::kTargetHeldBySeveral})
                                    : std::nullopt;
             stamp.findings->add({EHazard::kEqualTimeStamps, stamp.spot,
-                                 fmt::format("the time stamp {} is that of {} too; which of them "
-                                             "counts as the newer is undefined",
-                                             inQuotes(stamp.text), entry->second->findings->input()),
+                                 fmt::format("{} has the time stamp {} too; it is undefined which of them "
+                                             "counts as newer",
+                                             entry->second->findings->input(), inQuotes(stamp.text)),
                                  stamp.cause.has_value() ? stamp.cause : claim});
         }
     }
@@ -139,8 +139,8 @@ private:
         if (stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
             findings.addOfWhole(EHazard::kNotAFile,
                                 S_ISDIR(status.st_mode)
-                                    ? "a folder, which the library reads as an empty document"
-                                    : "no file, but a device or a pipe; it is not read here");
+                                    ? "this is a folder, which the library reads as an empty document"
+                                    : "this is a device or a pipe, not a file; the check does not read it");
             return std::nullopt;
         }
         const CFile stream(std::fopen(file.c_str(), "rb"));
@@ -150,7 +150,7 @@ private:
         }
         auto bytes = readAll(stream.get());
         if (!bytes.has_value()) {
-            findings.addOfWhole(EHazard::kReadError, "reading fails: " + errorText());
+            findings.addOfWhole(EHazard::kReadError, "cannot be read to its end: " + errorText());
         }
         return bytes;
     }
@@ -164,13 +164,13 @@ private:
     [[nodiscard]] std::string withoutDocument(std::size_t index) const {
         const std::size_t others = inputs.files.size() - index - 1;
         if (isStopped) {
-            return "not reached: an earlier document cannot be opened";
+            return "the library does not come this far, because an earlier document cannot be opened";
         }
         if (others == 0) {
             return "it is ignored";
         }
-        return fmt::format("neither it nor the {} after it will be read",
-                           others == 1 ? "one" : std::to_string(others));
+        return others == 1 ? "it and the document after it are ignored"
+                           : fmt::format("it and the {} documents after it are ignored", others);
     }
 
     void checkDocument(const std::string& bytes, CDeviceCheck& devices, CFindings& findings) {

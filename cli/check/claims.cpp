@@ -102,7 +102,8 @@ std::string CClaims::claimOf(const SGroup& group) const {
         isTied ? fmt::format("{} claims {}, though the order of equal time stamps is undefined",
                              newest.findings->input(), what)
                : fmt::format("{}, the newest, claims {}", newest.findings->input(), what);
-    return claim + (losers.count(group.holders[0]) == 0 ? "" : ", but becomes invalid for another target");
+    return claim +
+           (losers.count(group.holders[0]) == 0 ? "" : ", but becomes invalid because of another target");
 }
 
 std::optional<std::string> CClaims::reportOf(const CFindings& one, const CFindings& other) const {

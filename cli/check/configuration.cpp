@@ -257,15 +257,15 @@ private:
 
     void checkBytes() {
         if (const auto encoding = wideMark(bytes)) {
-            report(
-                EHazard::kUtf16, 0,
-                fmt::format("the configuration is written in {}, of which nothing behind the first NUL byte "
-                            "is read; write it in UTF-8",
-                            *encoding));
+            report(EHazard::kUtf16, 0,
+                   fmt::format(
+                       "the configuration is encoded in {}, so it is read only up to its first NUL byte; "
+                       "save it as UTF-8",
+                       *encoding));
             cut = EHazard::kUtf16;
         } else if (startsWith(bytes, kByteOrderMark)) {
             report(EHazard::kByteOrderMark, 0,
-                   "a byte-order mark becomes part of the name of the first enclosure, so that no backup "
+                   "a byte-order mark becomes part of the name of the first enclosure, so no backup "
                    "matches it; save the configuration without the mark");
         }
         if (const std::size_t nul = bytes.find('\0'); nul != std::string::npos) {
@@ -274,7 +274,7 @@ private:
         }
     }
 
-    // What is wrong with the last configuration may be so because the text is cut behind it.
+    // The last configuration can be wrong only because the text is cut off there.
     [[nodiscard]] std::optional<EHazard> causeAt(std::size_t index) const {
         return index + 1 >= reading.count ? cut : std::nullopt;
     }
@@ -292,15 +292,15 @@ private:
 
     void reportRejection(const SFault& fault) {
         const std::size_t used = reading.used.size();
-        const std::string lost =
-            range(used + 1, reading.count) + (used + 1 == reading.count ? " is lost, " : " are lost, ");
-        const std::string left = used == 0 ? "none is left and the call succeeds with an empty selection"
-                                           : range(1, used) + (used == 1 ? " is used" : " are used");
+        const std::string unused = range(used + 1, reading.count) +
+                                   (used + 1 == reading.count ? " is not used, " : " are not used, ");
+        const std::string rest = used == 0 ? "and the call succeeds with an empty selection"
+                                           : "but " + range(1, used) + (used == 1 ? " is" : " are");
         const bool isComment = startsWith(fault.target, "#");
         const bool isMark = fault.target == kByteOrderMark;
         report(EHazard::kConfigurationRejected, fault.offset,
-               "configuration rejected: " + fault.text + (isComment ? " (there are no comments)" : "") +
-                   "; " + lost + left,
+               "configuration rejected: " + fault.text +
+                   (isComment ? " (a configuration cannot contain comments)" : "") + "; " + unused + rest,
                isMark ? EHazard::kByteOrderMark : causeAt(used));
     }
 
@@ -352,7 +352,7 @@ private:
         if (configuration.further.empty()) {
             const auto cause = causeAt(index);
             report(EHazard::kNoFurtherTargets, first.offset,
-                   inQuotes(first.name()) + " has no further targets, so that no call succeeds", cause);
+                   inQuotes(first.name()) + " has no further targets, so no call can succeed", cause);
             unread.addTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
         }
         checkBlanks(first);
@@ -363,19 +363,18 @@ private:
         if (const auto found = firsts.find(name); found != firsts.end()) {
             report(EHazard::kFirstTargetRepeated, target.offset,
                    inQuotes(name) + " is the first target of " + range(found->second + 1, found->second + 1) +
-                       " and can be chosen for a snapshot");
+                       " too, so a snapshot can overwrite it");
         }
         const auto [earlier, isNew] = furthers.emplace(name, index);
         if (!isNew && earlier->second == index) {
             report(EHazard::kTargetRepeated, target.offset,
-                   inQuotes(name) + " stands in its configuration already");
+                   inQuotes(name) + " is already in this configuration");
         } else if (!isNew) {
-            report(
-                EHazard::kTargetInTwoConfigurations, target.offset,
-                inQuotes(name) + " stands in " + range(earlier->second + 1, earlier->second + 1) + " already",
-                isCopy(reading.used[earlier->second], reading.used[index])
-                    ? std::optional<EHazard>(EHazard::kDeviceConfiguredTwice)
-                    : std::nullopt);
+            report(EHazard::kTargetInTwoConfigurations, target.offset,
+                   inQuotes(name) + " is already in " + range(earlier->second + 1, earlier->second + 1),
+                   isCopy(reading.used[earlier->second], reading.used[index])
+                       ? std::optional<EHazard>(EHazard::kDeviceConfiguredTwice)
+                       : std::nullopt);
             earlier->second = index;
         }
         checkBlanks(target);
@@ -388,7 +387,7 @@ private:
         };
         if (hasBlank(target.device) || (!target.isEnclosureCarried && hasBlank(target.enclosure))) {
             report(EHazard::kBlankInTarget, target.offset,
-                   inQuotes(target.name()) + " has a blank at the start or end of a name");
+                   inQuotes(target.name()) + " has a name that begins or ends with a blank");
         }
     }
 

@@ -40,7 +40,7 @@ private:
 };
 
 std::string suggestion(const std::string& nearest) {
-    return nearest.empty() ? "" : "; the nearest is " + inQuotes(nearest);
+    return nearest.empty() ? "" : "; did you mean " + inQuotes(nearest) + "?";
 }
 
 bool holdsIdentifier(const std::string& text) {
@@ -78,7 +78,7 @@ private:
             if (holdsIdentifier(altobjidOf(node))) {
                 report(EHazard::kUnusedAltobjid, *node.altobjid,
                        "the altobjid " + inQuotes(node.altobjid->text) +
-                           " is not used: the objid of its Node holds no UDID##",
+                           " is not used: the objid of its Node does not contain UDID##",
                        firstOf(distortionOf(node.altobjid), distortionOf(node.objid), node.objidLostTo));
             }
             return;
@@ -86,7 +86,7 @@ private:
         const auto [entry, isNew] = pairs.emplace(node.objid->text, &node);
         if (!isNew && altobjidOf(*entry->second) != altobjidOf(node)) {
             report(EHazard::kSameObjid, *node.objid,
-                   fmt::format("an earlier Node has the objid {} too; its altobjid {} is lost",
+                   fmt::format("an earlier Node has the objid {} too; its altobjid {} does not count",
                                inQuotes(node.objid->text), inQuotes(altobjidOf(*entry->second))),
                    firstOf(distortionOf(node.objid), distortionOf(entry->second->objid)));
         }
@@ -126,8 +126,7 @@ private:
         claimed.push_back({*configuration, further, offset});
         if (!held.emplace(*configuration, further).second) {
             add(EHazard::kTargetHeldTwice, document.spotAt(offset),
-                fmt::format("{} is held by another pair of this backup already, which makes the "
-                            "backup invalid",
+                fmt::format("another pair of this backup holds {} already, so the backup is invalid",
                             inQuotes(further)),
                 here(firstOf(distortionOf(node.altobjid), distortionOf(node.objid))));
         }
@@ -142,7 +141,7 @@ private:
 
     // The library looks at pairs up to the first that matches nothing.
     [[nodiscard]] std::string_view consequence() const {
-        return isPassed ? "it is not looked at, for a pair before it matches nothing"
+        return isPassed ? "it is not checked, because a pair before it matches no configuration"
                         : "an exception ends the call";
     }
 
@@ -159,7 +158,7 @@ private:
             return;
         }
         const std::string text =
-            isFirst ? fmt::format("{} is no further target of {}{}", inQuotes(further), inQuotes(first),
+            isFirst ? fmt::format("{} is not a further target of {}{}", inQuotes(further), inQuotes(first),
                                   suggestion(owner.nearestFurther(first, further)))
                     : fmt::format("{} is the first target of no configuration{}", inQuotes(first),
                                   suggestion(owner.nearestFirst(first)));

@@ -51,17 +51,17 @@ bool isOneOf(const std::string& name, std::initializer_list<std::string_view> st
 // What the declaration says that the bytes are not; they hold more than ASCII when `isAscii` is false.
 std::optional<std::string> contradiction(const std::string& name, bool isAscii, bool isUtf8) {
     if (isOneOf(name, {"UTF-16", "UTF16", "UTF-32", "UTF32", "UCS", "ISO-10646-UCS"})) {
-        return "the document is not written so";
+        return "its bytes are not in this encoding";
     }
     const bool declaresUtf8 = isOneOf(name, {"UTF-8", "UTF8"});
     if (declaresUtf8 && !isUtf8) {
-        return "this byte is not part of any";
+        return "this byte is not UTF-8";
     }
     if (!declaresUtf8 && !isAscii && isUtf8) {
-        return "the document looks like UTF-8 from here on";
+        return "from here on its bytes look like UTF-8";
     }
     if (isOneOf(name, {"US-ASCII", "ASCII"}) && !isAscii) {
-        return "this byte is not part of it";
+        return "this byte is not ASCII";
     }
     return std::nullopt;
 }
@@ -101,18 +101,19 @@ SSpot CDocumentText::spotAt(std::size_t contentOffset) const {
 
 void CDocumentText::checkNulBytes(CFindings& findings) const {
     if (!pieces.empty()) {
-        findings.add({EHazard::kNulByte, fileLines.at(file.find('\0')),
-                      cutPieces == 1
-                          ? "a NUL byte cuts off the rest of its line"
-                          : fmt::format("a NUL byte, the first of those that cut {} lines off", cutPieces)});
+        findings.add(
+            {EHazard::kNulByte, fileLines.at(file.find('\0')),
+             cutPieces == 1
+                 ? "a NUL byte cuts off the rest of its line"
+                 : fmt::format("NUL bytes cut off the rest of {} lines; this is the first", cutPieces)});
     }
 }
 
 bool CDocumentText::check(CFindings& findings) const {
     if (const auto name = wideEncoding(file)) {
         findings.addOfWhole(EHazard::kUtf16,
-                            fmt::format("the document is written in {}, which reading it up to the NUL "
-                                        "bytes of its lines damages",
+                            fmt::format("the document is encoded in {}, and each of its lines is read only "
+                                        "up to its first NUL byte; save it as UTF-8",
                                         *name));
         return false;
     }
@@ -139,7 +140,7 @@ std::optional<SEncodingMismatch> encodingMismatch(std::string_view document) {
     const std::string name = inCapitals(declared.value_or("UTF-8"));
     if (hasMark && !isOneOf(name, {"UTF-8", "UTF8"})) {
         return SEncodingMismatch{
-            0, "the document begins with the mark of UTF-8 and declares " + inQuotes(*declared)};
+            0, "the document begins with the byte-order mark of UTF-8, but declares " + inQuotes(*declared)};
     }
 
     const auto isPlain = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };

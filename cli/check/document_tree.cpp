@@ -263,7 +263,7 @@ void CTreeReader::noteMisnamed(EElement element, const std::string& name) {
     misnamed.insert(element);
     const bool isNew = misnamedNames.insert(name).second;
     report(EHazard::kWrongName, startTag(),
-           fmt::format("{} is ignored; was {} meant?", inQuotes(name), shownName(element)),
+           fmt::format("the element {} is ignored; did you mean {}?", inQuotes(name), shownName(element)),
            isNew ? std::nullopt : std::optional<EHazard>(EHazard::kWrongName));
     if (openNodes.empty()) {
         return;
@@ -314,7 +314,7 @@ std::optional<EHazard> CTreeReader::checkText(const SOpenData& data, const std::
                                   : std::nullopt;
     if (ownPieces == 0) {
         report(EHazard::kEmptyElement, data.startTag,
-               fmt::format("{} is empty and takes the text before it, {}", name,
+               fmt::format("{} contains no text and takes the text before it, {}", name,
                            inQuotes(toLocalCodePage(text.c_str()))),
                foreignCause);
         return foreignCause.value_or(EHazard::kEmptyElement);
@@ -325,8 +325,8 @@ std::optional<EHazard> CTreeReader::checkText(const SOpenData& data, const std::
     const bool isLong = ownLength > kLongestRun;
     const EHazard hazard = isLong ? EHazard::kLongText : EHazard::kSplitValue;
     report(hazard, {data.startTag.end, ""},
-           fmt::format("the text of {} {} {} pieces, of which only the last counts, {}", name,
-                       isLong ? "is longer than 1 MiB and read in" : "consists of", ownPieces,
+           fmt::format("the text of {} {} {} pieces; only the last counts: {}", name,
+                       isLong ? "is longer than 1 MiB and is read in" : "consists of", ownPieces,
                        inQuotes(toLocalCodePage(text.c_str()))));
     return hazard;
 }
@@ -339,8 +339,8 @@ void CTreeReader::store(EElement element, const SOpenData& data, const std::stri
         const bool isNodeMisnamed = misnamed.count(EElement::kNode) != 0;
         outside.insert(element);
         report(EHazard::kOutsideNode, data.startTag,
-               isTimeStamp ? name + " stands before the first Node and is ignored"
-                           : name + " stands in no Node and is ignored",
+               isTimeStamp ? name + " is before the first Node and is ignored"
+                           : name + " is not inside a Node and is ignored",
                isNodeMisnamed ? std::optional<EHazard>(EHazard::kWrongName) : std::nullopt);
     } else if (isTimeStamp) {
         set(tree.timeStamp, data, name, distortedBy);
@@ -391,7 +391,7 @@ void CTreeReader::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
     const EExcess excess = limits.declareEntity(name, value);
     if (excess == EExcess::kNestedEntity) {
         stop(EHazard::kNestedEntities, {here(), "<"},
-             fmt::format("the entity {} refers to another one; the document is not read on",
+             fmt::format("the entity {} refers to another one; the document is read only up to here",
                          inQuotes(toLocalCodePage(name))));
     }
     stopAt(excess);
@@ -414,14 +414,15 @@ void CTreeReader::stopAt(EExcess excess) {
 }
 
 void CTreeReader::reportExcess(EExcess excess, const SSpot& spot) {
-    findings.add({EHazard::kReadingLimit, spot,
-                  fmt::format("{}; the document is not read on", CFiDocumentLimits::inWords(excess))});
+    findings.add(
+        {EHazard::kReadingLimit, spot,
+         fmt::format("{}; the document is read only up to here", CFiDocumentLimits::inWords(excess))});
     tree.isCutShort = true;
 }
 
 xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, const XMLCh* systemId) {
     const SSite site{here(), isInDtd ? "<!DOCTYPE" : "&"};
-    const std::string what = fmt::format("the document refers to {}, which is not opened here",
+    const std::string what = fmt::format("the document refers to {}, which the check does not open",
                                          inQuotes(toLocalCodePage(systemId)));
     if (foreign == EForeign::kStop) {
         stop(EHazard::kExternalEntity, site, what);
@@ -443,7 +444,7 @@ void CTreeReader::finishFault() {
         return;
     }
     report(EHazard::kMalformedXml, site,
-           fmt::format("not well-formed: {}; what was read before is used, {} with {}", fault->text,
+           fmt::format("not well-formed: {}; the library uses what comes before: {} with {}", fault->text,
                        countOf(tree.nodes.size(), "Node"), countOf(deviceCount(tree.nodes), "device")),
            bytesCause());
     for (const std::size_t node : openNodes) {
@@ -483,24 +484,23 @@ std::optional<EHazard> CTreeReader::lossOf(EElement element, bool isInLostRoot) 
 void CTreeReader::finishRoots() {
     if (lostRoots > 0) {
         report(EHazard::kSeveralNodes, secondRoot,
-               fmt::format("{} Nodes stand side by side, of which only the last counts; {} of the "
-                           "others {} lost",
-                           lostRoots + 1, countOf(lostDevices, "device"), lostDevices == 1 ? "is" : "are"));
+               fmt::format("{} Nodes are side by side, and only the last counts; {} of the others {} not",
+                           lostRoots + 1, countOf(lostDevices, "device"), lostDevices == 1 ? "does" : "do"));
     }
     if (tree.nodes.empty()) {
         const auto cause = lossOf(EElement::kNode, false);
-        report(EHazard::kNoNode, {}, "no Node was read, so that the document adds no backup", cause);
+        report(EHazard::kNoNode, {}, "there is no Node, so the document adds no backup", cause);
         findings.blame(EHazard::kOutsideNode, cause.value_or(EHazard::kNoNode));
         return;
     }
     if (!tree.timeStamp.has_value() || tree.timeStamp->text.empty()) {
         report(EHazard::kNoTimeStamp, root,
-               "the backup has no time stamp and counts as older than all that have one",
+               "the backup has no time stamp and counts as older than all backups that have one",
                tree.timeStamp.has_value() ? tree.timeStamp->distortedBy
                                           : lossOf(EElement::kTimeStamp, isTimeStampLost));
     }
     if (deviceCount(tree.nodes) == 0) {
-        report(EHazard::kNoDevice, root, "the backup names no device: no objid holds UDID##",
+        report(EHazard::kNoDevice, root, "the backup names no device: no objid contains UDID##",
                lossOf(EElement::kObjid, lostDevices > 0));
     }
 }

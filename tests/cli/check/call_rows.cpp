@@ -45,14 +45,15 @@ std::vector<SCheckRow> callRows() {
         {"a missing one before another",
          EHazard::kCannotOpen,
          with({first, missing, second}),
-         {"no.xml:1:1: error: " + unopened + "neither it nor the one after it will be read [cannot-open]"},
+         {"no.xml:1:1: error: " + unopened + "it and the document after it are ignored [cannot-open]"},
          clean},
         {"a missing one at the end, and one that is not reached",
          EHazard::kCannotOpen,
          with({missing, first, {"no2.xml", std::nullopt}}),
-         {"no.xml:1:1: error: " + unopened + "neither it nor the 2 after it will be read [cannot-open]",
+         {"no.xml:1:1: error: " + unopened + "it and the 2 documents after it are ignored [cannot-open]",
           "no2.xml:1:1: error: " + unopened +
-              "not reached: an earlier document cannot be opened [cannot-open]"},
+              "the library does not come this far, because an earlier document cannot be opened "
+              "[cannot-open]"},
          clean},
         {"the last one is missing",
          EHazard::kCannotOpen,
@@ -62,18 +63,18 @@ std::vector<SCheckRow> callRows() {
         {"a folder",
          EHazard::kNotAFile,
          with({{"/", std::nullopt}}),
-         {"/:1:1: error: a folder, which the library reads as an empty document [not-a-file]"},
+         {"/:1:1: error: this is a folder, which the library reads as an empty document [not-a-file]"},
          clean},
         {"a device",
          EHazard::kNotAFile,
          with({{"/dev/zero", std::nullopt}}),
-         {"/dev/zero:1:1: error: no file, but a device or a pipe; it is not read here "
+         {"/dev/zero:1:1: error: this is a device or a pipe, not a file; the check does not read it "
           "[not-a-file]"},
          clean},
         {"a file that cannot be read from its beginning",
          EHazard::kReadError,
          with({{"/proc/self/mem", std::nullopt}}),
-         {"/proc/self/mem:1:1: error: reading fails: Input/output error [read-error]"},
+         {"/proc/self/mem:1:1: error: cannot be read to its end: Input/output error [read-error]"},
          clean},
         {"the same name twice",
          EHazard::kListedTwice,
@@ -83,8 +84,8 @@ std::vector<SCheckRow> callRows() {
         {"the first and the third",
          EHazard::kEqualTimeStamps,
          stamps("20260101", "20260102", "20260101"),
-         {"c.xml:2:12: warning: the time stamp \"20260101\" is that of a.xml too; which of them "
-          "counts as the newer is undefined [equal-time-stamps]"},
+         {"c.xml:2:12: warning: a.xml has the time stamp \"20260101\" too; it is undefined which of them "
+          "counts as newer [equal-time-stamps]"},
          stamps("20260101", "20260102", "20260103")},
         {"two hold a target",
          EHazard::kTargetHeldBySeveral,
@@ -104,9 +105,8 @@ std::vector<SCheckRow> callRows() {
         {"a renamed copy",
          EHazard::kTargetHeldBySeveral,
          with({first, {"b.xml", backup("20260101", "snap1")}}),
-         {"b.xml:2:12: warning: the time stamp \"20260101\" is that of a.xml too; which of them counts as "
-          "the "
-          "newer is undefined [equal-time-stamps] <- target-held-by-several of b.xml",
+         {"b.xml:2:12: warning: a.xml has the time stamp \"20260101\" too; it is undefined which of them "
+          "counts as newer [equal-time-stamps] <- target-held-by-several of b.xml",
           "b.xml:4:23: error: \"encA##snap1\" is held by 2 backups: a.xml claims it, though the order of "
           "equal "
           "time stamps is undefined; b.xml becomes invalid [target-held-by-several]"},
@@ -118,7 +118,7 @@ std::vector<SCheckRow> callRows() {
            {"b.xml", holding("2", {"1", "2", "3"})},
            {"c.xml", holding("3", {"3"})}}},
          {"b.xml:2:66: error: \"encA##snap1\" and 1 more target are held by 2 backups: b.xml, the newest, "
-          "claims them, but becomes invalid for another target; a.xml becomes invalid "
+          "claims them, but becomes invalid because of another target; a.xml becomes invalid "
           "[target-held-by-several]",
           "c.xml:2:66: error: \"encA##snap3\" is held by 2 backups: c.xml, the newest, claims it; b.xml "
           "becomes "
@@ -129,8 +129,8 @@ std::vector<SCheckRow> callRows() {
          EHazard::kPairMatchesNothing,
          {"encA##lun1;snap1\nencA##lun2;snap2",
           {{"a.xml", holding("1", {"1"})}, {"b.xml", holding("2", {"1", "9"})}}},
-         {"b.xml:3:26: error: \"encA##lun9\" is the first target of no configuration; the nearest is "
-          "\"encA##lun1\" [pair-matches-nothing]"},
+         {"b.xml:3:26: error: \"encA##lun9\" is the first target of no configuration; did you mean "
+          "\"encA##lun1\"? [pair-matches-nothing]"},
          {"encA##lun1;snap1\nencA##lun2;snap2",
           {{"a.xml", holding("1", {"1"})}, {"b.xml", holding("2", {"2"})}}}},
         {"each of two configurations has a target of that name",
@@ -140,25 +140,24 @@ std::vector<SCheckRow> callRows() {
            {"b.xml",
             "<Node><timeStamp>2</timeStamp><objid>UDID##v##m##encA##lun2</objid>"
             "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>"}}},
-         {"config:2:12: error: \"encA##snap1\" stands in configuration 1 already "
-          "[target-in-two-configurations]"},
+         {"config:2:12: error: \"encA##snap1\" is already in configuration 1 [target-in-two-configurations]"},
          clean},
         {"another width",
          EHazard::kMixedTimeStamps,
          stamps("999", "1000", "1001"),
-         {"a.xml:2:12: error: the time stamp \"999\" differs in width from \"1000\" of b.xml "
+         {"a.xml:2:12: error: the time stamp \"999\" differs in width from \"1000\" in b.xml "
           "[mixed-time-stamps]"},
          stamps("0999", "1000", "1001")},
         {"another form",
          EHazard::kMixedTimeStamps,
          stamps("2026-10-01", "2026-10-02", "03.10.2026"),
-         {"c.xml:2:12: error: the time stamp \"03.10.2026\" differs in form from \"2026-10-01\" of "
-          "a.xml [mixed-time-stamps]"},
+         {"c.xml:2:12: error: the time stamp \"03.10.2026\" differs in form from \"2026-10-01\" in a.xml "
+          "[mixed-time-stamps]"},
          stamps("2026-10-01", "2026-10-02", "2026-10-03")},
         {"white space is part of it",
          EHazard::kMixedTimeStamps,
          stamps("1", " 2", "3"),
-         {"b.xml:2:12: error: the time stamp \" 2\" differs in width from \"1\" of a.xml "
+         {"b.xml:2:12: error: the time stamp \" 2\" differs in width from \"1\" in a.xml "
           "[mixed-time-stamps]"},
          stamps("1", "2", "3")},
     };

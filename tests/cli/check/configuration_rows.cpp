@@ -31,60 +31,55 @@ std::vector<SCheckRow> configurationRows() {
         {"no enclosure",
          EHazard::kConfigurationRejected,
          of("encA##lun1;snap1&lun2;snap2&encA##lun3;snap3"),
-         {"config:1:18: error: configuration rejected: \"lun2\" has no enclosure, which a first "
-          "target needs; configurations 2 to 3 are lost, configuration 1 is used "
-          "[configuration-rejected]"},
+         {"config:1:18: error: configuration rejected: \"lun2\" has no enclosure, which a first target "
+          "needs; configurations 2 to 3 are not used, but configuration 1 is [configuration-rejected]"},
          of("encA##lun1;snap1&encA##lun2;snap2&encA##lun3;snap3")},
         {"no device, on the second line",
          EHazard::kConfigurationRejected,
          of("encA##lun1;snap1\nencA##lun2;encB##\n"),
-         {"config:2:12: error: configuration rejected: \"encB##\" has no device; configuration 2 "
-          "is "
-          "lost, configuration 1 is used [configuration-rejected]"},
+         {"config:2:12: error: configuration rejected: \"encB##\" has no device; configuration 2 is not "
+          "used, but configuration 1 is [configuration-rejected]"},
          of("encA##lun1;snap1\nencA##lun2;encB##snap2\n")},
         {"no targets, in the first",
          EHazard::kConfigurationRejected,
          of(";;&encA##lun1;snap1"),
-         {"config:1:1: error: configuration rejected: \";;\" has no targets; configurations 1 to 2 "
-          "are lost, none is left and the call succeeds with an empty selection "
-          "[configuration-rejected]"},
+         {"config:1:1: error: configuration rejected: \";;\" has no targets; configurations 1 to 2 are not "
+          "used, and the call succeeds with an empty selection [configuration-rejected]"},
          of("encA##lun1;;snap1;")},
         {"an encoded ampersand",
          EHazard::kConfigurationRejected,
          of("R&amp;D##lun1;snap1"),
-         {"config:1:1: error: configuration rejected: \"R\" has no enclosure, which a first target "
-          "needs; configurations 1 to 2 are lost, none is left and the call succeeds with an empty "
-          "selection [configuration-rejected]"},
+         {"config:1:1: error: configuration rejected: \"R\" has no enclosure, which a first target needs; "
+          "configurations 1 to 2 are not used, and the call succeeds with an empty selection "
+          "[configuration-rejected]"},
          of("R&quot;D##lun1;snap1")},
         {"no further targets",
          EHazard::kNoFurtherTargets,
          of("encA##lun1;snap1&encA##lun2"),
-         {"config:1:18: error: \"encA##lun2\" has no further targets, so that no call succeeds "
+         {"config:1:18: error: \"encA##lun2\" has no further targets, so no call can succeed "
           "[no-further-targets]"},
          of("encA##lun1;snap1&encA##lun2;snap2")},
         {"twice in one configuration",
          EHazard::kTargetRepeated,
          of("encA##lun1;snap1;snap2;encA##snap1"),
-         {"config:1:24: error: \"encA##snap1\" stands in its configuration already "
-          "[target-repeated]"},
+         {"config:1:24: error: \"encA##snap1\" is already in this configuration [target-repeated]"},
          of("encA##lun1;snap1;snap2;encB##snap1")},
         {"in two configurations",
          EHazard::kTargetInTwoConfigurations,
          of("encA##lun1;snap1\nencA##lun2;snap2;snap1"),
-         {"config:2:18: error: \"encA##snap1\" stands in configuration 1 already "
-          "[target-in-two-configurations]"},
+         {"config:2:18: error: \"encA##snap1\" is already in configuration 1 [target-in-two-configurations]"},
          of("encA##lun1;snap1\nencB##lun2;snap2;snap1")},
         {"a first target among its own further ones",
          EHazard::kFirstTargetRepeated,
          of("encA##lun1;snap1;lun1"),
-         {"config:1:18: error: \"encA##lun1\" is the first target of configuration 1 and can be "
-          "chosen for a snapshot [first-target-repeated]"},
+         {"config:1:18: error: \"encA##lun1\" is the first target of configuration 1 too, so a snapshot can "
+          "overwrite it [first-target-repeated]"},
          of("encA##lun1;snap1;encB##lun1")},
         {"a first target among those of an earlier configuration",
          EHazard::kFirstTargetRepeated,
          of("encA##lun1;snap1;lun2&encA##lun2;snap2"),
-         {"config:1:18: error: \"encA##lun2\" is the first target of configuration 2 and can be "
-          "chosen for a snapshot [first-target-repeated]"},
+         {"config:1:18: error: \"encA##lun2\" is the first target of configuration 2 too, so a snapshot can "
+          "overwrite it [first-target-repeated]"},
          of("encA##lun1;snap1;lun3&encA##lun2;snap2")},
         {"two configurations for a device",
          EHazard::kDeviceConfiguredTwice,
@@ -95,13 +90,13 @@ std::vector<SCheckRow> configurationRows() {
         {"a blank at the end",
          EHazard::kBlankInTarget,
          of("encA##lun1;snap1 ;snap2"),
-         {"config:1:12: warning: \"encA##snap1 \" has a blank at the start or end of a name "
+         {"config:1:12: warning: \"encA##snap1 \" has a name that begins or ends with a blank "
           "[blank-in-target]"},
          of("encA##lun1;snap 1;snap2")},
         {"places count characters, and references by what was given",
          EHazard::kBlankInTarget,
          of("\xC3\xA4&lt;##lun1;snap1; snap2"),
-         {"config:1:19: warning: \"\xC3\xA4<## snap2\" has a blank at the start or end of a name "
+         {"config:1:19: warning: \"\xC3\xA4<## snap2\" has a name that begins or ends with a blank "
           "[blank-in-target]"},
          of("\xC3\xA4&lt;##lun1;snap1;snap2")},
         {"a NUL",

@@ -33,13 +33,13 @@ SCheckedCall of(const std::string& document) {
 std::string unknownFirst(const std::string& place, const std::string& first, const std::string& nearest,
                          const std::string& cause) {
     return "d:" + place + ": error: \"" + first + "\" is the first target of no configuration" +
-           (nearest.empty() ? "" : "; the nearest is \"" + nearest + "\"") + " [pair-matches-nothing] <- " +
+           (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?") + " [pair-matches-nothing] <- " +
            cause;
 }
 
 std::string unknownFurther(const std::string& place, const std::string& further, const std::string& rest,
                            const std::string& cause) {
-    return "d:" + place + ": error: \"" + further + "\" is no further target of " + rest +
+    return "d:" + place + ": error: \"" + further + "\" is not a further target of " + rest +
            " [pair-matches-nothing] <- " + cause;
 }
 
@@ -60,38 +60,39 @@ std::vector<SCheckRow> ofConfigurations() {
          EHazard::kConfigurationRejected,
          with("# weekly\n" + std::string(kConfiguration)),
          {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
-          "needs (there are no comments); configurations 1 to 3 are lost, none is left and the call succeeds "
-          "with an empty selection [configuration-rejected]",
+          "needs (a configuration cannot contain comments); configurations 1 to 3 are not used, and the call "
+          "succeeds with an empty selection [configuration-rejected]",
           unknownFirst("2:26", "encA##lun1", "", rejected), unknownFirst("3:26", "encB##lun2", "", rejected)},
          clean},
         {"the first target of the malformed one is still known",
          EHazard::kConfigurationRejected,
          with("encA##lun1;snap1\nencB##lun2;encC##;snap3"),
-         {"config:2:12: error: configuration rejected: \"encC##\" has no device; configuration 2 is lost, "
-          "configuration 1 is used [configuration-rejected]",
+         {"config:2:12: error: configuration rejected: \"encC##\" has no device; configuration 2 is not "
+          "used, but configuration 1 is [configuration-rejected]",
           unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
          clean},
         {"the first target of the malformed one ends in the device",
          EHazard::kConfigurationRejected,
          with("encA##lun1;snap1\nencB#lun2;snap3"),
          {"config:2:1: error: configuration rejected: \"encB#lun2\" has no enclosure, which a first target "
-          "needs; configuration 2 is lost, configuration 1 is used [configuration-rejected]",
+          "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
           unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
          clean},
         {"no further targets",
          EHazard::kNoFurtherTargets,
          with("encA##lun1;snap1\nencB##lun2"),
-         {"config:2:1: error: \"encB##lun2\" has no further targets, so that no call succeeds "
+         {"config:2:1: error: \"encB##lun2\" has no further targets, so no call can succeed "
           "[no-further-targets]",
           unknownFurther("3:66", "encB##snap3", "\"encB##lun2\"", "no-further-targets of config")},
          clean},
         {"a blank before a first target and one behind a further one",
          EHazard::kBlankInTarget,
          with("encA##lun1;snap1 \n encB##lun2;snap3"),
-         {"config:1:12: warning: \"encA##snap1 \" has a blank at the start or end of a name "
+         {"config:1:12: warning: \"encA##snap1 \" has a name that begins or ends with a blank "
           "[blank-in-target]",
-          "config:2:1: warning: \" encB##lun2\" has a blank at the start or end of a name [blank-in-target]",
-          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"; the nearest is \"encA##snap1 \"",
+          "config:2:1: warning: \" encB##lun2\" has a name that begins or ends with a blank "
+          "[blank-in-target]",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"; did you mean \"encA##snap1 \"?",
                          "blank-in-target of config"),
           unknownFirst("3:26", "encB##lun2", " encB##lun2", "blank-in-target of config")},
          clean},
@@ -105,35 +106,34 @@ std::vector<SCheckRow> ofConfigurations() {
         {"a NUL within a first target",
          EHazard::kNulByte,
          with(std::string("encA##lun1;snap1\nencB##\0lun2;snap3", 34)),
-         {"config:2:1: error: configuration rejected: \"encB##\" has no device; configuration 2 is lost, "
-          "configuration 1 is used [configuration-rejected] <- nul-byte of config",
+         {"config:2:1: error: configuration rejected: \"encB##\" has no device; configuration 2 is not used, "
+          "but configuration 1 is [configuration-rejected] <- nul-byte of config",
           "config:2:7: error: a NUL byte ends the configuration here [nul-byte]",
           unknownFirst("3:26", "encB##lun2", "encA##lun1", "nul-byte of config")},
          clean},
         {"a byte-order mark",
          EHazard::kByteOrderMark,
          with("\xEF\xBB\xBF" + std::string(kConfiguration)),
-         {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so that no "
+         {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so no "
           "backup matches it; save the configuration without the mark [byte-order-mark]",
           unknownFirst("2:26", "encA##lun1", "encB##lun2", "byte-order-mark of config")},
          clean},
         {"a byte-order mark and nothing else",
          EHazard::kByteOrderMark,
          {"\xEF\xBB\xBF", {}},
-         {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so that no "
+         {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so no "
           "backup matches it; save the configuration without the mark [byte-order-mark]",
           "config:1:1: error: configuration rejected: \"\xEF\xBB\xBF\" has no enclosure, which a first "
-          "target "
-          "needs; configuration 1 is lost, none is left and the call succeeds with an empty selection "
+          "target needs; configuration 1 is not used, and the call succeeds with an empty selection "
           "[configuration-rejected] <- byte-order-mark of config"},
          clean},
         {"a byte-order mark of UTF-16",
          EHazard::kUtf16,
          {std::string("\xFE\xFF\0e\0#\0#", 8), {{"d", backup("1", device("encA##lun1", "encA##snap1"))}}},
-         {"config:1:1: error: the configuration is written in UTF-16, of which nothing behind the first NUL "
-          "byte is read; write it in UTF-8 [utf-16]",
+         {"config:1:1: error: the configuration is encoded in UTF-16, so it is read only up to its first NUL "
+          "byte; save it as UTF-8 [utf-16]",
           "config:1:1: error: configuration rejected: \"\xFE\xFF\" has no enclosure, which a first target "
-          "needs; configuration 1 is lost, none is left and the call succeeds with an empty selection "
+          "needs; configuration 1 is not used, and the call succeeds with an empty selection "
           "[configuration-rejected] <- utf-16 of config",
           "config:1:3: error: a NUL byte ends the configuration here [nul-byte] <- utf-16 of config",
           unknownFirst("2:26", "encA##lun1", "", "utf-16 of config")},
@@ -143,15 +143,15 @@ std::vector<SCheckRow> ofConfigurations() {
          with(std::string(kConfiguration) + "\nencB##lun2;snap3"),
          {"config:3:1: warning: \"encB##lun2\" is the first target of configuration 2 too "
           "[device-configured-twice]",
-          "config:3:12: error: \"encB##snap3\" stands in configuration 2 already "
-          "[target-in-two-configurations] <- device-configured-twice of config"},
+          "config:3:12: error: \"encB##snap3\" is already in configuration 2 [target-in-two-configurations] "
+          "<- device-configured-twice of config"},
          clean},
         {"what is not configured at all follows from nothing",
          EHazard::kConfigurationRejected,
          {"# weekly\nencA##lun1;snap1", {{"d", backup("1", device("encC##vol9", "encC##snap9"))}}},
          {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
-          "needs (there are no comments); configurations 1 to 2 are lost, none is left and the call succeeds "
-          "with an empty selection [configuration-rejected]",
+          "needs (a configuration cannot contain comments); configurations 1 to 2 are not used, and the call "
+          "succeeds with an empty selection [configuration-rejected]",
           "d:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing]"},
          clean},
     };
@@ -169,37 +169,35 @@ std::vector<SCheckRow> withinDocuments() {
          {"d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
           "[no-altobjid] <- malformed-xml of d",
           "d:2:44: error: not well-formed: input ended before all started tags were ended; last tag started "
-          "is "
-          "'Node'; what was read before is used, 2 Nodes with 1 device [malformed-xml]"},
+          "is 'Node'; the library uses what comes before: 2 Nodes with 1 device [malformed-xml]"},
          clean},
         {"a byte that the encoding does not have",
          EHazard::kEncodingMismatch,
          of("<Node>\xE4</Node>"),
-         {"d:1:1: error: not well-formed: invalid byte '<' at position 2 of a 3-byte sequence; what was read "
-          "before is used, 0 Nodes with 0 devices [malformed-xml] <- encoding-mismatch of d",
-          "d:1:1: error: no Node was read, so that the document adds no backup [no-node] <- "
-          "encoding-mismatch "
-          "of d",
-          "d:1:7: warning: the document declares no encoding, which means UTF-8; this byte is not part of "
-          "any "
+         {"d:1:1: error: not well-formed: invalid byte '<' at position 2 of a 3-byte sequence; the library "
+          "uses what comes before: 0 Nodes with 0 devices [malformed-xml] <- encoding-mismatch of d",
+          "d:1:1: error: there is no Node, so the document adds no backup [no-node] <- encoding-mismatch of "
+          "d",
+          "d:1:7: warning: the document declares no encoding, which means UTF-8; this byte is not UTF-8 "
           "[encoding-mismatch]"},
          clean},
         {"names in another case",
          EHazard::kWrongName,
          of("<Node><TimeStamp>1</TimeStamp>\n<Node><objid>UDID##v##m##encA##lun1</objid>"
             "<Altobjid>UDID##v##m##encA##snap1</Altobjid></Node></Node>"),
-         {"d:1:1: error: the backup has no time stamp and counts as older than all that have one "
+         {"d:1:1: error: the backup has no time stamp and counts as older than all backups that have one "
           "[no-time-stamp] <- wrong-name of d",
-          "d:1:7: warning: \"TimeStamp\" is ignored; was timeStamp meant? [wrong-name]",
+          "d:1:7: warning: the element \"TimeStamp\" is ignored; did you mean timeStamp? [wrong-name]",
           "d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
           "[no-altobjid] <- wrong-name of d",
-          "d:2:44: warning: \"Altobjid\" is ignored; was altobjid meant? [wrong-name]"},
+          "d:2:44: warning: the element \"Altobjid\" is ignored; did you mean altobjid? [wrong-name]"},
          clean},
         {"the same wrong name again",
          EHazard::kWrongName,
          of(backup("1", good + "<Type>1</Type>\n<Type>1</Type>")),
-         {"d:3:1: warning: \"Type\" is ignored; was type meant? [wrong-name]",
-          "d:4:1: warning: \"Type\" is ignored; was type meant? [wrong-name] <- wrong-name of d"},
+         {"d:3:1: warning: the element \"Type\" is ignored; did you mean type? [wrong-name]",
+          "d:4:1: warning: the element \"Type\" is ignored; did you mean type? [wrong-name] <- wrong-name of "
+          "d"},
          clean},
         {"a wrong name of one Node is no reason for another",
          EHazard::kWrongName,
@@ -208,42 +206,40 @@ std::vector<SCheckRow> withinDocuments() {
                    "<Node><Altobjid>none</Altobjid></Node>")),
          {"d:2:14: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
           "[no-altobjid]",
-          "d:3:7: warning: \"Altobjid\" is ignored; was altobjid meant? [wrong-name]"},
+          "d:3:7: warning: the element \"Altobjid\" is ignored; did you mean altobjid? [wrong-name]"},
          clean},
         {"data without a Node",
          EHazard::kNoNode,
          of("<a>\n<objid>1</objid></a>"),
-         {"d:1:1: error: no Node was read, so that the document adds no backup [no-node]",
-          "d:2:1: warning: objid stands in no Node and is ignored [outside-node] <- no-node of d"},
+         {"d:1:1: error: there is no Node, so the document adds no backup [no-node]",
+          "d:2:1: warning: objid is not inside a Node and is ignored [outside-node] <- no-node of d"},
          clean},
         {"a time stamp before the Node",
          EHazard::kOutsideNode,
          of("<a><timeStamp>1</timeStamp>\n<Node>" + good + "</Node></a>"),
-         {"d:1:4: warning: timeStamp stands before the first Node and is ignored [outside-node]",
-          "d:2:1: error: the backup has no time stamp and counts as older than all that have one "
+         {"d:1:4: warning: timeStamp is before the first Node and is ignored [outside-node]",
+          "d:2:1: error: the backup has no time stamp and counts as older than all backups that have one "
           "[no-time-stamp] <- outside-node of d"},
          clean},
         {"the time stamp of a Node that does not count",
          EHazard::kSeveralNodes,
          of("<a><Node><timeStamp>1</timeStamp></Node>\n<Node>" + good + "</Node></a>"),
-         {"d:2:1: error: 2 Nodes stand side by side, of which only the last counts; 0 devices of the others "
-          "are "
-          "lost [several-nodes]",
-          "d:2:1: error: the backup has no time stamp and counts as older than all that have one "
+         {"d:2:1: error: 2 Nodes are side by side, and only the last counts; 0 devices of the others do not "
+          "[several-nodes]",
+          "d:2:1: error: the backup has no time stamp and counts as older than all backups that have one "
           "[no-time-stamp] <- several-nodes of d"},
          clean},
         {"an empty altobjid that takes the objid",
          EHazard::kEmptyElement,
          of(backup("1", "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid/></Node>")),
-         {"d:2:44: warning: altobjid is empty and takes the text before it, \"UDID##v##m##encA##lun1\" "
-          "[empty-element]",
+         {"d:2:44: warning: altobjid contains no text and takes the text before it, "
+          "\"UDID##v##m##encA##lun1\" [empty-element]",
           unknownFurther("2:55", "encA##lun1", "\"encA##lun1\"", "empty-element of d")},
          clean},
         {"an identifier in two pieces",
          EHazard::kSplitValue,
          of(backup("1", device("encA##lun1", "encA##<!-- -->snap1"))),
-         {"d:2:54: error: the text of altobjid consists of 2 pieces, of which only the last counts, "
-          "\"snap1\" "
+         {"d:2:54: error: the text of altobjid consists of 2 pieces; only the last counts: \"snap1\" "
           "[split-value]",
           "d:2:54: error: malformed identifier \"snap1\": it holds neither UDID## nor UEID## (code 2); an "
           "exception ends the call [malformed-identifier] <- split-value of d"},
@@ -254,9 +250,9 @@ std::vector<SCheckRow> withinDocuments() {
             "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##encA##lun1</objid><altobjid>&e;</altobjid></"
             "Node>"),
          {"d:1:1: warning: the document has a DOCTYPE; the entities that it declares are expanded [doctype]",
-          "d:2:68: warning: altobjid is empty and takes the text before it, \"UDID##v##m##encA##lun1\" "
-          "[empty-element] <- external-entity of d",
-          "d:2:78: error: the document refers to \"e\", which is not opened here [external-entity]",
+          "d:2:68: warning: altobjid contains no text and takes the text before it, "
+          "\"UDID##v##m##encA##lun1\" [empty-element] <- external-entity of d",
+          "d:2:78: error: the document refers to \"e\", which the check does not open [external-entity]",
           unknownFurther("2:78", "encA##lun1", "\"encA##lun1\"", "external-entity of d")},
          clean},
     };
@@ -282,9 +278,9 @@ std::vector<SCheckRow> acrossDocuments() {
          {kConfiguration,
           {{"a", backup("10", device("encA##lun1", "encA##snap1"))},
            {"b", backup("1<!-- -->2", device("encA##lun1", "encA##snap2"))}}},
-         {"b:1:18: error: the text of timeStamp consists of 2 pieces, of which only the last counts, \"2\" "
+         {"b:1:18: error: the text of timeStamp consists of 2 pieces; only the last counts: \"2\" "
           "[split-value]",
-          "b:1:18: error: the time stamp \"2\" differs in width from \"10\" of a [mixed-time-stamps] <- "
+          "b:1:18: error: the time stamp \"2\" differs in width from \"10\" in a [mixed-time-stamps] <- "
           "split-value of b"},
          clean},
     };

@@ -42,13 +42,13 @@ std::vector<SCheckRow> deviceRows() {
         {"no time stamp",
          EHazard::kNoTimeStamp,
          {"encA##lun1;snap1", {{"d", "<a>\n" + device("encA##lun1", "encA##snap1") + "</a>"}}},
-         {"d:2:1: error: the backup has no time stamp and counts as older than all that have one "
+         {"d:2:1: error: the backup has no time stamp and counts as older than all backups that have one "
           "[no-time-stamp]"},
          clean},
         {"a job only",
          EHazard::kNoDevice,
          of("<objid>JOB##nightly</objid>"),
-         {"d:1:1: warning: the backup names no device: no objid holds UDID## [no-device]"},
+         {"d:1:1: warning: the backup names no device: no objid contains UDID## [no-device]"},
          clean},
         {"no altobjid",
          EHazard::kNoAltobjid,
@@ -66,14 +66,13 @@ std::vector<SCheckRow> deviceRows() {
          EHazard::kUnusedAltobjid,
          of(device("encA##lun1", "encA##snap1") + "\n" +
             node("udid##v##m##encA##lun2", "UDID##v##m##encA##snap3")),
-         {"d:3:54: error: the altobjid \"UDID##v##m##encA##snap3\" is not used: the objid of its "
-          "Node holds no UDID## [unused-altobjid]"},
+         {"d:3:54: error: the altobjid \"UDID##v##m##encA##snap3\" is not used: the objid of its Node does "
+          "not contain UDID## [unused-altobjid]"},
          of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun2", "encA##snap3"))},
         {"an altobjid without an objid",
          EHazard::kUnusedAltobjid,
          of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>UEID##v##m##e</altobjid></Node>"),
-         {"d:3:17: error: the altobjid \"UEID##v##m##e\" is not used: the objid of its Node holds "
-          "no "
+         {"d:3:17: error: the altobjid \"UEID##v##m##e\" is not used: the objid of its Node does not contain "
           "UDID## [unused-altobjid]"},
          of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>none</altobjid></Node>")},
         malformed("snap1", "it holds neither UDID## nor UEID## (code 2)", "UDID##v##m##encA##snap9",
@@ -94,29 +93,28 @@ std::vector<SCheckRow> deviceRows() {
         {"after a pair that matches nothing, in the order of objids",
          EHazard::kMalformedIdentifier,
          of(node("UDID##v##m##encA##lun1", "none") + "\n" + device("encA##lun0", "encA##snap1")),
-         {"d:2:54: error: malformed identifier \"none\": it holds neither UDID## nor UEID## (code "
-          "2); it is not looked at, for a pair before it matches nothing [malformed-identifier]",
-          "d:3:26: error: \"encA##lun0\" is the first target of no configuration; the nearest is "
-          "\"encA##lun1\" [pair-matches-nothing]"},
+         {"d:2:54: error: malformed identifier \"none\": it holds neither UDID## nor UEID## (code 2); it is "
+          "not checked, because a pair before it matches no configuration [malformed-identifier]",
+          "d:3:26: error: \"encA##lun0\" is the first target of no configuration; did you mean "
+          "\"encA##lun1\"? [pair-matches-nothing]"},
          clean},
         {"two targets for an objid",
          EHazard::kSameObjid,
          of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun1", "encA##snap2")),
-         {"d:3:14: error: an earlier Node has the objid \"UDID##v##m##encA##lun1\" too; its "
-          "altobjid "
-          "\"UDID##v##m##encA##snap1\" is lost [same-objid]"},
+         {"d:3:14: error: an earlier Node has the objid \"UDID##v##m##encA##lun1\" too; its altobjid "
+          "\"UDID##v##m##encA##snap1\" does not count [same-objid]"},
          of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun1", "encA##snap1"))},
         {"a first target that is not configured",
          EHazard::kPairMatchesNothing,
          of(device("ENCA##LUN1", "encA##snap1")),
-         {"d:2:26: error: \"ENCA##LUN1\" is the first target of no configuration; the nearest is "
-          "\"encA##lun1\" [pair-matches-nothing]"},
+         {"d:2:26: error: \"ENCA##LUN1\" is the first target of no configuration; did you mean "
+          "\"encA##lun1\"? [pair-matches-nothing]"},
          clean},
         {"a further target of another configuration",
          EHazard::kPairMatchesNothing,
          of(device("encA##lun2", "encA##snap1")),
-         {"d:2:66: error: \"encA##snap1\" is no further target of \"encA##lun2\"; the nearest is "
-          "\"encA##snap3\" [pair-matches-nothing]"},
+         {"d:2:66: error: \"encA##snap1\" is not a further target of \"encA##lun2\"; did you mean "
+          "\"encA##snap3\"? [pair-matches-nothing]"},
          of(device("encA##lun2", "encA##snap3"))},
         {"nothing like it is configured",
          EHazard::kPairMatchesNothing,
@@ -127,24 +125,24 @@ std::vector<SCheckRow> deviceRows() {
         {"white space around an identifier",
          EHazard::kPairMatchesNothing,
          of(node("UDID##v##m##encA##lun1", "\n      UDID##v##m##encA##snap2\n")),
-         {"d:3:19: error: \"encA##snap2\n\" is no further target of \"encA##lun1\"; the nearest is "
-          "\"encA##snap2\" [pair-matches-nothing]"},
+         {"d:3:19: error: \"encA##snap2\n\" is not a further target of \"encA##lun1\"; did you mean "
+          "\"encA##snap2\"? [pair-matches-nothing]"},
          clean},
         {"a configuration that was lost",
          EHazard::kPairMatchesNothing,
          {"encA##lun1;snap1&;&encA##lun2;snap3",
           {{"d", "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
-         {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 "
-          "are lost, configuration 1 is used [configuration-rejected]",
-          "d:1:56: error: \"encA##lun2\" is the first target of no configuration; the nearest is "
-          "\"encA##lun1\" [pair-matches-nothing] <- configuration-rejected of config"},
+         {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 are not "
+          "used, but configuration 1 is [configuration-rejected]",
+          "d:1:56: error: \"encA##lun2\" is the first target of no configuration; did you mean "
+          "\"encA##lun1\"? [pair-matches-nothing] <- configuration-rejected of config"},
          clean},
         {"one target, two spellings of its device",
          EHazard::kTargetHeldTwice,
          of(device("encA##lun1", "encA##snap1") + "\n" +
             node("UDID##w##m##encA##lun1", "UDID##v##m##encA##snap1")),
-         {"d:3:66: error: \"encA##snap1\" is held by another pair of this backup already, which "
-          "makes the backup invalid [target-held-twice]"},
+         {"d:3:66: error: another pair of this backup holds \"encA##snap1\" already, so the backup is "
+          "invalid [target-held-twice]"},
          of(device("encA##lun1", "encA##snap1") + "\n" +
             node("UDID##w##m##encA##lun1", "UDID##v##m##encA##snap2"))},
     };

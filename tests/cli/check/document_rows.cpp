@@ -69,25 +69,25 @@ std::vector<SCheckRow> byteRows() {
         {"two NULs, and a place after them",
          EHazard::kNulByte,
          of(backup("<!--\0 lost\n-->\0\n<type/>\n"s)),
-         {"d:5:5: error: a NUL byte, the first of those that cut 2 lines off [nul-byte]",
-          "d:7:1: warning: type is empty and takes the text before it, \"\n\" [empty-element]"},
+         {"d:5:5: error: NUL bytes cut off the rest of 2 lines; this is the first [nul-byte]",
+          "d:7:1: warning: type contains no text and takes the text before it, \"\n\" [empty-element]"},
          of(backup("<!--\n-->\n"))},
         {"UTF-16",
          EHazard::kUtf16,
          of(wide(backup(), '\xFF', '\xFE')),
-         {"d:1:1: error: the document is written in UTF-16, which reading it up to the NUL bytes "
-          "of its lines damages [utf-16]"},
+         {"d:1:1: error: the document is encoded in UTF-16, and each of its lines is read only up to its "
+          "first NUL byte; save it as UTF-8 [utf-16]"},
          of("\xEF\xBB\xBF" + backup())},
         {"another encoding than declared",
          EHazard::kEncodingMismatch,
          of(latin + backup("<x>\xC3\xA4</x>\n")),
-         {"d:6:4: warning: the document declares \"ISO-8859-1\"; the document looks like UTF-8 "
-          "from here on [encoding-mismatch]"},
+         {"d:6:4: warning: the document declares \"ISO-8859-1\"; from here on its bytes look like UTF-8 "
+          "[encoding-mismatch]"},
          of(latin + backup("<x>\xE4</x>\n"))},
         {"the mark of UTF-8 and another encoding",
          EHazard::kEncodingMismatch,
          of("\xEF\xBB\xBF" + latin + backup()),
-         {"d:1:1: warning: the document begins with the mark of UTF-8 and declares "
+         {"d:1:1: warning: the document begins with the byte-order mark of UTF-8, but declares "
           "\"ISO-8859-1\" [encoding-mismatch]"},
          of(latin + backup())},
     };
@@ -98,17 +98,15 @@ std::vector<SCheckRow> xmlRows() {
         {"not ended",
          EHazard::kMalformedXml,
          of("<a>\n" + backup()),
-         {"d:6:8: error: not well-formed: input ended before all started tags were ended; last tag "
-          "started is 'a'; what was read before is used, 1 Node with 1 device [malformed-xml]"},
+         {"d:6:8: error: not well-formed: input ended before all started tags were ended; last tag started "
+          "is 'a'; the library uses what comes before: 1 Node with 1 device [malformed-xml]"},
          of("<a>\n" + backup() + "</a>")},
         {"nothing of use",
          EHazard::kMalformedXml,
          of(""),
-         {"d:1:1: error: not well-formed: invalid document structure; what was read before is "
-          "used, "
-          "0 Nodes with 0 devices [malformed-xml]",
-          "d:1:1: error: no Node was read, so that the document adds no backup [no-node] <- "
-          "malformed-xml of d"},
+         {"d:1:1: error: not well-formed: invalid document structure; the library uses what comes before: 0 "
+          "Nodes with 0 devices [malformed-xml]",
+          "d:1:1: error: there is no Node, so the document adds no backup [no-node] <- malformed-xml of d"},
          of(backup())},
         {"a DOCTYPE",
          EHazard::kDoctype,
@@ -120,7 +118,7 @@ std::vector<SCheckRow> xmlRows() {
          EHazard::kExternalEntity,
          of(withDtd("<!ENTITY e SYSTEM \"/no/such/e.txt\">", "<x>&e;</x>\n")),
          {kDoctype,
-          "d:7:4: error: the document refers to \"/no/such/e.txt\", which is not opened here "
+          "d:7:4: error: the document refers to \"/no/such/e.txt\", which the check does not open "
           "[external-entity]"},
          of(withDtd("<!ENTITY e SYSTEM \"/no/such/e.txt\">")),
          {"doctype"}},
@@ -128,7 +126,7 @@ std::vector<SCheckRow> xmlRows() {
          EHazard::kExternalEntity,
          of("<!DOCTYPE Node SYSTEM \"/no/such.dtd\">\n" + backup()),
          {kDoctype,
-          "d:1:1: error: the document refers to \"/no/such.dtd\", which is not opened here "
+          "d:1:1: error: the document refers to \"/no/such.dtd\", which the check does not open "
           "[external-entity]"},
          of("<!DOCTYPE Node>\n" + backup()),
          {"doctype"}},
@@ -136,7 +134,7 @@ std::vector<SCheckRow> xmlRows() {
          EHazard::kNestedEntities,
          of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"&a;\">\n")),
          {kDoctype,
-          "d:3:1: error: the entity \"b\" refers to another one; the document is not read on "
+          "d:3:1: error: the entity \"b\" refers to another one; the document is read only up to here "
           "[nested-entities]"},
          of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"y\">\n")),
          {"doctype"}},
@@ -151,45 +149,43 @@ std::vector<SCheckRow> formRows() {
         {"another root",
          EHazard::kNoNode,
          of("<a>\n<b/></a>"),
-         {"d:1:1: error: no Node was read, so that the document adds no backup [no-node]"},
+         {"d:1:1: error: there is no Node, so the document adds no backup [no-node]"},
          of("<a>\n" + backup() + "</a>")},
         {"side by side",
          EHazard::kSeveralNodes,
          of("<a>\n" + lost + "\n" + backup() + "</a>"),
-         {"d:3:1: error: 2 Nodes stand side by side, of which only the last counts; 1 device of "
-          "the "
-          "others is lost [several-nodes]"},
+         {"d:3:1: error: 2 Nodes are side by side, and only the last counts; 1 device of the others does not "
+          "[several-nodes]"},
          of("<a>\n" + backup("<Node><objid>JOB</objid></Node><Node><objid>JOB</objid></Node>") + "</a>")},
         {"three of them",
          EHazard::kSeveralNodes,
          of("<a>\n" + lost + "\n" + lost + "\n" + backup() + "</a>"),
-         {"d:3:1: error: 3 Nodes stand side by side, of which only the last counts; 2 devices of "
-          "the "
-          "others are lost [several-nodes]"},
+         {"d:3:1: error: 3 Nodes are side by side, and only the last counts; 2 devices of the others do not "
+          "[several-nodes]"},
          of(backup())},
         {"before the Node",
          EHazard::kOutsideNode,
          of("<a>\n <type>7</type>\n <timeStamp>2</timeStamp>\n" + backup() + "</a>"),
-         {"d:2:2: warning: type stands in no Node and is ignored [outside-node]",
-          "d:3:2: warning: timeStamp stands before the first Node and is ignored [outside-node]"},
+         {"d:2:2: warning: type is not inside a Node and is ignored [outside-node]",
+          "d:3:2: warning: timeStamp is before the first Node and is ignored [outside-node]"},
          of(backup("<type>7</type>"))},
         {"behind the Node",
          EHazard::kOutsideNode,
          of("<a>" + backup() + "\n<objid>x</objid><altobjid>y</altobjid><splitType>z</splitType></a>"),
-         {"d:6:1: warning: objid stands in no Node and is ignored [outside-node]",
-          "d:6:17: warning: altobjid stands in no Node and is ignored [outside-node]",
-          "d:6:39: warning: splitType stands in no Node and is ignored [outside-node]"},
+         {"d:6:1: warning: objid is not inside a Node and is ignored [outside-node]",
+          "d:6:17: warning: altobjid is not inside a Node and is ignored [outside-node]",
+          "d:6:39: warning: splitType is not inside a Node and is ignored [outside-node]"},
          of("<a>" + backup() + "\n<timeStamp>1</timeStamp></a>")},
         {"another case",
          EHazard::kWrongName,
          of(backup("<NODE><ObjID>x</ObjID></NODE>\n")),
-         {"d:5:1: warning: \"NODE\" is ignored; was Node meant? [wrong-name]",
-          "d:5:7: warning: \"ObjID\" is ignored; was objid meant? [wrong-name]"},
+         {"d:5:1: warning: the element \"NODE\" is ignored; did you mean Node? [wrong-name]",
+          "d:5:7: warning: the element \"ObjID\" is ignored; did you mean objid? [wrong-name]"},
          of(backup("<Nodes><objids>x</objids></Nodes>\n"))},
         {"a prefix",
          EHazard::kWrongName,
          of(backup("<x:timeStamp xmlns:x=\"u>\">9</x:timeStamp>\n")),
-         {"d:5:1: warning: \"x:timeStamp\" is ignored; was timeStamp meant? [wrong-name]"},
+         {"d:5:1: warning: the element \"x:timeStamp\" is ignored; did you mean timeStamp? [wrong-name]"},
          of(backup("<x:stamp xmlns:x=\"u>\">9</x:stamp>\n"))},
     };
 }
@@ -201,20 +197,19 @@ std::vector<SCheckRow> valueRows() {
                          EHazard::kSplitValue,
                          of(backup("<splitType>" + value + "</splitType>\n")),
                          {"d:5:12: error: the text of splitType consists of " + pieces +
-                          " pieces, of which only the last counts, \"" + last + "\" [split-value]"},
+                          " pieces; only the last counts: \"" + last + "\" [split-value]"},
                          of(backup("<splitType>" + neighbour + "</splitType>\n"))};
     };
     return {
         {"between others",
          EHazard::kEmptyElement,
          of(backup("<type>7</type><splitType/>\n")),
-         {"d:5:15: warning: splitType is empty and takes the text before it, \"7\" "
-          "[empty-element]"},
+         {"d:5:15: warning: splitType contains no text and takes the text before it, \"7\" [empty-element]"},
          of(backup("<type>7</type><splitType> </splitType>\n"))},
         {"with an end tag and a comment",
          EHazard::kEmptyElement,
          of(backup("<type><!-- x --></type>\n")),
-         {"d:5:1: warning: type is empty and takes the text before it, \"\n\" [empty-element]"},
+         {"d:5:1: warning: type contains no text and takes the text before it, \"\n\" [empty-element]"},
          of(backup("<x/>\n"))},
         split("a&amp;b", "2", "&b", "a+b"),
         split("a<!-- -->b", "2", "b", "<!-- -->b<!-- -->"),
@@ -227,16 +222,15 @@ std::vector<SCheckRow> valueRows() {
          EHazard::kSplitValue,
          of(withDtd("<!ENTITY e \"lun\">", "<splitType>a&e;</splitType>\n")),
          {kDoctype,
-          "d:7:12: error: the text of splitType consists of 2 pieces, of which only the last "
-          "counts, "
-          "\"lun\" [split-value]"},
+          "d:7:12: error: the text of splitType consists of 2 pieces; only the last counts: \"lun\" "
+          "[split-value]"},
          of(withDtd("<!ENTITY e \"lun\">", "<splitType>&e;</splitType>\n")),
          {"doctype"}},
         {"more than a mebibyte",
          EHazard::kLongText,
          of(backup("<type>" + times(kMebibyte + 1, "7") + "</type>\n")),
-         {"d:5:7: error: the text of type is longer than 1 MiB and read in 2 pieces, of which only "
-          "the last counts, \"" +
+         {"d:5:7: error: the text of type is longer than 1 MiB and is read in 2 pieces; only the last "
+          "counts: \"" +
           times(80, "7") + "...\" [long-text]"},
          of(backup("<type>" + times(kMebibyte, "7") + "</type>\n"))},
         {"another altobjid",
@@ -268,29 +262,30 @@ std::vector<SCheckRow> limitRows() {
         {"a parameter entity",
          EHazard::kReadingLimit,
          of(withDtd("<!ENTITY % a \"x\">\n")),
-         {kDoctype, "d:2:1: error: a parameter entity; the document is not read on [reading-limit]"},
+         {kDoctype, "d:2:1: error: a parameter entity; the document is read only up to here [reading-limit]"},
          of(withDtd("<!ENTITY a \"x\">\n")),
          {"doctype"}},
         {"a long entity",
          EHazard::kReadingLimit,
          of(withDtd("<!ENTITY a \"" + times(257, "x") + "\">\n")),
          {kDoctype,
-          "d:2:1: error: an entity of more than 256 characters; the document is not read on [reading-limit]"},
+          "d:2:1: error: an entity of more than 256 characters; the document is read only up to here "
+          "[reading-limit]"},
          of(withDtd("<!ENTITY a \"" + times(256, "x") + "\">\n")),
          {"doctype"}},
         {"a long default",
          EHazard::kReadingLimit,
          of(withDtd("<!ATTLIST a b CDATA \"" + times(257, "x") + "\">\n")),
          {kDoctype,
-          "d:2:1: error: a default of an attribute of more than 256 characters; the document is not read on "
-          "[reading-limit]"},
+          "d:2:1: error: a default of an attribute of more than 256 characters; the document is read only up "
+          "to here [reading-limit]"},
          of(withDtd("<!ATTLIST a b CDATA \"" + times(256, "x") + "\">\n")),
          {"doctype"}},
         {"101 references to entities",
          EHazard::kReadingLimit,
          of(withDtd("<!ENTITY e \"x\">", "<x>" + times(101, "&e;") + "</x>\n")),
          {kDoctype,
-          "d:7:307: error: more than 100 references to entities; the document is not read on "
+          "d:7:307: error: more than 100 references to entities; the document is read only up to here "
           "[reading-limit]"},
          of(withDtd("<!ENTITY e \"x\">", "<x>" + times(100, "&e;") + "</x>\n")),
          {"doctype"}},
@@ -298,38 +293,41 @@ std::vector<SCheckRow> limitRows() {
          EHazard::kReadingLimit,
          of(withDtd(attributes(32) + "\n<!ATTLIST a last CDATA \"\">")),
          {kDoctype,
-          "d:3:1: error: more than 32 attributes declared in the DTD; the document is not read on "
+          "d:3:1: error: more than 32 attributes declared in the DTD; the document is read only up to here "
           "[reading-limit]"},
          of(withDtd(attributes(32))),
          {"doctype"}},
         {"elements 257 deep",
          EHazard::kReadingLimit,
          of(backup(times(256, "<a>") + times(256, "</a>") + "\n")),
-         {"d:5:766: error: elements nested more than 256 deep; the document is not read on [reading-limit]"},
+         {"d:5:766: error: elements nested more than 256 deep; the document is read only up to here "
+          "[reading-limit]"},
          of(backup(times(255, "<a>") + times(255, "</a>") + "\n"))},
         {"257 element names",
          EHazard::kReadingLimit,
          // Beside the four of the backup.
          of(backup(elements(253) + "\n")),
-         {"d:5:1655: error: more than 256 different element names; the document is not read on "
+         {"d:5:1655: error: more than 256 different element names; the document is read only up to here "
           "[reading-limit]"},
          of(backup(elements(252) + "\n"))},
         {"a long tag",
          EHazard::kReadingLimit,
          of(backup("<a b='" + times(8184, "x") + "'/>\n")),
-         {"d:5:1: error: a tag of more than 8192 bytes; the document is not read on [reading-limit]"},
+         {"d:5:1: error: a tag of more than 8192 bytes; the document is read only up to here "
+          "[reading-limit]"},
          of(backup("<a b='" + times(8183, "x") + "'/>\n"))},
         {"a long DTD",
          EHazard::kReadingLimit,
          of(withDtd("<!--" + times(16384, "x") + "-->")),
          {kDoctype,
-          "d:1:1: error: a DTD of more than 16384 bytes; the document is not read on [reading-limit]"},
+          "d:1:1: error: a DTD of more than 16384 bytes; the document is read only up to here "
+          "[reading-limit]"},
          of(withDtd("<!--" + times(16000, "x") + "-->")),
          {"doctype"}},
         {"an encoding whose bytes do not show the tags",
          EHazard::kReadingLimit,
          of("<?xml version=\"1.0\" encoding=\"UTF-7\"?>\n" + backup()),
-         {"d:1:1: error: an encoding that is not read; the document is not read on [reading-limit]"},
+         {"d:1:1: error: an encoding that is not read; the document is read only up to here [reading-limit]"},
          of("<?xml version=\"1.0\" encoding=\"US-ASCII\"?>\n" + backup())},
     };
 }

@@ -35,20 +35,19 @@ TEST(FiRotateCheck, FindsInTheExamplesADeviceThatIsNoLongerConfiguredATargetHeld
     const auto result = runFiRotate(checkOfExamples());
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_EQ(result.error, "");
-    EXPECT_EQ(
-        result.output,
-        example("backup-2026-10-02.xml") +
-            ":19:38: error: \"ENC-A##VOL-0013\" is the first target of no configuration; the "
-            "nearest is \"ENC-A##VOL-0011\" [pair-matches-nothing]\n"
-            "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
-            "                                         ^\n" +
-            example("backup-2026-10-08.xml") +
-            ":12:41: error: \"ENC-A##SNP-0103\" is held by 2 backups: " + example("backup-2026-10-08.xml") +
-            ", the newest, claims it; " + example("backup-2026-10-04.xml") +
-            " becomes invalid [target-held-by-several]\n"
-            "          <altobjid>UDID##EXAMPLE##ARRAY-9##ENC-A##SNP-0103</altobjid>\n"
-            "                                            ^\n"
-            "2 errors, no warnings; checked the configuration and 8 documents\n");
+    EXPECT_EQ(result.output, example("backup-2026-10-02.xml") +
+                                 ":19:38: error: \"ENC-A##VOL-0013\" is the first target of no "
+                                 "configuration; did you mean \"ENC-A##VOL-0011\"? [pair-matches-nothing]\n"
+                                 "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
+                                 "                                         ^\n" +
+                                 example("backup-2026-10-08.xml") +
+                                 ":12:41: error: \"ENC-A##SNP-0103\" is held by 2 backups: " +
+                                 example("backup-2026-10-08.xml") + ", the newest, claims it; " +
+                                 example("backup-2026-10-04.xml") +
+                                 " becomes invalid [target-held-by-several]\n"
+                                 "          <altobjid>UDID##EXAMPLE##ARRAY-9##ENC-A##SNP-0103</altobjid>\n"
+                                 "                                            ^\n"
+                                 "2 errors, no warnings; checked the configuration and 8 documents\n");
 }
 
 // A carriage return before each line end is the terminal's.
@@ -76,7 +75,7 @@ TEST(FiRotateCheck, EndsWithFiveWhenThereAreWarningsOnly) {
     const auto result = runFiRotate({"check", "--config", "encA##lun1;snap1; snap2"});
     EXPECT_EQ(result.exitStatus, 5);
     EXPECT_EQ(result.output,
-              "--config:1:18: warning: \"encA## snap2\" has a blank at the start or end of a name "
+              "--config:1:18: warning: \"encA## snap2\" has a name that begins or ends with a blank "
               "[blank-in-target]\n"
               "    encA##lun1;snap1; snap2\n"
               "                     ^\n"
@@ -96,8 +95,7 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
            {"severity", "error"},
            {"name", "pair-matches-nothing"},
            {"text",
-            "\"ENC-A##VOL-0013\" is the first target of no configuration; the nearest is "
-            "\"ENC-A##VOL-0011\""},
+            "\"ENC-A##VOL-0013\" is the first target of no configuration; did you mean \"ENC-A##VOL-0011\"?"},
            {"caused_by", nullptr},
            {"count", 1}},
           {{"file", example("backup-2026-10-08.xml")},
@@ -135,25 +133,24 @@ protected:
 TEST_F(FiRotateCheckFolding, TellsWhatFollowsFromAFaultAndWhatRepeatsItInALineUnderIt) {
     const auto result = runFiRotate(check());
     EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_EQ(
-        result.output,
-        configuration +
-            ":1:1: error: configuration rejected: \"# daily\" has no enclosure, which a first target needs "
-            "(there are no comments); configurations 1 to 2 are lost, none is left and the call succeeds "
-            "with an empty selection [configuration-rejected]\n"
-            "    # daily\n"
-            "    ^\n"
-            "    consequences: 1 error in " +
-            a + " [pair-matches-nothing]\n" + b +
-            ":1:50: error: \"encC##vol9\" is the first target of no configuration "
-            "[pair-matches-nothing]\n"
-            "    <Node><timeStamp>2</timeStamp><objid>UDID##v##m##encC##vol9</objid>\n"
-            "                                                     ^\n"
-            "    the same: 1 error in " +
-            c +
-            "\n"
-            "4 errors, no warnings; 2 of these follow from others or repeat them; checked the "
-            "configuration and 3 documents\n");
+    EXPECT_EQ(result.output,
+              configuration +
+                  ":1:1: error: configuration rejected: \"# daily\" has no enclosure, which a first target "
+                  "needs (a configuration cannot contain comments); configurations 1 to 2 are not used, and "
+                  "the call succeeds with an empty selection [configuration-rejected]\n"
+                  "    # daily\n"
+                  "    ^\n"
+                  "    consequences: 1 error in " +
+                  a + " [pair-matches-nothing]\n" + b +
+                  ":1:50: error: \"encC##vol9\" is the first target of no configuration "
+                  "[pair-matches-nothing]\n"
+                  "    <Node><timeStamp>2</timeStamp><objid>UDID##v##m##encC##vol9</objid>\n"
+                  "                                                     ^\n"
+                  "    the same: 1 error in " +
+                  c +
+                  "\n"
+                  "4 errors, no warnings; 2 of these follow from others or repeat them; checked the "
+                  "configuration and 3 documents\n");
 }
 
 TEST_F(FiRotateCheckFolding, TellsOfEachInJsonAndNamesItsCause) {
@@ -197,15 +194,15 @@ TEST(FiRotateCheck, TakesAWholeCallFromARequest) {
         "call.json", R"({"configuration": "encA##lun1", "backups": [{"file": "/", "flag_word": 4}]})");
     const auto result = runFiRotate({"check", "--request", request});
     EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_EQ(result.output,
-              request +
-                  " (configuration):1:1: error: \"encA##lun1\" has no further targets, so that "
-                  "no call succeeds [no-further-targets]\n"
-                  "    encA##lun1\n"
-                  "    ^\n"
-                  "/:1:1: error: a folder, which the library reads as an empty document "
-                  "[not-a-file]\n"
-                  "2 errors, no warnings; checked the configuration and 1 document\n");
+    EXPECT_EQ(
+        result.output,
+        request +
+            " (configuration):1:1: error: \"encA##lun1\" has no further targets, so no call can succeed "
+            "[no-further-targets]\n"
+            "    encA##lun1\n"
+            "    ^\n"
+            "/:1:1: error: this is a folder, which the library reads as an empty document [not-a-file]\n"
+            "2 errors, no warnings; checked the configuration and 1 document\n");
 }
 
 TEST(FiRotateCheck, ReportsANulInAConfigurationFileRatherThanRefusingIt) {
@@ -222,8 +219,8 @@ TEST(FiRotateCheck, ReportsANulInAConfigurationFileRatherThanRefusingIt) {
 TEST(FiRotateCheck, ShowsBytesThatAreNotPrintableAndPutsTheCaretUnderThePlace) {
     const auto result = runFiRotate({"check", "--config", "e\xFF\x1B[##\xE6\xBC\xA2;s1; s2"});
     EXPECT_EQ(result.output,
-              "--config:1:12: warning: \"e\\xFF\\x1B[## s2\" has a blank at the start or end of a "
-              "name [blank-in-target]\n"
+              "--config:1:12: warning: \"e\\xFF\\x1B[## s2\" has a name that begins or ends with a blank "
+              "[blank-in-target]\n"
               "    e\\xFF\\x1B[##\xE6\xBC\xA2;s1; s2\n"
               "                      ^\n"
               "no errors, 1 warning; checked the configuration and no documents\n");
@@ -240,7 +237,7 @@ TEST(FiRotateCheck, ShowsTwentyOfAHazardAndCountsTheOthers) {
     const std::string file = folder.write("d.xml", document + "</Node>");
     const auto result = runFiRotate({"check", "--config", "e##l;s", file});
     EXPECT_EQ(result.exitStatus, 5);
-    EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: type is empty"));
+    EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: type contains no text"));
     EXPECT_THAT(result.output, Not(HasSubstr(file + ":22:1:")));
     EXPECT_THAT(result.output, HasSubstr(file + ":21:1: warning: and 3 more of these [empty-element]\n"));
     EXPECT_THAT(result.output, HasSubstr("no errors, 23 warnings;"));
