@@ -282,7 +282,7 @@ private:
     void checkReading() {
         if (reading.count == 0) {
             report(EHazard::kNoConfiguration, 0,
-                   "there is no configuration; the call succeeds with an empty selection", cut);
+                   "there is no configuration; a call succeeds with an empty selection", cut);
             unread.addAll(cut.value_or(EHazard::kNoConfiguration));
         }
         if (reading.fault.has_value()) {
@@ -294,7 +294,7 @@ private:
         const std::size_t used = reading.used.size();
         const std::string unused = range(used + 1, reading.count) +
                                    (used + 1 == reading.count ? " is not used, " : " are not used, ");
-        const std::string rest = used == 0 ? "and the call succeeds with an empty selection"
+        const std::string rest = used == 0 ? "and a call succeeds with an empty selection"
                                            : "but " + range(1, used) + (used == 1 ? " is" : " are");
         const bool isComment = startsWith(fault.target, "#");
         const bool isMark = fault.target == kByteOrderMark;

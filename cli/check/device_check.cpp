@@ -14,20 +14,24 @@
 namespace fi_rotate {
 namespace {
 
-// Keeps the configured name that is nearest to one that is not.
+// Finds the configured name that is most like one that is not configured, which may be a misspelling of it.
 class CNearest {
 public:
     explicit CNearest(const std::string& given)
         : name(given), least(std::min(kFarthest, name.size() / kCharactersForEach) + 1) {}
 
     void consider(const std::string& candidate) {
-        const std::size_t found = distance(name, candidate, least);
+        const std::size_t found = distance(name, candidate, least + 1);
         if (found < least) {
             least = found;
             nearest = candidate;
+        } else if (found == least && candidate != nearest) {
+            nearest.clear();
         }
     }
 
+    // Empty when no name is similar, or when several are equally similar: a guess could point to the wrong
+    // one.
     [[nodiscard]] const std::string& result() const { return nearest; }
 
 private:
@@ -158,9 +162,9 @@ private:
             return;
         }
         const std::string text =
-            isFirst ? fmt::format("{} is not a further target of {}{}", inQuotes(further), inQuotes(first),
-                                  suggestion(owner.nearestFurther(first, further)))
-                    : fmt::format("{} is the first target of no configuration{}", inQuotes(first),
+            isFirst ? fmt::format("{} is not among the further targets of {}{}", inQuotes(further),
+                                  inQuotes(first), suggestion(owner.nearestFurther(first, further)))
+                    : fmt::format("no configuration has the first target {}{}", inQuotes(first),
                                   suggestion(owner.nearestFirst(first)));
         if (!cause.has_value()) {
             const std::string& sayer = owner.said.emplace(text, findings.input()).first->second;

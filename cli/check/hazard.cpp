@@ -74,9 +74,9 @@ that it has read as if it were the whole document, and reports no error. Repair
 the file system, or restore the document.)"},
     {EHazard::kListedTwice, "listed-twice", ESeverity::kError,
      R"(A document is listed twice. It counts as two backups that hold the same targets.
-One of the two is invalid; which one is undefined. Both flag words receive the
-state of the same one of them, and the exclude bit of the last entry counts for
-both. List the document once.)"},
+One of the two becomes invalid, but both entries receive one and the same state:
+either that of the valid backup or that of the invalid one. The exclude bit of
+the last entry counts for both. List the document once.)"},
     {EHazard::kNulByte, "nul-byte", ESeverity::kError,
      R"(There is a NUL byte. In a document, the library ignores everything from the NUL
 byte to the end of the line, and the line end too; it reads a line that is
@@ -211,7 +211,7 @@ never released. Correct one of the pairs.)"},
 another. The backup with the newest time stamp claims the target. The others
 find it used: they are invalid and never released, and their other targets stay
 used. With equal time stamps it is undefined which backup claims the target.
-List only the document whose snapshot is on the target.)"},
+Give the library only the document whose snapshot is on the target.)"},
 }};
 
 static_assert(areInOrder(kKinds, &SHazardKind::hazard), "a row for each EHazard, in that order");

@@ -19,13 +19,13 @@ std::vector<SCheckRow> configurationRows() {
         {"empty",
          EHazard::kNoConfiguration,
          of(""),
-         {"config:1:1: error: there is no configuration; the call succeeds with an empty selection "
+         {"config:1:1: error: there is no configuration; a call succeeds with an empty selection "
           "[no-configuration]"},
          clean},
         {"separators only",
          EHazard::kNoConfiguration,
          of("&\n\r&amp;"),
-         {"config:1:1: error: there is no configuration; the call succeeds with an empty selection "
+         {"config:1:1: error: there is no configuration; a call succeeds with an empty selection "
           "[no-configuration]"},
          of("&\nencA##lun1;snap1&amp;")},
         {"no enclosure",
@@ -44,13 +44,13 @@ std::vector<SCheckRow> configurationRows() {
          EHazard::kConfigurationRejected,
          of(";;&encA##lun1;snap1"),
          {"config:1:1: error: configuration rejected: \";;\" has no targets; configurations 1 to 2 are not "
-          "used, and the call succeeds with an empty selection [configuration-rejected]"},
+          "used, and a call succeeds with an empty selection [configuration-rejected]"},
          of("encA##lun1;;snap1;")},
         {"an encoded ampersand",
          EHazard::kConfigurationRejected,
          of("R&amp;D##lun1;snap1"),
          {"config:1:1: error: configuration rejected: \"R\" has no enclosure, which a first target needs; "
-          "configurations 1 to 2 are not used, and the call succeeds with an empty selection "
+          "configurations 1 to 2 are not used, and a call succeeds with an empty selection "
           "[configuration-rejected]"},
          of("R&quot;D##lun1;snap1")},
         {"no further targets",

@@ -32,14 +32,14 @@ SCheckedCall of(const std::string& document) {
 
 std::string unknownFirst(const std::string& place, const std::string& first, const std::string& nearest,
                          const std::string& cause) {
-    return "d:" + place + ": error: \"" + first + "\" is the first target of no configuration" +
+    return "d:" + place + ": error: no configuration has the first target \"" + first + "\"" +
            (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?") + " [pair-matches-nothing] <- " +
            cause;
 }
 
 std::string unknownFurther(const std::string& place, const std::string& further, const std::string& rest,
                            const std::string& cause) {
-    return "d:" + place + ": error: \"" + further + "\" is not a further target of " + rest +
+    return "d:" + place + ": error: \"" + further + "\" is not among the further targets of " + rest +
            " [pair-matches-nothing] <- " + cause;
 }
 
@@ -51,7 +51,7 @@ std::vector<SCheckRow> ofConfigurations() {
         {"nothing is configured",
          EHazard::kNoConfiguration,
          with("\n"),
-         {"config:1:1: error: there is no configuration; the call succeeds with an empty selection "
+         {"config:1:1: error: there is no configuration; a call succeeds with an empty selection "
           "[no-configuration]",
           unknownFirst("2:26", "encA##lun1", "", "no-configuration of config"),
           unknownFirst("3:26", "encB##lun2", "", "no-configuration of config")},
@@ -60,7 +60,7 @@ std::vector<SCheckRow> ofConfigurations() {
          EHazard::kConfigurationRejected,
          with("# weekly\n" + std::string(kConfiguration)),
          {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
-          "needs (a configuration cannot contain comments); configurations 1 to 3 are not used, and the call "
+          "needs (a configuration cannot contain comments); configurations 1 to 3 are not used, and a call "
           "succeeds with an empty selection [configuration-rejected]",
           unknownFirst("2:26", "encA##lun1", "", rejected), unknownFirst("3:26", "encB##lun2", "", rejected)},
          clean},
@@ -124,7 +124,7 @@ std::vector<SCheckRow> ofConfigurations() {
          {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so no "
           "backup matches it; save the configuration without the mark [byte-order-mark]",
           "config:1:1: error: configuration rejected: \"\xEF\xBB\xBF\" has no enclosure, which a first "
-          "target needs; configuration 1 is not used, and the call succeeds with an empty selection "
+          "target needs; configuration 1 is not used, and a call succeeds with an empty selection "
           "[configuration-rejected] <- byte-order-mark of config"},
          clean},
         {"a byte-order mark of UTF-16",
@@ -133,7 +133,7 @@ std::vector<SCheckRow> ofConfigurations() {
          {"config:1:1: error: the configuration is encoded in UTF-16, so it is read only up to its first NUL "
           "byte; save it as UTF-8 [utf-16]",
           "config:1:1: error: configuration rejected: \"\xFE\xFF\" has no enclosure, which a first target "
-          "needs; configuration 1 is not used, and the call succeeds with an empty selection "
+          "needs; configuration 1 is not used, and a call succeeds with an empty selection "
           "[configuration-rejected] <- utf-16 of config",
           "config:1:3: error: a NUL byte ends the configuration here [nul-byte] <- utf-16 of config",
           unknownFirst("2:26", "encA##lun1", "", "utf-16 of config")},
@@ -150,9 +150,9 @@ std::vector<SCheckRow> ofConfigurations() {
          EHazard::kConfigurationRejected,
          {"# weekly\nencA##lun1;snap1", {{"d", backup("1", device("encC##vol9", "encC##snap9"))}}},
          {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
-          "needs (a configuration cannot contain comments); configurations 1 to 2 are not used, and the call "
+          "needs (a configuration cannot contain comments); configurations 1 to 2 are not used, and a call "
           "succeeds with an empty selection [configuration-rejected]",
-          "d:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing]"},
+          "d:2:26: error: no configuration has the first target \"encC##vol9\" [pair-matches-nothing]"},
          clean},
     };
 }
@@ -269,8 +269,8 @@ std::vector<SCheckRow> acrossDocuments() {
          {kConfiguration,
           {{"a", backup("1", device("encC##vol9", "encC##snap8"))},
            {"b", backup("2", device("encC##vol9", "encC##snap9"))}}},
-         {"a:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing]",
-          "b:2:26: error: \"encC##vol9\" is the first target of no configuration [pair-matches-nothing] <- "
+         {"a:2:26: error: no configuration has the first target \"encC##vol9\" [pair-matches-nothing]",
+          "b:2:26: error: no configuration has the first target \"encC##vol9\" [pair-matches-nothing] <- "
           "pair-matches-nothing of a"},
          clean},
         {"a time stamp in two pieces",

@@ -95,8 +95,7 @@ std::vector<SCheckRow> deviceRows() {
          of(node("UDID##v##m##encA##lun1", "none") + "\n" + device("encA##lun0", "encA##snap1")),
          {"d:2:54: error: malformed identifier \"none\": it holds neither UDID## nor UEID## (code 2); it is "
           "not checked, because a pair before it matches no configuration [malformed-identifier]",
-          "d:3:26: error: \"encA##lun0\" is the first target of no configuration; did you mean "
-          "\"encA##lun1\"? [pair-matches-nothing]"},
+          "d:3:26: error: no configuration has the first target \"encA##lun0\" [pair-matches-nothing]"},
          clean},
         {"two targets for an objid",
          EHazard::kSameObjid,
@@ -107,25 +106,24 @@ std::vector<SCheckRow> deviceRows() {
         {"a first target that is not configured",
          EHazard::kPairMatchesNothing,
          of(device("ENCA##LUN1", "encA##snap1")),
-         {"d:2:26: error: \"ENCA##LUN1\" is the first target of no configuration; did you mean "
-          "\"encA##lun1\"? [pair-matches-nothing]"},
+         {"d:2:26: error: no configuration has the first target \"ENCA##LUN1\"; did you mean \"encA##lun1\"? "
+          "[pair-matches-nothing]"},
          clean},
         {"a further target of another configuration",
          EHazard::kPairMatchesNothing,
          of(device("encA##lun2", "encA##snap1")),
-         {"d:2:66: error: \"encA##snap1\" is not a further target of \"encA##lun2\"; did you mean "
+         {"d:2:66: error: \"encA##snap1\" is not among the further targets of \"encA##lun2\"; did you mean "
           "\"encA##snap3\"? [pair-matches-nothing]"},
          of(device("encA##lun2", "encA##snap3"))},
         {"nothing like it is configured",
          EHazard::kPairMatchesNothing,
          of(device("rack7##volume", "encA##snap1")),
-         {"d:2:26: error: \"rack7##volume\" is the first target of no configuration "
-          "[pair-matches-nothing]"},
+         {"d:2:26: error: no configuration has the first target \"rack7##volume\" [pair-matches-nothing]"},
          clean},
         {"white space around an identifier",
          EHazard::kPairMatchesNothing,
          of(node("UDID##v##m##encA##lun1", "\n      UDID##v##m##encA##snap2\n")),
-         {"d:3:19: error: \"encA##snap2\n\" is not a further target of \"encA##lun1\"; did you mean "
+         {"d:3:19: error: \"encA##snap2\n\" is not among the further targets of \"encA##lun1\"; did you mean "
           "\"encA##snap2\"? [pair-matches-nothing]"},
          clean},
         {"a configuration that was lost",
@@ -134,8 +132,8 @@ std::vector<SCheckRow> deviceRows() {
           {{"d", "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
          {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 are not "
           "used, but configuration 1 is [configuration-rejected]",
-          "d:1:56: error: \"encA##lun2\" is the first target of no configuration; did you mean "
-          "\"encA##lun1\"? [pair-matches-nothing] <- configuration-rejected of config"},
+          "d:1:56: error: no configuration has the first target \"encA##lun2\"; did you mean \"encA##lun1\"? "
+          "[pair-matches-nothing] <- configuration-rejected of config"},
          clean},
         {"one target, two spellings of its device",
          EHazard::kTargetHeldTwice,
