@@ -122,7 +122,7 @@ void CProgress::show(std::size_t done, std::size_t all, const std::string& what)
 
 CStandardOutputDiversion::CStandardOutputDiversion() : saved(duplicateStandardOutput()) {
     if (saved == -1 || dup2(STDERR_FILENO, STDOUT_FILENO) == -1) {
-        throw std::system_error(errno, std::generic_category(), "cannot divert standard output");
+        throw std::system_error(errno, std::generic_category(), "cannot redirect standard output");
     }
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "cli/base/terminal.h"
 #include "cli/base/text.h"
@@ -22,12 +23,13 @@ constexpr const char* kFooter = R"(Example:
 
   fi-rotate check --explain split-value
 
-Looks at what a call would be given and makes no call. Prints a line for each hazard, and the line of the
-input under it: FILE:LINE:COLUMN: error|warning: TEXT [NAME]. In a request lines and columns are those of the
-configuration's text. What follows from a hazard, or repeats it in further documents, is told in a line under
-it; --json has each of these, with its cause. Of one hazard in one input the first 20 are shown and the others
-counted. Nothing outside the documents is opened, whatever they ask for. --explain with a name that is not
-known lists all names.)";
+Checks the inputs of a call without making the call. Give all documents: some mistakes show only when documents
+are compared. Each mistake is shown in a line FILE:LINE:COLUMN: error|warning: TEXT [NAME], with the line of the
+input under it; NAME is the name of the hazard. In a request, LINE and COLUMN count within the text of the
+configuration. A line under a mistake counts what follows from it and where it occurs again; --json lists each of
+these with its cause. Of one hazard in one input the first 20 are shown, and the others are counted. The check opens
+no other file, even if a document refers to one. --explain with an unknown name lists all names;
+fiid-document(5) describes the elements of a document.)";
 
 struct SOptions {
     // Of the call, unless a hazard is to be explained.
@@ -64,12 +66,13 @@ std::string paragraphOn(const std::string& name) {
     if (const SHazardKind* const kind = findKind(name)) {
         return fmt::format("{} ({})\n\n{}\n", kind->name, nameOf(kind->severity), kind->paragraph);
     }
-    std::string names;
+    std::vector<std::string> names;
     for (const SHazardKind& kind : hazardKinds()) {
-        names += fmt::format("\n  {}", kind.name);
+        names.emplace_back(kind.name);
     }
-    throw CLI::ValidationError("--explain",
-                               "no hazard is called " + quotedPrintable(name) + "; these are:" + names);
+    throw CLI::ValidationError(
+        "--explain", fmt::format("there is no hazard {}{}\nThe hazards are:\n  {}", quotedPrintable(name),
+                                 suggestion(name, names), fmt::join(names, "\n  ")));
 }
 
 int runCheck(const SOptions& options) {
@@ -92,10 +95,12 @@ void addCheck(CLI::App& app, int& exitStatus) {
     CLI::Option_group& input = addConfigurationOptions(check, "input", options->call);
     CLI::Option* const request = addRequestOption(input, options->call);
     CLI::Option* const explained =
-        input.add_option("--explain", options->explained, "Say what a hazard means, and check nothing")
+        input
+            .add_option("--explain", options->explained,
+                        "Say what a hazard means and what to do, and check nothing")
             ->type_name("NAME");
-    check.add_flag("--json", options->json, "Show the findings as one JSON document")->excludes(explained);
-    check.add_option("FIID", options->files, "Documents of the earlier backups")
+    check.add_flag("--json", options->json, "Show the result as one JSON document")->excludes(explained);
+    check.add_option("FIID", options->files, "The documents of the earlier backups")
         ->type_name("")
         ->excludes(request)
         ->excludes(explained);

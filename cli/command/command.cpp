@@ -2,16 +2,21 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "cli/base/file.h"
 #include "cli/base/text.h"
+#include "cli/check/nearest.h"
 #include "cli/outcome/request.h"
 
 namespace fi_rotate {
@@ -25,12 +30,21 @@ std::string readFileOf(const std::string& option, const std::string& file) {
     return *std::move(text);
 }
 
+// The most likely mistake with --config: no configuration has the name of a file.
+void requireNoFileName(const std::string& configuration) {
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(configuration, ignored)) {
+        throw CLI::ValidationError("--config",
+                                   quotedPrintable(configuration) + " is a file; give it with --config-file");
+    }
+}
+
 SCall readRequest(const std::string& file) {
     const std::string text = readFileOf("--request", file);
     try {
         return parseRequest(text);
     } catch (const std::invalid_argument& fault) {
-        throw CLI::ValidationError("--request", quotedPrintable(file) + " is no request: " + fault.what());
+        throw CLI::ValidationError("--request", quotedPrintable(file) + " is not a request: " + fault.what());
     }
 }
 
@@ -39,8 +53,8 @@ SCall readRequest(const std::string& file) {
 void setFooter(CLI::App& subcommand, const std::string& text) {
     std::string footer = fmt::format(R"({}
 
-The schema fi-rotate-{}.json describes the JSON document; fi-rotate(1) says where it is. A byte that is not
-valid UTF-8 is shown as \xNN with its two hexadecimal digits, in JSON and in tables.
+The JSON Schema fi-rotate-{}.json describes the output of --json; fi-rotate(1) says where it is installed. A byte
+that is not valid UTF-8 is shown as \xNN, where NN is its value in hexadecimal.
 
 Exit status:)",
                                      text, subcommand.get_name());
@@ -55,15 +69,19 @@ Exit status:)",
 CLI::Option_group& addConfigurationOptions(CLI::App& subcommand, const std::string& group,
                                            SCallOptions& options) {
     CLI::Option_group& added = *subcommand.add_option_group(group);
-    added.add_option("--config", options.configuration, "The resource configuration")->type_name("TEXT");
-    added.add_option("--config-file", options.configurationFile, "File with the resource configuration")
+    added.add_option("--config", options.configuration, "Use this text as the resource configuration")
+        ->type_name("TEXT");
+    added
+        .add_option("--config-file", options.configurationFile, "Read the resource configuration from a file")
         ->type_name("FILE");
     added.require_option(1);
     return added;
 }
 
 CLI::Option* addRequestOption(CLI::Option_group& group, SCallOptions& options) {
-    return group.add_option("--request", options.request, "The whole call, as one JSON document")
+    return group
+        .add_option("--request", options.request,
+                    "Read the whole call (configuration, documents, flag words) from a JSON file")
         ->type_name("FILE");
 }
 
@@ -72,9 +90,12 @@ SCall readCall(const SCallOptions& options) {
         return readRequest(*options.request);
     }
     SCall call;
-    call.configuration = options.configuration.has_value()
-                             ? *options.configuration
-                             : readFileOf("--config-file", *options.configurationFile);
+    if (options.configuration.has_value()) {
+        requireNoFileName(*options.configuration);
+        call.configuration = *options.configuration;
+    } else {
+        call.configuration = readFileOf("--config-file", *options.configurationFile);
+    }
     return call;
 }
 
@@ -83,7 +104,7 @@ SCall readCallWithoutNul(const SCallOptions& options) {
     // Neither an argument nor a request can hold one.
     if (call.configuration.find('\0') != std::string::npos) {
         throw CLI::ValidationError("--config-file",
-                                   quotedPrintable(*options.configurationFile) + " holds a NUL byte");
+                                   quotedPrintable(*options.configurationFile) + " contains a NUL byte");
     }
     return call;
 }
@@ -102,11 +123,23 @@ std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call
 }
 
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states) {
-    subcommand.add_option("--only", states, "Show only the backups of these states, separated by commas")
+    subcommand.add_option("--only", states, "Show only the backups in these states, separated by commas")
         ->type_name("STATE")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember(kStateWords));
+}
+
+std::string suggestion(const std::string& word, const std::vector<std::string>& known) {
+    constexpr std::size_t kCharactersForEachMistake = 3;
+    std::size_t least = word.size() / kCharactersForEachMistake + 1;
+    std::string nearest;
+    for (const std::string& candidate : known) {
+        const std::size_t mistakes = distance(word, candidate, least);
+        nearest = mistakes < least ? candidate : nearest;
+        least = std::min(mistakes, least);
+    }
+    return nearest.empty() ? "" : fmt::format("; did you mean {}?", nearest);
 }
 
 bool wantsColour() {

@@ -44,7 +44,10 @@ std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call
 // Adds --only, which fills `states`.
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states);
 
-// Standard output is a terminal that knows colour, and nobody asked for none.
+// The one of `known` that `word` is probably a misspelling of, as the rest of a message; empty when there is none.
+std::string suggestion(const std::string& word, const std::vector<std::string>& known);
+
+// Whether standard output is a terminal that can show colours, and the user has not turned them off.
 bool wantsColour();
 
 // Writes a line to standard error.

@@ -26,12 +26,14 @@ namespace {
 constexpr const char* kFooter = R"(Example:
   fi-rotate explain --only rotated,invalid /var/log/backup.log.1 /var/log/backup.log
 
-A log is what --trace-file of select writes, or any log in which each of the library's lines stands behind a
-prefix of the host's (time, process, level). Other lines may stand in between. Calls that overlap are told apart
-by what the prefix says of the process or the thread. A call may go on in the next log. Where lines of a call are
-missing, that is said, and no reason is given that could be wrong for it.
+A log is a file that select --trace-file has written, or any log that contains the messages of the library at the
+levels 3 and 4, each after a prefix of the host such as time, process and level. Other lines between them are
+ignored. Calls that overlap are told apart by the process or thread in the prefix, if the log contains the
+beginnings of the calls. A call may continue in the next log. When lines that matter are missing, the output says which,
+and gives no reason that could be wrong.
 
-A trace does not tell the selection of a first backup, nor the time stamp of a backup that failed the check.)";
+The library's trace does not contain the selection of a first backup, nor the time stamp of a backup whose
+objid or altobjid matches no configuration.)";
 
 struct SOptions {
     std::vector<std::string> logs{"-"};
@@ -88,10 +90,11 @@ std::string inWords(const std::vector<std::string>& logs) {
 
 void reportNoCall(const SOptions& options, std::size_t count) {
     if (count == 0) {
-        printError("no call of the library in " + inWords(options.logs));
+        printError("there is no call of the library in " + inWords(options.logs) +
+                   "; a log must contain the library's trace");
     } else {
-        printError(fmt::format("no call {} in {}, which {} {}", *options.call, inWords(options.logs),
-                               options.logs.size() > 1 ? "have" : "has", count));
+        printError(fmt::format("there is no call {} in {}; the calls are numbered from 1 to {}",
+                               *options.call, inWords(options.logs), count));
     }
 }
 
@@ -120,11 +123,14 @@ int runExplain(const SOptions& options) {
 
 void addExplain(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& explain = *app.add_subcommand("explain", "Explain past calls from logs");
+    CLI::App& explain =
+        *app.add_subcommand("explain", "Explain past calls of the library from its trace in log files");
     setFooter(explain, kFooter);
-    explain.add_option("LOG", options->logs, "The logs, oldest first; - or nothing for standard input")
+    explain
+        .add_option("LOG", options->logs,
+                    "The log files, the oldest first; - or no file means standard input")
         ->type_name("");
-    explain.add_option("--call", options->call, "Show only this call; they are numbered from 1")
+    explain.add_option("--call", options->call, "Show only this call; calls are numbered from 1")
         ->type_name("N");
     addOnlyOption(explain, options->shownStates);
     explain.add_flag("--json", options->json, "Show the calls as one JSON document");

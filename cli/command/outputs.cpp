@@ -50,15 +50,14 @@ void requireReplaceable(const SOutput& output) {
                              (state->st_size == 0 || output.isOwn(readFile(*output.file).value_or(""))));
     if (!isHarmless) {
         refuse(output,
-               fmt::format("exists and was not written by {}; give another name, or --force to replace it",
-                           output.option));
+               "exists and this option did not write it; give another name, or --force to replace it");
     }
 }
 
 }  // namespace
 
 void addForceOption(CLI::App& subcommand, bool& isForced) {
-    subcommand.add_flag("--force", isForced, "Replace output files that fi-rotate did not write");
+    subcommand.add_flag("--force", isForced, "Replace existing files even if fi-rotate did not write them");
 }
 
 void requireHarmless(const std::vector<SOutput>& outputs, const std::vector<std::string>& inputs,
@@ -73,22 +72,23 @@ void requireHarmless(const std::vector<SOutput>& outputs, const std::vector<std:
     for (const std::string& input : inputs) {
         take(identityOf(input), "is an input of this command");
     }
-    take(identityOf(STDOUT_FILENO), "is where standard output goes");
-    take(identityOf(STDERR_FILENO), "is where standard error goes");
+    take(identityOf(STDOUT_FILENO), "is the file that standard output goes to");
+    take(identityOf(STDERR_FILENO), "is the file that standard error goes to");
     for (const SOutput& output : outputs) {
         if (!output.file.has_value()) {
             continue;
         }
         if (*output.file == "-") {
-            refuse(output,
-                   "is no name of a file; give ./- for a file of that name, /dev/stdout for standard output");
+            refuse(
+                output,
+                "is not a file name; give ./- for a file of this name, or /dev/stdout for standard output");
         }
         const auto identity = identityOf(*output.file);
         const auto use = identity.has_value() ? taken.find(*identity) : taken.end();
         if (use != taken.end()) {
             refuse(output, use->second);
         }
-        take(identity, fmt::format("is the output of {}", output.option));
+        take(identity, fmt::format("is already the output of {}", output.option));
         if (!isForced) {
             requireReplaceable(output);
         }

@@ -1,9 +1,8 @@
 #include "cli/command/program.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <exception>
 #include <iostream>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -14,7 +13,6 @@
 
 #include "cli/base/file.h"
 #include "cli/base/text.h"
-#include "cli/check/nearest.h"
 #include "cli/command/command.h"
 #include "cli/command/completion.h"
 #include "cli/command/help.h"
@@ -23,20 +21,38 @@
 namespace fi_rotate {
 namespace {
 
-// The one that `word` was probably meant to be, as the rest of a message.
-std::string didYouMean(const std::string& word, const std::vector<std::string>& known) {
-    constexpr std::size_t kTooFar = 4;
-    std::size_t least = kTooFar;
-    std::string nearest;
-    for (const std::string& candidate : known) {
-        const std::size_t far = distance(word, candidate, least);
-        nearest = far < least ? candidate : nearest;
-        least = std::min(far, least);
+// What the option parser says, and what is printed instead: its own texts do not say what to do.
+struct SRewording {
+    const char* pattern;
+    const char* words;
+    // The words end in a list without blanks between its members.
+    bool endsInList = false;
+};
+constexpr SRewording kRewordings[] = {
+    {"A subcommand is required", "give a subcommand"},
+    {R"(Exactly 1 option from \[(.*)\] is required.*)", "give exactly one of $1", true},
+    {R"((\S+): 1 required (\S+) missing)", "$1 needs a value: $1 $2"},
+    {R"((\S+): At Most 1 required but received \d+)", "$1 is given more than once"},
+    {R"(Could not convert: (\S+) = (.*))", "$1: \"$2\" is not a whole number"},
+    {R"((\S+): Value (.*) not in range (\d+) to (\d+))", "$1: \"$2\" is not a whole number from $3 to $4"},
+    {R"((\S+): (.*) not in \{(.*)\})", "$1: \"$2\" is not one of $3", true},
+    {R"((\S+) excludes (\S+))", "$1 cannot be used together with $2"},
+    {R"((\S+) requires (\S+))", "$1 needs $2"},
+    {R"(The following arguments? (?:was|were) not expected: (.*))", "unexpected arguments: $1"},
+};
+
+std::string inOurWords(const std::string& message) {
+    for (const SRewording& row : kRewordings) {
+        const std::regex pattern(row.pattern);
+        if (std::regex_match(message, pattern)) {
+            const std::string words = std::regex_replace(message, pattern, row.words);
+            return row.endsInList ? std::regex_replace(words, std::regex(",(?! )"), ", ") : words;
+        }
     }
-    return nearest.empty() ? "" : fmt::format("; did you mean {}?", nearest);
+    return message;
 }
 
-// What the program understands in the place of a word that it did not.
+// The words that the program knows where it found `word`, which it does not know.
 std::vector<std::string> knownWords(const CLI::App& app, const std::string& word) {
     std::vector<std::string> known;
     if (startsWith(word, "-")) {
@@ -55,13 +71,13 @@ std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
     const std::vector<CLI::App*> chosen = app->get_subcommands();
     const CLI::App& place = chosen.empty() ? *app : *chosen.front();
     const std::vector<std::string> unknown = app->remaining(true);
-    std::string message = error.what();
+    std::string message = inOurWords(error.what());
     if (!unknown.empty()) {
         const std::string word = unknown.front().substr(0, unknown.front().find('='));
         const bool isOption = startsWith(word, "-");
         if (isOption || chosen.empty()) {
             message = fmt::format("there is no {} {}{}", isOption ? "option" : "subcommand",
-                                  quotedPrintable(word), didYouMean(word, knownWords(place, word)));
+                                  quotedPrintable(word), suggestion(word, knownWords(place, word)));
         }
     }
     return fmt::format("fi-rotate: {}\nRun \"fi-rotate {}--help\" for help.\n", message,
@@ -70,7 +86,8 @@ std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
 
 int parseAndRun(int argc, char** argv) {
     int exitStatus = kExitUsage;
-    CLI::App app("Shows which backups give up their targets next, and why.", "fi-rotate");
+    CLI::App app("Show which targets the next snapshot backup may use, and which backups are rotated for it.",
+                 "fi-rotate");
     app.failure_message(failureMessage);
     addSubcommands(app, exitStatus);
     try {

@@ -2,9 +2,11 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -49,13 +51,13 @@ constexpr const char* kFooter = R"(Example:
 
   fi-rotate select --request call.json --only rotated,invalid
 
-Without FIID this is a first backup. Documents are loaded in the order given, up to the first that cannot be
-opened; that one and those after it are "not loaded" and ignored, like a document without a Node. Targets
-that they hold may then be chosen; with --strict nothing is decided instead.
-State "-" (null in JSON): the library handed no states back, because there is no selection.
+FIID is the document of an earlier backup. Give the documents of all of them, or none for the first backup. They are
+loaded in the order given. When one cannot be opened, it and all documents after it are ignored, and so is a document
+without a Node: they are "not loaded", and the targets of their backups may be chosen. With --strict nothing
+is decided then. State "-" (null in JSON): there is no selection, so the library returns no states.
 
-A request is a whole call as JSON, configuration and backups; the schema fi-rotate-request.json describes it.
-File names in it are taken as they stand, so relative ones are looked for from where fi-rotate runs.)";
+A request is a file with a whole call as JSON; the JSON Schema fi-rotate-request.json describes it. Relative file
+names in it are relative to the current folder.)";
 
 // In the order of EOrder.
 constexpr std::array<std::string_view, 3> kOrders{"argument", "time", "release"};
@@ -81,7 +83,9 @@ struct SOptions {
 
 void requireListed(const std::string& option, const std::string& file, const std::set<std::string>& listed) {
     if (listed.count(file) == 0) {
-        throw CLI::ValidationError(option, quotedPrintable(file) + " is not among the FIIDs given");
+        throw CLI::ValidationError(
+            option,
+            quotedPrintable(file) + " is not among the documents given; write its name exactly as there");
     }
 }
 
@@ -353,43 +357,49 @@ int runSelect(const SOptions& options) {
 void addSelect(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
     CLI::App& select = *app.add_subcommand(
-        "select", "Choose the targets for a new backup and show what becomes of the others");
+        "select", "Choose the targets for a new backup, and show which earlier backups are rotated for it");
     setFooter(select, kFooter);
 
     CLI::Option_group& configuration = addConfigurationOptions(select, "configuration", options->call);
     CLI::Option* const request = addRequestOption(configuration, options->call);
     select
         .add_option("--save-request", options->savedRequest,
-                    "Write the whole call to a file, to be made again with --request")
+                    "Write the whole call to a file, so that --request can repeat it")
         ->type_name("FILE");
 
     select.add_option("--exclude", options->excluded, "Never rotate this backup (adds 4 to its flag word)")
         ->type_name("FILE")
         ->allow_extra_args(false)
         ->excludes(request);
-    select.add_option("--flags", options->flagWords, "The flag word of this backup")
+    select.add_option("--flags", options->flagWords, "Set the flag word of this backup to N")
         ->type_name("FILE=N")
         ->allow_extra_args(false)
         ->excludes(request);
-    select.add_flag("--strict", options->isStrict, "Decide from whole inputs or not at all");
+    select.add_flag("--strict", options->isStrict, "Decide nothing when an input is missing or damaged");
+    constexpr auto kMostKept = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
     select
         .add_option("--keep-at-least", options->leastKept,
-                    "Decide nothing if a configuration would keep fewer of its backups")
-        ->type_name("N");
+                    "Decide nothing unless each configuration keeps N of its backups, or all that it has")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{0}, kMostKept));
     addOnlyOption(select, options->shownStates);
     select
-        .add_option("--sort", options->order, "Order the backups as given, by time stamp or by their release")
+        .add_option("--sort", options->order,
+                    "Sort the backups as they are given, by time stamp, or by when they are released")
         ->type_name("ORDER")
         ->check(CLI::IsMember(kOrders));
-    select.add_flag("--explain", options->explain, "Say why each backup came to its state");
+    select.add_flag("--explain", options->explain, "Say why each backup is in its state");
     select.add_flag("--json", options->json, "Show the outcome as one JSON document");
     select.add_flag("--trace", options->trace,
-                    "Write the library's trace to standard error: level and text, one line a call");
-    select.add_option("--trace-file", options->traceFile, "Write the trace to a file")->type_name("FILE");
-    select.add_option("--svg", options->svgFile, "Draw who holds which target as an SVG picture to a file")
+                    "Write the library's trace to standard error, each message as a line: level and text");
+    select.add_option("--trace-file", options->traceFile, "Write the library's trace to a file")
+        ->type_name("FILE");
+    select
+        .add_option("--svg", options->svgFile,
+                    "Draw which backup holds which target, as an SVG picture in a file")
         ->type_name("FILE");
     addForceOption(select, options->isForced);
-    select.add_option("FIID", options->files, "Documents of the earlier backups")
+    select.add_option("FIID", options->files, "The documents of the earlier backups")
         ->type_name("")
         ->excludes(request);
 

@@ -34,10 +34,9 @@ constexpr const char* kFooter = R"(Example:
   fi-rotate simulate --config-file examples/resource.conf --rounds 90 --every 24h --start 2026-10-01 \
       --exclude-every 7
 
-Each round is one call of the library with all backups that hold their targets still; then a new backup is
-taken on the targets it chose. A backup that is rotated is gone; one that is excluded stays for good,
-or for the time given with --exclude-for.
-docs/simulate.md has more.)";
+Each round is one call of the library with all backups that still hold their targets; then a new backup is taken
+on the chosen targets. A rotated backup is removed. An excluded backup is kept forever, or for the time given with
+--exclude-for. fi-rotate(1) says more.)";
 
 struct SOptions {
     SCallOptions call;
@@ -77,8 +76,9 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
         const auto found = std::find_if(backups.begin(), backups.end(),
                                         [&file](const SBackup& backup) { return backup.file == file; });
         if (found == backups.end()) {
-            throw CLI::ValidationError("--exclude",
-                                       quotedPrintable(file) + " is not among the documents of --from");
+            throw CLI::ValidationError(
+                "--exclude", quotedPrintable(file) +
+                                 " is not among the documents of --from; write its name exactly as there");
         }
         found->flagWord |= FI_EXCLUDE_ROTATION;
     }
@@ -104,12 +104,14 @@ SPlan planOf(const SOptions& options) {
         if (!options.excludedEvery.has_value() && !options.excludedWeekday.has_value() &&
             options.excluded.empty()) {
             throw CLI::ValidationError("--exclude-for",
-                                       "give --exclude-every, --exclude-weekday or --exclude, too");
+                                       "needs --exclude-every, --exclude-weekday or --exclude too");
         }
     }
     plan.from = backupsOf(options);
     if (static_cast<std::int64_t>(plan.rounds - 1) > (lastTime() - plan.start) / plan.every) {
-        throw CLI::ValidationError("--rounds", "the last round would be after the year 9999");
+        throw CLI::ValidationError(
+            "--rounds",
+            "the last round would be after the year 9999; give fewer rounds or a shorter --every");
     }
     return plan;
 }
@@ -118,13 +120,13 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
     if (!options.goal.has_value()) {
         return std::nullopt;
     }
-    const std::int64_t days =
-        valueOf("--keep-days", *options.goal, parseDuration(*options.goal + "d"), "a whole number of days");
+    const std::int64_t days = valueOf("--keep-days", *options.goal, parseDuration(*options.goal + "d"),
+                                      "a whole number of days above 0, without a unit");
     const auto least = roundsUntilSettled(plan, days);
     if (least.has_value() && plan.rounds < *least) {
         throw CLI::ValidationError("--keep-days",
-                                   fmt::format("{} takes at least {} rounds to tell; give more --rounds",
-                                               quotedPrintable(*options.goal), *least));
+                                   fmt::format("to find the targets for {} days, give at least {} --rounds",
+                                               days / kSecondsPerDay, *least));
     }
     return days;
 }
@@ -198,41 +200,40 @@ int runSimulate(const SOptions& options) {
 
 void addSimulate(CLI::App& app, int& exitStatus) {
     const auto options = std::make_shared<SOptions>();
-    CLI::App& simulate =
-        *app.add_subcommand("simulate", "Run many rounds and show how long targets keep their snapshots");
+    CLI::App& simulate = *app.add_subcommand(
+        "simulate",
+        "Simulate many backups, one after the other, and show how long targets keep their snapshots");
     setFooter(simulate, kFooter);
 
     addConfigurationOptions(simulate, "configuration", options->call);
 
     constexpr std::size_t kMostRounds = 100000000;
-    simulate.add_option("--rounds", options->rounds, "How many rounds")
+    simulate.add_option("--rounds", options->rounds, "Run N rounds")
         ->type_name("N")
         ->required()
         ->check(CLI::Range(std::size_t{1}, kMostRounds));
-    simulate.add_option("--every", options->every, "The time between two rounds, like 24h")
+    simulate.add_option("--every", options->every, "Set the time between two rounds, such as 24h")
         ->type_name("TIME")
         ->required();
-    simulate.add_option("--start", options->start, "The time of the first round, in UTC")
+    simulate.add_option("--start", options->start, "Set the time of the first round, in UTC")
         ->type_name("DATE")
         ->required();
-    CLI::Option* const every =
-        simulate
-            .add_option("--exclude-every", options->excludedEvery, "Exclude each K-th round from rotation")
-            ->type_name("K")
-            ->check(CLI::Range(std::size_t{1}, kMostRounds));
+    CLI::Option* const every = simulate
+                                   .add_option("--exclude-every", options->excludedEvery,
+                                               "Exclude the backup of every K-th round from rotation")
+                                   ->type_name("K")
+                                   ->check(CLI::Range(std::size_t{1}, kMostRounds));
     simulate
         .add_option("--exclude-weekday", options->excludedWeekday,
-                    "Exclude the rounds of this day of the week from rotation")
+                    "Exclude all backups of this day of the week from rotation")
         ->type_name("DAY")
         ->excludes(every);
     simulate
         .add_option("--exclude-for", options->excludedFor,
-                    "How long they stay excluded, like 8w; for good without this")
+                    "End each exclusion after this time, such as 8w; without this option it never ends")
         ->type_name("TIME");
     CLI::Option* const from =
-        simulate
-            .add_option("--from", options->from,
-                        "Documents of the backups that are there before the first round")
+        simulate.add_option("--from", options->from, "Begin with the backups of these documents")
             ->type_name("FILE");
     simulate.add_option("--exclude", options->excluded, "Exclude this backup of --from from rotation")
         ->type_name("FILE")
@@ -244,11 +245,11 @@ void addSimulate(CLI::App& app, int& exitStatus) {
         ->type_name("GOAL")
         ->excludes(from);
     CLI::Option* const noTimeline =
-        simulate.add_flag("--no-timeline", options->isWithoutTimeline, "Show the summary only");
+        simulate.add_flag("--no-timeline", options->isWithoutTimeline, "Show only the summary");
     simulate.add_flag("--json", options->json, "Show the summary as one JSON document")->excludes(noTimeline);
-    simulate.add_option("--csv", options->csvFile, "Write a line for each round to a file")
+    simulate.add_option("--csv", options->csvFile, "Write a CSV file with a line for each round")
         ->type_name("FILE");
-    simulate.add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture to a file")
+    simulate.add_option("--svg", options->svgFile, "Draw the snapshots as an SVG picture in a file")
         ->type_name("FILE");
 
     addForceOption(simulate, options->isForced);

@@ -26,7 +26,7 @@ void requireKeys(const Json& object, const std::string& place, std::initializer_
     }
     for (const auto& [key, value] : object.items()) {
         if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-            reject(fmt::format("{} has a key that is not known, \"{}\"", place, asPrintable(key)));
+            reject(fmt::format("{} has the unknown key \"{}\"", place, asPrintable(key)));
         }
     }
     for (const std::string_view key : keys) {
@@ -40,11 +40,11 @@ void requireKeys(const Json& object, const std::string& place, std::initializer_
 std::string textAt(const Json& object, const std::string& place, const char* key) {
     const Json& value = object.at(key);
     if (!value.is_string()) {
-        reject(fmt::format("\"{}\" of {} is not a text", key, place));
+        reject(fmt::format("\"{}\" of {} is not a string", key, place));
     }
     std::string text = value.get<std::string>();
     if (text.find('\0') != std::string::npos) {
-        reject(fmt::format("\"{}\" of {} holds a NUL", key, place));
+        reject(fmt::format("\"{}\" of {} contains a NUL character", key, place));
     }
     return text;
 }
@@ -66,7 +66,7 @@ Json parsed(const std::string& text) {
     try {
         return Json::parse(text);
     } catch (const Json::parse_error& error) {
-        reject(fmt::format("it is not JSON, see byte {}", error.byte));
+        reject(fmt::format("it is not JSON; the error is at byte {}", error.byte));
     }
 }
 
@@ -86,7 +86,7 @@ SCall parseRequest(const std::string& text) {
     call.configuration = textAt(request, "the request", "configuration");
     const Json& backups = request.at("backups");
     if (!backups.is_array()) {
-        reject("\"backups\" of the request is not a list");
+        reject("\"backups\" of the request is not an array");
     }
     for (const Json& entry : backups) {
         const std::string place = fmt::format("backup {}", call.backups.size() + 1);

@@ -142,7 +142,8 @@ private:
         }
         const auto chosen = choices(*outcome.selection);
         if (!chosen.has_value()) {
-            throw std::invalid_argument("names in it hold \"][\", so that a selection cannot be taken apart");
+            throw std::invalid_argument(
+                "names in it contain \"][\", so its selections cannot be split into targets");
         }
         dropEnded(outcome, round);
         take(*chosen, round);
@@ -292,7 +293,8 @@ std::string asOnePiece(const std::string& text) {
     const bool needsSection = text.find_first_of("<&") != std::string::npos;
     const bool holdsSectionEnd = text.find(kSectionEnd) != std::string::npos;
     if (!canStandInXml(text) || holdsSectionEnd) {
-        throw std::invalid_argument(fmt::format("\"{}\" cannot stand in an XML document", asPrintable(text)));
+        throw std::invalid_argument(
+            fmt::format("the name \"{}\" cannot be written into an XML document", asPrintable(text)));
     }
     return needsSection ? fmt::format("<![CDATA[{}]]>", text) : text;
 }

@@ -43,9 +43,8 @@ SAccount accountOf(const SPlan& plan) {
 std::string faultOfTime(const SAccountBackup& backup, const SPlan& plan) {
     const auto time = parseTimeStamp(backup.timeStamp);
     if (!time.has_value()) {
-        return fmt::format(
-            "has the time stamp {}, not one of the form YYYYMMDDhhmmss, which the rounds go on with",
-            quotedPrintable(backup.timeStamp));
+        return fmt::format("has the time stamp {}, but a simulation needs the form YYYYMMDDhhmmss",
+                           quotedPrintable(backup.timeStamp));
     }
     return *time < plan.start
                ? ""

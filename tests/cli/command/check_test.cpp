@@ -299,9 +299,11 @@ TEST(FiRotateCheck, NamesTheHazardsWhenOneIsNotKnown) {
     const auto result = runFiRotate({"check", "--explain", "nonsense"});
     EXPECT_EQ(result.exitStatus, 2);
     EXPECT_EQ(result.output, "");
-    EXPECT_THAT(result.error, StartsWith("fi-rotate: --explain: no hazard is called \"nonsense\"; "
-                                         "these are:\n  no-configuration\n"));
+    EXPECT_THAT(result.error, StartsWith("fi-rotate: --explain: there is no hazard \"nonsense\"\n"
+                                         "The hazards are:\n  no-configuration\n"));
     EXPECT_THAT(result.error, HasSubstr("\n  target-held-twice\n"));
+    EXPECT_THAT(runFiRotate({"check", "--explain", "pair-match-nothing"}).error,
+                HasSubstr("there is no hazard \"pair-match-nothing\"; did you mean pair-matches-nothing?\n"));
 }
 
 TEST(FiRotateCheck, WrongUsageEndsWithTwo) {
@@ -309,14 +311,15 @@ TEST(FiRotateCheck, WrongUsageEndsWithTwo) {
         std::vector<std::string> arguments;
         const char* message;
     } rows[] = {
-        {{"check"}, "Exactly 1 option"},
-        {{"check", "a.xml"}, "Exactly 1 option"},
-        {{"check", "--config", "a##b", "--config-file", "c"}, "2 were given"},
-        {{"check", "--config", "a##b", "--explain", "doctype"}, "2 were given"},
-        {{"check", "--explain", "doctype", "a.xml"}, "FIID excludes --explain"},
-        {{"check", "--explain", "doctype", "--json"}, "--json excludes --explain"},
-        {{"check", "--request", "r", "a.xml"}, "FIID excludes --request"},
-        {{"check", "--request", "/dev/null"}, "\"/dev/null\" is no request: it is not JSON"},
+        {{"check"}, "give exactly one of --config, --config-file"},
+        {{"check", "a.xml"}, "give exactly one of --config, --config-file"},
+        {{"check", "--config", "a##b", "--config-file", "c"}, "give exactly one of --config, --config-file"},
+        {{"check", "--config", "a##b", "--explain", "doctype"},
+         "give exactly one of --config, --config-file"},
+        {{"check", "--explain", "doctype", "a.xml"}, "FIID cannot be used together with --explain"},
+        {{"check", "--explain", "doctype", "--json"}, "--json cannot be used together with --explain"},
+        {{"check", "--request", "r", "a.xml"}, "FIID cannot be used together with --request"},
+        {{"check", "--request", "/dev/null"}, "\"/dev/null\" is not a request: it is not JSON"},
         {{"check", "--config-file", "no/such"}, "cannot read \"no/such\": No such file"},
     };
     for (const auto& row : rows) {
@@ -332,7 +335,7 @@ TEST(FiRotateCheck, HelpEndsWithTheExitStatusesOfThisSubcommand) {
     EXPECT_THAT(runFiRotate({"check", "--help"}).output,
                 EndsWith("\n\nExit status:\n"
                          "    0  no errors and no warnings\n"
-                         "    1  the output could not be written, or the work not be finished\n"
+                         "    1  the output could not be written, or the work could not be finished\n"
                          "    2  wrong usage; nothing was done\n"
                          "    3  errors were found\n"
                          "    5  warnings were found, but no errors\n"));

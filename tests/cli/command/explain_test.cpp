@@ -65,13 +65,14 @@ TEST_F(FiRotateExplain, SaysWhichCallTheLogDoesNotHave) {
     const auto result = runFiRotate({"explain", "--call", "2", log});
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.error, "fi-rotate: no call 2 in \"" + log + "\", which has 1\n");
+    EXPECT_EQ(result.error,
+              "fi-rotate: there is no call 2 in \"" + log + "\"; the calls are numbered from 1 to 1\n");
 }
 
 TEST_F(FiRotateExplain, SaysThatALogHoldsNoCall) {
     const auto result = runFiRotate({"explain", folder.write("empty", "nothing of ours\n")});
     EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_THAT(result.error, StartsWith("fi-rotate: no call of the library in \""));
+    EXPECT_THAT(result.error, StartsWith("fi-rotate: there is no call of the library in \""));
 }
 
 TEST_F(FiRotateExplain, RefusesALogThatCannotBeRead) {
@@ -170,7 +171,7 @@ TEST_F(FiRotateExplain, ReadsSeveralLogsOneAfterTheOther) {
     EXPECT_EQ(first["first"], (nlohmann::json{{"log", older}, {"line", 1}, {"time", "Nov  2 01:30:00"}}));
     EXPECT_EQ(first["last"], (nlohmann::json{{"log", last}, {"line", 3}, {"time", "Nov  2 01:30:02"}}));
     EXPECT_EQ(runFiRotate({"explain", "--call", "3", older, last}).error,
-              "fi-rotate: no call 3 in these 2 logs, which have 2\n");
+              "fi-rotate: there is no call 3 in these 2 logs; the calls are numbered from 1 to 2\n");
 }
 
 TEST_F(FiRotateExplain, PrintsNoControlCharacterOfALog) {

@@ -94,7 +94,7 @@ std::string inputOf(const SOption& option, const CTemporaryFolder& folder) {
 }
 
 constexpr const char* kIsInput = "is an input of this command";
-constexpr const char* kIsForeign = "exists and was not written by --";
+constexpr const char* kIsForeign = "exists and this option did not write it";
 
 TEST(FiRotateOutputs, RefuseAnInput) {
     const auto input = [](const CTemporaryFolder& folder, const SOption& option) {
@@ -200,7 +200,7 @@ TEST(FiRotateOutputs, RefuseAMissingDocument) {
 
 TEST(FiRotateOutputs, RefuseTheNameOfStandardOutput) {
     expectRefusal([](const CTemporaryFolder&, const SOption&) { return std::string("-"); },
-                  "is no name of a file");
+                  "is not a file name");
 }
 
 TEST(FiRotateOutputs, RefuseOneFileForTwoOfThem) {
@@ -213,7 +213,7 @@ TEST(FiRotateOutputs, RefuseOneFileForTwoOfThem) {
         arguments.insert(arguments.end(), {"--svg", file, "--trace-file", folder.path(".") + "/file"});
         const auto result = runFiRotate(arguments);
         EXPECT_EQ(result.exitStatus, 2);
-        EXPECT_THAT(result.error, HasSubstr("is the output of --"));
+        EXPECT_THAT(result.error, HasSubstr("is already the output of --"));
         EXPECT_EQ(contentOf(file), "");
     }
 }

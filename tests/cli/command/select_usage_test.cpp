@@ -22,7 +22,7 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
         std::vector<std::string> arguments;
         const char* message;
     } rows[] = {
-        {{}, "A subcommand is required"},
+        {{}, "give a subcommand"},
         {{"rotate"}, "there is no subcommand \"rotate\"\nRun \"fi-rotate --help\" for help."},
         {{"selct", "--config", "a##b"}, "there is no subcommand \"selct\"; did you mean select?\n"},
         {{"--verson"}, "there is no option \"--verson\"; did you mean --version?\n"},
@@ -30,28 +30,43 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
          "there is no option \"--exlude\"; did you mean --exclude?\nRun \"fi-rotate select --help\" for "
          "help."},
         {{"select"}, "--config"},
-        {{"select", "--config", "a##b", "--config-file", "c"}, "2 were given"},
-        {{"select", "--config"}, "--config"},
+        {{"select", "--config", "a##b", "--config-file", "c"}, "give exactly one of --config, --config-file"},
+        {{"select", "--config"}, "--config needs a value: --config TEXT\n"},
+        {{"select", "--config", "a##b", "--config", "c##d"}, "--config is given more than once\n"},
+        {{"select", "--config", "a##b", "--keep-at-least", "x"},
+         "--keep-at-least: \"x\" is not a whole number from 0 to 2147483647\n"},
+        {{"select", "--config", "a##b", "--keep-at-least", "-1"},
+         "--keep-at-least: \"-1\" is not a whole number from 0 to 2147483647\n"},
+        {{"select", "--config", "a##b", "--sort", "tme"},
+         "--sort: \"tme\" is not one of argument, time, release\n"},
+        {{"explain", "--call", "x"}, "--call: \"x\" is not a whole number\n"},
+        {{"check", "--sort", "time"}, "there is no option \"--sort\"\n"},
+        {{"simulate", "--config", "a##b;c", "--rounds", "2", "--every", "1d", "--start", "2026-10-01",
+          "a.xml"},
+         "unexpected arguments: a.xml\n"},
         {{"select", "--config", "a##b", "--frobnicate"}, "--frobnicate"},
         {{"select", "--config-file", "no/such/file"}, "cannot read \"no/such/file\": No such file"},
         {{"select", "--config-file", ""}, "cannot read \"\": No such file"},
         {{"select", "--config-file", "/"}, "cannot read \"/\": Is a directory"},
-        {{"select", "--config", "a##b", "--exclude", "x", "y"}, "\"x\" is not among the FIIDs"},
-        {{"select", "--config", "a##b", "--flags", "x=4", "y"}, "\"x\" is not among the FIIDs"},
+        {{"select", "--config", "a##b", "--exclude", "x", "y"},
+         "\"x\" is not among the documents given; write its name exactly as there"},
+        {{"select", "--config", "a##b", "--flags", "x=4", "y"},
+         "\"x\" is not among the documents given; write its name exactly as there"},
         {{"select", "--config", "a##b", "--flags", "y", "y"}, "\"y\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=", "y"}, "\"y=\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=4x", "y"}, "\"y=4x\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=2147483648", "y"}, "\"y=2147483648\" is not"},
         {{"select", "--config", "a##b", "--flags", "y=1", "--flags", "y=2", "y"}, "\"y\" has a flag"},
         {{"select", "--request", "no/such/file"}, "cannot read \"no/such/file\": No such file"},
-        {{"select", "--request", "/dev/null"}, "\"/dev/null\" is no request: it is not JSON"},
-        {{"select", "--request", "a", "--config", "a##b"}, "2 were given"},
-        {{"select", "--request", "a", "b.xml"}, "FIID excludes --request"},
-        {{"select", "--request", "a", "--flags", "b=4"}, "--flags excludes --request"},
-        {{"select", "--request", "a", "--exclude", "b"}, "--exclude excludes --request"},
+        {{"select", "--request", "/dev/null"}, "\"/dev/null\" is not a request: it is not JSON"},
+        {{"select", "--request", "a", "--config", "a##b"}, "give exactly one of --config, --config-file"},
+        {{"select", "--request", "a", "b.xml"}, "FIID cannot be used together with --request"},
+        {{"select", "--request", "a", "--flags", "b=4"}, "--flags cannot be used together with --request"},
+        {{"select", "--request", "a", "--exclude", "b"}, "--exclude cannot be used together with --request"},
         {{"select", "--config", "a##b", "--save-request", "/no/such/folder/r"},
          "cannot write \"/no/such/folder/r\": No such file"},
-        {{"select", "--config", "a##b", "--only", "kept,lost"}, "lost not in {kept,"},
+        {{"select", "--config", "a##b", "--only", "kept,lost"},
+         "\"lost\" is not one of kept, invalid, rotated, not loaded"},
         {{"select", "--config", "a##b", "--svg", "/no/such/folder/p"},
          "cannot write \"/no/such/folder/p\": No such file"},
         {{"select", "--config", "a##b", "--trace-file", "/no/such/folder/t"},
@@ -67,12 +82,21 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
     }
 }
 
+TEST(FiRotateUsage, RefusesTheNameOfAFileAsAConfiguration) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string file = folder.write("resource.conf", "a##b;c");
+    const auto result = runFiRotate({"select", "--config", file});
+    EXPECT_EQ(result.exitStatus, 2);
+    EXPECT_THAT(result.error,
+                HasSubstr("--config: \"" + file + "\" is a file; give it with --config-file\n"));
+}
+
 TEST(FiRotateUsage, RefusesAConfigurationFileThatTheLibraryWouldReadInPart) {
     const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("c", std::string("a##b;c\0&d##e;f", 14));
     const auto result = runFiRotate({"select", "--config-file", file});
     EXPECT_EQ(result.exitStatus, 2);
-    EXPECT_THAT(result.error, HasSubstr("\"" + file + "\" holds a NUL byte"));
+    EXPECT_THAT(result.error, HasSubstr("\"" + file + "\" contains a NUL byte"));
 }
 
 // That it names every option is for the comparison with the manual page.

@@ -247,11 +247,12 @@ TEST(FiRotateSimulation, NamesWithMarkupReachTheLibraryWhole) {
 TEST(FiRotateSimulation, NamesThatNoDocumentCanHoldAreRefused) {
     for (const std::string name : {"s\x01", "s\xFF", "s]]>", "s\xEF\xBF\xBF"}) {
         SCOPED_TRACE(name);
-        EXPECT_THAT([&name] { run(daily("encA##lun1;" + name, 1)); },
-                    ThrowsMessage<std::invalid_argument>(HasSubstr("cannot stand in an XML document")));
+        EXPECT_THAT(
+            [&name] { run(daily("encA##lun1;" + name, 1)); },
+            ThrowsMessage<std::invalid_argument>(HasSubstr("cannot be written into an XML document")));
     }
     EXPECT_THAT([] { run(daily("encA##a][b;s1", 1)); },
-                ThrowsMessage<std::invalid_argument>(HasSubstr("cannot be taken apart")));
+                ThrowsMessage<std::invalid_argument>(HasSubstr("cannot be split into targets")));
 }
 
 TEST(FiRotateSimulation, ARejectedConfigurationIsRefusedInTheLibrarysWords) {
@@ -366,7 +367,7 @@ TEST_F(FiRotateTakeOver, DocumentsThatCannotBeUsedAreRefusedByName) {
         {"<Node><timeStamp>20260929000000</timeStamp><objid>UDID##x</objid></Node>",
          "b: holds the malformed identifier"},
         {fi_test::document("29 September", {}),
-         "b: has the time stamp \"29 September\", not one of the form"},
+         "b: has the time stamp \"29 September\", but a simulation needs the form YYYYMMDDhhmmss"},
         {fi_test::document("20261001000000", {}),
          "b: was taken 2026-10-01 00:00, which is not before the first round"},
     };
