@@ -1,4 +1,4 @@
-"""The shared library, and how its C functions are called: what host/host.h declares, a row each."""
+"""Loads the shared library and tells ctypes the types of its C functions, which host/host.h declares."""
 
 import ctypes
 from typing import Any
@@ -14,7 +14,8 @@ Index = ctypes.c_int32
 Problems = ctypes.c_uint32
 TraceFunction = ctypes.CFUNCTYPE(None, ctypes.c_void_p, ctypes.c_int32, Text)
 
-# What each function returns, and what it takes. A text that is passed must hold no NUL: the library reads up to it.
+# The result type and the argument types of each function. A text must contain no NUL: the library would read it only
+# up to there.
 FUNCTIONS: dict[str, tuple[Any, tuple[Any, ...]]] = {
     "fi_rotation_version": (Text, ()),
     "fi_rotation_call_new": (Call, (Text,)),
@@ -59,7 +60,7 @@ def load() -> Any:
 
 
 def bind(library: Any) -> Any:
-    """Tells ctypes the types of all functions."""
+    """Tells ctypes the types of all functions. Raises ImportError when one is missing."""
     for name, (result, arguments) in FUNCTIONS.items():
         try:
             function = getattr(library, name)
@@ -75,7 +76,7 @@ def numbers_of(version: str) -> tuple[int, ...]:
 
 
 def check_version(version: str) -> None:
-    """The library is of the same major version as this package, and not older."""
+    """Raises ImportError unless the library has the major version of this package and is not older than it."""
     wanted, found = numbers_of(__version__), numbers_of(version)
     if found[0] != wanted[0] or found < wanted:
         raise ImportError(f"{SONAME} has version {version}, and fi_rotation needs {__version__} or a later "
@@ -83,7 +84,7 @@ def check_version(version: str) -> None:
 
 
 def library_version() -> str:
-    """The version of the library that is loaded.
+    """Returns the version of the loaded library.
 
     >>> import fi_rotation
     >>> fi_rotation.library_version().split(".")[0]

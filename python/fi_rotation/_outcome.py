@@ -1,111 +1,117 @@
-"""What came of a rotation: enumerations with the values of host/host.h, records, and exceptions that carry them."""
+"""The outcome of a rotation: enumerations with the values of host/host.h, records, and exceptions that contain them."""
 
 import enum
 from dataclasses import dataclass
 
 
 class OutcomeKind(enum.IntEnum):
-    """What came of a run.
+    """The kind of outcome that a call of rotate() has.
 
     >>> OutcomeKind.REFUSED
     <OutcomeKind.REFUSED: 3>
     """
 
-    # Every configuration has a free target: rotate() returns.
+    # Every configuration has a free target: rotate() returns the selection.
     SELECTED = 0
-    # These raise NoFreeTarget, TooFewBackups and Refused.
+    # rotate() raises NoFreeTarget, TooFewBackups or Refused.
     NO_FREE_TARGET = 1
     TOO_FEW_BACKUPS = 2
     REFUSED = 3
-    # MemoryError.
+    # rotate() raises MemoryError.
     OUT_OF_MEMORY = 4
-    # Never from rotate(), which raises what the trace function raised.
+    # Not seen in Python: rotate() raises what the trace function raised.
     TRACE_FAILED = 5
-    # RuntimeError: the trace function called rotate() again.
+    # rotate() raises RuntimeError: the trace function called rotate() again.
     MISUSED = 6
-    # RuntimeError: the process was forked while another thread was in rotate(), or the library cannot be set up.
+    # rotate() raises RuntimeError: the process was forked while another thread was in rotate(), or the library could
+    # not be initialised.
     FAILED = 7
 
 
 class ProblemKind(enum.IntFlag):
-    """What can be wrong with an input. Unless it is permitted, it raises Refused.
+    """What can be wrong with an input. rotate() raises Refused for a problem that is not permitted.
+
+    The comment at each kind says what is wrong, and what happens when the kind is permitted.
 
     >>> permitted = ProblemKind.NO_NODE | ProblemKind.SEVERAL_ROOTS
     >>> ProblemKind.NO_NODE in permitted
     True
     """
 
-    # Some configuration is malformed, or there is none. Permitted: those before the malformed one are used.
+    # A configuration is malformed, or there is none. Permitted: those before the malformed one are used.
     CONFIGURATION_REJECTED = 1
     # The document cannot be opened. Permitted: it and all documents after it are ignored.
     CANNOT_OPEN = 2
-    # It is a folder, a pipe or a device. Permitted: a folder counts as empty, a pipe is waited for.
+    # The document is a folder, a pipe or a device. Permitted: a folder is read as an empty document, a pipe or a device
+    # until it ends.
     NOT_A_FILE = 4
-    # It cannot be read to its end. Permitted: what was read counts.
+    # The document cannot be read to its end. Permitted: the part that was read is used.
     READ_ERROR = 8
-    # It has more bytes than limit_document allows. Permitted: it is read.
+    # The document has more bytes than limit_document allows. Permitted: it is read.
     TOO_LARGE = 16
-    # It holds a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is ignored.
+    # The document contains a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is not used.
     NUL_BYTE = 32
-    # It is listed a second time, under this name or another. Permitted: the last exclusion counts for both.
+    # The document is listed a second time, under this name or another. Permitted: it counts twice, and is excluded if
+    # its last entry is.
     LISTED_TWICE = 64
-    # It is not well-formed XML, or asks too much of a reader. Permitted: what stands before that place counts.
+    # The document is not well-formed XML, or exceeds a limit of reading. Permitted: the part before that place is used.
     NOT_WELL_FORMED = 128
-    # It has no Node. Permitted: it is ignored.
+    # The document has no Node. Permitted: it is ignored.
     NO_NODE = 256
-    # It has several Nodes that stand in no other. Permitted: only the last one counts.
+    # The document has several Nodes that are not inside another one. Permitted: only the last one counts.
     SEVERAL_ROOTS = 512
-    # It changed, or was replaced, while the call ran. Permitted: what was read counts.
+    # The document changed, or was replaced, during the call. Permitted: what was read is used.
     CHANGED = 1024
-    # A device or target in it has a malformed identifier. It cannot be permitted.
+    # An identifier in the document is malformed. This cannot be permitted.
     MALFORMED_IDENTIFIER = 2048
 
 
 class State(enum.IntEnum):
-    """What became of an earlier backup.
+    """The state of an earlier backup after the call.
 
     >>> State.ROTATED.name.lower()
     'rotated'
     """
 
-    # It has none, because there is no selection or its document was ignored.
+    # The backup has no state, because there is no selection or its document was ignored.
     NO_STATE = -1
-    # It agrees with the configuration and keeps its targets.
+    # The backup agrees with the configuration and keeps its targets.
     KEPT = 0
-    # It does not agree with the configuration, or one of its targets is held already: by a newer backup, by one of
-    # the same time stamp, or by another pair of its own.
+    # The backup does not agree with the configuration, or one of its targets is held already: by a newer backup, by one
+    # with the same time stamp, or by another pair of this backup.
     INVALID = 1
-    # Its targets were released for the new backup.
+    # The targets of the backup were released for the new backup.
     ROTATED = 2
 
 
 @dataclass(frozen=True)
 class Backup:
-    """An earlier backup, in the order given.
+    """An earlier backup and what the call made of it.
 
     >>> Backup(file="monday.xml").state
     <State.NO_STATE: -1>
     """
 
-    # As os.fsdecode gives it; os.fsencode gives the bytes again.
+    # The name of its document, decoded by os.fsdecode; os.fsencode gives the same bytes again.
     file: str
     state: State = State.NO_STATE
-    # Those of its document, permitted ones.
+    # The problems of its document, including permitted ones.
     problems: ProblemKind = ProblemKind(0)
     # The text of its document's timeStamp; None when it does not agree with the configuration.
     time_stamp: str | None = None
-    # What it held before any was released, each ENCLOSURE##DEVICE; nothing when it is invalid.
+    # The targets that it held before backups were released, each ENCLOSURE##DEVICE; empty when it is invalid.
     targets: tuple[str, ...] = ()
-    # Why it came to its state. None when there is no state, and nothing to say why. A word for programs:
+    # Why it is in its state; None when there is no state and no reason is known. `reason` is a word for programs:
     # "newest_holder", "holds_nothing", "excluded", "rotation_stopped", "needed", "in_vain",
-    # "unknown_target", "unknown_configuration", "held_already"; and a sentence without a full stop for people.
+    # "unknown_target", "unknown_configuration", "held_already". `reason_text` says the same to people, as a sentence
+    # without a full stop.
     reason: str | None = None
     reason_text: str | None = None
 
 
 @dataclass(frozen=True)
 class Problem:
-    """Something that is wrong with an input, permitted or not.
+    """A mistake in an input, permitted or not.
 
     >>> problem = Problem(ProblemKind.CANNOT_OPEN, Backup("monday.xml"), "monday.xml: cannot be opened")
     >>> problem.backup.file
@@ -113,15 +119,15 @@ class Problem:
     """
 
     kind: ProblemKind
-    # None for the configuration.
+    # The backup whose document it is in; None when it is in the configuration.
     backup: Backup | None
-    # In words, with the file and the place.
+    # A text for people with the file and, where it is known, the line and column.
     text: str
 
 
 @dataclass(frozen=True)
 class Target:
-    """A target for the snapshots of a configuration, and who holds it after the rotation.
+    """A target for the snapshots of a configuration, and the backup that holds it after the rotation.
 
     >>> Target("encA##snap1", holder=Backup("monday.xml")).holder.file
     'monday.xml'
@@ -145,14 +151,14 @@ class Configuration:
     first: str
     # The target to use; None without a selection.
     chosen: str | None
-    # How many kept backups hold one of its targets after the rotation.
+    # How many kept backups hold a target of this configuration after the rotation.
     kept: int
     targets: tuple[Target, ...]
 
 
 @dataclass(frozen=True)
 class Outcome:
-    """What came of a rotation, with or without a selection.
+    """The outcome of a rotation, with or without a selection.
 
     >>> import fi_rotation
     >>> try:
@@ -163,11 +169,11 @@ class Outcome:
     """
 
     kind: OutcomeKind
-    # A sentence, or several a line each.
+    # What happened, in words for people: one sentence, or several lines with a sentence each.
     message: str
-    # All that were found, permitted ones included.
+    # All problems that were found, including permitted ones.
     problems: tuple[Problem, ...]
-    # Unknown, and so none, when the kind is REFUSED.
+    # The configurations in the order given; empty when the kind is REFUSED, because they are not known then.
     configurations: tuple[Configuration, ...]
     backups: tuple[Backup, ...]
 
@@ -189,7 +195,7 @@ class Selected(Outcome):
 
 
 class RotationError(Exception):
-    """There is no selection. Says why in words, and carries the outcome.
+    """There is no selection. str() says why, and the attribute `outcome` contains the outcome.
 
     >>> import fi_rotation
     >>> try:
@@ -200,7 +206,7 @@ class RotationError(Exception):
     """
 
     def __init__(self, outcome: Outcome) -> None:
-        # Its only argument, so that it can be pickled.
+        # pickle makes the exception again from its arguments, so the outcome is the only one.
         super().__init__(outcome)
         self.outcome = outcome
 
@@ -209,7 +215,7 @@ class RotationError(Exception):
 
 
 class NoFreeTarget(RotationError):
-    """The inputs are whole, but some configuration has no free target even when all that may be released is.
+    """The inputs are complete, but a configuration has no free target even if every backup is released that may be.
 
     >>> import fi_rotation
     >>> fi_rotation.rotate("encA##lun1", [], allow_no_backups=True)
@@ -219,7 +225,7 @@ class NoFreeTarget(RotationError):
 
 
 class TooFewBackups(RotationError):
-    """A configuration would keep fewer backups than keep_at_least asks for.
+    """A configuration would keep fewer backups than keep_at_least demands.
 
     >>> import fi_rotation, glob
     >>> with open("resource.conf") as file:
@@ -233,7 +239,7 @@ class TooFewBackups(RotationError):
 
 
 class Refused(RotationError):
-    """An input is not whole, so nothing was decided. The problems of the outcome name each.
+    """An input is missing or damaged, so nothing was decided. `outcome.problems` names each such input.
 
     >>> import fi_rotation
     >>> try:

@@ -1,4 +1,4 @@
-"""rotate(): one call of the library, from checked arguments to records or an exception."""
+"""rotate(): checks its arguments, calls the library, and returns records or raises an exception."""
 
 import os
 from collections.abc import Callable, Iterable, Iterator
@@ -19,37 +19,37 @@ _EXCEPTIONS: dict[OutcomeKind, type[RotationError]] = {
 _PROGRESS_LEVEL = 4
 
 
-# ---- arguments: ctypes cuts texts at a NUL and numbers to their bits, so neither may get that far ----
+# ---- arguments: ctypes would cut a text at a NUL and a number to its lowest bits, so they are checked before ----
 
 def _without_nul(text: bytes, what: str) -> bytes:
     if b"\0" in text:
-        raise ValueError(f"{what} holds a NUL character: {text!r}")
+        raise ValueError(f"{what} contains a NUL character: {text!r}")
     return text
 
 
 def _configuration_argument(configuration: str | bytes) -> bytes:
     if not isinstance(configuration, (str, bytes)):
-        raise TypeError(f"configuration is a str or bytes, not {type(configuration).__name__}")
+        raise TypeError(f"configuration must be a str or bytes, not {type(configuration).__name__}")
     encoded = configuration.encode("utf-8", "surrogateescape") if isinstance(configuration, str) else configuration
     return _without_nul(encoded, "configuration")
 
 
 def _names_argument(files: Iterable[FileName], what: str) -> list[bytes]:
     if isinstance(files, (str, bytes)):
-        raise TypeError(f"{what} is a list of file names, not one of them: [{files!r}]")
+        raise TypeError(f"{what} must be a list of file names, not one name; give [{files!r}]")
     return [_without_nul(os.fsencode(file), "a file name") for file in files]
 
 
 def _number_argument(number: int, bits: int, what: str) -> int:
     if not 0 <= number < 1 << bits:
-        raise ValueError(f"{what} is out of range: {number}")
+        raise ValueError(f"{what} must be from 0 to {(1 << bits) - 1}, not {number}")
     return number
 
 
 # ---- results ----
 
 def _text(text: Any) -> str:
-    """A name or a text that goes back to where it came from: encoding it with surrogateescape gives its bytes."""
+    """Decodes a name or a text such that encoding it with surrogateescape gives the same bytes again."""
     decoded: str = text.decode("utf-8", "surrogateescape")
     return decoded
 
@@ -59,7 +59,7 @@ def _optional_text(text: Any) -> str | None:
 
 
 def _words(words: Any) -> str:
-    """Words for people, which can be printed whatever is quoted in them."""
+    """Decodes a text for people, which can be printed whatever bytes it quotes."""
     decoded: str = words.decode("utf-8", "backslashreplace")
     return decoded
 
@@ -106,7 +106,7 @@ def _configuration(call: Any, i: int, backups: tuple[Backup, ...]) -> Configurat
 
 
 def _facts(call: Any, kind: OutcomeKind) -> dict[str, Any]:
-    """What every outcome has."""
+    """Returns the members that every outcome has."""
     backups = tuple(_backup(call, i) for i in range(library.fi_rotation_call_backup_count(call)))
     return {
         "kind": kind,
@@ -128,7 +128,8 @@ def _raise(call: Any, kind: OutcomeKind) -> NoReturn:
 # ---- the call ----
 
 class _Trace:
-    """Hands the lines on until that raises; an exception must not enter the library, so it is kept for later."""
+    """Passes the lines of the trace to `function` until it raises an exception, which must not enter the library and
+    is kept until the call is over."""
 
     def __init__(self, function: Callable[[int, str], object]) -> None:
         self._function = function
@@ -140,7 +141,7 @@ class _Trace:
             return
         try:
             self._function(level, _words(text))
-        except BaseException as failure:  # An interruption too.
+        except BaseException as failure:  # KeyboardInterrupt too.
             self._failure = failure
 
     def raise_failure(self) -> None:
@@ -150,7 +151,7 @@ class _Trace:
 
 @contextmanager
 def _new_call(configuration: bytes) -> Iterator[Any]:
-    # None when memory ran out, which every function takes: the run says so.
+    # The handle is None when memory ran out. Every function accepts that, and fi_rotation_call_run reports it.
     call = library.fi_rotation_call_new(configuration)
     try:
         yield call
@@ -165,27 +166,29 @@ def rotate(configuration: str | bytes, backups: Iterable[FileName], *,
            limit_document: int | None = None,
            allow_no_backups: bool = False,
            trace: Callable[[int, str], object] | None = None) -> Selected:
-    """Decides which targets a new snapshot backup may use, and returns them; raises when there are none.
+    """Decides which targets a new snapshot backup may use, and returns them. Raises an exception when there are none.
 
-    configuration      configurations separated by '&' or line ends, the targets of one by ';'. A target is
-                       ENCLOSURE##DEVICE or, with the enclosure of the one before it, DEVICE. The first target names
-                       the device that is backed up, the further ones are the candidates for its snapshots. A str
+    configuration      the configurations, separated by '&' or line ends; in each the targets, separated by ';'. A
+                       target is ENCLOSURE##DEVICE, or DEVICE if it has the enclosure of the target before it. The first
+                       target is the device that is backed up; the further targets may hold its snapshots. A str
                        is encoded as UTF-8.
-    backups            the documents of all earlier backups: the targets of one that is not listed count as free.
-    excluded           those of `backups`, under the same names, whose targets are never released.
-    permit             problems that shall not raise Refused; see ProblemKind for what happens then.
-    keep_at_least      so many kept backups of each configuration must remain; one that has fewer may lose none.
-    limit_document     documents of more bytes are refused; 128 MiB unless given.
-    allow_no_backups   the first backup of all has none before it. Otherwise an empty list is an error: it comes
-                       of a wrong folder more often, and every target would count as free.
-    trace              receives each line of the trace, a level (3 failures, 4 progress) and a text, in this thread.
-                       What it raises, rotate() raises.
+    backups            the documents of all earlier backups. The targets of a backup that is not listed count as free.
+    excluded           the backups that must not be released, with the same names as in `backups`.
+    permit             the problems for which Refused is not raised; ProblemKind says what happens then.
+    keep_at_least      how many backups of each configuration must be kept. A configuration that has fewer must keep
+                       all.
+    limit_document     how many bytes a document may have; 128 MiB unless given.
+    allow_no_backups   whether `backups` may be empty, as it is for the first backup of all. Otherwise an empty list is
+                       an error, because it usually means a wrong folder, and every target would count as free.
+    trace              a function that is called in this thread with each line of the trace: a level (3 for failures,
+                       4 for progress) and a text. rotate() raises what it raises.
 
-    It reads the documents and writes nothing. Threads may call it at once and wait for one another inside.
+    rotate() reads the documents and writes nothing. Several threads may call it at the same time; their calls run one
+    after the other.
 
-    Raises NoFreeTarget, TooFewBackups or Refused, all of them RotationError, when there is no selection; ValueError
-    and TypeError for arguments that make no sense, among them an excluded backup that is not listed; MemoryError;
-    and RuntimeError when `trace` calls rotate(), or in a process that was forked while another thread was in it.
+    Raises NoFreeTarget, TooFewBackups or Refused (each is a RotationError) when there is no selection; ValueError or
+    TypeError for wrong arguments, such as an excluded backup that is not listed; MemoryError; and RuntimeError when
+    `trace` calls rotate(), or in a process that was forked while another thread was in rotate().
 
     >>> import fi_rotation, glob
     >>> with open("resource.conf") as file:
@@ -204,9 +207,9 @@ def rotate(configuration: str | bytes, backups: Iterable[FileName], *,
     excluded_names = set(_names_argument(excluded, "excluded"))
     unknown = sorted(os.fsdecode(name) for name in excluded_names.difference(names))
     if unknown:
-        raise ValueError(f"excluded, but not among the backups: {unknown}")
+        raise ValueError(f"excluded names files that are not in backups: {unknown}")
     if not names and not allow_no_backups:
-        raise ValueError("no backups are listed; if there are none indeed, say allow_no_backups=True")
+        raise ValueError("backups is empty; for a first backup pass allow_no_backups=True")
 
     with _new_call(_configuration_argument(configuration)) as call:
         for name in names:
