@@ -13,6 +13,8 @@
 
 #include <fmt/format.h>
 
+#include "cli/base/file.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -27,7 +29,7 @@ constexpr std::chrono::milliseconds kFirst{1000};
 constexpr std::chrono::milliseconds kBetween{100};
 constexpr std::size_t kBarWidth = 30;
 
-// What was written before must not follow what is diverted.
+// Flushes first, so that nothing that was written before is lost.
 int duplicateStandardOutput() {
     std::fflush(stdout);
     return dup(STDOUT_FILENO);
@@ -120,13 +122,14 @@ void CProgress::show(std::size_t done, std::size_t all, const std::string& what)
     shown = std::max(shown, line.size());
 }
 
-CStandardOutputDiversion::CStandardOutputDiversion() : saved(duplicateStandardOutput()) {
-    if (saved == -1 || dup2(STDERR_FILENO, STDOUT_FILENO) == -1) {
+CMutedStandardOutput::CMutedStandardOutput() : saved(duplicateStandardOutput()) {
+    const CFile nowhere(std::fopen("/dev/null", "we"));
+    if (saved == -1 || nowhere == nullptr || dup2(fileno(nowhere.get()), STDOUT_FILENO) == -1) {
         throw std::system_error(errno, std::generic_category(), "cannot redirect standard output");
     }
 }
 
-CStandardOutputDiversion::~CStandardOutputDiversion() {
+CMutedStandardOutput::~CMutedStandardOutput() {
     std::fflush(stdout);
     dup2(saved, STDOUT_FILENO);
     close(saved);

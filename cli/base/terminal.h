@@ -59,15 +59,15 @@ private:
     std::size_t shown = 0;
 };
 
-// Standard output stands for standard error from construction to destruction: the library prints a line of
-// its own there, and standard output is for what was asked for.
-class CStandardOutputDiversion {
+// While one exists, what is written to standard output is lost: the library writes a line of its own there for a
+// document that it cannot open, and fi-rotate reports that in its own words.
+class CMutedStandardOutput {
 public:
     // Throws std::system_error.
-    CStandardOutputDiversion();
-    ~CStandardOutputDiversion();
-    CStandardOutputDiversion(const CStandardOutputDiversion&) = delete;
-    CStandardOutputDiversion& operator=(const CStandardOutputDiversion&) = delete;
+    CMutedStandardOutput();
+    ~CMutedStandardOutput();
+    CMutedStandardOutput(const CMutedStandardOutput&) = delete;
+    CMutedStandardOutput& operator=(const CMutedStandardOutput&) = delete;
 
 private:
     int saved;

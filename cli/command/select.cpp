@@ -169,7 +169,8 @@ void reportNotLoaded(const SOutcome& outcome) {
         }
     }
     if (outcome.selection.has_value() && !areAllLoaded(outcome)) {
-        printError("the chosen targets may be in use by these documents' backups");
+        printError(
+            "the chosen targets may hold the snapshots of these backups; make the documents readable first");
     }
 }
 
@@ -194,7 +195,7 @@ void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
         return;
     }
     if (call.isRefused) {
-        printError("nothing was decided, because these inputs are not whole");
+        printError("nothing was decided, because these inputs are missing or damaged");
         return;
     }
     reportNotLoaded(outcome);
@@ -286,7 +287,7 @@ SOutcome refusedOutcome(const SCall& call, const SDecision& decision) {
 }
 
 SShownCall makeCall(const SCall& call, const SWishes& wishes, bool isStrict) {
-    const CStandardOutputDiversion diversion;
+    const CMutedStandardOutput muted;
     if (!isStrict) {
         return {runCall(call, wishes)};
     }
@@ -313,7 +314,7 @@ std::optional<SAdvice> adviceFor(const SCall& call, const SOutcome& outcome) {
     if (!outcome.account.has_value() || outcome.account->shortages.empty()) {
         return std::nullopt;
     }
-    const CStandardOutputDiversion diversion;
+    const CMutedStandardOutput muted;
     return adviseOn(call, outcome, [](const SCall& changed) {
         SWishes wishes;
         wishes.account = true;
@@ -347,9 +348,9 @@ int runSelect(const SOptions& options) {
     const std::optional<SAdvice> advice = adviceFor(call, outcome);
     const std::string shown = options.json ? toJson(outcome, view, advice)
                                            : toTables(outcome, view, advice, widthOfOutput(), wantsColour());
-    std::fwrite(shown.data(), 1, shown.size(), stdout);
+    const bool isShown = printOrReport(shown);
     reportWhatWentWrong(made, options.trace);
-    return flushOrReport() && isTraceWritten ? exitStatusOf(made) : kExitNotWritten;
+    return isShown && isTraceWritten ? exitStatusOf(made) : kExitNotWritten;
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include "cli/command/command.h"
 #include "cli/command/outputs.h"
 #include "cli/command/subcommands.h"
+#include "cli/outcome/failure_words.h"
 #include "cli/picture/svg.h"
 #include "cli/simulate/csv.h"
 #include "cli/simulate/json.h"
@@ -131,7 +132,7 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
     return days;
 }
 
-// A fault that came to light in the first call is one of the configuration.
+// A std::invalid_argument means that the configuration cannot be used; its text may be a line of the trace.
 SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan, const GoOn& goOn) {
     try {
         return simulate(plan, goOn);
@@ -139,7 +140,7 @@ SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan, const G
         throw CLI::ValidationError("--from", std::string("these documents cannot be used\n") + fault.what());
     } catch (const std::invalid_argument& fault) {
         throw CLI::ValidationError(options.call.configuration.has_value() ? "--config" : "--config-file",
-                                   fault.what());
+                                   asPrintable(failureInWords(fault.what())));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -12,9 +13,9 @@
 namespace fi_rotate {
 namespace {
 
-constexpr std::string_view kRest = "; its configuration and all after it are ignored";
+constexpr std::string_view kRest = "; its configuration and all after it are not used";
 
-// The texts that a failure of the configuration quotes.
+// What is wrong with the part of a configuration that the line quotes.
 struct SFailure {
     ETraceText kind;
     std::string_view words;
@@ -45,13 +46,33 @@ std::string failureInWords(const std::string& traced) {
     }
     // Only a hardened library traces it.
     if (const auto arguments = argumentsOf(ETraceText::kMalformedDocument, traced)) {
-        return fmt::format("a document is read up to line {}, column {} only: {}", arguments->at(0),
+        return fmt::format("a document is read only up to line {}, column {}: {}", arguments->at(0),
                            arguments->at(1), arguments->at(2));
+    }
+    if (argumentsOf(ETraceText::kInvalidParameter, traced).has_value()) {
+        return "the library refused the call, because one of its arguments was missing or empty";
     }
     if (const auto arguments = argumentsOf(ETraceText::kNoConfiguration, traced)) {
         return "the configuration names no target: " + inQuotes(arguments->front());
     }
     return traced;
+}
+
+std::vector<std::string> messagesInWords(const SOutcome& outcome) {
+    std::vector<std::string> messages;
+    for (const std::string& message : outcome.messages) {
+        const bool isOfException = outcome.exception.has_value() &&
+                                   outcome.exception->identifier.has_value() &&
+                                   argumentsOf(ETraceText::kMalformedIdentifier, message).has_value();
+        std::string words = isOfException
+                                ? fmt::format("malformed identifier {}: an exception ended the call",
+                                              inQuotes(*outcome.exception->identifier))
+                                : failureInWords(message);
+        if (!words.empty()) {
+            messages.push_back(std::move(words));
+        }
+    }
+    return messages;
 }
 
 }  // namespace fi_rotate

@@ -18,6 +18,7 @@
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/outcome/failure_words.h"
 #include "cli/outcome/summary.h"
 #include "cli/picture/arrange.h"
 #include "cli/picture/stamp_axis.h"
@@ -161,7 +162,7 @@ private:
 
     void addUnknown(const std::string& file, const std::string& first, const std::string& target) {
         if (unknown++ < kMostUnknown) {
-            picture.notes.push_back(fmt::format("Not drawn: {}, which holds {} of {}: not configured",
+            picture.notes.push_back(fmt::format("Not drawn: {} holds {} of {}, which is not configured",
                                                 asName(fileName(file)), asName(target), asName(first)));
         }
     }
@@ -188,7 +189,7 @@ private:
     void addNotes() {
         if (unknown > kMostUnknown) {
             picture.notes.push_back(
-                fmt::format("Not drawn: {} more that are not configured", unknown - kMostUnknown));
+                fmt::format("Not drawn: {} more targets that are not configured", unknown - kMostUnknown));
         }
         if (tooMany > 0) {
             picture.notes.push_back(fmt::format(
@@ -267,8 +268,9 @@ void giveChosen(SPicture& picture, const SOutcome& outcome) {
     const auto chosen = choices(*outcome.selection);
     if (!chosen.has_value()) {
         constexpr std::size_t kLongest = 300;
-        picture.warnings.push_back("Not marked, since names in it hold brackets: the selection " +
-                                   cutTo(asPrintable(*outcome.selection), kLongest));
+        picture.warnings.push_back(
+            "The chosen targets are not marked, because names in the selection contain brackets: " +
+            cutTo(asPrintable(*outcome.selection), kLongest));
         return;
     }
     for (std::size_t i = 0; i < chosen->size(); ++i) {
@@ -305,8 +307,9 @@ void warnOfNoSelection(SPicture& picture, const SOutcome& outcome) {
     }
     picture.warnings.emplace_back("No selection");
     constexpr std::size_t kMostMessages = 3;
-    for (std::size_t i = 0; i < std::min(outcome.messages.size(), kMostMessages); ++i) {
-        picture.warnings.push_back(outcome.messages[i]);
+    const std::vector<std::string> messages = messagesInWords(outcome);
+    for (std::size_t i = 0; i < std::min(messages.size(), kMostMessages); ++i) {
+        picture.warnings.push_back(messages[i]);
     }
 }
 
@@ -325,7 +328,7 @@ void addWarnings(SPicture& picture, const SOutcome& outcome) {
         }
     }
     if (!notLoaded.empty()) {
-        picture.warnings.push_back("Not loaded, so what they hold is not drawn: " + someOf(notLoaded));
+        picture.warnings.push_back("Not loaded, so their targets are not drawn: " + someOf(notLoaded));
     }
 }
 
@@ -373,7 +376,7 @@ void explainBars(SPicture& picture, const SOutcome& outcome) {
         return picture.has(kind) ? std::move(words) : std::string();
     };
     picture.plainMeaning =
-        explain(EBar::kPlain, fmt::format("{}, from its time stamp on", plainWord(outcome)));
+        explain(EBar::kPlain, fmt::format("{}, begins at its time stamp", plainWord(outcome)));
     picture.rotatedMeaning = explain(EBar::kRotated, "rotated: ends with this call");
     picture.excludedMeaning = explain(EBar::kExcluded, "excluded from rotation");
     picture.invalidMeaning = explain(EBar::kInvalid, "invalid");
@@ -383,7 +386,7 @@ void explainBars(SPicture& picture, const SOutcome& outcome) {
 
 SPicture pictureOf(const SOutcome& outcome) {
     SPicture picture;
-    picture.title = "Who holds which target, and what the next snapshot gets";
+    picture.title = "Which backup holds which target, and which target the next snapshot uses";
     picture.rowLabel = "targets";
     const CStampAxis axis = axisOf(outcome.backups);
     axis.drawOn(picture);

@@ -13,6 +13,7 @@
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/outcome/failure_words.h"
 #include "cli/outcome/summary.h"
 
 namespace fi_rotate {
@@ -35,7 +36,7 @@ bool isOver(const SOutcome& outcome) {
 
 std::string withoutSelection(const SOutcome& outcome) {
     if (outcome.status == FI_STATUS_SUCCESS) {
-        return "Selection: made, but the trace of a first backup does not tell which\n";
+        return "Selection: made, but the trace of a first backup does not contain it\n";
     }
     return isOver(outcome) ? "Selection: none\n" : "Selection: not known\n";
 }
@@ -43,7 +44,7 @@ std::string withoutSelection(const SOutcome& outcome) {
 SCell restorePointsCell(const SRestorePoints& points) {
     const std::string text = points.after == points.before
                                  ? fmt::to_string(points.after)
-                                 : fmt::format("{}, before {}", points.after, points.before);
+                                 : fmt::format("{} ({} before)", points.after, points.before);
     return {text, points.areAllGone() ? styleOf("invalid") : fmt::text_style()};
 }
 
@@ -67,7 +68,7 @@ std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colo
         return "Selection: " + asPrintable(*outcome.selection) + "\n";
     }
     if (chosen->empty()) {
-        return "Selection: empty, since there is no configuration\n";
+        return "Selection: empty, because no configuration could be used\n";
     }
     const std::vector<SRestorePoints> points = restorePointsOf(outcome);
     const bool arePointsKnown = points.size() == chosen->size();
@@ -94,7 +95,7 @@ std::string totalsLine(const SOutcome& outcome) {
             counts.push_back(fmt::format("{} {}", totals.ofState.at(i), kStateWords.at(i)));
         }
         if (kStateWords.at(i) == stateWord(FI_BACKUP_ROTATED) && totals.inVain != 0) {
-            counts.back() += fmt::format(" ({} of them in vain)", totals.inVain);
+            counts.back() += fmt::format(" ({} of them freed no target that was needed)", totals.inVain);
         }
     }
     if (totals.withoutState != 0) {
@@ -103,13 +104,14 @@ std::string totalsLine(const SOutcome& outcome) {
     return counts.empty() ? "" : fmt::format("Total: {}\n", fmt::join(counts, ", "));
 }
 
-std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size_t width, bool colour) {
+std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areAllKnown, std::size_t width,
+                        bool colour) {
     const std::size_t hidden = outcome.backups.size() - shown.size();
     if (shown.empty() && hidden != 0) {
         return fmt::format("Backups: none in these states, {} in others\n", hidden);
     }
     if (shown.empty()) {
-        return isOver(outcome) ? "Backups: none, this is the first\n" : "Backups: none known\n";
+        return areAllKnown ? "Backups: none; this is the first backup\n" : "Backups: not known\n";
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
     for (const SBackupOutcome* const backup : shown) {
@@ -126,7 +128,7 @@ std::string backupTable(const SOutcome& outcome, const Backups& shown, std::size
 
 std::string reasonFor(const SBackupOutcome& backup) {
     if (!backup.reason.has_value()) {
-        return backup.isLoaded ? "not known" : "ignored";
+        return backup.isLoaded ? "the reason is not known" : "ignored";
     }
     return asPrintable(inWords(*backup.reason));
 }
@@ -146,13 +148,13 @@ std::string shortageTable(const SAccount& account) {
         const SAccountConfiguration& configuration = account.configurations[shortage.configuration];
         text += fmt::format("\n{} has no free target\n", asPrintable(configuration.first));
         if (shortage.targets.empty()) {
-            text += "  it has no further targets at all; one must be added\n";
+            text += "  it has no further targets; add at least one\n";
         }
         for (const SHeldTarget& held : shortage.targets) {
             text += fmt::format("  {} is held by {}, {}\n", asPrintable(configuration.targets[held.target]),
                                 asPrintable(account.backups[held.holder].file),
                                 held.isExcluded ? "which would be rotated if it were not excluded"
-                                                : "which is invalid; it is free when that backup is gone");
+                                                : "which is invalid, so it is never released");
         }
     }
     return text;
@@ -186,22 +188,23 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
         names.push_back(asPrintable(account.configurations[shortage.configuration].first));
     }
     const bool isOne = names.size() == 1;
-    std::string text = fmt::format("{} {} short of a target\n", fmt::join(names, ", "), isOne ? "is" : "are");
+    std::string text = fmt::format("{} {} no free target\n", fmt::join(names, ", "), isOne ? "has" : "have");
     if (!advice.wayOut.empty()) {
-        text += fmt::format("Cheapest: {} ({})\n", inWords(advice.wayOut), wouldBeReleased(advice.released));
+        text += fmt::format("Without a new target: {} ({})\n", inWords(advice.wayOut),
+                            wouldBeReleased(advice.released));
     } else {
-        text += "No earlier backup can be given up for that\n";
+        text += "Without a new target: no change to the earlier backups is enough\n";
     }
     if (advice.releasedWithTargets.has_value()) {
-        text += fmt::format("{} one target to {} ({})\n", advice.wayOut.empty() ? "Add" : "Or add",
-                            isOne ? "it" : "each of them", wouldBeReleased(*advice.releasedWithTargets));
+        text += fmt::format("With a new target: add one to {} ({})\n", isOne ? "it" : "each of them",
+                            wouldBeReleased(*advice.releasedWithTargets));
     }
     return text;
 }
 
 std::string resultOf(const STrial& trial) {
     const std::string change =
-        trial.change.kind == EChange::kAllowRotation ? "with its rotation allowed" : "without it";
+        trial.change.kind == EChange::kAllowRotation ? "if its rotation is allowed," : "if it is given up,";
     if (!trial.released.has_value()) {
         return change + " a target is still missing";
     }
@@ -224,7 +227,7 @@ std::string trialsTable(const SAccount& account, const SAdvice& advice) {
         const SAccountConfiguration& configuration = account.configurations[shortage.configuration];
         text += fmt::format("\nTargets of {}\n", asPrintable(configuration.first));
         if (shortage.targets.empty()) {
-            text += "  none at all\n";
+            text += "  none\n";
         }
         for (const SHeldTarget& held : shortage.targets) {
             const std::string& file = account.backups[held.holder].file;
@@ -266,29 +269,36 @@ std::string timeOf(const SLoggedCall& call) {
                : fmt::format("Time: {} to {}\n", asPrintable(call.first.time), asPrintable(call.last.time));
 }
 
-}  // namespace
-
-std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
-                     std::size_t width, bool colour) {
+// `areAllKnown` is false when lines of the call are missing from the log, so that there may be more backups.
+std::string outcomeTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
+                          bool areAllKnown, std::size_t width, bool colour) {
     const Backups shown = view.backupsOf(outcome);
     std::string text = selectionTable(outcome, width, colour);
     if (advice.has_value()) {
         text += adviceLines(*outcome.account, *advice) + trialsTable(*outcome.account, *advice);
     }
-    text += "\n" + backupTable(outcome, shown, width, colour);
+    text += "\n" + backupTable(outcome, shown, areAllKnown, width, colour);
     if (view.withReasons && outcome.account.has_value() && !shown.empty()) {
         text += "\n" + reasonTable(shown) + (advice.has_value() ? "" : shortageTable(*outcome.account));
     }
     return text;
 }
 
+}  // namespace
+
+std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
+                     std::size_t width, bool colour) {
+    return outcomeTables(outcome, view, advice, isOver(outcome), width, colour);
+}
+
 std::string toTables(const SLoggedCall& call, const SView& view, std::size_t width, bool colour) {
     const SOutcome& outcome = call.outcome;
     return fmt::format("Call {}, {}\n", call.number, placeOf(call)) + timeOf(call) +
            toList("Missing from the log", call.missing) + "\n" +
-           (outcome.account.has_value() ? toTables(outcome, view, std::nullopt, width, colour)
-                                        : "Selection: none\n") +
-           toList("Messages", outcome.messages);
+           (outcome.account.has_value()
+                ? outcomeTables(outcome, view, std::nullopt, call.missing.empty(), width, colour)
+                : "Selection: none\n") +
+           toList("Messages", messagesInWords(outcome));
 }
 
 }  // namespace fi_rotate

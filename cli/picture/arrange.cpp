@@ -68,10 +68,9 @@ void orderByUrgency(SPicture& picture) {
     const bool hasShort = groups.front().isShort;
     const bool hasFreed = std::any_of(groups.begin(), groups.end(),
                                       [](const SPictureGroup& group) { return group.isFreedByRotation; });
-    picture.remarks.push_back(
-        fmt::format("Order of the configurations: {}{}those with the fewest free targets first",
-                    hasShort ? "short ones, then " : "",
-                    hasFreed ? "those that got their target by rotation, then " : ""));
+    picture.remarks.push_back(fmt::format("Order of the configurations: {}{}by the number of free targets",
+                                          hasShort ? "those without a free target, then " : "",
+                                          hasFreed ? "those for which a backup was rotated, then " : ""));
 }
 
 // Marks the rows that are not drawn each by itself: runs of free ones, and too many in one configuration.

@@ -38,7 +38,7 @@ enum class ETarget {
     kFree,
     // Free, and the next snapshot goes there.
     kChosen,
-    // Held, and its configuration is short of a target.
+    // Held, and its configuration has no free target.
     kBlocked,
 };
 

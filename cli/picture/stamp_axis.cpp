@@ -42,7 +42,7 @@ void CStampAxis::drawOn(SPicture& picture) const {
     picture.columns = std::max(kColumnsEach * places.size(), kFewestColumns);
     picture.timeLabel =
         std::string(areTimes ? "time (as in the time stamps)" : "order of the time stamps as texts") +
-        "; behind the newest not to scale";
+        "; not to scale after the newest";
     if (areTimes) {
         picture.ticks = timeTicks(static_cast<std::int64_t>(picture.from), static_cast<std::int64_t>(newest),
                                   mostTicks(picture.columns) - 1);

@@ -107,8 +107,8 @@ std::vector<std::string> warningsOf(const SSimulation& simulation) {
     for (const SShortConfiguration& shortage : shortagesOf(simulation)) {
         shortOnes.push_back(simulation.configurations[shortage.configuration].first);
     }
-    return {fmt::format("No selection from round {} on: {} {} no free target", *standstill, someOf(shortOnes),
-                        shortOnes.size() == 1 ? "has" : "have")};
+    return {fmt::format("No target is found from round {} to the end: {} {} no free target", *standstill,
+                        someOf(shortOnes), shortOnes.size() == 1 ? "has" : "have")};
 }
 
 // The first drawn round that found no target.
@@ -139,28 +139,27 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, const SWindow&
                                    ? fmt::format("{} of {} rounds", simulation.finishedRounds, plan.rounds)
                                    : countInWords(plan.rounds, "round");
     std::vector<std::string> remarks{
-        fmt::format("{} from {} on, every {}; the number in a bar is its round's", rounds,
-                    toShownTime(plan.start), toShownDuration(plan.every))};
+        fmt::format("{} from {} on, every {}; a bar shows the number of its round",
+                    rounds, toShownTime(plan.start), toShownDuration(plan.every))};
     if (!plan.from.empty()) {
-        remarks.emplace_back(
-            "Bars d1, d2 and so on are backups that were there before, by their places in the list");
+        remarks.emplace_back("Bars d1, d2 and so on are the backups of --from, in the order given");
     }
     if (const std::size_t without = countWithoutTarget(simulation); without != 0) {
-        const char* const which = window.first == 1 ? "the first" : "the first of those drawn";
+        const char* const which = window.first == 1 ? "the first" : "the first that is drawn";
         remarks.push_back(fmt::format("{} of them found no target", without) +
                           (firstWithoutTarget(simulation, window).has_value()
-                               ? fmt::format(", {} at the line across", which)
+                               ? fmt::format("; the vertical line is at {}", which)
                                : ""));
     }
     remarks.push_back(countSnapshots(simulation));
     if (window.first > 1) {
         remarks.push_back(
-            fmt::format("Rounds 1 to {} are left out; what they took is drawn as far as it was "
+            fmt::format("Rounds 1 to {} are not drawn; their snapshots are drawn if they were still "
                         "held in round {}",
                         window.first - 1, window.first));
     }
     if (window.last < simulation.finishedRounds) {
-        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are left out",
+        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are not drawn",
                                       window.last + 1, simulation.finishedRounds));
     }
     return remarks;
@@ -216,13 +215,13 @@ SPicture pictureOf(const SSimulation& simulation) {
         }
     }
     arrange(picture);
-    picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, from its taking to its rotation" : "";
+    picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, until it is rotated" : "";
     picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
-    picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: a later round was given its target" : "";
+    picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: overwritten by a later snapshot" : "";
     picture.openMeaning = picture.hasRow([](const SPictureRow& row) {
         return std::any_of(row.bars.begin(), row.bars.end(), [](const SBar& bar) { return bar.isOpen; });
     })
-                              ? "still held in the end"
+                              ? "still held at the end"
                               : "";
     if (const auto first = firstWithoutTarget(simulation, window); first.has_value()) {
         picture.lineAt = static_cast<double>(timeOf(plan, *first));

@@ -24,7 +24,7 @@ namespace {
 
 // With its account.
 SOutcome call(const SCall& arguments) {
-    const CStandardOutputDiversion diversion;
+    const CMutedStandardOutput muted;
     SWishes wishes;
     wishes.account = true;
     wishes.configurationsOfFirstBackup = true;
@@ -42,7 +42,7 @@ std::vector<SAccountConfiguration> configurationsOf(const std::string& configura
     SOutcome outcome = call(arguments);
     for (const std::string& message : outcome.messages) {
         if (isOfParser(message)) {
-            throw std::invalid_argument(asPrintable(message));
+            throw std::invalid_argument(message);
         }
     }
     return std::move(outcome.account->configurations);

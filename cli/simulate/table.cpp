@@ -19,7 +19,7 @@ std::string inWords(const SLeastTargets& least) {
         case ESearch::kFound:
             return fmt::to_string(least.targets);
         case ESearch::kNever:
-            return "no number";
+            return "impossible";
         case ESearch::kNoLimit:
             return "no limit";
         case ESearch::kStopped:
@@ -56,7 +56,7 @@ Row headingOf(const SSimulationReport& report) {
         row.push_back({text, {}});
     }
     if (report.goal.has_value()) {
-        row.push_back({"needs", {}});
+        row.push_back({fmt::format("targets for {}", toShownDays(*report.goal)), {}});
     }
     for (SCell& cell : row) {
         cell.style = fmt::emphasis::bold;
@@ -93,8 +93,12 @@ std::string configurationTable(const SSimulationReport& report, std::size_t widt
     return toTable(std::move(rows), width, colour);
 }
 
+std::string roundInWords(const SPlan& plan, std::size_t round) {
+    return fmt::format("round {} ({})", round, toShownTime(timeOf(plan, round)));
+}
+
 std::string inWords(const SPlan& plan, const SKept& kept) {
-    return fmt::format("{} in round {} ({})", kept.count, kept.round, toShownTime(timeOf(plan, kept.round)));
+    return fmt::format("{} in {}", kept.count, roundInWords(plan, kept.round));
 }
 
 std::string fewestKeptLines(const SSimulationReport& report) {
@@ -188,20 +192,19 @@ std::string noLimitLine(const SSimulationReport& report) {
     const auto& all = report.leastTargets;
     const bool hasNoLimit = std::any_of(
         all.begin(), all.end(), [](const SLeastTargets& least) { return least.search == ESearch::kNoLimit; });
-    return hasNoLimit
-               ? "No number of targets is enough for good: exclusions that never end take one after another\n"
-               : "";
+    return hasNoLimit ? "No number of targets stays enough: each excluded backup keeps its target forever\n"
+                      : "";
 }
 
-std::string becameOf(const STakenOver& backup) {
+std::string resultInWords(const SPlan& plan, const STakenOver& backup) {
     if (!backup.whyInvalid.empty()) {
-        return "left out as invalid: " + asPrintable(backup.whyInvalid);
+        return "invalid, not used: " + asPrintable(backup.whyInvalid);
     }
     switch (backup.end) {
         case EEnd::kRotated:
-            return fmt::format("rotated in round {}", backup.ended);
+            return fmt::format("rotated in {}", roundInWords(plan, backup.ended));
         case EEnd::kLost:
-            return fmt::format("lost in round {}", backup.ended);
+            return fmt::format("lost in {}", roundInWords(plan, backup.ended));
         default:
             return "held";
     }
@@ -212,7 +215,7 @@ std::string takenOverTable(const SSimulation& simulation, std::size_t width, boo
         return "";
     }
     std::vector<Row> rows{
-        toRow({"document", "taken", "excluded", "snapshots", "what became of it"}, fmt::emphasis::bold)};
+        toRow({"document", "taken", "excluded", "snapshots", "result"}, fmt::emphasis::bold)};
     std::size_t invalid = 0;
     for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
         const SBackup& given = simulation.plan.from[i];
@@ -221,10 +224,10 @@ std::string takenOverTable(const SSimulation& simulation, std::size_t width, boo
         rows.push_back(
             toRow({asPrintable(given.file), backup.time.has_value() ? toShownTime(*backup.time) : "-",
                    (given.flagWord & FI_EXCLUDE_ROTATION) != 0 ? "yes" : "no",
-                   fmt::to_string(backup.snapshots), becameOf(backup)}));
+                   fmt::to_string(backup.snapshots), resultInWords(simulation.plan, backup)}));
     }
     const std::size_t all = simulation.takenOver.size();
-    return fmt::format("\nTaken over were the backups of {} of {} documents\n", all - invalid, all) +
+    return fmt::format("\nThe rounds began with the backups of {} of {} documents\n", all - invalid, all) +
            toTableOrLists(rows, width, colour);
 }
 

@@ -22,7 +22,7 @@ namespace {
 }
 
 SAccount accountOf(const SPlan& plan) {
-    const CStandardOutputDiversion diversion;
+    const CMutedStandardOutput muted;
     SCall call;
     call.configuration = plan.configuration;
     call.backups = plan.from;

@@ -152,7 +152,7 @@ std::string heading(const SSimulation& simulation, const SWindow& window) {
         text += fmt::format("  not shown (terminal too narrow): 1 to {}\n", window.first - 1);
     }
     if (window.last < simulation.finishedRounds) {
-        text += fmt::format("  left out, since they found no target either: {} to {}\n", window.last + 1,
+        text += fmt::format("  not shown (no target was found either): {} to {}\n", window.last + 1,
                             simulation.finishedRounds);
     }
     return text;
@@ -216,7 +216,8 @@ std::string toTimeline(const SSimulation& simulation, std::size_t width) {
     if (marks.find(kNoTarget) != std::string::npos) {
         text += line("(no target)", marks);
     }
-    return text + "  letter: a backup that holds the target; capital: an excluded one; .: free\n";
+    return text +
+           "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free\n";
 }
 
 }  // namespace fi_rotate

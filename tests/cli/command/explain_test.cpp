@@ -140,7 +140,7 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
                                  "\n"
                                  "Reasons\n"
                                  "  a.xml\n"
-                                 "    no state: not known\n");
+                                 "    no state: the reason is not known\n");
 }
 
 TEST_F(FiRotateExplain, ReadsSeveralLogsOneAfterTheOther) {
@@ -157,9 +157,9 @@ TEST_F(FiRotateExplain, ReadsSeveralLogsOneAfterTheOther) {
     const std::string calls =
         "Time: Nov  2 01:30:00 to Nov  2 01:30:02\n"
         "\n"
-        "Selection: made, but the trace of a first backup does not tell which\n"
+        "Selection: made, but the trace of a first backup does not contain it\n"
         "\n"
-        "Backups: none, this is the first\n"
+        "Backups: none; this is the first backup\n"
         "\n"
         "Call 2, ";
     const auto result = runFiRotate({"explain", older, last});

@@ -42,9 +42,9 @@ TEST(FiRotateSelect, ShowsSelectionAndEveryBackupInTheOrderGiven) {
     EXPECT_EQ(result.output,
               "Selection\n"
               "  first target     chosen target    restore points\n"
-              "  ENC-A##VOL-0011  ENC-A##SNP-0102  5, before 6\n"
-              "  ENC-A##VOL-0012  ENC-A##SNP-0112  5, before 6\n"
-              "  ENC-B##VOL-0021  ENC-B##SNP-0202  5, before 6\n"
+              "  ENC-A##VOL-0011  ENC-A##SNP-0102  5 (6 before)\n"
+              "  ENC-A##VOL-0012  ENC-A##SNP-0112  5 (6 before)\n"
+              "  ENC-B##VOL-0021  ENC-B##SNP-0202  5 (6 before)\n"
               "\n"
               "Backups\n"
               "  file" +
@@ -99,7 +99,7 @@ TEST(FiRotateSelect, WithoutBackupsChoosesTheFirstTargets) {
               "  first target  chosen target\n"
               "  encA##lun1    encA##snap1\n"
               "\n"
-              "Backups: none, this is the first\n");
+              "Backups: none; this is the first backup\n");
 }
 
 TEST(FiRotateSelect, ExitsWith3AndSaysSoWhenThereIsNoSelection) {
@@ -142,15 +142,13 @@ TEST(FiRotateSelect, NamesEveryBackupThatWasNotLoadedWithTheReasonAndExitsWith6)
     const auto result =
         runFiRotate({"select", "--config", "encA##lun1;encA##snap1;snap2", file, missing, file + "2"});
     EXPECT_EQ(result.exitStatus, 6);
-    EXPECT_EQ(result.error, "ERROR: failed to load FIID file [" + missing +
-                                "]\n"
-                                "fi-rotate: " +
-                                missing +
+    EXPECT_EQ(result.error, "fi-rotate: " + missing +
                                 " was ignored: it cannot be opened: No such file or directory\n"
                                 "fi-rotate: " +
                                 file +
                                 "2 was ignored: a document before it cannot be opened\n"
-                                "fi-rotate: the chosen targets may be in use by these documents' backups\n");
+                                "fi-rotate: the chosen targets may hold the snapshots of these backups; make "
+                                "the documents readable first\n");
     EXPECT_THAT(result.output, HasSubstr("  -           0      not loaded\n"));
 }
 
@@ -162,7 +160,8 @@ TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
     EXPECT_THAT(result.output, EndsWith("not loaded\n"));
     EXPECT_EQ(result.error, "fi-rotate: " + file +
                                 " was ignored: it has no Node\n"
-                                "fi-rotate: the chosen targets may be in use by these documents' backups\n");
+                                "fi-rotate: the chosen targets may hold the snapshots of these backups; make "
+                                "the documents readable first\n");
 }
 
 TEST(FiRotateSelect, StrictSelectsFromWholeInputsAsWithoutIt) {
@@ -189,7 +188,7 @@ TEST(FiRotateSelect, StrictNamesEveryInputThatIsNotWholeAndDecidesNothing) {
               "fi-rotate: " +
                   missing + ": cannot be opened: No such file or directory\n" + "fi-rotate: " + without +
                   ": has no Node\n"
-                  "fi-rotate: nothing was decided, because these inputs are not whole\n");
+                  "fi-rotate: nothing was decided, because these inputs are missing or damaged\n");
 }
 
 TEST(FiRotateSelect, StrictExitsWith3WhenNoTargetIsFree) {
@@ -207,7 +206,7 @@ TEST(FiRotateSelect, TellsWhichConfigurationWasRejected) {
     EXPECT_THAT(result.output, HasSubstr("  encA##lun1    encA##snap1\n\n"));
     EXPECT_EQ(result.error,
               "fi-rotate: \"lun2\" names no enclosure; a target is ENCLOSURE##DEVICE; its configuration "
-              "and all after it are ignored\n");
+              "and all after it are not used\n");
 }
 
 TEST(FiRotateSelect, WritesTheTraceToStandardErrorOneLineACall) {
@@ -288,12 +287,13 @@ TEST(FiRotateSelect, BeginsWithTheCheapestWayOutOfAShortage) {
     const std::string holder = folder.write("a.xml", kHolder);
     const auto result = runFiRotate({"select", "--config", kConfiguration, "--exclude", holder, holder});
     EXPECT_EQ(result.exitStatus, 3);
-    EXPECT_THAT(result.output, StartsWith("Selection: none\n"
-                                          "encA##lun1 is short of a target\n"
-                                          "Cheapest: allow rotation of " +
-                                          holder +
-                                          " (1 backup would be released)\n"
-                                          "Or add one target to it (no backup would be released)\n"));
+    EXPECT_THAT(result.output,
+                StartsWith("Selection: none\n"
+                           "encA##lun1 has no free target\n"
+                           "Without a new target: allow rotation of " +
+                           holder +
+                           " (1 backup would be released)\n"
+                           "With a new target: add one to it (no backup would be released)\n"));
 }
 
 }  // namespace

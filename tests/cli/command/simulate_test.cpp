@@ -44,7 +44,7 @@ TEST(FiRotateSimulate, ShowsASummaryAndEveryTargetsHoldersBelowIt) {
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(result.output,
               "12 rounds: 2026-10-01 00:00 to 2026-10-12 00:00\n"
-              "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
+              "  configuration  targets  taken  rotated  held  age min  median  max  targets for 2 d\n"
               "  encA##lun1     3        6      3        3     1 d      2 d     3 d  no limit\n"
               "  encA##lun2     4        6      3        3     1 d      2 d     3 d  no limit\n"
               "\n"
@@ -56,10 +56,10 @@ TEST(FiRotateSimulate, ShowsASummaryAndEveryTargetsHoldersBelowIt) {
               "\n"
               "No target was found from round 7 on (2026-10-07 00:00), in 6 of 12 rounds\n"
               "  encA##lun1: all 3 targets are held by excluded backups\n"
-              "No number of targets is enough for good: exclusions that never end take one after another\n"
+              "No number of targets stays enough: each excluded backup keeps its target forever\n"
               "\n"
               "Rounds 1 to 9, a column each\n"
-              "  left out, since they found no target either: 10 to 12\n"
+              "  not shown (no target was found either): 10 to 12\n"
               "                 1\n"
               "  encA##lun1\n"
               "    encA##s1     aaaDDDDDD\n"
@@ -71,7 +71,7 @@ TEST(FiRotateSimulate, ShowsASummaryAndEveryTargetsHoldersBelowIt) {
               "    encA##t3     ..cceFFFF\n"
               "    encA##t4     .........\n"
               "    (no target)        !!!\n"
-              "  letter: a backup that holds the target; capital: an excluded one; .: free\n");
+              "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free\n");
 }
 
 TEST(FiRotateSimulate, SaysThatEveryRoundFoundATarget) {
@@ -96,7 +96,7 @@ TEST(FiRotateSimulate, ShowsEveryStretchOfRoundsWithoutATarget) {
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.output,
               "9 rounds: 2026-10-01 00:00 to 2026-10-09 00:00\n"
-              "  configuration  targets  taken  rotated  held  age min  median  max  needs\n"
+              "  configuration  targets  taken  rotated  held  age min  median  max  targets for 3 d\n"
               "  encA##lun1     2        5      3        2     4 d      4 d     4 d  4\n"
               "\n"
               "Fewest restore points after the call of a round\n"
@@ -111,7 +111,7 @@ TEST(FiRotateSimulate, ShowsEveryStretchOfRoundsWithoutATarget) {
               "    encA##s1     AAAACCCCE\n"
               "    encA##s2     .BBBBDDDD\n"
               "    (no target)    !!  !!\n"
-              "  letter: a backup that holds the target; capital: an excluded one; .: free\n");
+              "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free\n");
 }
 
 TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
@@ -119,14 +119,14 @@ TEST(FiRotateSimulate, NamesSnapshotsThatWereOverwritten) {
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(
         result.output,
-        HasSubstr("  configuration  targets  taken  rotated  held  lost  age min  median  max  needs\n"
-                  "  encA##lun1     2        3      0        1     2     -        -       -    no "
-                  "number\n"
-                  "\n"
-                  "Fewest restore points after the call of a round\n"
-                  "  encA##lun1: 1 in round 2 (2026-10-02 00:00)\n"
-                  "\n"
-                  "2 of 3 snapshots were lost: later rounds overwrote them\n"));
+        HasSubstr(
+            "  configuration  targets  taken  rotated  held  lost  age min  median  max  targets for 2 d\n"
+            "  encA##lun1     2        3      0        1     2     -        -       -    impossible\n"
+            "\n"
+            "Fewest restore points after the call of a round\n"
+            "  encA##lun1: 1 in round 2 (2026-10-02 00:00)\n"
+            "\n"
+            "2 of 3 snapshots were lost: later rounds overwrote them\n"));
     EXPECT_THAT(result.output, Not(HasSubstr("found a target")));
 }
 
@@ -252,22 +252,22 @@ TEST_F(FiRotateSimulateFrom, SaysWhatWasTakenOverAndWhatBecameOfIt) {
               "\n"
               "Every round found a target\n"
               "\n"
-              "Taken over were the backups of 3 of 4 documents\n"
+              "The rounds began with the backups of 3 of 4 documents\n"
               "  document" +
                   blanks +
-                  "  taken             excluded  snapshots  what became of it\n"
+                  "  taken             excluded  snapshots  result\n"
                   "  " +
                   excluded +
                   "  2026-09-26 00:00  yes       1          held\n"
                   "  " +
                   older +
-                  "     2026-09-27 00:00  no        1          rotated in round 1\n"
+                  "     2026-09-27 00:00  no        1          rotated in round 1 (2026-10-01 00:00)\n"
                   "  " +
                   newer +
-                  "     2026-09-28 00:00  no        1          rotated in round 2\n"
+                  "     2026-09-28 00:00  no        1          rotated in round 2 (2026-10-02 00:00)\n"
                   "  " +
                   invalid +
-                  "   -                 no        0          left out as invalid: "
+                  "   -                 no        0          invalid, not used: "
                   "UDID##a##b##encA##lun1 with UDID##a##b##encA##s9 names no target of encA##lun1\n");
 }
 
@@ -387,8 +387,7 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
         {with("--every", "999999w"),
          "the last round would be after the year 9999; give fewer rounds or a shorter --every"},
         {with("--config-file", "no/such/file"), "give exactly one of --config, --config-file"},
-        {with("--config", "a##b;c&d"),
-         "--config: CFiResourceParser::parse : resource configuration \"d\" has no"},
+        {with("--config", "a##b;c&d"), "--config: \"d\" names no enclosure; a target is ENCLOSURE##DEVICE"},
         {with("--config", "a##b;\x01"),
          "--config: the name \"UDID##EXAMPLE##ARRAY##a##\\x01\" cannot be written into an XML document"},
         {with("--csv", "/no/such/folder/c"), "cannot write \"/no/such/folder/c\": No such file"},

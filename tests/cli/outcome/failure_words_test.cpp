@@ -1,6 +1,7 @@
 #include "cli/outcome/failure_words.h"
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,7 @@ namespace fi_rotate {
 namespace {
 
 TEST(FiRotateFailureWords, SayWhatIsWrongWithAConfiguration) {
-    const std::string ignored = "; its configuration and all after it are ignored";
+    const std::string ignored = "; its configuration and all after it are not used";
     EXPECT_EQ(
         failureInWords(
             "CFiResourceParser::parse : resource configuration \"lun1\" has no enclosure data specified."),
@@ -35,13 +36,26 @@ TEST(FiRotateFailureWords, LeaveOutWhatIsReportedElsewhere) {
 TEST(FiRotateFailureWords, SayWhereAHardenedLibraryStopsReading) {
     EXPECT_EQ(failureInWords(
                   "CFiFiidHandler::fatalError : line 2, column 9 : more than 256 different element names"),
-              "a document is read up to line 2, column 9 only: more than 256 different element names");
+              "a document is read only up to line 2, column 9: more than 256 different element names");
 }
 
 // A message of ours may begin as the line of a malformed identifier does: with the name of a file.
 TEST(FiRotateFailureWords, ShowALineThatTheyDoNotKnow) {
     EXPECT_EQ(failureInWords("something new"), "something new");
     EXPECT_EQ(failureInWords("ERROR: a.xml: cannot be opened"), "ERROR: a.xml: cannot be opened");
+}
+
+TEST(FiRotateFailureWords, SayWhyACallWasRefused) {
+    EXPECT_EQ(failureInWords("fi_process_backups : Invalid/empty parameter"),
+              "the library refused the call, because one of its arguments was missing or empty");
+}
+
+TEST(FiRotateFailureWords, NameTheIdentifierThatEndedACall) {
+    SOutcome outcome;
+    outcome.exception = SException{"UDID##x", {}, "it is malformed", {}, false};
+    outcome.messages = {"CFiFiidLoader::load: ERROR: failed to load FIID file", "ERROR: UDID##x"};
+    EXPECT_EQ(messagesInWords(outcome),
+              std::vector<std::string>{"malformed identifier \"UDID##x\": an exception ended the call"});
 }
 
 }  // namespace

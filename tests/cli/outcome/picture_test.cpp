@@ -272,7 +272,7 @@ TEST_F(FiRotatePicture, CountsWhatBecameOfTheBackupsAndNamesWhatWasNotLoaded) {
     const SDrawn picture = drawn(make(call));
     EXPECT_THAT(picture.texts, Contains("6 backups: 2 kept, 1 rotated, 1 excluded, 1 invalid, 1 not loaded"));
     EXPECT_THAT(picture.texts, Contains("1 configuration, 4 targets, 1 free"));
-    EXPECT_THAT(picture.texts, Contains("Not loaded, so what they hold is not drawn: missing"));
+    EXPECT_THAT(picture.texts, Contains("Not loaded, so their targets are not drawn: missing"));
 }
 
 // The list ends before its third entry, which is the first once more.

@@ -68,12 +68,12 @@ TEST(FiRotateTable, SaysWhyThereAreNoRows) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
     EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false),
-              "Selection: none\n\nBackups: none, this is the first\n");
+              "Selection: none\n\nBackups: none; this is the first backup\n");
     outcome.status = FI_STATUS_SUCCESS;
     outcome.selection = "";
     EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false),
-              "Selection: empty, since there is no configuration\n\n"
-              "Backups: none, this is the first\n");
+              "Selection: empty, because no configuration could be used\n\n"
+              "Backups: none; this is the first backup\n");
 }
 
 TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
@@ -97,7 +97,7 @@ TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
     outcome.backups.clear();
     outcome.selection = "[A##x][1;B##2]";
     EXPECT_EQ(fi_rotate::toTables(outcome, {}, std::nullopt, kAnyWidth, false),
-              "Selection: [A##x][1;B##2]\n\nBackups: none, this is the first\n");
+              "Selection: [A##x][1;B##2]\n\nBackups: none; this is the first backup\n");
 }
 
 // Colour adds to what is there: without its escape sequences the text is the same.

@@ -86,8 +86,8 @@ TEST(FiRotateArrange, PutsShortConfigurationsFirstThenReleasedOnesThenThoseWithF
     EXPECT_THAT(groupsOf(picture), ElementsAre("short", "released", "one", "two", "three"));
     EXPECT_THAT(
         picture.remarks,
-        Contains("Order of the configurations: short ones, then those that got their target by rotation, "
-                 "then those with the fewest free targets first"));
+        Contains("Order of the configurations: those without a free target, then those for which a backup "
+                 "was rotated, then by the number of free targets"));
 }
 
 TEST(FiRotateArrange, DrawsOfTooManyConfigurationsSomeWholeSomeWithTheirChosenTargetAndCountsTheOthers) {

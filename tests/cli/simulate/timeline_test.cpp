@@ -46,15 +46,19 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 TEST(FiRotateTimeline, ShowsTheLastRoundsThatFitAndSaysSo) {
     // 17 columns are taken by "    (no target)  ".
-    EXPECT_THAT(linesOf(toTimeline(oneTarget(30), 17 * 3)),
-                ElementsAre("Rounds 1 to 30, a column each", "                 1         11        21",
-                            "  encA##lun1", "    encA##s1     abcdefghijklmnopqrstuvwxyzabcd",
-                            "  letter: a backup that holds the target; capital: an excluded one; .: free"));
-    EXPECT_THAT(linesOf(toTimeline(oneTarget(40), 17 * 3)),
-                ElementsAre("Rounds 7 to 40, a column each", "  not shown (terminal too narrow): 1 to 6",
-                            "                 7         17        27        37", "  encA##lun1",
-                            "    encA##s1     ghijklmnopqrstuvwxyzabcdefghijklmn",
-                            "  letter: a backup that holds the target; capital: an excluded one; .: free"));
+    EXPECT_THAT(
+        linesOf(toTimeline(oneTarget(30), 17 * 3)),
+        ElementsAre(
+            "Rounds 1 to 30, a column each", "                 1         11        21", "  encA##lun1",
+            "    encA##s1     abcdefghijklmnopqrstuvwxyzabcd",
+            "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free"));
+    EXPECT_THAT(
+        linesOf(toTimeline(oneTarget(40), 17 * 3)),
+        ElementsAre(
+            "Rounds 7 to 40, a column each", "  not shown (terminal too narrow): 1 to 6",
+            "                 7         17        27        37", "  encA##lun1",
+            "    encA##s1     ghijklmnopqrstuvwxyzabcdefghijklmn",
+            "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free"));
 }
 
 TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
