@@ -1,4 +1,4 @@
-// Makes the completion of a shell. Usage: fi-rotate-completions SCRIPT
+// Prints the completion of a shell, made from the template SCRIPT. Usage: fi-rotate-completions SCRIPT
 
 #include <cstdio>
 
@@ -9,5 +9,5 @@ int main(int argc, char** argv) {
         std::fputs("usage: fi-rotate-completions SCRIPT\n", stderr);
         return 2;
     }
-    return fi_rotate::printCompletion(argv[1]) ? 0 : 1;
+    return fi_rotate::printCompletionOrReport(argv[1]) ? 0 : 1;
 }

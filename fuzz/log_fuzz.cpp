@@ -85,9 +85,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::size_t end = log.find('\n');
         const std::string_view line = log.substr(0, end);
         if (line == "\f") {
-            reader.begin("next");
+            reader.beginLog("next");
         } else {
-            reader.read(line);
+            reader.readLine(line);
         }
         log.remove_prefix(end == std::string_view::npos ? log.size() : end + 1);
     }

@@ -33,7 +33,7 @@ bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-// The digits of `text` where `form` has a D, which must agree in all else.
+// The digits of `text` at the positions where `form` has a D. At all other positions both must be equal.
 std::optional<std::string> digitsIn(std::string_view text, std::string_view form) {
     std::string digits;
     for (std::size_t i = 0; i < form.size(); ++i) {
@@ -78,7 +78,7 @@ std::optional<std::int64_t> parseTimeStamp(std::string_view text) {
     calendar.tm_min = number(10, 2);
     calendar.tm_sec = number(12, 2);
     const std::int64_t time = timegm(&calendar);
-    // A day that no month has became one of the next month.
+    // timegm turns a day that the month does not have into a day of the next month.
     return toTimeStamp(time) == text ? std::optional(time) : std::nullopt;
 }
 

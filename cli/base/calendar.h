@@ -15,24 +15,24 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::array<std::string_view, 7> kWeekdays = {"sunday",   "monday", "tuesday", "wednesday",
                                                        "thursday", "friday", "saturday"};
 
-// YYYY-MM-DD, or YYYY-MM-DDThh:mm with or without :ss; nothing when `text` is no such time.
+// Reads YYYY-MM-DD, or YYYY-MM-DDThh:mm with or without :ss; nothing when `text` is not such a time.
 std::optional<std::int64_t> parseTime(std::string_view text);
 
-// A time stamp of fixed width, YYYYMMDDhhmmss; nothing when `text` is none.
+// Reads a time stamp of fixed width, YYYYMMDDhhmmss; nothing when `text` is not one.
 std::optional<std::int64_t> parseTimeStamp(std::string_view text);
 
-// A whole number above 0 with a unit: s, m, h, d or w.
+// Reads a whole number above 0 with a unit: s, m, h, d or w.
 std::optional<std::int64_t> parseDuration(std::string_view text);
 
-// The same in its largest unit that is whole: "24h" is shown as "1d".
+// A duration in the largest unit in which it is a whole number: "24h" is shown as "1d".
 std::string toShownDuration(std::int64_t seconds);
 
-// A day by its name or the first three letters of it.
+// Reads the name of a day of the week, or its first three letters.
 std::optional<int> parseWeekday(std::string_view text);
 
 int weekdayOf(std::int64_t time);
 
-// YYYYMMDDhhmmss: of the same width for all years up to 9999, so that the order of the texts is that of time.
+// YYYYMMDDhhmmss. All have the same width, up to the year 9999, so sorting them as texts sorts them by time.
 std::string toTimeStamp(std::int64_t time);
 
 // YYYY-MM-DDThh:mm:ssZ.
@@ -41,7 +41,7 @@ std::string toIsoTime(std::int64_t time);
 // YYYY-MM-DD hh:mm, with :ss where there are seconds.
 std::string toShownTime(std::int64_t time);
 
-// In days, to the hundredth and without needless zeros: "10 d", "5.5 d".
+// In days, rounded to hundredths, without zeros at the end: "10 d", "5.5 d".
 std::string toShownDays(std::int64_t seconds);
 
 // The last second of the year 9999.

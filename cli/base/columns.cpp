@@ -25,7 +25,7 @@ std::size_t lineWidth(const std::vector<std::size_t>& widths) {
     return std::accumulate(widths.begin(), widths.end(), kGap.size() * widths.size());
 }
 
-// Takes from the widest column as long as the line is too long.
+// Makes the widest column narrower, one character at a time, while the line is too long.
 std::vector<std::size_t> fitted(std::vector<std::size_t> widths, std::size_t width) {
     constexpr std::size_t kNarrowest = 8;
     std::size_t line = lineWidth(widths);
@@ -107,8 +107,8 @@ std::string toTableOrLists(const std::vector<Row>& rows, std::size_t width, bool
     return lists;
 }
 
-// The formatting library pads to a width by its own measure of a text, so the padding it adds tells that
-// measure.
+// The formatting library pads a text to a width in columns, so the number of blanks that it adds shows how
+// many columns it counts for the text.
 std::size_t displayWidth(const std::string& text) {
     const std::size_t padded = fmt::formatted_size("{:<{}}", text, text.size());
     return 2 * text.size() - padded;
@@ -122,7 +122,7 @@ std::string cutTo(const std::string& text, std::size_t width) {
     std::string start;
     std::string end;
     std::size_t room = width - 1;
-    // From both ends inwards, the end first, until the next has no room.
+    // Takes characters from the end and from the start in turn, until the next one does not fit.
     for (std::size_t i = 0; i < characters.size(); ++i) {
         const bool isEnd = i % 2 == 0;
         const std::string& next = isEnd ? characters[characters.size() - 1 - i / 2] : characters[i / 2];

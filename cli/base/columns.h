@@ -21,20 +21,20 @@ std::string styled(const SCell& cell, bool colour);
 
 Row toRow(std::initializer_list<std::string> texts, fmt::text_style style = {});
 
-// A line for each row; columns are as wide as their longest text. All rows have as many cells as the first.
-// Where lines would be longer than `width` columns, the widest cells are cut, if that leaves something to be
-// read of them.
+// A line for each row; each column is as wide as its longest text. All rows have as many cells as the first.
+// When lines would be longer than `width` columns, the widest columns are cut, but not to less than eight
+// characters.
 std::string toTable(std::vector<Row> rows, std::size_t width, bool colour);
 
-// The same without cutting anything: where lines would be too long, each row becomes some lines, its first
-// cell and below it the others behind the headings in the first row.
+// The same, but nothing is cut: when lines would be too long, each row becomes several lines, first its first
+// cell and then each other cell after its heading from the first row.
 std::string toTableOrLists(const std::vector<Row>& rows, std::size_t width, bool colour);
 
-// Columns on a terminal.
+// How many columns of a terminal `text` takes.
 std::size_t displayWidth(const std::string& text);
 
-// `text`, or as much of its start and its end as leaves room for an ellipsis between them within `width`, at
-// least 1, columns: names of one kind mostly differ at the end.
+// `text` in at most `width` columns, which is at least 1. A longer text is cut in the middle, with an
+// ellipsis between its start and its end, because similar names mostly differ at the end.
 std::string cutTo(const std::string& text, std::size_t width);
 
 }  // namespace fi_rotate

@@ -62,26 +62,26 @@ std::optional<std::string> readFile(const std::string& file) {
     return stream == nullptr ? std::nullopt : readAll(stream.get());
 }
 
-// The system's own function does not follow a link that leads to nothing yet.
-std::string placeOf(const std::string& file) {
+// weakly_canonical does not follow a link to a file that does not exist yet.
+std::string resolvedPathOf(const std::string& file) {
     constexpr int kMostLinks = 40;
     std::error_code ignored;
     std::filesystem::path path = std::filesystem::absolute(file, ignored);
     for (int i = 0; i < kMostLinks && !exists(path, ignored) && is_symlink(path, ignored); ++i) {
         path = path.parent_path() / read_symlink(path, ignored);
     }
-    const auto place = weakly_canonical(path, ignored);
-    return place.empty() ? path : place;
+    const auto resolved = weakly_canonical(path, ignored);
+    return resolved.empty() ? path : resolved;
 }
 
-// Moving a file onto a link would replace the link.
-COutputFile::COutputFile(std::string file) : given(std::move(file)), place(placeOf(given)) {
+// Uses the resolved path, because renaming a file to the name of a link would replace the link.
+COutputFile::COutputFile(std::string file) : given(std::move(file)), path(resolvedPathOf(given)) {
     struct stat before = {};
-    const bool exists = stat(place.c_str(), &before) == 0;
+    const bool exists = stat(path.c_str(), &before) == 0;
     if (exists && !S_ISREG(before.st_mode)) {
-        content.reset(std::fopen(place.c_str(), "we"));
-    } else if (!place.empty() && (!exists || access(place.c_str(), W_OK) == 0)) {
-        temporary = place + ".XXXXXX";
+        content.reset(std::fopen(path.c_str(), "we"));
+    } else if (!path.empty() && (!exists || access(path.c_str(), W_OK) == 0)) {
+        temporary = path + ".XXXXXX";
         const int descriptor = mkstemp(temporary.data());
         content.reset(descriptor == -1 ? nullptr : fdopen(descriptor, "w"));
     }
@@ -111,10 +111,10 @@ void COutputFile::commit() {
         fail();
     }
     if (isBroken) {
-        // What errno said of the write that failed is gone.
+        // errno no longer has the error of the write that failed.
         throw std::system_error(EIO, std::generic_category());
     }
-    if (!temporary.empty() && std::rename(temporary.c_str(), place.c_str()) != 0) {
+    if (!temporary.empty() && std::rename(temporary.c_str(), path.c_str()) != 0) {
         fail();
     }
     temporary.clear();

@@ -13,7 +13,7 @@ struct SFileClose {
 };
 using CFile = std::unique_ptr<std::FILE, SFileClose>;
 
-// What errno says.
+// The text of the error in errno.
 std::string errorText();
 
 // All bytes that are left of `stream`; nothing, with errno set, when they cannot be read.
@@ -22,16 +22,17 @@ std::optional<std::string> readAll(std::FILE* stream);
 // All bytes of `file`; nothing, with errno set, when it cannot be opened or read.
 std::optional<std::string> readFile(const std::string& file);
 
-// Where a file is, or would be when it is not there yet: the same for all its names, but for hard links.
-std::string placeOf(const std::string& file);
+// The absolute path of `file` without symbolic links, also of a file that does not exist yet. It is the same
+// for all names of a file except hard links.
+std::string resolvedPathOf(const std::string& file);
 
-// A file that is there whole or not at all: written beside its place under another name, and moved there in
-// the end. What is no ordinary file (a pipe, a device) is written in place.
+// An output file that is written completely or not at all: it is written under another name in the same
+// folder and renamed by commit(). A pipe or a device is written to directly.
 class COutputFile {
 public:
     // Throws std::system_error when it cannot be written.
     explicit COutputFile(std::string file);
-    // Without commit() the file is as it was before.
+    // Leaves the file as it was before, unless commit() was called.
     ~COutputFile();
     COutputFile(const COutputFile&) = delete;
     COutputFile& operator=(const COutputFile&) = delete;
@@ -42,24 +43,23 @@ public:
     // Throws std::system_error when it cannot be written whole.
     void write(std::string_view text);
 
-    // For content that is written as it comes; whether all of it could be is for commit() to find out.
+    // For content that is written in parts. commit() reports whether all of it could be written.
     [[nodiscard]] std::FILE* stream() const { return content.get(); }
 
-    // Moves the file to its place, to be called once. Throws std::system_error when it could not be written
-    // whole.
+    // Renames the file to its own name, to be called once. Throws std::system_error when not all of it could
+    // be written.
     void commit();
 
 private:
     std::string given;
-    std::string place;
-    // Empty when it is written in place.
+    std::string path;
+    // The name while it is written; empty when it is written to directly.
     std::string temporary;
     CFile content;
 };
 
-// A folder for files that nobody keeps, in memory where the system offers that; removed with all that is in
-// it. Its name holds the number of the process, so that one that a killed process left is known for what it
-// is.
+// A folder for temporary files, in memory where the system has /dev/shm; removed with all files in it. Its
+// name contains the number of the process, so that a folder that a killed process left can be recognised.
 class CTemporaryFolder {
 public:
     // Throws std::system_error when none can be made.

@@ -9,7 +9,7 @@
 
 #include "cli/base/text.h"
 
-// How facts stand in JSON.
+// Values as JSON.
 namespace fi_rotate {
 
 // Keys in the order in which they are set.

@@ -18,7 +18,7 @@
 namespace fi_rotate {
 namespace {
 
-// A signal handler has no argument of ours.
+// Global, because a signal handler cannot be given an object.
 volatile std::sig_atomic_t noted = 0;
 
 extern "C" void noteSignal(int signal) {
@@ -114,9 +114,9 @@ void CProgress::show(std::size_t done, std::size_t all, const std::string& what)
     if (const std::string left = timeLeft(now - begin, done, all); !left.empty()) {
         line += ", " + left;
     }
-    // A line that wraps could not be written over.
+    // A line that wraps onto the next could not be overwritten.
     line.resize(std::min(line.size(), widthOfTerminal(STDERR_FILENO) - 1));
-    // What the bar before it had more is wiped away.
+    // The padding overwrites the rest of a longer bar.
     fmt::print(stderr, "\r{:<{}}", line, shown);
     std::fflush(stderr);
     shown = std::max(shown, line.size());

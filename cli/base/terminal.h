@@ -9,15 +9,14 @@
 
 namespace fi_rotate {
 
-// Columns of the terminal that `descriptor` is; 80 when it is none or does not tell.
+// How many columns the terminal `descriptor` has; 80 when it is not a terminal or its width is not known.
 std::size_t widthOfTerminal(int descriptor);
 
-// Columns that a line on standard output should keep to: those of the terminal; as many as it needs in a
-// file.
+// How many columns a line on standard output may have: those of the terminal; no limit in a file.
 std::size_t widthOfOutput();
 
-// From construction to destruction a signal that asks the program to end (Ctrl-C, a closed terminal, kill) is
-// only noted, so that the work can stop in good order. At most one exists at a time.
+// While one exists, a signal that asks the program to end (Ctrl-C, a closed terminal, kill) is only recorded,
+// so that the work can stop between two rounds and show what is finished. At most one exists at a time.
 class CInterrupt {
 public:
     CInterrupt();
@@ -25,19 +24,19 @@ public:
     CInterrupt(const CInterrupt&) = delete;
     CInterrupt& operator=(const CInterrupt&) = delete;
 
-    // The signal that came.
+    // The signal that was received, if any.
     [[nodiscard]] std::optional<int> signal() const;
 
 private:
     std::map<int, struct sigaction> saved;
 };
 
-// How long the rest of the steps takes if it goes on as it did in `elapsed`, in words: "40 s left", "12 min
-// left", "3 h 5 min left". Empty when no step is done.
+// How long the remaining steps will take at the speed of the steps that were done in `elapsed`, in words: "40
+// s left", "12 min left", "3 h 5 min left". Empty when no step is done.
 std::string timeLeft(std::chrono::duration<double> elapsed, std::size_t done, std::size_t all);
 
-// A bar with the time left on standard error, when that is a terminal and the work takes more than a second.
-// It is wiped away in the end.
+// Shows a bar with the time left on standard error, if that is a terminal and the work takes more than a
+// second. The destructor removes the bar.
 class CProgress {
 public:
     CProgress();
@@ -45,7 +44,8 @@ public:
     CProgress(const CProgress&) = delete;
     CProgress& operator=(const CProgress&) = delete;
 
-    // Cheap enough to be called for every step. Fewer steps done than before are those of other work.
+    // Cheap enough to be called for every step. When `done` is less than before, other work has begun, and
+    // the time left is measured from there.
     void show(std::size_t done, std::size_t all, const std::string& what);
 
 private:
@@ -59,8 +59,8 @@ private:
     std::size_t shown = 0;
 };
 
-// While one exists, what is written to standard output is lost: the library writes a line of its own there for a
-// document that it cannot open, and fi-rotate reports that in its own words.
+// While one exists, what is written to standard output is dropped: the library writes a line of its own there
+// for a document that it cannot open, and fi-rotate reports that in its own words.
 class CMutedStandardOutput {
 public:
     // Throws std::system_error.

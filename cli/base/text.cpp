@@ -7,8 +7,8 @@
 namespace fi_rotate {
 namespace {
 
-// The well-formed sequences of UTF-8 by their first byte; the second byte's range excludes overlong
-// forms, surrogates and what lies beyond U+10FFFF.
+// The well-formed sequences of UTF-8, by their first byte. The range of the second byte excludes overlong
+// forms, surrogates and characters after U+10FFFF.
 struct SSequence {
     unsigned char firstLow, firstHigh;
     unsigned char secondLow, secondHigh;
@@ -92,7 +92,7 @@ std::string quoted(std::string_view text, std::size_t longest) {
                                   : fmt::format("\"{}...\"", text.substr(0, characterStart(text, longest)));
 }
 
-std::string quotedPrintable(std::string_view text) {
+std::string printableInQuotes(std::string_view text) {
     return quoted(asPrintable(text));
 }
 

@@ -33,7 +33,7 @@ std::string toLocalCodePage(const XMLCh* text) {
     return local == nullptr ? std::string() : std::string(local.get());
 }
 
-void refuseDocument() {
+void stopReading() {
     ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
                        xercesc::XMLPlatformUtils::fgMemoryManager);
 }

@@ -5,7 +5,7 @@
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
-// Reads documents as the library does, but opens nothing and lets no document grow.
+// Reads documents as the library does, but opens no other file and limits the references to entities.
 namespace fi_rotate {
 
 // Holds the XML library initialised.
@@ -19,11 +19,11 @@ public:
 
 std::string toLocalCodePage(const XMLCh* text);
 
-// For a handler that will not have the document read on: the reader makes a fatal error of it.
-[[noreturn]] void refuseDocument();
+// Called by a handler to stop the reading. The reader then reports a fatal error.
+[[noreturn]] void stopReading();
 
-// Reports what stands in `document` to `handler` while a CXmlLibrary lives. What `handler` does not resolve
-// itself stays unopened and is a fatal error.
+// Reads `document` and reports its contents to `handler`. A CXmlLibrary must live. A reference to another
+// file that `handler` does not resolve is not opened and is a fatal error.
 void readDocument(const std::string& document, xercesc::DefaultHandler& handler);
 
 }  // namespace fi_rotate

@@ -27,9 +27,9 @@ namespace {
 struct SStamp {
     std::string text;
     SSpot spot;
-    // Why it may be another than was written.
+    // The finding because of which it may not be what was written.
     std::optional<SCause> cause;
-    // Borrowed: those of its document.
+    // The findings of its document, borrowed.
     CFindings* findings = nullptr;
 };
 
@@ -47,8 +47,9 @@ std::string formOf(std::string_view text) {
     return form;
 }
 
-// The first stamp of the form that most have; of several such forms, of the one that comes first.
-const SStamp& usual(const std::vector<SStamp>& stamps) {
+// The first stamp that has the form that most stamps have; of several such forms, of the one that comes
+// first.
+const SStamp& firstOfCommonestForm(const std::vector<SStamp>& stamps) {
     std::map<std::string, std::size_t> counts;
     for (const SStamp& stamp : stamps) {
         ++counts[formOf(stamp.text)];
@@ -60,7 +61,7 @@ const SStamp& usual(const std::vector<SStamp>& stamps) {
 }
 
 void checkForms(const std::vector<SStamp>& stamps) {
-    const SStamp& pattern = usual(stamps);
+    const SStamp& pattern = firstOfCommonestForm(stamps);
     const std::string form = formOf(pattern.text);
     for (const SStamp& stamp : stamps) {
         if (formOf(stamp.text) != form) {
@@ -74,7 +75,7 @@ void checkForms(const std::vector<SStamp>& stamps) {
     }
 }
 
-// Where two of them claim the same target, it is said there what comes of the time stamp.
+// When the two backups also claim the same target, that finding is the cause of this one.
 void checkEquals(const std::vector<SStamp>& stamps, const CClaims& claims) {
     std::map<std::string_view, const SStamp*> earlier;
     for (const SStamp& stamp : stamps) {
@@ -125,7 +126,7 @@ private:
     void checkFile(std::size_t index, CDeviceCheck& devices, CFindings& findings) {
         const std::string& file = inputs.files[index];
         if (!listed.insert(file).second) {
-            findings.addOfWhole(EHazard::kListedTwice, "the document is listed already");
+            findings.addOnWhole(EHazard::kListedTwice, "the document is listed already");
             return;
         }
         if (const auto bytes = read(index, findings)) {
@@ -137,7 +138,7 @@ private:
         const std::string& file = inputs.files[index];
         struct stat status = {};
         if (stat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-            findings.addOfWhole(EHazard::kNotAFile,
+            findings.addOnWhole(EHazard::kNotAFile,
                                 S_ISDIR(status.st_mode)
                                     ? "this is a folder, which the library reads as an empty document"
                                     : "this is a device or a pipe, not a file; the check does not read it");
@@ -150,20 +151,20 @@ private:
         }
         auto bytes = readAll(stream.get());
         if (!bytes.has_value()) {
-            findings.addOfWhole(EHazard::kReadError, "cannot be read to its end: " + errorText());
+            findings.addOnWhole(EHazard::kReadError, "cannot be read to its end: " + errorText());
         }
         return bytes;
     }
 
     void reportUnopened(std::size_t index, CFindings& findings) {
-        findings.addOfWhole(EHazard::kCannotOpen,
+        findings.addOnWhole(EHazard::kCannotOpen,
                             fmt::format("cannot be opened: {}; {}", errorText(), withoutDocument(index)));
-        isStopped = true;
+        hasUnopened = true;
     }
 
     [[nodiscard]] std::string withoutDocument(std::size_t index) const {
         const std::size_t others = inputs.files.size() - index - 1;
-        if (isStopped) {
+        if (hasUnopened) {
             return "the library does not come this far, because an earlier document cannot be opened";
         }
         if (others == 0) {
@@ -201,8 +202,8 @@ private:
     std::vector<SStamp> stamps;
     CClaims claims;
     std::set<std::string> listed;
-    // A document could not be opened.
-    bool isStopped = false;
+    // A document could not be opened, so the library reads none of those after it.
+    bool hasUnopened = false;
 };
 
 }  // namespace

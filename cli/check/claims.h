@@ -21,11 +21,12 @@ struct SClaim {
     std::size_t offset = 0;
 };
 
-// Finds the targets that several backups of a call claim.
+// Finds the targets that several backups of a call claim. It foresees what the library will do: the claim
+// itself is in driver/rotation.cpp.
 class CClaims {
 public:
-    // Adds the next backup of the call. `held` is empty for one that claims nothing, being invalid before
-    // that.
+    // Adds the next backup of the call. `held` is empty for a backup that failed the library's check, since
+    // it claims nothing.
     void add(std::string timeStamp, const std::vector<SClaim>& held, const CDocumentText& document,
              CFindings& findings);
 

@@ -283,7 +283,7 @@ private:
         if (reading.count == 0) {
             report(EHazard::kNoConfiguration, 0,
                    "there is no configuration; a call succeeds with an empty selection", cut);
-            unread.addAll(cut.value_or(EHazard::kNoConfiguration));
+            unread.setCauseOfAll(cut.value_or(EHazard::kNoConfiguration));
         }
         if (reading.fault.has_value()) {
             reportRejection(*reading.fault);
@@ -307,24 +307,24 @@ private:
     // The causes that come first are those that are told of a target.
     void gatherUnread() {
         if (cut == EHazard::kUtf16) {
-            unread.addAll(EHazard::kUtf16);
+            unread.setCauseOfAll(EHazard::kUtf16);
         }
         if (startsWith(bytes, kByteOrderMark) && !reading.used.empty()) {
-            unread.add(changed(reading.used.front(), withoutMark), EHazard::kByteOrderMark);
+            unread.addConfiguration(changed(reading.used.front(), withoutMark), EHazard::kByteOrderMark);
         }
         if (cut == EHazard::kNulByte) {
             gatherBehindNul();
         }
         const EHazard rejection = causeAt(reading.used.size()).value_or(EHazard::kConfigurationRejected);
         for (const SConfiguration& lost : reading.lost) {
-            unread.add(lost, rejection);
+            unread.addConfiguration(lost, rejection);
         }
         for (const std::string& target : reading.malformed) {
             unread.addMalformed(target, rejection);
         }
         if (findings.has(EHazard::kBlankInTarget)) {
             for (const SConfiguration& configuration : reading.used) {
-                unread.add(changed(configuration, withoutBlanks), EHazard::kBlankInTarget);
+                unread.addConfiguration(changed(configuration, withoutBlanks), EHazard::kBlankInTarget);
             }
         }
     }
@@ -336,7 +336,7 @@ private:
         const SReading meant = parse(CConfigurationText(whole));
         for (const auto* const configurations : {&meant.used, &meant.lost}) {
             for (const SConfiguration& configuration : *configurations) {
-                unread.add(configuration, EHazard::kNulByte);
+                unread.addConfiguration(configuration, EHazard::kNulByte);
             }
         }
     }
@@ -353,7 +353,7 @@ private:
             const auto cause = causeAt(index);
             report(EHazard::kNoFurtherTargets, first.offset,
                    inQuotes(first.name()) + " has no further targets, so no call can succeed", cause);
-            unread.addTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
+            unread.addFurtherTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
         }
         checkBlanks(first);
     }

@@ -21,7 +21,7 @@ public:
         : name(given), least(std::min(kFarthest, name.size() / kCharactersForEach) + 1) {}
 
     void consider(const std::string& candidate) {
-        const std::size_t found = distance(name, candidate, least + 1);
+        const std::size_t found = editDistance(name, candidate, least + 1);
         if (found < least) {
             least = found;
             nearest = candidate;
@@ -121,7 +121,7 @@ private:
     void match(const SNode& node, const std::string& first, const std::string& further) {
         const auto configuration = owner.find(first, further);
         if (!configuration.has_value()) {
-            isPassed = true;
+            hasUnmatchedPair = true;
             isInvalid = true;
             reportUnmatched(node, first, further);
             return;
@@ -145,8 +145,8 @@ private:
 
     // The library looks at pairs up to the first that matches nothing.
     [[nodiscard]] std::string_view consequence() const {
-        return isPassed ? "it is not checked, because a pair before it matches no configuration"
-                        : "an exception ends the call";
+        return hasUnmatchedPair ? "it is not checked, because a pair before it matches no configuration"
+                                : "an exception ends the call";
     }
 
     void reportUnmatched(const SNode& node, const std::string& first, const std::string& further) {
@@ -167,8 +167,9 @@ private:
                     : fmt::format("no configuration has the first target {}{}", inQuotes(first),
                                   suggestion(owner.nearestFirst(first)));
         if (!cause.has_value()) {
-            const std::string& sayer = owner.said.emplace(text, findings.input()).first->second;
-            cause = sayer == findings.input() ? std::nullopt : std::optional<SCause>({sayer, hazard});
+            const std::string& firstInput = owner.firstInputs.emplace(text, findings.input()).first->second;
+            cause =
+                firstInput == findings.input() ? std::nullopt : std::optional<SCause>({firstInput, hazard});
         }
         const std::size_t offset = isFirst ? offsetOf(*node.altobjid, further) : offsetOf(*node.objid, first);
         add(hazard, document.spotAt(offset), text, cause);
@@ -215,9 +216,8 @@ private:
     CFindings& findings;
     // By objid, as the library visits them.
     std::map<std::string_view, const SNode*> pairs;
-    // A pair that matches nothing was met.
-    bool isPassed = false;
-    // It claims nothing.
+    bool hasUnmatchedPair = false;
+    // The backup is invalid, so it claims nothing.
     bool isInvalid = false;
     std::vector<SClaim> claimed;
     // Configurations and further targets of them.
@@ -257,7 +257,7 @@ std::optional<std::size_t> CDeviceCheck::find(const std::string& first, const st
 }
 
 std::string CDeviceCheck::nearestFirst(const std::string& name) {
-    const auto [entry, isNew] = known.emplace(std::make_pair("", name), "");
+    const auto [entry, isNew] = nearestNames.emplace(std::make_pair("", name), "");
     if (isNew) {
         CNearest nearest(name);
         for (const SIndexed& row : indexed) {
@@ -269,7 +269,7 @@ std::string CDeviceCheck::nearestFirst(const std::string& name) {
 }
 
 std::string CDeviceCheck::nearestFurther(const std::string& first, const std::string& name) {
-    const auto [entry, isNew] = known.emplace(std::make_pair(first, name), "");
+    const auto [entry, isNew] = nearestNames.emplace(std::make_pair(first, name), "");
     if (isNew) {
         CNearest nearest(name);
         for (const std::size_t configuration : byFirst.at(first)) {

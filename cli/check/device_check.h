@@ -16,10 +16,10 @@
 
 namespace fi_rotate {
 
-// Looks for the targets that backups hold, as the library does. One serves all documents of a call.
+// Finds the targets that backups hold, as the library does. One object checks all documents of a call.
 class CDeviceCheck {
 public:
-    // `inputName` is what the configuration is called in a report.
+    // `inputName` is the name of the configuration in a report.
     CDeviceCheck(SConfigurations configurations, std::string inputName);
 
     // What is wrong with the devices of `tree`, which was read from `document`, is added to `findings`.
@@ -48,10 +48,10 @@ private:
     std::string configurationName;
     std::vector<SIndexed> indexed;
     std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
-    // What was looked for before; the first of a pair is empty for first targets.
-    std::map<std::pair<std::string, std::string>, std::string> known;
-    // What was said of pairs that match nothing, and of which document first.
-    std::unordered_map<std::string, std::string> said;
+    // What the two functions above found before, by first target (empty in nearestFirst) and name.
+    std::map<std::pair<std::string, std::string>, std::string> nearestNames;
+    // The text of each finding on a pair that matches nothing, and the first document that has it.
+    std::unordered_map<std::string, std::string> firstInputs;
 };
 
 }  // namespace fi_rotate

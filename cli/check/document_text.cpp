@@ -111,7 +111,7 @@ void CDocumentText::checkNulBytes(CFindings& findings) const {
 
 bool CDocumentText::check(CFindings& findings) const {
     if (const auto name = wideEncoding(file)) {
-        findings.addOfWhole(EHazard::kUtf16,
+        findings.addOnWhole(EHazard::kUtf16,
                             fmt::format("the document is encoded in {}, and each of its lines is read only "
                                         "up to its first NUL byte; save it as UTF-8",
                                         *name));

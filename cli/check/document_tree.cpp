@@ -103,10 +103,11 @@ const char* shownName(EElement element) {
     return found == std::end(kNames) ? "" : found->shown;
 }
 
-// A place of which the XML library told the end.
+// A construct of the document by its position: the XML library reports where it ends.
 struct SSite {
     SPlace end;
-    // How what stands there begins; empty for the end itself.
+    // The text that the construct begins with ("<", "&"), which is searched for backwards from the end; empty
+    // when the reported position itself is meant.
     std::string_view start;
 };
 
@@ -141,10 +142,10 @@ public:
     xercesc::InputSource* resolveEntity(const XMLCh* publicId, const XMLCh* systemId) override;
 
 private:
-    // An element that has not ended and holds data.
+    // A data element that has not ended.
     struct SOpenData {
         SSite startTag;
-        // What had been read before it.
+        // How much had been read before the element.
         std::size_t pieces = 0;
         std::size_t length = 0;
         std::size_t foreignEntities = 0;
@@ -179,7 +180,7 @@ private:
     const xercesc::Locator* locator = nullptr;
 
     SDocumentTree tree;
-    // Those of tree.nodes that are open, innermost last.
+    // Indexes in tree.nodes of the Nodes that have not ended, the innermost last.
     std::vector<std::size_t> openNodes;
     std::vector<SOpenData> openData;
     std::u16string text;
@@ -190,16 +191,16 @@ private:
     CFiDocumentLimits limits;
 
     SSite root;
-    // Those that a later one replaced.
+    // Outermost Nodes that a later one replaced, and the devices in them.
     std::size_t lostRoots = 0;
     std::size_t lostDevices = 0;
     SSite secondRoot;
     bool isTimeStampLost = false;
 
-    // Elements that count for nothing: as what those were meant whose names are wrong, and these names; those
-    // that are outside of what they belong to.
+    // The elements that misspelled names were probably meant to be, and these names.
     std::set<EElement> misnamed;
     std::set<std::string> misnamedNames;
+    // The elements that were found outside every Node.
     std::set<EElement> outside;
     std::size_t foreignEntities = 0;
 
@@ -212,7 +213,7 @@ SPlace CTreeReader::here() const {
 }
 
 SSite CTreeReader::startTag() const {
-    // What an entity holds has the place of its reference.
+    // The text of an entity has the position of the reference to it.
     return {here(), openEntities > 0 ? "&" : "<"};
 }
 
@@ -237,7 +238,7 @@ void CTreeReader::report(EHazard hazard, const SSite& site, std::string what,
 void CTreeReader::stop(EHazard hazard, const SSite& site, std::string what) {
     report(hazard, site, std::move(what));
     tree.isCutShort = true;
-    refuseDocument();
+    stopReading();
 }
 
 void CTreeReader::characters(const XMLCh* chars, XMLSize_t count) {
@@ -409,7 +410,7 @@ void CTreeReader::unparsedEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publi
 void CTreeReader::stopAt(EExcess excess) {
     if (excess != EExcess::kNone) {
         reportExcess(excess, document.spotAt(offsetOf({here(), "<"})));
-        refuseDocument();
+        stopReading();
     }
 }
 
@@ -453,7 +454,7 @@ void CTreeReader::finishFault() {
     }
 }
 
-// What is wrong with the bytes of the document comes out as a fault of its form.
+// Wrong bytes of a document make it malformed too, so they are the cause.
 std::optional<EHazard> CTreeReader::bytesCause() const {
     for (const EHazard hazard : {EHazard::kNulByte, EHazard::kEncodingMismatch}) {
         if (findings.has(hazard)) {
@@ -467,7 +468,8 @@ EHazard CTreeReader::faultCause() const {
     return bytesCause().value_or(EHazard::kMalformedXml);
 }
 
-// Why what such an element tells is missing. Another root may have held it.
+// The hazard because of which the value of `element` is missing. An outermost Node that was replaced may have
+// had it.
 std::optional<EHazard> CTreeReader::lossOf(EElement element, bool isInLostRoot) const {
     if (fault.has_value()) {
         return faultCause();
@@ -490,7 +492,7 @@ void CTreeReader::finishRoots() {
     if (tree.nodes.empty()) {
         const auto cause = lossOf(EElement::kNode, false);
         report(EHazard::kNoNode, {}, "there is no Node, so the document adds no backup", cause);
-        findings.blame(EHazard::kOutsideNode, cause.value_or(EHazard::kNoNode));
+        findings.setMissingCauses(EHazard::kOutsideNode, cause.value_or(EHazard::kNoNode));
         return;
     }
     if (!tree.timeStamp.has_value() || tree.timeStamp->text.empty()) {

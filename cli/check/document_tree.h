@@ -14,34 +14,34 @@ namespace fi_rotate {
 struct SValue {
     std::string text;
     SPlace place;
-    // What makes it another text than was written.
+    // The hazard because of which `text` is not what was written.
     std::optional<EHazard> distortedBy = std::nullopt;
 };
 
 struct SNode {
     std::optional<SValue> objid;
     std::optional<SValue> altobjid;
-    // What took them away if they are missing.
+    // If they are missing: the hazard that is the cause.
     std::optional<EHazard> objidLostTo = std::nullopt;
     std::optional<EHazard> altobjidLostTo = std::nullopt;
 };
 
-// What the library makes of a document.
+// A document as the library reads it.
 struct SDocumentTree {
-    // Of the Node that counts: the last one that stands in no other.
+    // The time stamp of the Node that counts: the last one that is not inside another.
     std::optional<SValue> timeStamp;
-    // That Node and those in it, in the order of their start tags. None when there is none.
+    // That Node and the Nodes in it, in the order of their start tags; empty when there is none.
     std::vector<SNode> nodes;
-    // The document asked for more than is followed, so that the library may have read more.
+    // Reading was stopped at a limit or at a reference to another file; the library may have read more.
     bool isCutShort = false;
 };
 
-// The library takes such Nodes for devices.
+// Whether the library takes the Node for a device.
 bool isDevice(const SNode& node);
 
-// What is outside a document is opened by nobody here. Whether the library can open it is not known.
+// What to do at a reference to another file or server. fi-rotate never opens it; the library may.
 enum class EForeign {
-    // Where the document refers to it, its tree ends.
+    // Stop reading the document there.
     kStop,
     kReadAsEmpty,
 };
@@ -49,8 +49,8 @@ enum class EForeign {
 // Reads `document` while a CXmlLibrary lives. What is wrong with its form is added to `findings`.
 SDocumentTree readTree(const CDocumentText& document, EForeign foreign, CFindings& findings);
 
-// The time stamp of the backup that `bytes` are the document of, as the library reads it at least; empty
-// when there is none. A CXmlLibrary must live.
+// The time stamp in the document with these bytes; empty when there is none, or when reading stops before it.
+// A CXmlLibrary must live.
 std::string readTimeStamp(std::string bytes);
 
 }  // namespace fi_rotate

@@ -12,7 +12,7 @@
 namespace fi_rotate {
 namespace {
 
-// A report is for reading. What is wrong a thousand times is wrong in one way.
+// Of one hazard in one input so many findings are shown and the others counted: mostly all have one reason.
 constexpr std::size_t kMostOfOneHazard = 20;
 constexpr std::size_t kLongestQuotation = 80;
 constexpr std::size_t kMostNamed = 5;
@@ -61,7 +61,7 @@ bool CFindings::has(EHazard hazard) const {
                        [hazard](const SFinding& finding) { return finding.hazard == hazard; });
 }
 
-void CFindings::blame(EHazard hazard, EHazard cause) {
+void CFindings::setMissingCauses(EHazard hazard, EHazard cause) {
     const SCause blamed{name, cause};
     for (SFinding& finding : kept) {
         if (finding.hazard == hazard && !finding.cause.has_value()) {
@@ -74,7 +74,7 @@ void CFindings::blame(EHazard hazard, EHazard cause) {
     }
 }
 
-void CFindings::addOfWhole(EHazard hazard, std::string text) {
+void CFindings::addOnWhole(EHazard hazard, std::string text) {
     SFinding finding;
     finding.hazard = hazard;
     finding.text = std::move(text);

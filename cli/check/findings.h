@@ -51,7 +51,8 @@ private:
     std::vector<std::size_t> starts;
 };
 
-// What another finding follows from or repeats: what was found of a hazard in an input.
+// The findings of one hazard in one input, as the cause of another finding, which follows from them or
+// repeats them.
 struct SCause {
     std::string input;
     EHazard hazard = EHazard::kNoConfiguration;
@@ -81,8 +82,8 @@ public:
     // Of each hazard with one cause the first few are kept; the others are counted.
     void add(SFinding finding);
 
-    // What has no place within the input.
-    void addOfWhole(EHazard hazard, std::string text);
+    // Adds a finding on the whole input, which has no line and column.
+    void addOnWhole(EHazard hazard, std::string text);
 
     // Whether `add` would only count another one. Then `countAnother` does the same without a text to make.
     [[nodiscard]] bool isFull(EHazard hazard, const std::optional<SCause>& cause = std::nullopt) const;
@@ -90,8 +91,8 @@ public:
 
     [[nodiscard]] bool has(EHazard hazard) const;
 
-    // What was found of `hazard` so far, and had no cause, follows from `cause` in this input.
-    void blame(EHazard hazard, EHazard cause);
+    // Sets the cause of all findings of `hazard` so far that have none: the finding of `cause` in this input.
+    void setMissingCauses(EHazard hazard, EHazard cause);
 
     // By place; what was only counted has a row of its own, after the last one that was kept.
     [[nodiscard]] std::vector<SFinding> inOrder() const;

@@ -19,19 +19,19 @@ struct SCounts {
     void add(const SFinding& finding);
 };
 
-// Which findings of a call are told in a line under their cause in place of lines of their own.
+// Which findings of a call have no line of their own, but are counted in a line under their cause.
 class CFolding {
 public:
     explicit CFolding(const std::vector<CFindings>& inputs);
 
     [[nodiscard]] bool isFolded(const SFinding& finding) const;
 
-    // The line on what repeats `cause` and the one on what follows from it, as far as there are such
-    // findings.
+    // The line that counts the findings that repeat `cause`, and the line that counts those that follow from
+    // it. Each is missing when there are no such findings.
     [[nodiscard]] std::vector<std::string> linesUnder(const SCause& cause) const;
 
-    // How many hazards have no line of their own.
-    [[nodiscard]] std::size_t count() const { return folded; }
+    // How many findings have no line of their own.
+    [[nodiscard]] std::size_t foldedCount() const { return folded; }
 
 private:
     struct SFold {
@@ -43,9 +43,9 @@ private:
 
     [[nodiscard]] static std::string textOf(const SFold& fold, const SCause& cause, bool isSame);
 
-    // What has a line of its own.
+    // The findings that have a line of their own.
     std::set<SCause> shown;
-    // By cause and whether they are more of the same.
+    // By cause, and by whether the findings repeat its hazard (true) or follow from it (false).
     std::map<std::pair<SCause, bool>, SFold> folds;
     std::size_t folded = 0;
 };

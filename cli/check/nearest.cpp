@@ -10,7 +10,7 @@
 namespace fi_rotate {
 namespace {
 
-// Nobody mistypes longer names.
+// Longer names are not compared, to limit the time that it takes.
 constexpr std::size_t kLongestCompared = 200;
 
 std::string_view trimmed(std::string_view text) {
@@ -22,7 +22,7 @@ std::string_view trimmed(std::string_view text) {
 
 }  // namespace
 
-std::size_t distance(std::string_view left, std::string_view right, std::size_t limit) {
+std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit) {
     left = trimmed(left);
     right = trimmed(right);
     if (left.size() > right.size()) {

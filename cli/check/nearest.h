@@ -5,8 +5,8 @@
 
 namespace fi_rotate {
 
-// The fewest characters to be put in, taken out or replaced that makes `left` and `right` alike but
-// for case and for white space around them, or `limit` when that is less.
-std::size_t distance(std::string_view left, std::string_view right, std::size_t limit);
+// How many characters must at least be inserted, removed or replaced to make `left` and `right` equal, apart
+// from case and white space around them; never more than `limit`.
+std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit);
 
 }  // namespace fi_rotate

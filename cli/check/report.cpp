@@ -101,7 +101,7 @@ std::string toText(const std::vector<CFindings>& inputs, std::size_t width, bool
     }
     const SCounts counts = countAll(inputs);
     return text + fmt::format("{}, {};{} checked the configuration and {}\n", countOf(counts.errors, "error"),
-                              countOf(counts.warnings, "warning"), foldedWords(folding.count()),
+                              countOf(counts.warnings, "warning"), foldedWords(folding.foldedCount()),
                               countOf(inputs.size() - 1, "document"));
 }
 

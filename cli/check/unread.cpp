@@ -16,7 +16,8 @@ std::optional<EHazard> findIn(const Map& causes, const typename Map::key_type& k
     return found == causes.end() ? std::nullopt : std::optional<EHazard>(found->second);
 }
 
-// One that ends in the device (lun1, encA#lun1), or is the enclosure only (encA##).
+// Whether the malformed `text` was probably meant to be `first`: it ends in the device of `first` (lun1,
+// encA#lun1), or is only its enclosure (encA##).
 bool canMean(std::string_view text, const std::string& first) {
     constexpr std::string_view kSeparator = "##";
     const std::size_t separator = first.find(kSeparator);
@@ -33,11 +34,11 @@ bool canMean(std::string_view text, const std::string& first) {
 
 }  // namespace
 
-void CUnread::addAll(EHazard cause) {
+void CUnread::setCauseOfAll(EHazard cause) {
     all = all.value_or(cause);
 }
 
-void CUnread::add(const SConfiguration& meant, EHazard cause) {
+void CUnread::addConfiguration(const SConfiguration& meant, EHazard cause) {
     const std::string first = meant.first.name();
     firsts.emplace(first, cause);
     for (const SConfiguredTarget& target : meant.further) {
@@ -45,7 +46,7 @@ void CUnread::add(const SConfiguration& meant, EHazard cause) {
     }
 }
 
-void CUnread::addTargetsOf(const std::string& first, EHazard cause) {
+void CUnread::addFurtherTargetsOf(const std::string& first, EHazard cause) {
     withoutTargets.emplace(first, cause);
 }
 

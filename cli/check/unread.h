@@ -12,17 +12,18 @@ namespace fi_rotate {
 
 struct SConfiguration;
 
-// What a configuration was probably meant to say that the library does not read in it, and the hazard of the
-// configuration that keeps it from that. Targets as ENCLOSURE##DEVICE.
+// Targets, as ENCLOSURE##DEVICE, that the configuration was probably meant to have but that the library does
+// not read from it, each with the hazard of the configuration that is the cause. A pair that matches nothing
+// because its target is among them follows from that hazard.
 class CUnread {
 public:
-    // Whatever is not known is not known for `cause`.
-    void addAll(EHazard cause);
-    // Its first target, and its further ones where the first is known.
-    void add(const SConfiguration& meant, EHazard cause);
-    // Whichever targets a backup of `first` holds.
-    void addTargetsOf(const std::string& first, EHazard cause);
-    // A first target that is malformed, as it is written.
+    // `cause` is the cause for every target that is not configured.
+    void setCauseOfAll(EHazard cause);
+    // Adds the first target of `meant` and its further targets.
+    void addConfiguration(const SConfiguration& meant, EHazard cause);
+    // All further targets of `first` are missing, whatever their names.
+    void addFurtherTargetsOf(const std::string& first, EHazard cause);
+    // Adds a malformed first target, as it is written.
     void addMalformed(const std::string& text, EHazard cause);
 
     // Why no configuration has this first target.

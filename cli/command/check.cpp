@@ -32,7 +32,7 @@ no other file, even if a document refers to one. --explain with an unknown name 
 fiid-document(5) describes the elements of a document.)";
 
 struct SOptions {
-    // Of the call, unless a hazard is to be explained.
+    // The call to check, unless a hazard is explained instead.
     SCallOptions call;
     std::optional<std::string> explained;
     bool json = false;
@@ -71,7 +71,7 @@ std::string paragraphOn(const std::string& name) {
         names.emplace_back(kind.name);
     }
     throw CLI::ValidationError(
-        "--explain", fmt::format("there is no hazard {}{}\nThe hazards are:\n  {}", quotedPrintable(name),
+        "--explain", fmt::format("there is no hazard {}{}\nThe hazards are:\n  {}", printableInQuotes(name),
                                  suggestion(name, names), fmt::join(names, "\n  ")));
 }
 

@@ -25,7 +25,7 @@ namespace {
 std::string readFileOf(const std::string& option, const std::string& file) {
     std::optional<std::string> text = readFile(file);
     if (!text.has_value()) {
-        throw CLI::ValidationError(option, "cannot read " + quotedPrintable(file) + ": " + errorText());
+        throw CLI::ValidationError(option, "cannot read " + printableInQuotes(file) + ": " + errorText());
     }
     return *std::move(text);
 }
@@ -34,8 +34,8 @@ std::string readFileOf(const std::string& option, const std::string& file) {
 void requireNoFileName(const std::string& configuration) {
     std::error_code ignored;
     if (std::filesystem::is_regular_file(configuration, ignored)) {
-        throw CLI::ValidationError("--config",
-                                   quotedPrintable(configuration) + " is a file; give it with --config-file");
+        throw CLI::ValidationError(
+            "--config", printableInQuotes(configuration) + " is a file; give it with --config-file");
     }
 }
 
@@ -44,7 +44,8 @@ SCall readRequest(const std::string& file) {
     try {
         return parseRequest(text);
     } catch (const std::invalid_argument& fault) {
-        throw CLI::ValidationError("--request", quotedPrintable(file) + " is not a request: " + fault.what());
+        throw CLI::ValidationError("--request",
+                                   printableInQuotes(file) + " is not a request: " + fault.what());
     }
 }
 
@@ -104,7 +105,7 @@ SCall readCallWithoutNul(const SCallOptions& options) {
     // Neither an argument nor a request can hold one.
     if (call.configuration.find('\0') != std::string::npos) {
         throw CLI::ValidationError("--config-file",
-                                   quotedPrintable(*options.configurationFile) + " contains a NUL byte");
+                                   printableInQuotes(*options.configurationFile) + " contains a NUL byte");
     }
     return call;
 }
@@ -135,7 +136,7 @@ std::string suggestion(const std::string& word, const std::vector<std::string>& 
     std::size_t least = word.size() / kCharactersForEachMistake + 1;
     std::string nearest;
     for (const std::string& candidate : known) {
-        const std::size_t mistakes = distance(word, candidate, least);
+        const std::size_t mistakes = editDistance(word, candidate, least);
         nearest = mistakes < least ? candidate : nearest;
         least = std::min(mistakes, least);
     }

@@ -16,7 +16,7 @@ namespace fi_rotate {
 // Ends the help of a subcommand with `text`, its JSON schema and its exit statuses.
 void setFooter(CLI::App& subcommand, const std::string& text);
 
-// Which call is meant: exactly one is given.
+// Where the call comes from. Exactly one of these is set.
 struct SCallOptions {
     std::optional<std::string> configuration;
     std::optional<std::string> configurationFile;
@@ -30,12 +30,12 @@ CLI::Option_group& addConfigurationOptions(CLI::App& subcommand, const std::stri
 // Adds --request to that group.
 CLI::Option* addRequestOption(CLI::Option_group& group, SCallOptions& options);
 
-// The call that the options name; it has backups when a request lists them. Throws CLI::ValidationError when
-// it cannot be read or the request is none.
+// Reads the call that the options name; it has backups only when it is a request. Throws CLI::ValidationError
+// when a file cannot be read or is not a request.
 SCall readCall(const SCallOptions& options);
 
-// The same for the library, which would take a configuration up to its first NUL for the whole: throws
-// CLI::ValidationError when it holds one.
+// The same for a call of the library, which would read a configuration only up to its first NUL: throws
+// CLI::ValidationError when it contains one.
 SCall readCallWithoutNul(const SCallOptions& options);
 
 // The files that the options name, and the documents of the call.
@@ -44,7 +44,8 @@ std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call
 // Adds --only, which fills `states`.
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states);
 
-// The one of `known` that `word` is probably a misspelling of, as the rest of a message; empty when there is none.
+// The one of `known` that `word` is probably a misspelling of, as the rest of a message; empty when there is
+// none.
 std::string suggestion(const std::string& word, const std::vector<std::string>& known);
 
 // Whether standard output is a terminal that can show colours, and the user has not turned them off.
@@ -53,11 +54,11 @@ bool wantsColour();
 // Writes a line to standard error.
 void printError(const std::string& message);
 
-// Writes `text` to standard output and flushes it; false, with a message, when something that was written
-// there is lost.
+// Writes `text` to standard output and flushes it. Prints an error and returns false when not all could be
+// written.
 bool printOrReport(const std::string& text);
 
-// The same of what was written there before.
+// Flushes what was written to standard output before, with the same error and result.
 bool flushOrReport();
 
 }  // namespace fi_rotate

@@ -19,7 +19,8 @@ bool isGroup(const CLI::App* subcommand) {
     return subcommand->get_name().empty();
 }
 
-// By what a value is called. Of an option that only takes certain words that says which: NAME:{WORD,WORD}.
+// The words that an option accepts, by the name of its value. For an option that accepts only certain words
+// the name lists them: NAME:{WORD,WORD}.
 Words wordsFor(const std::string& value) {
     Words words;
     const std::size_t begin = value.find('{');
@@ -35,7 +36,7 @@ Words wordsFor(const std::string& value) {
     return words;
 }
 
-// As one argument of a command of the shell.
+// `text` quoted for the shell, as one argument of a command.
 std::string inShellQuotes(const std::string& text) {
     std::string result = "'";
     for (const char character : text) {

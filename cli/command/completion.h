@@ -14,9 +14,9 @@ struct SOption {
     // What its value is called; empty when it takes none.
     std::string value;
     std::string description;
-    // Of which its value is one; empty when others are possible too.
+    // The values that it accepts; empty when other values are possible too.
     std::vector<std::string> words;
-    // Its value may be several of them, separated by commas.
+    // Whether its value may be several of them, separated by commas.
     bool takesList = false;
 };
 
@@ -25,8 +25,8 @@ SOption optionOf(const CLI::Option& option);
 // The options of the program or of a subcommand, those in groups too.
 std::vector<SOption> optionsOf(const CLI::App& app);
 
-// A function for bash and zsh that says what may stand at a place of a command line, by calling functions of
-// the script that it becomes part of:
+// A function for bash and zsh that offers the words that may follow in a command line, by calling functions
+// of the script that it becomes part of:
 //   _fi_rotate_words ''                     subcommands, and options of the program
 //   _fi_rotate_words 'SUBCOMMAND'           its options
 //   _fi_rotate_words 'SUBCOMMAND OPTION'    values of an option; fails when it takes none

@@ -15,13 +15,13 @@ enum EExit : int {
     kExitWarnings = 5,
     kExitNotWhole = 6,
     kExitTooFewKept = 7,
-    // Plus the number of the signal, as shells tell of a program that a signal ended.
+    // Plus the number of the signal, as shells report a program that was ended by a signal.
     kExitSignal = 128,
 };
 
 struct SExitStatus {
     int status;
-    // The one that gives it; "all" when each does.
+    // The subcommand that exits with it, or "all".
     std::string_view subcommand;
     std::string_view meaning;
 };
@@ -42,8 +42,7 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitWarnings, "check", "warnings were found, but no errors"},
     {kExitNotWhole, "select",
      "documents were ignored; with --strict, an input is missing or damaged and nothing is decided"},
-    {kExitTooFewKept, "select",
-     "too few backups would be kept for --keep-at-least, and nothing is decided"},
+    {kExitTooFewKept, "select", "too few backups would be kept for --keep-at-least, and nothing is decided"},
     {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},
 };
 

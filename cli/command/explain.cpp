@@ -44,14 +44,14 @@ struct SOptions {
 
 constexpr const char* kStandardInput = "standard input";
 
-void read(std::istream& log, const std::string& name, CLogReader& reader) {
-    reader.begin(name);
+void readLog(std::istream& log, const std::string& name, CLogReader& reader) {
+    reader.beginLog(name);
     std::string line;
     while (std::getline(log, line)) {
-        reader.read(line);
+        reader.readLine(line);
     }
     if (log.bad()) {
-        throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
+        throw CLI::ValidationError("LOG", "cannot read " + printableInQuotes(name) + ": " + errorText());
     }
 }
 
@@ -59,14 +59,14 @@ std::vector<SLoggedCall> readCalls(const std::vector<std::string>& names) {
     CLogReader reader;
     for (const std::string& name : names) {
         if (name == "-") {
-            read(std::cin, kStandardInput, reader);
+            readLog(std::cin, kStandardInput, reader);
             continue;
         }
         std::ifstream log(name, std::ios::binary);
         if (!log) {
-            throw CLI::ValidationError("LOG", "cannot read " + quotedPrintable(name) + ": " + errorText());
+            throw CLI::ValidationError("LOG", "cannot read " + printableInQuotes(name) + ": " + errorText());
         }
-        read(log, name, reader);
+        readLog(log, name, reader);
     }
     return reader.finish();
 }
@@ -85,7 +85,7 @@ std::string inWords(const std::vector<std::string>& logs) {
     if (logs.size() > 1) {
         return fmt::format("these {} logs", logs.size());
     }
-    return logs.front() == "-" ? kStandardInput : quotedPrintable(logs.front());
+    return logs.front() == "-" ? kStandardInput : printableInQuotes(logs.front());
 }
 
 void reportNoCall(const SOptions& options, std::size_t count) {

@@ -17,8 +17,8 @@ constexpr std::size_t kWidth = 80;
 // Where descriptions begin.
 constexpr std::size_t kColumn = 30;
 
-// The words of `text` on lines that end before kWidth; those after the first begin at `column`, and the first
-// is already `used` columns long.
+// The words of `text` on lines of at most kWidth columns. The first line already has `used` columns; the
+// others begin at `column`.
 std::string wrapped(const std::string& text, std::size_t used, std::size_t column) {
     std::string lines;
     std::istringstream words(text);
@@ -73,7 +73,7 @@ std::string lineOf(const CLI::Option* option) {
         const bool isRepeatable = option->get_expected_max() == CLI::detail::expected_max_vector_size;
         description += isRepeatable ? "; may be repeated" : "";
     }
-    // Names of hazards are too many.
+    // There are too many names of hazards to list them.
     if (!shown.words.empty() && shown.value != "NAME") {
         description += fmt::format(": {}", fmt::join(shown.words, ", "));
     }
@@ -99,8 +99,9 @@ std::string subcommandsOf(const CLI::App& app) {
     return text.empty() ? text : "\nSubcommands:\n" + text;
 }
 
-// How a line of a footer that stands for itself goes on: behind its number, in a list of exit statuses.
-std::size_t hangOf(const std::string& line) {
+// How far the continuation of an indented line of a footer is indented: in the list of exit statuses, to the
+// text after the number.
+std::size_t continuationIndentOf(const std::string& line) {
     const std::size_t word = line.find_first_not_of(' ');
     const std::size_t gap = line.find("  ", word);
     return gap == std::string::npos ? word : line.find_first_not_of(' ', gap);
@@ -121,12 +122,13 @@ std::string footerOf(const CLI::App& app) {
         }
         endParagraph();
         const std::size_t indent = line.find_first_not_of(' ');
-        // A command is shown as it is typed.
+        // A command is not wrapped, so that it can be copied.
         const bool isKept = line.size() <= kWidth || line.find("fi-rotate") != std::string::npos;
         text += (isKept || indent == std::string::npos
                      ? line
-                     : line.substr(0, hangOf(line)) +
-                           wrapped(line.substr(hangOf(line)), hangOf(line), hangOf(line))) +
+                     : line.substr(0, continuationIndentOf(line)) +
+                           wrapped(line.substr(continuationIndentOf(line)), continuationIndentOf(line),
+                                   continuationIndentOf(line))) +
                 "\n";
     }
     endParagraph();

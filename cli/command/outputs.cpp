@@ -21,15 +21,15 @@ std::optional<struct stat> stateOf(const std::string& file) {
     return stat(file.c_str(), &state) == 0 ? std::optional(state) : std::nullopt;
 }
 
-// Ordinary files by what they are, so that a second name or a link makes no difference; what is not there yet
-// by the place where it would be. Nothing for a pipe or a device, which a second use does not harm.
+// Identifies an existing file by device and inode, so that a second name or a link makes no difference, and a
+// file that does not exist yet by its path. Nothing for a pipe or a device, which may be used twice.
 std::optional<std::string> identityOf(const std::string& file) {
     const auto state = stateOf(file);
     if (state.has_value()) {
         return S_ISREG(state->st_mode) ? std::optional(fmt::format("{}:{}", state->st_dev, state->st_ino))
                                        : std::nullopt;
     }
-    return placeOf(file);
+    return resolvedPathOf(file);
 }
 
 std::optional<std::string> identityOf(int descriptor) {
@@ -39,15 +39,16 @@ std::optional<std::string> identityOf(int descriptor) {
 }
 
 [[noreturn]] void refuse(const SOutput& output, const std::string& reason) {
-    throw CLI::ValidationError(output.option, quotedPrintable(*output.file) + " " + reason);
+    throw CLI::ValidationError(output.option, printableInQuotes(*output.file) + " " + reason);
 }
 
-// A pipe or a terminal is written to, which harms nothing; a disk is not.
+// Writing to a pipe or a terminal destroys nothing; writing to a disk does.
 void requireReplaceable(const SOutput& output) {
     const auto state = stateOf(*output.file);
-    const bool isHarmless = !state.has_value() || (!S_ISREG(state->st_mode) && !S_ISBLK(state->st_mode)) ||
-                            (S_ISREG(state->st_mode) &&
-                             (state->st_size == 0 || output.isOwn(readFile(*output.file).value_or(""))));
+    const bool isHarmless =
+        !state.has_value() || (!S_ISREG(state->st_mode) && !S_ISBLK(state->st_mode)) ||
+        (S_ISREG(state->st_mode) &&
+         (state->st_size == 0 || output.isOwnContent(readFile(*output.file).value_or(""))));
     if (!isHarmless) {
         refuse(output,
                "exists and this option did not write it; give another name, or --force to replace it");
@@ -60,9 +61,9 @@ void addForceOption(CLI::App& subcommand, bool& isForced) {
     subcommand.add_flag("--force", isForced, "Replace existing files even if fi-rotate did not write them");
 }
 
-void requireHarmless(const std::vector<SOutput>& outputs, const std::vector<std::string>& inputs,
-                     bool isForced) {
-    // What must not be written to, and what it is.
+void requireNoFileIsDestroyed(const std::vector<SOutput>& outputs, const std::vector<std::string>& inputs,
+                              bool isForced) {
+    // The files that must not be written to, and the reason for each.
     std::map<std::string, std::string> taken;
     const auto take = [&taken](const std::optional<std::string>& identity, const std::string& use) {
         if (identity.has_value()) {
@@ -103,11 +104,11 @@ std::unique_ptr<COutputFile> openOutput(const SOutput& output) {
         return std::make_unique<COutputFile>(*output.file);
     } catch (const std::system_error& error) {
         throw CLI::ValidationError(
-            output.option, "cannot write " + quotedPrintable(*output.file) + ": " + error.code().message());
+            output.option, "cannot write " + printableInQuotes(*output.file) + ": " + error.code().message());
     }
 }
 
-bool commitOrReport(COutputFile& file, const std::string& text) {
+bool writeAndCommitOrReport(COutputFile& file, const std::string& text) {
     try {
         file.write(text);
         file.commit();

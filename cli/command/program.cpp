@@ -77,7 +77,7 @@ std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
         const bool isOption = startsWith(word, "-");
         if (isOption || chosen.empty()) {
             message = fmt::format("there is no {} {}{}", isOption ? "option" : "subcommand",
-                                  quotedPrintable(word), suggestion(word, knownWords(place, word)));
+                                  printableInQuotes(word), suggestion(word, knownWords(place, word)));
         }
     }
     return fmt::format("fi-rotate: {}\nRun \"fi-rotate {}--help\" for help.\n", message,
@@ -93,7 +93,7 @@ int parseAndRun(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // Help and version arrive as errors with status 0; all others are wrong usage.
+        // --help and --version throw errors with status 0; all other errors are wrong usage.
         if (app.exit(error) != 0) {
             return kExitUsage;
         }
@@ -138,7 +138,7 @@ int runProgram(int argc, char** argv) noexcept {
     }
 }
 
-bool printCompletion(const char* script) noexcept {
+bool printCompletionOrReport(const char* script) noexcept {
     try {
         const auto text = readFile(script);
         if (!text.has_value()) {

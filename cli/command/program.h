@@ -2,11 +2,11 @@
 
 namespace fi_rotate {
 
-// fi-rotate as a whole: the exit status of a command line.
+// Runs fi-rotate with a command line and returns its exit status.
 int runProgram(int argc, char** argv) noexcept;
 
-// Prints `script`, the completion of a shell, with the words that fi-rotate knows in the place of its line
-// @WORDS@. Whether it could; if not, a message says why.
-bool printCompletion(const char* script) noexcept;
+// Prints the file `script`, the completion of a shell, with its line @WORDS@ replaced by the words that
+// fi-rotate knows. Prints an error and returns false when it cannot.
+bool printCompletionOrReport(const char* script) noexcept;
 
 }  // namespace fi_rotate

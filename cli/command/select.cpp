@@ -85,11 +85,11 @@ void requireListed(const std::string& option, const std::string& file, const std
     if (listed.count(file) == 0) {
         throw CLI::ValidationError(
             option,
-            quotedPrintable(file) + " is not among the documents given; write its name exactly as there");
+            printableInQuotes(file) + " is not among the documents given; write its name exactly as there");
     }
 }
 
-// FILE=N; the last '=' separates, since a name may hold one.
+// Splits FILE=N at the last '=', because a name may contain one.
 std::pair<std::string, std::int32_t> parseFlagWord(const std::string& text) {
     const std::size_t separator = text.rfind('=');
     std::int32_t flagWord = 0;
@@ -101,7 +101,7 @@ std::pair<std::string, std::int32_t> parseFlagWord(const std::string& text) {
         }
     }
     throw CLI::ValidationError("--flags",
-                               quotedPrintable(text) + " is not FILE=N with N a whole number of 32 bits");
+                               printableInQuotes(text) + " is not FILE=N with N a whole number of 32 bits");
 }
 
 std::vector<SBackup> backupsOf(const SOptions& options) {
@@ -111,7 +111,7 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
         const auto [file, flagWord] = parseFlagWord(text);
         requireListed("--flags", file, listed);
         if (!flagWords.emplace(file, flagWord).second) {
-            throw CLI::ValidationError("--flags", quotedPrintable(file) + " has a flag word already");
+            throw CLI::ValidationError("--flags", printableInQuotes(file) + " has a flag word already");
         }
     }
     for (const std::string& file : options.excluded) {
@@ -138,9 +138,9 @@ SCall callOf(const SOptions& options) {
 // What the command shows of a call.
 struct SShownCall {
     SOutcome outcome;
-    // Inputs are not whole, and nothing was decided for that.
+    // An input is missing or damaged, so nothing was decided.
     bool isRefused = false;
-    // A configuration would keep too few backups, and nothing was decided for that.
+    // A configuration would keep too few backups, so nothing was decided.
     bool isTooFew = false;
 };
 
@@ -177,9 +177,9 @@ void reportNotLoaded(const SOutcome& outcome) {
 void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
     const SOutcome& outcome = call.outcome;
     for (const std::string& message : outcome.messages) {
-        // The trace has shown it as it is.
+        // The trace on standard error contains the message already.
         const bool isTold = isTraceShown && !call.isRefused && !call.isTooFew;
-        // The exception is told with its reason.
+        // The exception is printed below, with its reason.
         const bool isOfException = outcome.exception.has_value() &&
                                    argumentsOf(ETraceText::kMalformedIdentifier, message).has_value();
         const std::string words = failureInWords(message);
@@ -224,7 +224,7 @@ int exitStatusOf(const SShownCall& call) {
     return areAllLoaded(call.outcome) ? kExitDone : kExitNotWhole;
 }
 
-// The library tells the time stamps of few backups; people look for the others too.
+// The trace contains the time stamps of only some backups, so all are read from the documents.
 void readTimeStamps(std::vector<SBackupOutcome>& backups) {
     const CXmlLibrary library;
     for (SBackupOutcome& backup : backups) {
@@ -238,8 +238,8 @@ EOrder orderOf(const SOptions& options) {
     return static_cast<EOrder>(std::find(kOrders.begin(), kOrders.end(), options.order) - kOrders.begin());
 }
 
-// Nothing to do without a file; false, with a message, when it could not be written whole.
-bool saveRequest(const SCall& call, const SOutput& file) {
+// Does nothing without a file. Prints an error and returns false when not all could be written.
+bool saveRequestOrReport(const SCall& call, const SOutput& file) {
     if (!file.file.has_value()) {
         return true;
     }
@@ -249,10 +249,10 @@ bool saveRequest(const SCall& call, const SOutput& file) {
     } catch (const std::invalid_argument& fault) {
         throw CLI::ValidationError("--save-request", std::string("cannot save: ") + fault.what());
     }
-    return commitOrReport(*openOutput(file), text);
+    return writeAndCommitOrReport(*openOutput(file), text);
 }
 
-// To standard error, to a file, to both or to nobody.
+// Writes the trace to standard error, to a file, or to both; null when it is written nowhere.
 TraceSink traceSinkOf(bool isShown, COutputFile* file) {
     if (!isShown && file == nullptr) {
         return nullptr;
@@ -268,7 +268,7 @@ TraceSink traceSinkOf(bool isShown, COutputFile* file) {
     };
 }
 
-// Of a call from which nothing was decided: what is wrong stands in place of the library's messages.
+// The outcome of a call in which nothing was decided: its messages are the problems of its inputs.
 SOutcome refusedOutcome(const SCall& call, const SDecision& decision) {
     SOutcome outcome;
     outcome.status = FI_STATUS_FAILURE;
@@ -327,10 +327,10 @@ int runSelect(const SOptions& options) {
     const SOutput request{"--save-request", options.savedRequest, isRequest};
     const SOutput traceOutput{"--trace-file", options.traceFile, isTraceFile};
     const SOutput picture{"--svg", options.svgFile, isOwnPicture};
-    requireHarmless({request, traceOutput, picture}, inputsOf(options.call, call), options.isForced);
+    requireNoFileIsDestroyed({request, traceOutput, picture}, inputsOf(options.call, call), options.isForced);
     const auto trace = openOutput(traceOutput);
     const auto svg = openOutput(picture);
-    if (!saveRequest(call, request)) {
+    if (!saveRequestOrReport(call, request)) {
         return kExitNotWritten;
     }
 
@@ -340,8 +340,8 @@ int runSelect(const SOptions& options) {
     SShownCall made = makeCall(call, wishes, options);
     SOutcome& outcome = made.outcome;
     readTimeStamps(outcome.backups);
-    const bool isTraceWritten = trace == nullptr || commitOrReport(*trace);
-    if (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(outcome)))) {
+    const bool isTraceWritten = trace == nullptr || writeAndCommitOrReport(*trace);
+    if (svg != nullptr && !writeAndCommitOrReport(*svg, toSvg(pictureOf(outcome)))) {
         return kExitNotWritten;
     }
     const SView view{options.shownStates, options.explain, orderOf(options)};

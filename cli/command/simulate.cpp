@@ -61,7 +61,7 @@ template <typename Value>
 Value valueOf(const std::string& option, const std::string& text, const std::optional<Value>& value,
               const char* wanted) {
     if (!value.has_value()) {
-        throw CLI::ValidationError(option, quotedPrintable(text) + " is not " + wanted);
+        throw CLI::ValidationError(option, printableInQuotes(text) + " is not " + wanted);
     }
     return *value;
 }
@@ -78,7 +78,7 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
                                         [&file](const SBackup& backup) { return backup.file == file; });
         if (found == backups.end()) {
             throw CLI::ValidationError(
-                "--exclude", quotedPrintable(file) +
+                "--exclude", printableInQuotes(file) +
                                  " is not among the documents of --from; write its name exactly as there");
         }
         found->flagWord |= FI_EXCLUDE_ROTATION;
@@ -133,9 +133,10 @@ std::optional<std::int64_t> goalOf(const SOptions& options, const SPlan& plan) {
 }
 
 // A std::invalid_argument means that the configuration cannot be used; its text may be a line of the trace.
-SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan, const GoOn& goOn) {
+SSimulation simulateOrRefuse(const SOptions& options, const SPlan& plan,
+                             const ContinueCallback& mayContinue) {
     try {
-        return simulate(plan, goOn);
+        return simulate(plan, mayContinue);
     } catch (const CUnusableDocuments& fault) {
         throw CLI::ValidationError("--from", std::string("these documents cannot be used\n") + fault.what());
     } catch (const std::invalid_argument& fault) {
@@ -156,8 +157,8 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
     report.summaries = summarise(report.simulation);
     if (report.goal.has_value()) {
         for (const SAccountConfiguration& configuration : report.simulation.configurations) {
-            report.leastTargets.push_back(
-                leastTargets(plan, configuration, *report.goal, [&](std::size_t targets, std::size_t rounds) {
+            report.fewestTargets.push_back(findFewestTargets(
+                plan, configuration, *report.goal, [&](std::size_t targets, std::size_t rounds) {
                     progress.show(rounds, plan.rounds, fmt::format("rounds with {} targets", targets));
                     return !interrupt.signal().has_value();
                 }));
@@ -169,7 +170,7 @@ SSimulationReport makeReport(const SOptions& options, const CInterrupt& interrup
 std::string toText(const SSimulationReport& report, bool isWithoutTimeline) {
     std::string text = toSummary(report, widthOfOutput(), wantsColour());
     if (!isWithoutTimeline) {
-        // In a file nothing needs to be cut but the timeline, whose columns have no end.
+        // In a file only the timeline is cut, because the number of its columns has no limit.
         const std::string timeline = toTimeline(report.simulation, widthOfTerminal(STDOUT_FILENO));
         text += (timeline.empty() ? "" : "\n") + timeline;
     }
@@ -182,12 +183,12 @@ int runSimulate(const SOptions& options) {
     const SOutput picture{"--svg", options.svgFile, isOwnPicture};
     std::vector<std::string> inputs = inputsOf(options.call);
     inputs.insert(inputs.end(), options.from.begin(), options.from.end());
-    requireHarmless({rounds, picture}, inputs, options.isForced);
+    requireNoFileIsDestroyed({rounds, picture}, inputs, options.isForced);
     const auto csv = openOutput(rounds);
     const auto svg = openOutput(picture);
     const SSimulationReport report = makeReport(options, interrupt);
-    if ((csv != nullptr && !commitOrReport(*csv, toCsv(report.simulation))) ||
-        (svg != nullptr && !commitOrReport(*svg, toSvg(pictureOf(report.simulation))))) {
+    if ((csv != nullptr && !writeAndCommitOrReport(*csv, toCsv(report.simulation))) ||
+        (svg != nullptr && !writeAndCommitOrReport(*svg, toSvg(pictureOf(report.simulation))))) {
         return kExitNotWritten;
     }
     if (!printOrReport(options.json ? toJson(report) : toText(report, options.isWithoutTimeline))) {

@@ -4,11 +4,12 @@
 
 namespace fi_rotate {
 
-// Gives `app` what fi-rotate has: its version and its subcommands. When the command line names one, parsing
-// runs it and leaves its exit status in `exitStatus`, which is borrowed; wrong usage is a CLI::ParseError.
+// Adds the version and the subcommands of fi-rotate to `app`. Parsing a command line then runs the subcommand
+// that it names and stores its exit status in `exitStatus`, which is borrowed. Wrong usage throws a
+// CLI::ParseError.
 void addSubcommands(CLI::App& app, int& exitStatus);
 
-// One of them each.
+// Each adds one subcommand.
 void addSelect(CLI::App& app, int& exitStatus);
 void addCheck(CLI::App& app, int& exitStatus);
 void addExplain(CLI::App& app, int& exitStatus);

@@ -28,7 +28,8 @@ std::int32_t firstBackupStatus(const std::vector<std::string>& messages) {
     return isShort ? FI_STATUS_FAILURE : FI_STATUS_SUCCESS;
 }
 
-// The states that the library hands back, by name: of several backups of one name that of the oldest.
+// The states that the library returns, by the name of the backup: of several backups with one name, that of
+// the oldest.
 using States = std::unordered_map<std::string, std::int32_t>;
 
 States finalStates(const CAccountReader& account) {
@@ -40,8 +41,8 @@ States finalStates(const CAccountReader& account) {
     return states;
 }
 
-// The backups whose flag words are known; the others are missing. Where loading was not seen to its end,
-// nothing tells that one was left out.
+// The backups whose flag words are known; the others are added to `missing`. When lines of the loading are
+// missing, it is not known which backups were ignored, so all count as loaded.
 std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, std::vector<std::string>& missing) {
     const bool isLoadingKnown = missing.empty() && account.isLoadingOver();
     const States states = finalStates(account);
@@ -95,10 +96,10 @@ void CCallReader::read(const std::string& text, bool isNamed, const SLogPlace& p
     readText(text);
 }
 
-// Whether `text` is the first one of a call: because no call has it elsewhere, or because the one before is
+// Whether `text` is the first line of a call: because it can be no other, or because the call before it is
 // over.
 bool CCallReader::begins(const std::string& text, bool isNamed) const {
-    // Lines of the last pass can be surplus when others were lost.
+    // When other lines were lost, these can follow the end of a call and belong to it.
     const bool isOfAnyPass =
         startsAs(ETraceText::kParsed, text) || text == formatOf(ETraceText::kResourceSet);
     const bool isOver = account.isEnded() || isRefused;

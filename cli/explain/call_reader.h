@@ -11,12 +11,12 @@
 namespace fi_rotate {
 
 struct SLogPlace {
-    // As the reader of the logs was told, and which of them it is.
+    // The name of the log as it was given, and its index.
     std::string log;
     std::size_t logNumber = 0;
-    // From 1; 0 when it is none.
+    // Counted from 1; 0 when there is no line.
     std::size_t line = 0;
-    // What the line says of its time, as it stands there; empty when it says nothing.
+    // The time in the line, as it is written there; empty when there is none.
     std::string time;
 };
 
@@ -26,18 +26,18 @@ struct SLoggedCall {
     // Its first and its last line.
     SLogPlace first;
     SLogPlace last;
-    // With an account, unless the arguments were refused. The trace tells no selection of a first backup, a
-    // time stamp only of backups that passed the check, and not the code of an exception. Status and
-    // exception are both missing when the end is.
+    // With an account, unless the arguments were refused. The trace does not contain the selection of a first
+    // backup, the time stamp of a backup whose identifiers match no configuration, or the code of an
+    // exception. Status and exception are both missing when the end of the call is missing.
     SOutcome outcome;
-    // What the log should hold of the call, and does not.
+    // Lines of the call that the log should contain but does not, in words.
     std::vector<std::string> missing;
 };
 
-// Whether a call begins with this text of the library's; no call has it elsewhere.
+// Whether this text of the library can only be the first line of a call.
 bool beginsCall(std::string_view text);
 
-// Takes in the library's texts that one writer wrote, and tells its calls apart.
+// Reads the library's texts that one writer wrote, and separates its calls.
 class CCallReader {
 public:
     // `text` is without its line end; a named one begins with the name of its operation.
@@ -58,8 +58,8 @@ private:
     CAccountReader account;
     bool isRefused = false;
     bool isFirstBackup = false;
-    // A line break has cut off the line that a document's tree begins with, so that it is known of none of
-    // its lines whose they are.
+    // A line break has cut off the first line of a document's tree, so it is not known which backup the lines
+    // of the tree belong to.
     bool isCut = false;
 };
 

@@ -13,7 +13,7 @@
 namespace fi_rotate {
 namespace {
 
-// What is longer belongs to a message.
+// A longer text before a name belongs to a message of the host.
 constexpr std::size_t kLongestPrefix = 512;
 
 std::size_t findName(std::string_view line) {
@@ -24,14 +24,14 @@ std::size_t findName(std::string_view line) {
     return place <= kLongestPrefix ? place : std::string_view::npos;
 }
 
-// A text without a name may stand behind a prefix.
+// Whether the line may contain a text without a name after a prefix.
 bool mayEndWithUnnamed(std::string_view line) {
     constexpr std::string_view kLastOfUnnamed = "]})>";
     return !line.empty() && (kLastOfUnnamed.find(line.back()) != std::string_view::npos ||
                              line.find(startOf(ETraceText::kMalformedIdentifier)) != std::string_view::npos);
 }
 
-// Which text this one is, which begins with a name; nothing when the library writes none such.
+// The kind of a text that begins with a name; nothing when the library writes no such text.
 std::optional<ETraceText> kindOfNamed(std::string_view text) {
     for (std::size_t i = 0; i < static_cast<std::size_t>(ETraceText::kCount); ++i) {
         const auto kind = static_cast<ETraceText>(i);
@@ -42,7 +42,7 @@ std::optional<ETraceText> kindOfNamed(std::string_view text) {
     return std::nullopt;
 }
 
-// A line break in what the text tells has cut it off: in a configuration before its first target, or in a
+// Whether a line break in a value has cut off the text: in a configuration before its first target, or in a
 // name.
 bool isCutOff(std::string_view text) {
     return startsAs(ETraceText::kConfiguration, text) || startsAs(ETraceText::kNoConfiguration, text) ||
@@ -51,15 +51,15 @@ bool isCutOff(std::string_view text) {
 
 std::optional<SNamedLine> asNamed(std::size_t log, std::string_view line) {
     const std::size_t name = findName(line);
-    // As a whole it may be a text without a name that quotes one with a name. (What begins with "ERROR: " may
-    // have that from the host.)
+    // The whole line may be a text without a name that quotes a text with a name. (A line that begins with
+    // "ERROR: " may have that from the host.)
     const bool isWholeUnnamed = isUnnamed(line) && !startsAs(ETraceText::kMalformedIdentifier, line);
     if (name == std::string_view::npos || isWholeUnnamed) {
         return std::nullopt;
     }
     const std::string_view text = line.substr(name);
     const auto kind = kindOfNamed(text);
-    // Too many texts of a host's look like that.
+    // Too many messages of hosts look like this text.
     if (kind == ETraceText::kNotClaimed) {
         return std::nullopt;
     }
@@ -88,7 +88,7 @@ std::optional<SFound> findNamed(const CWriters& writers, std::size_t log, std::s
     }
     const std::string_view text = line.substr(name);
     const SPrefix prefix = prefixOf(line.substr(0, name));
-    const auto writer = writers.find(log, prefix);
+    const auto writer = writers.writerOf(log, prefix);
     if (!writer.has_value() || (!kindOfNamed(text).has_value() && !isCutOff(text))) {
         return std::nullopt;
     }
@@ -108,7 +108,7 @@ std::optional<SFound> findUnnamed(const CWriters& writers, std::size_t log, std:
         }
         const SPrefix prefix = prefixOf(line.substr(0, end));
         // The longest prefix counts: the trees' own blank must not be taken from one that ends in several.
-        if (const auto writer = writers.findWhole(log, prefix)) {
+        if (const auto writer = writers.writerOfExactly(log, prefix)) {
             found = SFound{*writer, text, prefix.time, false};
         }
     }
@@ -143,12 +143,12 @@ std::vector<SLoggedCall> inOrder(std::map<std::string, CCallReader>& readers) {
 
 }  // namespace
 
-void CLogReader::begin(std::string log) {
+void CLogReader::beginLog(std::string log) {
     logs.push_back(std::move(log));
     lineCount = 0;
 }
 
-void CLogReader::read(std::string_view line) {
+void CLogReader::readLine(std::string_view line) {
     ++lineCount;
     if (!line.empty() && line.back() == '\r') {
         line.remove_suffix(1);

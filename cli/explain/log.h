@@ -7,19 +7,19 @@
 
 #include "cli/explain/call_reader.h"
 
-// Calls of the library as logs tell of them.
+// Finds the calls of the library in logs.
 namespace fi_rotate {
 
-// Takes logs in, line by line, and tells apart who wrote into them and the calls of each. Lines that are not
-// the library's are passed over. Most of the library's texts name the operation that they come from; what
-// stands before such a name is the host's prefix (time, process, level). The others are known by their form,
-// behind the prefix of a writer.
+// Reads logs line by line, and separates the writers of their lines and the calls of each writer. Lines that
+// the library did not write are ignored. Most texts of the library begin with the name of an operation; what
+// comes before such a name is the prefix of the host (time, process, level). The other texts are recognised
+// by their form after such a prefix.
 class CLogReader {
 public:
-    // The lines that follow are those of another log. A call may go on in it.
-    void begin(std::string log);
+    // Begins the next log. A call may continue in it.
+    void beginLog(std::string log);
     // `line` is without its line end.
-    void read(std::string_view line);
+    void readLine(std::string_view line);
 
     // The calls that were read, in the order of their first lines.
     std::vector<SLoggedCall> finish();

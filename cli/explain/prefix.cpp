@@ -9,7 +9,8 @@
 namespace fi_rotate {
 namespace {
 
-// In a shape. A prefix that holds these characters itself has other ones there.
+// The characters that replace times and words in a shape. If a prefix itself contains them, '?' replaces
+// them.
 constexpr char kTime = '\1';
 constexpr char kWord = '\2';
 
@@ -26,8 +27,8 @@ std::size_t countDigits(std::string_view text) {
     return static_cast<std::size_t>(end - text.begin());
 }
 
-// Longer ones stand before those that they begin with. 9 is a digit, # one or two of them behind a blank or
-// not, A a letter and * what stands between a date and a time of day.
+// The forms of a time; a longer form comes before a shorter one that it begins with. 9 is a digit, # one or
+// two digits after an optional blank, A a letter, and * a character between a date and a time of day.
 constexpr std::array<std::string_view, 15> kTimes{
     "AAA AAA # #:#:# 9999",
     "AAA 9999-#-#*#:#:#",
@@ -100,7 +101,7 @@ std::size_t zoneLength(std::string_view text) {
     return 0;
 }
 
-// Whether what stands behind a time lets it be one, and not the beginning of an address.
+// Whether a time may end before `behind`; otherwise it is the beginning of an address or the like.
 bool endsTime(std::string_view behind) {
     if (behind.empty()) {
         return true;
@@ -182,7 +183,7 @@ private:
     static bool isMark(char character) { return character == kTime || character == kWord; }
 
     void takeWord() {
-        // Behind these it is part of an address or a version.
+        // After these it is part of an address or a version.
         const bool mayBeTime = last != ':' && last != '.';
         if (const std::size_t length = mayBeTime ? timeLength(rest) : 0) {
             prefix.time = prefix.time.empty() ? rest.substr(0, length) : prefix.time;
@@ -197,15 +198,16 @@ private:
         const auto* const end = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
         const std::string_view word = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
         if (isLevel(word)) {
-            leaveOutLevel(word.size());
+            skipLevel(word.size());
         } else {
             prefix.words.push_back(word);
             take(kWord, word.size());
         }
     }
 
-    // With the brackets around it and a colon behind it, since a host may give some levels only.
-    void leaveOutLevel(std::size_t length) {
+    // Removes a level with the brackets around it and a colon after it, because a host may write only some
+    // levels.
+    void skipLevel(std::size_t length) {
         skip(length);
         constexpr std::string_view kOpening = "[<(";
         constexpr std::string_view kClosing = "]>)";

@@ -9,14 +9,15 @@ namespace fi_rotate {
 
 // What a host writes before a message: times, levels, names and numbers.
 struct SPrefix {
-    // What all lines of one format have in common: each time and each word stands as one character, levels
-    // are left out, and blanks count between words only.
+    // What all lines of one format have in common: each time and each word is replaced by one character,
+    // levels are removed, and blanks are kept only between words.
     std::string shape;
-    // The words that the shape stands for, but for times. They are borrowed from the prefix, as `time` is.
+    // The words that were replaced in the shape, without the times. They are borrowed from the prefix, as
+    // `time` is.
     std::vector<std::string_view> words;
-    // As it stands there; of several the first. Empty when there is none.
+    // The first time in the prefix, as it is written there; empty when there is none.
     std::string_view time;
-    // How many blanks it ends with: those of a message's own begin behind them.
+    // How many blanks it ends with. Blanks that a message begins with are not counted.
     std::size_t blanks = 0;
 };
 

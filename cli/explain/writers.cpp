@@ -10,16 +10,16 @@ CWriters::CWriters(const std::vector<SNamedLine>& lines) {
     }
     for (auto& [shape, format] : formats) {
         for (const auto& words : format.words) {
-            format.isName.push_back(namesWriter(words));
+            format.namesWriter.push_back(namesWriter(words));
         }
     }
     for (const SNamedLine& line : lines) {
         learnWriter(line);
     }
     for (const SNamedLine& line : lines) {
-        leaveOutQuoted(line);
+        ignoreIfQuoted(line);
     }
-    leaveOutBare();
+    learnTimedLogsAndIgnoreBareLines();
 }
 
 void CWriters::learn(const SNamedLine& line) {
@@ -36,9 +36,11 @@ void CWriters::learn(const SNamedLine& line) {
     }
 }
 
-// A writer begins the calls that it goes on with, so most lines stand with a word that a beginning stands
-// with too: that of a counter or a clock has none, as a rule. And a call has lines at both levels, so a word
-// that comes with one level only, like all others in its place, says the level.
+// Decides for one position in a prefix whether the word there names the writer. It does when most lines have
+// a word that the first line of a call has too, because a writer writes calls from their first line on.
+// Counters and clocks change with each line, so a first line rarely has the same word. The words at a
+// position name the level instead when each of them occurs at one level only, because each call has lines at
+// both levels.
 bool CWriters::namesWriter(const std::unordered_map<std::string_view, SLines>& words) {
     std::size_t all = 0;
     std::size_t ofBegun = 0;
@@ -66,38 +68,39 @@ void CWriters::learnWriter(const SNamedLine& line) {
     writer.blanks.insert(prefix.blanks);
 }
 
-// A prefix that goes on behind that of another writer belongs to a message of that writer's, unless calls
-// begin behind the longer one only.
-void CWriters::leaveOutQuoted(const SNamedLine& line) {
+// A prefix that begins with the prefix of another writer belongs to a message of that writer, unless first
+// lines of calls have only the longer prefix.
+void CWriters::ignoreIfQuoted(const SNamedLine& line) {
     const SPrefix prefix = prefixOf(line.prefix);
     SWriter& writer = writers.at(*nameIn(prefix, prefix.shape.size()));
     for (std::size_t length = 1; length < prefix.shape.size(); ++length) {
         const auto name = nameIn(prefix, length);
         const auto shorter = name.has_value() ? writers.find(*name) : writers.end();
         if (shorter != writers.end() && (shorter->second.hasBeginning || !writer.hasBeginning)) {
-            writer.isQuoted = true;
+            writer.isIgnored = true;
         }
     }
 }
 
-// Lines without a prefix, or without a time where the writers of the log put one, are those of something
-// else: the rest of a text with line breaks, for one.
-void CWriters::leaveOutBare() {
+// Records which logs have a time in front of their lines, and ignores lines without a prefix if most lines
+// have one: they are something else, such as the rest of a text with line breaks.
+void CWriters::learnTimedLogsAndIgnoreBareLines() {
     const auto bare = writers.find(std::string(1, '\n'));
     for (const auto& [name, writer] : writers) {
-        if (writer.isQuoted || !writer.hasBeginning) {
+        if (writer.isIgnored || !writer.hasBeginning) {
             continue;
         }
         if (writer.hasTime) {
             timedLogs.insert(writer.logs.begin(), writer.logs.end());
         }
         if (bare != writers.end() && writer.lines > bare->second.lines) {
-            bare->second.isQuoted = true;
+            bare->second.isIgnored = true;
         }
     }
 }
 
-// The shape, and each word that names the writer, ended by line feeds, which no line holds.
+// The name is the shape and the words that name the writer, each ended by a line feed, which no line
+// contains.
 std::optional<std::string> CWriters::nameIn(const SPrefix& prefix, std::size_t length) const {
     const std::string shape = prefix.shape.substr(0, length);
     const auto format = formats.find(shape);
@@ -105,24 +108,24 @@ std::optional<std::string> CWriters::nameIn(const SPrefix& prefix, std::size_t l
         return std::nullopt;
     }
     std::string name = shape + '\n';
-    for (std::size_t i = 0; i < format->second.isName.size(); ++i) {
-        name += format->second.isName[i] ? std::string(prefix.words[i]) + '\n' : "\n";
+    for (std::size_t i = 0; i < format->second.namesWriter.size(); ++i) {
+        name += format->second.namesWriter[i] ? std::string(prefix.words[i]) + '\n' : "\n";
     }
     return name;
 }
 
-std::optional<std::string> CWriters::find(std::size_t log, const SPrefix& prefix) const {
+std::optional<std::string> CWriters::writerOf(std::size_t log, const SPrefix& prefix) const {
     const auto name = nameIn(prefix, prefix.shape.size());
     const auto writer = name.has_value() ? writers.find(*name) : writers.end();
-    if (writer == writers.end() || writer->second.isQuoted) {
+    if (writer == writers.end() || writer->second.isIgnored) {
         return std::nullopt;
     }
     const bool lacksTime = !writer->second.hasTime && timedLogs.count(log) != 0;
     return lacksTime ? std::nullopt : name;
 }
 
-std::optional<std::string> CWriters::findWhole(std::size_t log, const SPrefix& prefix) const {
-    const auto name = find(log, prefix);
+std::optional<std::string> CWriters::writerOfExactly(std::size_t log, const SPrefix& prefix) const {
+    const auto name = writerOf(log, prefix);
     const bool isWhole = name.has_value() && writers.at(*name).blanks.count(prefix.blanks) != 0;
     return isWhole ? name : std::nullopt;
 }

@@ -22,24 +22,24 @@ struct SNamedLine {
     bool isFailure = false;
 };
 
-// Knows who writes the library's lines into logs: those of one writer, a process or a thread, have the same
-// words in front. Words that change from line to line, as levels and counters do, tell nothing of the writer.
-// Who only quotes such lines, in a message or from a document, is no writer.
+// Finds out who wrote the library's lines into logs. The prefixes of one writer (a process or a thread)
+// contain the same words. Words that change from line to line, such as levels and counters, do not name the
+// writer. A program that only quotes such lines, in a message or from a document, is not a writer.
 class CWriters {
 public:
     explicit CWriters(const std::vector<SNamedLine>& lines);
 
     // The name of the writer whose lines in this log have this prefix; nothing when no writer has it.
-    [[nodiscard]] std::optional<std::string> find(std::size_t log, const SPrefix& prefix) const;
+    [[nodiscard]] std::optional<std::string> writerOf(std::size_t log, const SPrefix& prefix) const;
 
-    // The same of a prefix that must be whole, blanks at its end included.
-    [[nodiscard]] std::optional<std::string> findWhole(std::size_t log, const SPrefix& prefix) const;
+    // The same, but only if the prefix also ends with a number of blanks that this writer uses.
+    [[nodiscard]] std::optional<std::string> writerOfExactly(std::size_t log, const SPrefix& prefix) const;
 
-    // Of the prefixes that were given, bytes.
+    // The length in bytes of the longest prefix that was given.
     [[nodiscard]] std::size_t longestPrefix() const { return longest; }
 
 private:
-    // The lines that have a certain word in a certain place.
+    // The lines that have a certain word at a certain position.
     struct SLines {
         std::size_t count = 0;
         bool hasBeginning = false;
@@ -49,10 +49,10 @@ private:
 
     // A format of prefixes.
     struct SFormat {
-        // By place, the words that occur there.
+        // By position, the words that occur there.
         std::vector<std::unordered_map<std::string_view, SLines>> words;
-        // By place, whether the word there names the writer.
-        std::vector<bool> isName;
+        // By position, whether the word there names the writer.
+        std::vector<bool> namesWriter;
     };
 
     struct SWriter {
@@ -62,15 +62,15 @@ private:
         std::set<std::size_t> logs;
         // How many blanks its prefixes end with.
         std::set<std::size_t> blanks;
-        bool isQuoted = false;
+        bool isIgnored = false;
     };
 
     static bool namesWriter(const std::unordered_map<std::string_view, SLines>& words);
     void learn(const SNamedLine& line);
     void learnWriter(const SNamedLine& line);
-    void leaveOutQuoted(const SNamedLine& line);
-    void leaveOutBare();
-    // Of the writer whose prefixes are the first `length` characters of the shape.
+    void ignoreIfQuoted(const SNamedLine& line);
+    void learnTimedLogsAndIgnoreBareLines();
+    // The name of the writer whose prefixes have the first `length` characters of the shape.
     [[nodiscard]] std::optional<std::string> nameIn(const SPrefix& prefix, std::size_t length) const;
 
     std::unordered_map<std::string, SFormat> formats;

@@ -9,10 +9,10 @@
 namespace fi_rotate {
 namespace {
 
-// Each takes a call.
+// Each trial costs a call of the library.
 constexpr std::size_t kMostTrials = 200;
 
-// A target that neither the configurations nor, as far as can be foreseen, a backup names.
+// A target that no configuration names and that no backup is likely to name.
 std::string unusedTarget(const std::vector<SAccountConfiguration>& configurations) {
     std::set<std::string> used;
     for (const SAccountConfiguration& configuration : configurations) {
@@ -25,7 +25,7 @@ std::string unusedTarget(const std::vector<SAccountConfiguration>& configuration
     return target;
 }
 
-// One target more for each configuration that is short.
+// Gives each configuration that is short one more target.
 void addTargets(SCall& call, const SAccount& account) {
     std::vector<SAccountConfiguration> configurations = account.configurations;
     for (const SShortage& shortage : account.shortages) {
@@ -80,7 +80,7 @@ public:
         for (std::size_t i = 0; i < holders.size() - advice.untried; ++i) {
             tryChange(holders[i]);
         }
-        findWayOut();
+        findCheapestChanges();
         SCall changed = call;
         addTargets(changed, *outcome.account);
         advice.releasedWithTargets = releasedWithSelection(makeCall(changed));
@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    // Of each backup that holds a target of a short configuration, once.
+    // One change for each backup that holds a target of a short configuration.
     static std::vector<SChange> changesOfHolders(const SAccount& account) {
         std::vector<SChange> changes;
         std::set<std::string> known;
@@ -109,7 +109,7 @@ private:
         advice.trials.push_back({wanted, releasedWithSelection(makeCall(changed))});
     }
 
-    void findWayOut() {
+    void findCheapestChanges() {
         const STrial* best = nullptr;
         for (const STrial& trial : advice.trials) {
             const bool isBetter = trial.released.has_value() &&
@@ -117,15 +117,15 @@ private:
             best = isBetter ? &trial : best;
         }
         if (best != nullptr) {
-            advice.wayOut = {best->change};
+            advice.cheapestChanges = {best->change};
             advice.released = *best->released;
         } else if (outcome.account->shortages.size() > 1) {
             changeOneAfterTheOther();
         }
     }
 
-    // No change alone is enough. Each step takes the one after which the fewest configurations are short,
-    // then the one that releases the fewest backups.
+    // To be called when no single change is enough. Each step makes the change after which the fewest
+    // configurations are short and, of equally good ones, the one that releases the fewest backups.
     void changeOneAfterTheOther() {
         SCall changed = call;
         SOutcome now = outcome;
@@ -143,7 +143,7 @@ private:
                 SCall tried = changed;
                 apply(candidate, tried);
                 SOutcome then = makeCall(tried);
-                if (then.account.has_value() && isNearer(then, best.has_value() ? *best : now)) {
+                if (then.account.has_value() && isCloserToSelection(then, best.has_value() ? *best : now)) {
                     best = std::move(then);
                     bestCall = std::move(tried);
                     step = candidate;
@@ -156,15 +156,16 @@ private:
             changed = std::move(bestCall);
             now = std::move(*best);
         }
-        advice.wayOut = std::move(steps);
+        advice.cheapestChanges = std::move(steps);
         advice.released = releasedIn(now);
     }
 
-    static bool isNearer(const SOutcome& one, const SOutcome& other) {
-        const std::size_t shortNow = one.account->shortages.size();
-        const std::size_t shortThen = other.account->shortages.size();
-        return shortNow < shortThen || (shortNow == shortThen && one.selection.has_value() &&
-                                        releasedIn(one).size() < releasedIn(other).size());
+    static bool isCloserToSelection(const SOutcome& candidate, const SOutcome& best) {
+        const std::size_t shortOfCandidate = candidate.account->shortages.size();
+        const std::size_t shortOfBest = best.account->shortages.size();
+        return shortOfCandidate < shortOfBest ||
+               (shortOfCandidate == shortOfBest && candidate.selection.has_value() &&
+                releasedIn(candidate).size() < releasedIn(best).size());
     }
 
     const SCall& call;

@@ -9,13 +9,14 @@
 #include "host/call.h"
 #include "host/outcome.h"
 
-// What to do when no target is free. Nothing is guessed: each change is tried by the call that it leads to.
+// What to do when no target is free. Each change is tried: a call is made with it.
 namespace fi_rotate {
 
 enum class EChange {
     // Allow rotation of a backup that is excluded.
     kAllowRotation,
-    // Leave a backup that is invalid, and so never released, out of the call: it must be given up first.
+    // Leave a backup out of the call because it is invalid and so never released. Its user must give it up
+    // first.
     kLeaveOut,
 };
 
@@ -25,10 +26,10 @@ struct SChange {
     std::string file;
 };
 
-// A change to the inputs of the call, and what the call came to with it.
+// A change to the inputs of the call, and the outcome of the call with this change.
 struct STrial {
     SChange change;
-    // The backups that are released then; nothing when there is no selection even so.
+    // The backups that are released with the change; nothing when there is still no selection.
     std::optional<std::vector<std::string>> released;
 };
 
@@ -37,20 +38,22 @@ struct SAdvice {
     std::vector<STrial> trials;
     // Holders beyond the number that is tried.
     std::size_t untried = 0;
-    // The changes that lead to a selection without another target, as few as one at a time finds, and of one
-    // change the one that costs the fewest backups; empty when there are none.
-    std::vector<SChange> wayOut;
-    // The backups that are released on that way.
+    // The cheapest changes that were found to give a selection without a new target: the single change that
+    // releases the fewest backups or, when no single change is enough, several that were chosen one after
+    // another. Empty when none were found.
+    std::vector<SChange> cheapestChanges;
+    // The backups that are released with these changes.
     std::vector<std::string> released;
-    // The backups that are released when each configuration that is short has one target more instead;
-    // nothing when that is no way out either.
+    // The backups that are released when each configuration that is short gets one more target instead;
+    // nothing when that gives no selection either.
     std::optional<std::vector<std::string>> releasedWithTargets;
 };
 
-// Makes a call, with its account, without any effect but its outcome.
+// Makes a call, which changes nothing, and returns its outcome with its account.
 using MakeCall = std::function<SOutcome(const SCall& call)>;
 
-// Of a call whose outcome, with its account, has no selection because targets are short.
+// The advice for a call that has no selection because configurations are short. `outcome` must have an
+// account.
 SAdvice adviseOn(const SCall& call, const SOutcome& outcome, const MakeCall& makeCall);
 
 }  // namespace fi_rotate

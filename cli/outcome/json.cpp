@@ -51,7 +51,7 @@ Json adviceJson(const std::optional<SAdvice>& advice) {
         return nullptr;
     }
     Json changes = Json::array();
-    for (const SChange& change : advice->wayOut) {
+    for (const SChange& change : advice->cheapestChanges) {
         changes.push_back(changeJson(change));
     }
     Json trials = Json::array();
@@ -105,7 +105,7 @@ Json shortagesOf(const SAccount& account) {
 
 Json backupsOf(const SOutcome& outcome, const SView& view, bool hasReasons) {
     Json rows = Json::array();
-    for (const SBackupOutcome* const backup : view.backupsOf(outcome)) {
+    for (const SBackupOutcome* const backup : view.shownBackups(outcome)) {
         rows.push_back({
             {"file", asUtf8(backup->given.file)},
             {"time_stamp", orNullIfEmpty(backup->timeStamp)},
@@ -152,7 +152,7 @@ Json placeOf(const SLogPlace& place) {
     return {{"log", asUtf8(place.log)}, {"line", place.line}, {"time", orNullIfEmpty(place.time)}};
 }
 
-// JSON lets some control characters stand in texts as they are, a terminal obeys them.
+// Escapes the control characters that JSON allows in texts but that a terminal obeys.
 std::string withoutControls(const std::string& json) {
     std::string result;
     for (std::size_t i = 0; i < json.size(); ++i) {

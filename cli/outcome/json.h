@@ -11,11 +11,10 @@
 
 namespace fi_rotate {
 
-// What `view` shows of the outcome, as one JSON document with a line end; with what to do, when no target is
-// free.
+// The outcome as one JSON document with a line end: what `view` shows of it, and the advice if there is any.
 std::string toJson(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice);
 
-// The same of the calls of a log.
+// The same for the calls of a log.
 std::string toJson(const std::vector<SLoggedCall>& calls, const SView& view);
 
 }  // namespace fi_rotate

@@ -27,23 +27,23 @@
 namespace fi_rotate {
 namespace {
 
-// A target by its places in SAccount::configurations and its targets.
-using Place = std::pair<std::size_t, std::size_t>;
+// A target: its index in SAccount::configurations, and its index among the targets there.
+using TargetIndex = std::pair<std::size_t, std::size_t>;
 
-class CPlaces {
+class CTargetIndexes {
 public:
-    explicit CPlaces(const std::vector<SAccountConfiguration>& configurations) {
+    explicit CTargetIndexes(const std::vector<SAccountConfiguration>& configurations) {
         for (std::size_t i = 0; i < configurations.size(); ++i) {
             for (std::size_t j = 0; j < configurations[i].targets.size(); ++j) {
-                // Of several of one name the first is meant.
-                places[configurations[i].first].emplace(configurations[i].targets[j], Place(i, j));
+                // Of several targets with one name the first is meant.
+                indexes[configurations[i].first].emplace(configurations[i].targets[j], TargetIndex(i, j));
             }
         }
     }
 
-    [[nodiscard]] std::optional<Place> find(const std::string& first, const std::string& target) const {
-        const auto targets = places.find(first);
-        if (targets == places.end()) {
+    [[nodiscard]] std::optional<TargetIndex> find(const std::string& first, const std::string& target) const {
+        const auto targets = indexes.find(first);
+        if (targets == indexes.end()) {
             return std::nullopt;
         }
         const auto found = targets->second.find(target);
@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    std::unordered_map<std::string, std::unordered_map<std::string, Place>> places;
+    std::unordered_map<std::string, std::unordered_map<std::string, TargetIndex>> indexes;
 };
 
 std::string fileName(const std::string& path) {
@@ -79,8 +79,8 @@ FlagWords flagWordsOf(const std::vector<SBackupOutcome>& backups) {
     return words;
 }
 
-// What a backup came to. Without a selection nothing is handed back and no backup is rotated, whatever the
-// library tried; what it found invalid is invalid all the same.
+// How the bar of a backup looks. Without a selection the library returns no states, so no backup is rotated
+// even if the library tried that; a backup that it found invalid is still shown as invalid.
 EBar kindOf(std::int32_t state, std::int32_t flagWord, bool isSelected) {
     if (state == FI_BACKUP_INVALID) {
         return EBar::kInvalid;
@@ -99,7 +99,7 @@ public:
           outcome(shown),
           account(*shown.account),
           axis(scale),
-          places(account.configurations) {
+          indexes(account.configurations) {
         for (const SBackupOutcome& backup : outcome.backups) {
             if (backup.isLoaded) {
                 timeStamps[backup.given.file] = backup.timeStamp;
@@ -113,9 +113,9 @@ public:
     void add() {
         for (std::size_t i = 0; i < account.backups.size(); ++i) {
             for (const auto& [objid, altobjid] : account.backups[i].pairs.inOrder()) {
-                const auto place = places.find(targetOf(objid), targetOf(altobjid));
-                if (place.has_value()) {
-                    naming[place->first][place->second].push_back(i);
+                const auto index = indexes.find(targetOf(objid), targetOf(altobjid));
+                if (index.has_value()) {
+                    naming[index->first][index->second].push_back(i);
                 } else {
                     addUnknown(account.backups[i].file, targetOf(objid), targetOf(altobjid));
                 }
@@ -171,7 +171,7 @@ private:
         return account.heldBefore.empty() ? std::nullopt : account.heldBefore[configuration][target];
     }
 
-    // The one that holds the target and then the newest, if there are too many.
+    // Adds the bars of the backups; if there are too many, that of the holder and then those of the newest.
     void addTo(SPictureRow& row, std::vector<std::size_t>& backups, std::optional<std::size_t> holder) {
         if (backups.size() > kMostBars) {
             std::stable_sort(backups.begin(), backups.end(), [&](std::size_t one, std::size_t other) {
@@ -201,13 +201,13 @@ private:
     const SOutcome& outcome;
     const SAccount& account;
     const CStampAxis& axis;
-    CPlaces places;
+    CTargetIndexes indexes;
     FlagWords flagWords = flagWordsOf(outcome.backups);
     // By file.
     std::unordered_map<std::string, std::string> timeStamps;
-    // By configuration and target, the places in `account.backups` of those that name it.
+    // By configuration and target: the indexes in `account.backups` of the backups that name it.
     std::vector<std::vector<std::vector<std::size_t>>> naming;
-    // By place in `account.backups`.
+    // By index in `account.backups`.
     std::vector<SBar> bars;
     // Of one target.
     static constexpr std::size_t kMostBars = 4;
@@ -226,8 +226,9 @@ void addRows(SPicture& picture, const SAccount& account) {
     }
 }
 
-// Without a selection everything is still held that was before. False when it is not known who holds what.
-bool giveStates(SPicture& picture, const SOutcome& outcome) {
+// Sets the states of all rows if it is known who holds which target, and returns whether it is. Without a
+// selection all targets are held by the backups that held them before the call.
+bool setStatesIfKnown(SPicture& picture, const SOutcome& outcome) {
     if (!outcome.account.has_value() || outcome.exception.has_value()) {
         return false;
     }
@@ -252,7 +253,7 @@ bool giveStates(SPicture& picture, const SOutcome& outcome) {
     return true;
 }
 
-// Of several rows with its name the first that is free.
+// The row of the chosen target; of several rows with its name the first that is free.
 std::vector<SPictureRow>::iterator rowOfChosen(std::vector<SPictureRow>& rows, const std::string& name) {
     const auto isNamed = [&name](const SPictureRow& row) { return row.name == name; };
     const auto free = std::find_if(rows.begin(), rows.end(), [&](const SPictureRow& row) {
@@ -261,7 +262,7 @@ std::vector<SPictureRow>::iterator rowOfChosen(std::vector<SPictureRow>& rows, c
     return free != rows.end() ? free : std::find_if(rows.begin(), rows.end(), isNamed);
 }
 
-void giveChosen(SPicture& picture, const SOutcome& outcome) {
+void markChosenTargets(SPicture& picture, const SOutcome& outcome) {
     if (!outcome.selection.has_value()) {
         return;
     }
@@ -274,7 +275,7 @@ void giveChosen(SPicture& picture, const SOutcome& outcome) {
         return;
     }
     for (std::size_t i = 0; i < chosen->size(); ++i) {
-        // Of a first backup nothing but its selection is known.
+        // For a first backup only the selection is known, so its rows are added here.
         if (i == picture.groups.size()) {
             picture.groups.emplace_back().name = (*chosen)[i].first;
             picture.groups.back().rows.emplace_back().name = (*chosen)[i].chosen;
@@ -332,7 +333,7 @@ void addWarnings(SPicture& picture, const SOutcome& outcome) {
     }
 }
 
-// For a backup that was neither rotated nor found invalid.
+// The word for the state of a backup that was neither rotated nor found invalid.
 std::string_view plainWord(const SOutcome& outcome) {
     if (outcome.selection.has_value()) {
         return "kept";
@@ -389,16 +390,16 @@ SPicture pictureOf(const SOutcome& outcome) {
     picture.title = "Which backup holds which target, and which target the next snapshot uses";
     picture.rowLabel = "targets";
     const CStampAxis axis = axisOf(outcome.backups);
-    axis.drawOn(picture);
+    axis.setAxisOf(picture);
     addWarnings(picture, outcome);
     countBackups(picture, outcome);
     if (outcome.account.has_value()) {
         addRows(picture, *outcome.account);
         CBars(picture, outcome, axis).add();
     }
-    picture.areTargetsKnown = giveStates(picture, outcome);
-    giveChosen(picture, outcome);
-    arrange(picture);
+    picture.areTargetsKnown = setStatesIfKnown(picture, outcome);
+    markChosenTargets(picture, outcome);
+    sortAndShorten(picture);
     explainBars(picture, outcome);
     return picture;
 }

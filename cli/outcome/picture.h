@@ -5,9 +5,10 @@
 
 namespace fi_rotate {
 
-// A bar for each target that a backup names, from its time stamp on: to the end of a picture if the call
-// rotated it, and otherwise beyond. The outcome has its account and its time stamps. Without a selection,
-// where no state is handed back, nothing is rotated, and the configurations that are short are named.
+// A picture with a bar for each target that a backup names. The bar begins at the time stamp of the backup.
+// If the call rotated the backup it ends at the edge of the picture, otherwise it is drawn as going on. The
+// outcome must have its account and its time stamps. Without a selection no bar is rotated, and the
+// configurations that are short are named.
 SPicture pictureOf(const SOutcome& outcome);
 
 }  // namespace fi_rotate

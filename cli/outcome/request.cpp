@@ -36,7 +36,7 @@ void requireKeys(const Json& object, const std::string& place, std::initializer_
     }
 }
 
-// The library would take a text up to its first NUL for the whole.
+// The library would read a text only up to its first NUL.
 std::string textAt(const Json& object, const std::string& place, const char* key) {
     const Json& value = object.at(key);
     if (!value.is_string()) {

@@ -29,8 +29,8 @@ fmt::text_style styleOf(std::string_view state) {
     return fmt::fg(fmt::terminal_color::red);
 }
 
-// Only of a call in a log it may be unknown what it came to.
-bool isOver(const SOutcome& outcome) {
+// Whether the end of the call is known. It can be missing only for a call in a log.
+bool isEndKnown(const SOutcome& outcome) {
     return outcome.status.has_value() || outcome.exception.has_value();
 }
 
@@ -38,7 +38,7 @@ std::string withoutSelection(const SOutcome& outcome) {
     if (outcome.status == FI_STATUS_SUCCESS) {
         return "Selection: made, but the trace of a first backup does not contain it\n";
     }
-    return isOver(outcome) ? "Selection: none\n" : "Selection: not known\n";
+    return isEndKnown(outcome) ? "Selection: none\n" : "Selection: not known\n";
 }
 
 SCell restorePointsCell(const SRestorePoints& points) {
@@ -48,7 +48,7 @@ SCell restorePointsCell(const SRestorePoints& points) {
     return {text, points.areAllGone() ? styleOf("invalid") : fmt::text_style()};
 }
 
-// Until the new snapshots are taken: if that fails, there is nothing to go back to.
+// Warns of each configuration that cannot be restored if its new snapshot fails.
 std::string lostRestorePoints(const SOutcome& outcome, bool colour) {
     std::string text;
     for (const std::string& name : withoutRestorePoints(outcome)) {
@@ -181,7 +181,7 @@ std::string inWords(const std::vector<SChange>& changes) {
     return fmt::format("{}", fmt::join(words, ", and "));
 }
 
-// The first lines that somebody reads at night: what is short, and the cheapest way out.
+// What is wrong and what to do about it; shown first, because it is what people look for.
 std::string adviceLines(const SAccount& account, const SAdvice& advice) {
     std::vector<std::string> names;
     for (const SShortage& shortage : account.shortages) {
@@ -189,8 +189,8 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
     }
     const bool isOne = names.size() == 1;
     std::string text = fmt::format("{} {} no free target\n", fmt::join(names, ", "), isOne ? "has" : "have");
-    if (!advice.wayOut.empty()) {
-        text += fmt::format("Without a new target: {} ({})\n", inWords(advice.wayOut),
+    if (!advice.cheapestChanges.empty()) {
+        text += fmt::format("Without a new target: {} ({})\n", inWords(advice.cheapestChanges),
                             wouldBeReleased(advice.released));
     } else {
         text += "Without a new target: no change to the earlier backups is enough\n";
@@ -272,7 +272,7 @@ std::string timeOf(const SLoggedCall& call) {
 // `areAllKnown` is false when lines of the call are missing from the log, so that there may be more backups.
 std::string outcomeTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
                           bool areAllKnown, std::size_t width, bool colour) {
-    const Backups shown = view.backupsOf(outcome);
+    const Backups shown = view.shownBackups(outcome);
     std::string text = selectionTable(outcome, width, colour);
     if (advice.has_value()) {
         text += adviceLines(*outcome.account, *advice) + trialsTable(*outcome.account, *advice);
@@ -288,7 +288,7 @@ std::string outcomeTables(const SOutcome& outcome, const SView& view, const std:
 
 std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
                      std::size_t width, bool colour) {
-    return outcomeTables(outcome, view, advice, isOver(outcome), width, colour);
+    return outcomeTables(outcome, view, advice, isEndKnown(outcome), width, colour);
 }
 
 std::string toTables(const SLoggedCall& call, const SView& view, std::size_t width, bool colour) {

@@ -7,7 +7,7 @@
 namespace fi_rotate {
 namespace {
 
-// How close to its release a backup is, and its turn among those that are as close.
+// How soon a backup is released: first its group, then its turn within the group.
 std::pair<int, std::size_t> releaseOf(const SBackupOutcome& backup) {
     enum { kReleased, kReleasable, kExcluded, kNever };
     if (!backup.reason.has_value()) {
@@ -41,7 +41,7 @@ bool isShownBefore(EOrder order, const SBackupOutcome& one, const SBackupOutcome
 
 }  // namespace
 
-std::vector<const SBackupOutcome*> SView::backupsOf(const SOutcome& outcome) const {
+std::vector<const SBackupOutcome*> SView::shownBackups(const SOutcome& outcome) const {
     std::vector<const SBackupOutcome*> shown;
     for (const SBackupOutcome& backup : outcome.backups) {
         const auto word = stateWord(backup);

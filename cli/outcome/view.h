@@ -13,21 +13,22 @@ enum class EOrder {
     kArgument,
     // By time stamp, the oldest first.
     kTime,
-    // Those that were released first; then those that are released next, the oldest first; then those that
-    // are not released at all.
+    // First the released backups; then those that are released next, the oldest first; then the excluded
+    // ones; then those that are never released.
     kRelease,
 };
 
-// What of an outcome is shown.
+// Which parts of an outcome are shown, and in which order.
 struct SView {
-    // The backups whose state word is among these; all when there is none.
+    // The states whose backups are shown; all backups when it is empty.
     std::set<std::string> states;
-    // Why each backup came to its state and what is short, if the outcome has an account.
+    // Show why each backup is in its state and which targets are missing, if the outcome has an account.
     bool withReasons = false;
     EOrder order = EOrder::kArgument;
 
-    // Those backups of `outcome`, which they are borrowed from, in the order in which they are shown.
-    [[nodiscard]] std::vector<const SBackupOutcome*> backupsOf(const SOutcome& outcome) const;
+    // The backups of `outcome` that are shown, in the order in which they are shown. They are borrowed from
+    // it.
+    [[nodiscard]] std::vector<const SBackupOutcome*> shownBackups(const SOutcome& outcome) const;
 };
 
 }  // namespace fi_rotate

@@ -14,7 +14,7 @@
 namespace fi_rotate {
 namespace {
 
-// Shorter runs of free targets take too little room to hide their names.
+// Shorter runs of free targets are drawn, because their names are more useful than the room.
 constexpr std::size_t kShortestRun = 3;
 // Within these a picture has some thousand elements and is some thousand pixels high.
 constexpr std::size_t kMostRows = 250;
@@ -182,7 +182,7 @@ void limitGroups(SPicture& picture) {
 
 }  // namespace
 
-void arrange(SPicture& picture) {
+void sortAndShorten(SPicture& picture) {
     if (picture.areTargetsKnown) {
         countTargets(picture);
         orderByUrgency(picture);

@@ -9,11 +9,11 @@
 
 namespace fi_rotate {
 
-// Where all targets are known, counts those that are free and puts the configurations first that need
-// attention. Leaves out what nobody would take in and some programs would refuse to draw: several
-// free targets in a row become one row; of many configurations the first are drawn whole, of some more the
-// chosen target only, and the others are counted. The picture says so.
-void arrange(SPicture& picture);
+// Where all targets are known, counts the free ones and puts the configurations first that need attention.
+// Shortens a picture that would be too large for people or for the programs that draw it: several free
+// targets after one another become one row; of many configurations the first are drawn completely, some more
+// only with the chosen target, and the others are counted. The picture says so.
+void sortAndShorten(SPicture& picture);
 
 // Printable, and cut where it is too long for a name in a picture.
 std::string asName(const std::string& name);

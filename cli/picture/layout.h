@@ -14,26 +14,27 @@ constexpr double kPictureLane = 16;
 constexpr double kPictureCharacter = 6.7;
 constexpr std::size_t kLongestPictureName = 32;
 
-// The room for time in a picture with so many columns.
+// The width of the time axis in a picture with so many columns.
 double plotWidth(std::size_t columns);
 
-// How many dates find room beside one another in it.
+// How many dates fit side by side on it.
 std::size_t mostTicks(std::size_t columns);
 
 struct SPlacedBar {
     double top = 0;
-    // Where the bar before it in its lane ends, from the left edge.
+    // The end of the bar before it in its lane, from the left edge.
     double before = 0;
 };
 
 struct SPlacedRow {
     double top = 0;
     double height = 0;
-    // Bars that overlap in time lie in lanes of their own.
+    // Bars that overlap in time are drawn in different lanes.
     std::vector<SPlacedBar> bars;
 };
 
-// Where the rows and bars of a picture go. Distances down are from the first group's heading.
+// The positions of the rows and bars of a picture. Vertical positions are measured from the heading of the
+// first group.
 struct SLayout {
     explicit SLayout(const SPicture& picture);
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-// Targets as rows and time as columns: what is to be drawn, whoever draws it. Positions in time are numbers
-// whose scale is the ticks'.
+// The contents of a picture with targets as rows and time as columns. Positions in time are numbers on the
+// scale of the ticks.
 namespace fi_rotate {
 
 enum class EBar {
@@ -23,17 +23,17 @@ struct SBar {
     double from = 0;
     double to = 0;
     EBar kind = EBar::kPlain;
-    // It goes on after the end.
+    // The bar is drawn as going on after `to`.
     bool isOpen = false;
-    // Stands in the bar, or before it where it has room there only.
+    // Written in the bar, or before it if it fits only there.
     std::string name;
-    // All that is known, shown when the bar is pointed at.
+    // Shown when the mouse points at the bar.
     std::string title;
 };
 
-// What a target is in the end.
+// The state of a target at the end.
 enum class ETarget {
-    // Or nothing is known of it.
+    // Also when the state is not known.
     kHeld,
     kFree,
     // Free, and the next snapshot goes there.
@@ -46,7 +46,7 @@ struct SPictureRow {
     std::string name;
     ETarget state = ETarget::kHeld;
     std::vector<SBar> bars;
-    // Shown when the name is pointed at, if there is more to be known than the name.
+    // Shown when the mouse points at the name; empty when there is no more to say than the name.
     std::string title;
 };
 
@@ -58,7 +58,7 @@ struct SPictureGroup {
     std::size_t free = 0;
     // The chosen target was held until it was released.
     bool isFreedByRotation = false;
-    // Stands beside the name.
+    // Written beside the name.
     std::string remark;
 };
 
@@ -69,38 +69,39 @@ struct STick {
 
 struct SPicture {
     std::string title;
-    // Below the title: what nobody may overlook, and what else is to be known.
+    // Written below the title.
     std::vector<std::string> warnings;
     std::vector<std::string> remarks;
-    // Below the rows, what of them is not drawn; and below the picture.
+    // Written below the rows: which rows are not drawn.
     std::string leftOut;
+    // Written below the picture.
     std::vector<std::string> notes;
-    // What the columns and the rows are.
+    // The headings of the columns and of the rows.
     std::string timeLabel;
     std::string rowLabel;
     double from = 0;
     double to = 0;
-    // At least so many of the smallest columns are to be told apart.
+    // The plot must be wide enough to show so many columns.
     std::size_t columns = 1;
     std::vector<STick> ticks;
     std::vector<SPictureGroup> groups;
     // Whether the rows are all targets, each with its state.
     bool areTargetsKnown = true;
-    // What the kinds of bars mean here; those without a meaning are not explained.
+    // The legend: what each kind of bar means. A kind without a text is not in the legend.
     std::string plainMeaning;
     std::string rotatedMeaning;
     std::string excludedMeaning;
     std::string invalidMeaning;
     std::string openMeaning;
-    // A line across all rows; none without a label.
+    // A vertical line across all rows; not drawn without a label.
     double lineAt = 0;
     std::string lineLabel;
 
-    // Whether a row is one of those.
-    template <typename Is>
-    [[nodiscard]] bool hasRow(Is is) const {
-        return std::any_of(groups.begin(), groups.end(), [&is](const SPictureGroup& group) {
-            return std::any_of(group.rows.begin(), group.rows.end(), is);
+    // Whether `predicate` is true for some row.
+    template <typename Predicate>
+    [[nodiscard]] bool hasRow(Predicate predicate) const {
+        return std::any_of(groups.begin(), groups.end(), [&predicate](const SPictureGroup& group) {
+            return std::any_of(group.rows.begin(), group.rows.end(), predicate);
         });
     }
 

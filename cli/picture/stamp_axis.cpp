@@ -25,7 +25,7 @@ double CStampAxis::at(const std::string& stamp) const {
     return places.at(stamp);
 }
 
-void CStampAxis::drawOn(SPicture& picture) const {
+void CStampAxis::setAxisOf(SPicture& picture) const {
     if (places.empty()) {
         return;
     }

@@ -8,17 +8,17 @@
 
 namespace fi_rotate {
 
-// Where time stamps lie: at their times, or where one of them has not the usual form at their places among
-// all as texts, which is what the library goes by.
+// The positions of time stamps on the axis: their times if all have the form YYYYMMDDhhmmss, otherwise their
+// ranks in the order of the texts, by which the library compares them.
 class CStampAxis {
 public:
     explicit CStampAxis(const std::set<std::string>& stamps);
 
     [[nodiscard]] double at(const std::string& stamp) const;
 
-    // The time of the call is not known, so the newest time stamp has a line, and the room behind it, in
-    // which bars end or go on, no scale.
-    void drawOn(SPicture& picture) const;
+    // Sets the range, the ticks and the line of the picture. The line is at the newest time stamp; the space
+    // after it has no scale, because the time of the call is not known.
+    void setAxisOf(SPicture& picture) const;
 
 private:
     void addTexts(SPicture& picture) const;

@@ -16,7 +16,7 @@
 namespace fi_rotate {
 namespace {
 
-// By which a picture of ours is known.
+// Every picture of fi-rotate begins with this, so that it can be recognised.
 constexpr std::string_view kBeginning =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
     "<!-- drawn by fi-rotate -->\n";
@@ -161,7 +161,7 @@ private:
         return drawn;
     }
 
-    // Above the grid, which their texts would not be read through.
+    // Drawn over the grid, which would make the texts hard to read.
     [[nodiscard]] std::string groupHeadings(double first) const {
         std::string drawn;
         for (std::size_t i = 0; i < picture.groups.size(); ++i) {
@@ -170,7 +170,7 @@ private:
         return drawn;
     }
 
-    // A short one has a badge, and a line along all that is below it.
+    // A configuration without a free target has a label that says so, and a line along its rows.
     [[nodiscard]] std::string groupHeading(const SPictureGroup& group, double y,
                                            const std::vector<SPlacedRow>& placed) const {
         const double base = y + kPictureLine - 5;
@@ -223,7 +223,7 @@ private:
         return drawn + cutText(2 * kPictureMargin, base, "", shown.name, shown.title);
     }
 
-    // Framed from its name to its mark, so that it is what is seen first.
+    // The row has a frame from its name to its mark, so that it is seen first.
     [[nodiscard]] std::string chosenRow(const SPictureRow& shown, const SPlacedRow& place, double y) const {
         const double x = 1.5 * kPictureMargin;
         return fmt::format(
@@ -248,7 +248,7 @@ private:
             first, first + layout.height);
     }
 
-    // Above the dates, one of which may be the line's.
+    // The label of the line is above the dates, because one of them may be at the line.
     std::string lineLabel() {
         if (picture.lineLabel.empty()) {
             return "";
@@ -287,8 +287,8 @@ private:
                            name(shown, place.before, x, y, width));
     }
 
-    // In the bar on a ground of its own, since a pattern would make it hard to read; before the bar where
-    // only there all of it has room; nothing where too little has room.
+    // The name is written in the bar, on a plain background because a pattern would make it hard to read;
+    // before the bar if it fits only there; nowhere if too little of it fits.
     static std::string name(const SBar& bar, double before, double x, double y, double width) {
         const double block = bar.kind == EBar::kRotated ? kBlock : 0;
         const auto room = static_cast<std::size_t>(std::max((width - block - 6) / kPictureCharacter, 0.0));

@@ -7,8 +7,8 @@
 
 #include "cli/picture/picture.h"
 
-// What a picture is put together from. Places are in pixels, of texts where their base line begins, of all
-// else the upper left corner.
+// The parts of a picture as SVG source. Positions are in pixels: of a text the start of its base line, of
+// everything else the upper left corner.
 namespace fi_rotate {
 
 constexpr double kBarHeight = 12;
@@ -39,7 +39,7 @@ std::string shape(EBar kind, bool isOpen, double x, double y, double width);
 // A tag that points to the left.
 std::string chosenTag(double x, double y);
 
-// Marks what is not to be had.
+// A cross: the target is held and its configuration has no free target.
 std::string cross(double x, double y);
 
 }  // namespace fi_rotate

@@ -8,7 +8,8 @@
 
 namespace fi_rotate {
 
-// At most `most` round times from `from` to `to`, each with a label of its own.
+// At most `most` ticks from `from` to `to` at full steps of the calendar (hours, days, weeks, months), each
+// with its label.
 std::vector<STick> timeTicks(std::int64_t from, std::int64_t to, std::size_t most);
 
 }  // namespace fi_rotate

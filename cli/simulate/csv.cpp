@@ -26,7 +26,8 @@ std::string field(std::string_view text) {
     return shown.find_first_of("\",\r\n") == std::string::npos ? shown : quoted + "\"";
 }
 
-// Goes through the rounds with the snapshots in the order of taking beside those in the order of ending.
+// Writes the lines of the rounds. It goes through the snapshots in the order in which they were taken and, at
+// the same time, in the order in which they ended.
 class CLines {
 public:
     explicit CLines(const SSimulation& all) : simulation(all) {
@@ -68,7 +69,7 @@ public:
     }
 
 private:
-    // Round and place of a document.
+    // Round and index in SPlan::from.
     using Backups = std::set<std::pair<std::uint32_t, std::uint32_t>>;
     struct SEndedBackups {
         Backups rotated;

@@ -7,12 +7,12 @@
 
 namespace fi_rotate {
 
-// A heading and a line for each round: its number and time, whether it was excluded, the backups that it
-// ended, by their rounds and those that were there before by d1, d2 and so on, and what it took of each
-// configuration.
+// A heading and a line for each round: its number and time, whether its backup is excluded, whether there was
+// a selection, the backups that it rotated and lost, and the target that it took of each configuration. A
+// backup is named by its round; a backup that existed before the first round by d1, d2 and so on.
 std::string toCsv(const SSimulation& simulation);
 
-// Whether a file with this text is such a table.
+// Whether `text` is a table that simulate wrote.
 bool isOwnTable(std::string_view text);
 
 }  // namespace fi_rotate

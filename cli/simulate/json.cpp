@@ -38,7 +38,7 @@ Json shortageOf(const SConfigurationSummary& summary, const SAccountConfiguratio
             {"targets", targets}};
 }
 
-Json leastOf(const SLeastTargets& least) {
+Json leastOf(const SFewestTargets& least) {
     switch (least.search) {
         case ESearch::kFound:
             return {{"search", "found"}, {"targets", least.targets}};
@@ -69,7 +69,7 @@ Json configurationsOf(const SSimulationReport& report) {
             {"fewest_restore_points_since_rotation", keptOf(summary.fewestKept.sinceRotation)},
             {"shortage",
              shortageOf(summary, report.simulation.configurations[i], report.simulation.plan.from)},
-            {"least_targets", report.goal.has_value() ? leastOf(report.leastTargets[i]) : Json(nullptr)},
+            {"least_targets", report.goal.has_value() ? leastOf(report.fewestTargets[i]) : Json(nullptr)},
         });
     }
     return rows;
@@ -127,7 +127,7 @@ std::string toJson(const SSimulationReport& report) {
         {"keep_seconds", orNull(report.goal)},
         {"from", takenOverOf(simulation)},
         {"first_round_without_target", without.empty() ? Json(nullptr) : Json(without.front().first)},
-        {"rounds_without_target", countWithoutTarget(simulation)},
+        {"rounds_without_target", countRoundsWithoutTarget(simulation)},
         {"configurations", configurationsOf(report)},
     };
     return document.dump(2) + "\n";

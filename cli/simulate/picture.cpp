@@ -22,13 +22,13 @@ struct SWindow {
 SWindow windowOf(const SSimulation& simulation) {
     SWindow window;
     window.last = simulation.finishedRounds;
-    if (const auto standstill = standstillOf(simulation); standstill.has_value()) {
+    if (const auto standstill = firstRoundOfStandstill(simulation); standstill.has_value()) {
         const std::size_t first = *standstill;
         constexpr std::size_t kAtLeast = 3;
         constexpr std::size_t kTwentieth = 20;
         window.last = std::min(window.last, first + std::max(kAtLeast, first / kTwentieth));
     }
-    // Of more the bars would be too short for their numbers.
+    // With more rounds the bars would be too short for their numbers.
     constexpr std::size_t kMost = 150;
     window.first = window.last > kMost ? window.last - kMost + 1 : 1;
     return window;
@@ -80,7 +80,8 @@ SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, const SPict
     return bar;
 }
 
-// When the first snapshot was taken, or the first round is; of a window that leaves rounds out its own first.
+// The time where the picture begins: that of the first snapshot or of the first round, whichever is earlier;
+// if the first rounds are not drawn, that of the first drawn round.
 std::int64_t beginOf(const SSimulation& simulation, const SWindow& window) {
     if (window.first > 1) {
         return timeOf(simulation.plan, window.first);
@@ -92,14 +93,14 @@ std::int64_t beginOf(const SSimulation& simulation, const SWindow& window) {
     return begin;
 }
 
-// The configurations that are short in the end.
+// The configurations that are short after the last round.
 std::vector<SShortConfiguration> shortagesOf(const SSimulation& simulation) {
-    return standstillOf(simulation).has_value() ? simulation.withoutTarget.back().shortages
-                                                : std::vector<SShortConfiguration>();
+    return firstRoundOfStandstill(simulation).has_value() ? simulation.withoutTarget.back().shortages
+                                                          : std::vector<SShortConfiguration>();
 }
 
 std::vector<std::string> warningsOf(const SSimulation& simulation) {
-    const auto standstill = standstillOf(simulation);
+    const auto standstill = firstRoundOfStandstill(simulation);
     if (!standstill.has_value()) {
         return {};
     }
@@ -139,12 +140,12 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, const SWindow&
                                    ? fmt::format("{} of {} rounds", simulation.finishedRounds, plan.rounds)
                                    : countInWords(plan.rounds, "round");
     std::vector<std::string> remarks{
-        fmt::format("{} from {} on, every {}; a bar shows the number of its round",
-                    rounds, toShownTime(plan.start), toShownDuration(plan.every))};
+        fmt::format("{} from {} on, every {}; a bar shows the number of its round", rounds,
+                    toShownTime(plan.start), toShownDuration(plan.every))};
     if (!plan.from.empty()) {
         remarks.emplace_back("Bars d1, d2 and so on are the backups of --from, in the order given");
     }
-    if (const std::size_t without = countWithoutTarget(simulation); without != 0) {
+    if (const std::size_t without = countRoundsWithoutTarget(simulation); without != 0) {
         const char* const which = window.first == 1 ? "the first" : "the first that is drawn";
         remarks.push_back(fmt::format("{} of them found no target", without) +
                           (firstWithoutTarget(simulation, window).has_value()
@@ -165,7 +166,7 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, const SWindow&
     return remarks;
 }
 
-// What is not held in the end is free.
+// Adds the rows with their states at the end.
 void addRows(SPicture& picture, const SSimulation& simulation) {
     for (const SAccountConfiguration& configuration : simulation.configurations) {
         SPictureGroup& group = picture.groups.emplace_back();
@@ -214,7 +215,7 @@ SPicture pictureOf(const SSimulation& simulation) {
                 barOf(simulation, snapshot, picture));
         }
     }
-    arrange(picture);
+    sortAndShorten(picture);
     picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, until it is rotated" : "";
     picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
     picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: overwritten by a later snapshot" : "";

@@ -11,30 +11,30 @@
 
 namespace fi_rotate {
 
-// In seconds; the median of an even number lies half-way between the two in the middle.
+// In seconds. The median of an even number of ages is half-way between the two in the middle.
 struct SAges {
     std::int64_t minimum = 0;
     std::int64_t median = 0;
     std::int64_t maximum = 0;
 };
 
-// What many rounds came to for one configuration.
+// The results of all rounds for one configuration.
 struct SConfigurationSummary {
     std::string first;
     std::size_t targets = 0;
-    // Snapshots that were there before the first round, and those that the rounds took.
+    // How many snapshots existed before the first round, and how many the rounds took.
     std::size_t takenOver = 0;
     std::size_t taken = 0;
     std::size_t rotated = 0;
     std::size_t lost = 0;
     std::size_t held = 0;
-    // Of snapshots when they were rotated; nothing when none was.
+    // The ages of snapshots when they were rotated; nothing when none was.
     std::optional<SAges> ages;
     SFewestKept fewestKept;
     // Rounds in which this configuration was short.
     std::size_t roundsShort = 0;
-    // The first of them, and who held its targets then; none when it was never short. No holders when it has
-    // no further targets.
+    // The first of these rounds, or 0, and the backups that held the targets then. There are no holders when
+    // the configuration has no further targets.
     std::size_t firstShort = 0;
     std::vector<SHeldByRound> holders;
 };
@@ -44,7 +44,7 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation);
 // A shortage as a sentence without a full stop: "all 10 targets are held by excluded backups".
 std::string shortageInWords(const std::vector<SHeldByRound>& holders);
 
-// What every form of output of `simulate` shows.
+// The data that all outputs of `simulate` show.
 struct SSimulationReport {
     SSimulation simulation;
     // One for each configuration.
@@ -52,7 +52,7 @@ struct SSimulationReport {
     // In seconds.
     std::optional<std::int64_t> goal;
     // One for each configuration when there is a goal.
-    std::vector<SLeastTargets> leastTargets;
+    std::vector<SFewestTargets> fewestTargets;
 };
 
 }  // namespace fi_rotate

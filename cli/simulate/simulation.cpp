@@ -22,8 +22,8 @@
 namespace fi_rotate {
 namespace {
 
-// With its account.
-SOutcome call(const SCall& arguments) {
+// Makes a call and returns its outcome with the account.
+SOutcome callWithAccount(const SCall& arguments) {
     const CMutedStandardOutput muted;
     SWishes wishes;
     wishes.account = true;
@@ -35,11 +35,11 @@ SOutcome call(const SCall& arguments) {
     return outcome;
 }
 
-// What the library makes of the configuration, told by a call without earlier backups.
+// The configurations as the library reads them, found out by a call without backups.
 std::vector<SAccountConfiguration> configurationsOf(const std::string& configuration) {
     SCall arguments;
     arguments.configuration = configuration;
-    SOutcome outcome = call(arguments);
+    SOutcome outcome = callWithAccount(arguments);
     for (const std::string& message : outcome.messages) {
         if (isOfParser(message)) {
             throw std::invalid_argument(message);
@@ -62,7 +62,7 @@ bool rotatesOne(const SOutcome& outcome) {
                        [](const SBackupOutcome& backup) { return backup.state == FI_BACKUP_ROTATED; });
 }
 
-void lower(std::optional<SKept>& fewest, const SKept& kept) {
+void keepFewer(std::optional<SKept>& fewest, const SKept& kept) {
     if (!fewest.has_value() || kept.count < fewest->count) {
         fewest = kept;
     }
@@ -70,12 +70,12 @@ void lower(std::optional<SKept>& fewest, const SKept& kept) {
 
 struct SLiveBackup {
     std::string file;
-    // Of one that was there before the first round, 0 and its place in SPlan::from.
+    // The round that took it, or 0 and its index in SPlan::from.
     std::size_t round = 0;
     std::size_t document = 0;
     std::int64_t time = 0;
     bool isExcluded = false;
-    // Its snapshots are one after another.
+    // Its snapshots are next to each other in SSimulation::snapshots.
     std::size_t firstSnapshot = 0;
     std::size_t snapshots = 0;
 };
@@ -95,8 +95,8 @@ public:
         }
     }
 
-    SSimulation run(const GoOn& goOn) {
-        while (simulation.finishedRounds < simulation.plan.rounds && goOn(simulation)) {
+    SSimulation run(const ContinueCallback& mayContinue) {
+        while (simulation.finishedRounds < simulation.plan.rounds && mayContinue(simulation)) {
             runRound(simulation.finishedRounds + 1);
             ++simulation.finishedRounds;
         }
@@ -127,14 +127,14 @@ private:
         arguments.configuration = simulation.plan.configuration;
         for (const SLiveBackup& backup : live) {
             const bool isExcluded = backup.isExcluded && !isExclusionOver(simulation.plan, backup.time, now);
-            // A call overwrites the word with the state, so it is set again for each.
+            // Each call overwrites the flag word with a state, so it is set again for each call.
             arguments.backups.push_back({backup.file, isExcluded ? FI_EXCLUDE_ROTATION : 0});
         }
         return arguments;
     }
 
     void runRound(std::size_t round) {
-        const SOutcome outcome = call(callOf(round));
+        const SOutcome outcome = callWithAccount(callOf(round));
         noteKept(outcome, round);
         if (!outcome.selection.has_value()) {
             noteWithoutTarget(round, outcome.account->shortages);
@@ -158,9 +158,9 @@ private:
                 outcome.selection.has_value() ? keptHolders(*outcome.account, i) : before;
             SFewestKept& fewest = simulation.fewestKept[i];
             if (before != 0 || fewest.everSince.has_value()) {
-                lower(fewest.everSince, {kept, round});
+                keepFewer(fewest.everSince, {kept, round});
                 if (hasRotated) {
-                    lower(fewest.sinceRotation, {kept, round});
+                    keepFewer(fewest.sinceRotation, {kept, round});
                 }
             }
         }
@@ -196,10 +196,10 @@ private:
             }
             switch (*outcome.backups[i].state) {
                 case FI_BACKUP_ROTATED:
-                    end(live[i], round, EEnd::kRotated);
+                    endBackup(live[i], round, EEnd::kRotated);
                     break;
                 case FI_BACKUP_INVALID:
-                    end(live[i], round, EEnd::kLost);
+                    endBackup(live[i], round, EEnd::kLost);
                     break;
                 default:
                     kept.push_back(std::move(live[i]));
@@ -208,7 +208,8 @@ private:
         live = std::move(kept);
     }
 
-    void end(const SLiveBackup& backup, std::size_t round, EEnd how) {
+    // Ends the snapshots of the backup and deletes its document, unless it is one of SPlan::from.
+    void endBackup(const SLiveBackup& backup, std::size_t round, EEnd how) {
         if (backup.round == 0) {
             STakenOver& taken = simulation.takenOver[backup.document];
             taken.ended = static_cast<std::uint32_t>(round);
@@ -217,11 +218,11 @@ private:
             unlink(backup.file.c_str());
         }
         for (std::size_t i = 0; i < backup.snapshots; ++i) {
-            end(simulation.snapshots[backup.firstSnapshot + i], round, how);
+            endSnapshot(simulation.snapshots[backup.firstSnapshot + i], round, how);
         }
     }
 
-    void end(SSnapshot& snapshot, std::size_t round, EEnd how) {
+    void endSnapshot(SSnapshot& snapshot, std::size_t round, EEnd how) {
         if (snapshot.end != EEnd::kHeld) {
             return;
         }
@@ -257,13 +258,14 @@ private:
         live.push_back(std::move(backup));
     }
 
-    // In a configuration that names a target twice, the library chooses it although it is held.
+    // When a configuration names a target twice, the library can choose the target although a backup holds
+    // it.
     void overwriteHolder(const SSnapshot& next) {
         for (const SLiveBackup& backup : live) {
             for (std::size_t i = 0; i < backup.snapshots; ++i) {
                 SSnapshot& held = simulation.snapshots[backup.firstSnapshot + i];
                 if (held.configuration == next.configuration && held.target == next.target) {
-                    end(held, next.taken, EEnd::kLost);
+                    endSnapshot(held, next.taken, EEnd::kLost);
                 }
             }
         }
@@ -278,7 +280,7 @@ private:
 
 constexpr std::string_view kSectionEnd = "]]>";
 
-// Characters that no XML document can hold, in whatever form.
+// Whether `text` contains only characters that an XML document can contain.
 bool canStandInXml(const std::string& text) {
     const auto isControl = [](char character) {
         return character >= '\0' && character < ' ' && character != '\t';
@@ -287,8 +289,8 @@ bool canStandInXml(const std::string& text) {
            text.find("\xEF\xBF\xBE") == std::string::npos && text.find("\xEF\xBF\xBF") == std::string::npos;
 }
 
-// A reference would end the piece of text before it, and the library takes the last piece for the whole. So a
-// name with a character of markup stands in a CDATA section.
+// Writes a name with < or & as a CDATA section. A reference would end the piece of text before it, and the
+// library reads only the last piece.
 std::string asOnePiece(const std::string& text) {
     const bool needsSection = text.find_first_of("<&") != std::string::npos;
     const bool holdsSectionEnd = text.find(kSectionEnd) != std::string::npos;
@@ -335,7 +337,7 @@ bool isExcludedAt(const SSimulation& simulation, const SSnapshot& snapshot, std:
            !isExclusionOver(simulation.plan, timeOf(simulation, snapshot), time);
 }
 
-std::size_t countWithoutTarget(const SSimulation& simulation) {
+std::size_t countRoundsWithoutTarget(const SSimulation& simulation) {
     std::size_t count = 0;
     for (const SRoundsWithoutTarget& rounds : simulation.withoutTarget) {
         count += rounds.count();
@@ -343,7 +345,7 @@ std::size_t countWithoutTarget(const SSimulation& simulation) {
     return count;
 }
 
-std::optional<std::size_t> standstillOf(const SSimulation& simulation) {
+std::optional<std::size_t> firstRoundOfStandstill(const SSimulation& simulation) {
     std::optional<std::size_t> first;
     const auto& all = simulation.withoutTarget;
     for (auto rounds = all.rbegin(); rounds != all.rend(); ++rounds) {
@@ -355,8 +357,8 @@ std::optional<std::size_t> standstillOf(const SSimulation& simulation) {
     return first;
 }
 
-SSimulation simulate(const SPlan& plan, const GoOn& goOn) {
-    return CRounds(plan).run(goOn);
+SSimulation simulate(const SPlan& plan, const ContinueCallback& mayContinue) {
+    return CRounds(plan).run(mayContinue);
 }
 
 std::string toDocument(const std::string& timeStamp, const std::vector<SChoice>& choices) {

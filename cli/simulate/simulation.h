@@ -12,7 +12,7 @@
 #include "host/call.h"
 #include "host/outcome.h"
 
-// Many rounds of the library, each with the backups that the rounds before it left.
+// Simulates many rounds. Each is a call of the library with the backups that the rounds before it left.
 namespace fi_rotate {
 
 struct SPlan {
@@ -22,14 +22,14 @@ struct SPlan {
     std::int64_t every = 0;
     // The time of the first round.
     std::int64_t start = 0;
-    // At most one of the two: every K-th round, and the rounds of a day of the week, are excluded from
-    // rotation.
+    // The backups of every K-th round, or those of a day of the week, are excluded. At most one of the two is
+    // set.
     std::optional<std::size_t> excludedEvery;
     std::optional<int> excludedWeekday;
-    // Seconds after which an excluded backup may be rotated like the others; never without.
+    // The seconds after which an exclusion ends; without a value it never ends.
     std::optional<std::int64_t> excludedFor;
-    // The backups that are there before the first round, as a call is given them; excluded are those whose
-    // flag word says so.
+    // The backups that exist before the first round. Those with the exclude bit in their flag word are
+    // excluded.
     std::vector<SBackup> from;
 };
 
@@ -45,28 +45,29 @@ enum class EEnd : std::uint8_t {
     kLost,
 };
 
-// What one backup took of one configuration.
+// The snapshot that one backup took on a target of one configuration.
 struct SSnapshot {
-    // Places in SSimulation::configurations and in its targets.
+    // Indexes in SSimulation::configurations and in the targets there.
     std::uint32_t configuration = 0;
     std::uint32_t target = 0;
-    // The round; 0 when it was there before.
+    // The round that took it; 0 when it existed before the first round.
     std::uint32_t taken = 0;
     // The round that ended it; 0 while it is held.
     std::uint32_t ended = 0;
     EEnd end = EEnd::kHeld;
-    // Of one that was there before the first round: the place of its backup in SPlan::from.
+    // For a snapshot that existed before the first round: the index of its backup in SPlan::from.
     std::uint32_t document = 0;
 };
 
-// What became of a backup that was there before the first round.
+// A backup that existed before the first round, and its state after the last one.
 struct STakenOver {
-    // Nothing when the library calls it invalid before it asks for its time stamp.
+    // Nothing when the library finds it invalid before it asks for its time stamp.
     std::optional<std::int64_t> time;
     std::size_t snapshots = 0;
-    // Empty unless it is invalid from the start, in words; then none of its snapshots is taken over.
+    // Why it is invalid before the first round, in words; then none of its snapshots is used. Empty when it
+    // is not invalid.
     std::string whyInvalid;
-    // As of a snapshot.
+    // The same as in SSnapshot.
     std::uint32_t ended = 0;
     EEnd end = EEnd::kHeld;
 };
@@ -74,21 +75,22 @@ struct STakenOver {
 // A target of a configuration, and the backup that holds it.
 struct SHeldByRound {
     std::size_t target = 0;
-    // 0 for one of SPlan::from, and its place there.
+    // The round that took the backup; 0 for a backup of SPlan::from.
     std::size_t round = 0;
+    // The index of the backup in SPlan::from if `round` is 0.
     std::size_t document = 0;
-    // Then; otherwise it is invalid and never released.
+    // Whether the backup is excluded in this round. If not, it is invalid and so never released.
     bool isExcluded = false;
 };
 
-// A configuration, by its place in SSimulation::configurations, and who holds its targets.
+// A configuration, by its index in SSimulation::configurations, and the backups that hold its targets.
 struct SShortConfiguration {
     std::size_t configuration = 0;
     std::vector<SHeldByRound> targets;
 };
 
-// Rounds one after another that found no target, all for the same reason: a call without a selection leaves
-// every backup as it was, so the next round finds the same as long as no exclusion ends.
+// Consecutive rounds that found no target, all for the same reason: a call without a selection leaves every
+// backup as it was, so the next round finds the same unless an exclusion ends.
 struct SRoundsWithoutTarget {
     std::size_t first = 0;
     std::size_t last = 0;
@@ -97,30 +99,30 @@ struct SRoundsWithoutTarget {
     [[nodiscard]] std::size_t count() const { return last + 1 - first; }
 };
 
-// So many restore points a configuration had after the call of a round. A restore point is a kept backup that
-// holds one of its targets; in a round without a target all are, since it rotates none.
+// How many restore points a configuration had after the call of a round. A round without a target rotates no
+// backup, so it keeps all restore points.
 struct SKept {
     std::size_t count = 0;
     std::size_t round = 0;
 };
 
-// The fewest of a configuration, each with the first round that had so few.
+// The fewest restore points of a configuration, each with the first round that had so few.
 struct SFewestKept {
-    // From the first call on that finds a backup of it.
+    // Counted from the first call that has a backup of this configuration.
     std::optional<SKept> everSince;
-    // From the first call on that rotates a backup. Before that the backups are only growing in number.
+    // Counted from the first call that rotates a backup; before it the number of backups only grows.
     std::optional<SKept> sinceRotation;
 };
 
 struct SSimulation {
     SPlan plan;
     std::vector<SAccountConfiguration> configurations;
-    // Fewer than planned when somebody stopped it.
+    // Fewer than planned when the simulation was stopped.
     std::size_t finishedRounds = 0;
     // One for each of SPlan::from.
     std::vector<STakenOver> takenOver;
-    // Those taken over first, by their places in SPlan::from, then in the order of taking; those of one
-    // backup are one after another.
+    // First those that existed before, in the order of SPlan::from, then those of the rounds. The snapshots
+    // of one backup are next to each other.
     std::vector<SSnapshot> snapshots;
     // In their order.
     std::vector<SRoundsWithoutTarget> withoutTarget;
@@ -134,18 +136,18 @@ struct SSimulation {
 bool areOfOneBackup(const SSnapshot& one, const SSnapshot& other);
 
 std::int64_t timeOf(const SSimulation& simulation, const SSnapshot& snapshot);
-// Whether its backup was excluded when it was taken, and whether it is still at `time`.
+// Whether the backup was excluded when it was taken, and whether its exclusion still lasts at `time`.
 bool isExcluded(const SSimulation& simulation, const SSnapshot& snapshot);
 bool isExcludedAt(const SSimulation& simulation, const SSnapshot& snapshot, std::int64_t time);
 
-std::size_t countWithoutTarget(const SSimulation& simulation);
+std::size_t countRoundsWithoutTarget(const SSimulation& simulation);
 
-// The first of the rounds without a target that the simulation ended with; nothing when its last round found
-// one.
-std::optional<std::size_t> standstillOf(const SSimulation& simulation);
+// The first of the rounds without a target at the end of the simulation; nothing when its last round found a
+// target.
+std::optional<std::size_t> firstRoundOfStandstill(const SSimulation& simulation);
 
-// Asked before each round with what came of those before; false ends the simulation there.
-using GoOn = std::function<bool(const SSimulation&)>;
+// Called before each round with the results of the rounds before it. Returns whether to go on.
+using ContinueCallback = std::function<bool(const SSimulation&)>;
 
 // An exception left the library.
 class CLibraryFailure : public std::runtime_error {
@@ -153,19 +155,20 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-// Backups that are to be there before the first round cannot be; it says which and why, a line for each.
+// Documents of backups before the first round cannot be used. what() says which and why, a line for each.
 class CUnusableDocuments : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-// Throws std::invalid_argument when the configuration is rejected or a name in it cannot be written into a
-// document, CUnusableDocuments, CLibraryFailure, and std::system_error when a document cannot be written.
-SSimulation simulate(const SPlan& plan, const GoOn& goOn);
+// Runs the rounds of `plan`. Throws std::invalid_argument when the configuration is rejected (the text is
+// then a line of the library's trace) or a name in it cannot be written into a document, CUnusableDocuments,
+// CLibraryFailure, and std::system_error when a document cannot be written.
+SSimulation simulate(const SPlan& plan, const ContinueCallback& mayContinue);
 
-// The document of a backup that took its snapshots on the chosen targets, as a host writes it: a Node with
-// the time stamp, and in it one Node for each configuration. Throws std::invalid_argument when a name cannot
-// stand in a document in one piece, without which the library would read another name.
+// The document of a backup with snapshots on the chosen targets, as a host writes it: a Node with the time
+// stamp, and in it one Node for each configuration. Throws std::invalid_argument when a name cannot be
+// written in one piece of text, because the library would then read another name.
 std::string toDocument(const std::string& timeStamp, const std::vector<SChoice>& choices);
 
 }  // namespace fi_rotate

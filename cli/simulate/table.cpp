@@ -14,7 +14,7 @@
 namespace fi_rotate {
 namespace {
 
-std::string inWords(const SLeastTargets& least) {
+std::string inWords(const SFewestTargets& least) {
     switch (least.search) {
         case ESearch::kFound:
             return fmt::to_string(least.targets);
@@ -80,7 +80,7 @@ Row rowOf(const SSimulationReport& report, std::size_t i) {
         row.push_back({summary.ages.has_value() ? toShownDays((*summary.ages).*which) : "-", {}});
     }
     if (report.goal.has_value()) {
-        row.push_back({inWords(report.leastTargets[i]), {}});
+        row.push_back({inWords(report.fewestTargets[i]), {}});
     }
     return row;
 }
@@ -129,7 +129,7 @@ std::string lostLine(const SSimulationReport& report) {
 }
 
 std::string foundLine(const SSimulation& simulation) {
-    // A round that overwrites a snapshot has not found a target to take.
+    // A round that overwrites a snapshot has not found a free target.
     if (simulation.hasLost) {
         return "";
     }
@@ -163,12 +163,12 @@ std::string listWithoutTarget(const SSimulation& simulation) {
 
 std::string withoutTargetLines(const SSimulationReport& report) {
     const SSimulation& simulation = report.simulation;
-    const std::size_t count = countWithoutTarget(simulation);
+    const std::size_t count = countRoundsWithoutTarget(simulation);
     if (count == 0) {
         return foundLine(simulation);
     }
     const std::size_t first = simulation.withoutTarget.front().first;
-    const bool isForTheRest = standstillOf(simulation) == first;
+    const bool isForTheRest = firstRoundOfStandstill(simulation) == first;
     std::string text =
         isForTheRest
             ? fmt::format("No target was found from round {} on ({}), in {} of {} rounds\n", first,
@@ -189,9 +189,10 @@ std::string withoutTargetLines(const SSimulationReport& report) {
 }
 
 std::string noLimitLine(const SSimulationReport& report) {
-    const auto& all = report.leastTargets;
-    const bool hasNoLimit = std::any_of(
-        all.begin(), all.end(), [](const SLeastTargets& least) { return least.search == ESearch::kNoLimit; });
+    const auto& all = report.fewestTargets;
+    const bool hasNoLimit = std::any_of(all.begin(), all.end(), [](const SFewestTargets& least) {
+        return least.search == ESearch::kNoLimit;
+    });
     return hasNoLimit ? "No number of targets stays enough: each excluded backup keeps its target forever\n"
                       : "";
 }

@@ -39,12 +39,13 @@ SAccount accountOf(const SPlan& plan) {
     return std::move(*decision.outcome.account);
 }
 
-// What keeps a backup out of the order of the rounds; empty when nothing does.
+// What is wrong with the time stamp of a backup that is to be older than the first round; empty when nothing
+// is.
 std::string faultOfTime(const SAccountBackup& backup, const SPlan& plan) {
     const auto time = parseTimeStamp(backup.timeStamp);
     if (!time.has_value()) {
         return fmt::format("has the time stamp {}, but a simulation needs the form YYYYMMDDhhmmss",
-                           quotedPrintable(backup.timeStamp));
+                           printableInQuotes(backup.timeStamp));
     }
     return *time < plan.start
                ? ""
@@ -65,7 +66,7 @@ void requirePlacesInTime(const SAccount& account, const SPlan& plan) {
     }
 }
 
-// By backup, what it holds.
+// For each backup, the snapshots that it holds.
 std::vector<std::vector<SSnapshot>> snapshotsOf(const SAccount& account) {
     std::vector<std::vector<SSnapshot>> snapshots(account.backups.size());
     for (std::size_t i = 0; i < account.heldBefore.size(); ++i) {

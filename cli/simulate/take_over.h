@@ -6,17 +6,17 @@
 
 namespace fi_rotate {
 
-// The backups that are there before the first round.
+// The backups that exist before the first round.
 struct STakeOver {
     // One for each of SPlan::from.
     std::vector<STakenOver> backups;
-    // Those of one backup are one after another.
+    // The snapshots of one backup are next to each other.
     std::vector<SSnapshot> snapshots;
 };
 
-// Asks the library, by a safe call, what it makes of the documents of SPlan::from. Throws CUnusableDocuments
-// when one is missing or damaged, or when its place in time before the first round cannot be told from its
-// time stamp.
+// Finds the backups of SPlan::from and what they hold, by a safe call of the library. Throws
+// CUnusableDocuments when a document is missing or damaged, or when its time stamp is not a time before the
+// first round.
 STakeOver takeOver(const SPlan& plan);
 
 }  // namespace fi_rotate

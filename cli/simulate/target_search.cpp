@@ -23,8 +23,7 @@ std::string withTargets(const SAccountConfiguration& configuration, std::size_t 
     return toSpecification({{configuration.first, std::move(targets)}});
 }
 
-// So many rounds after one of them the next is excluded for the same reason, or none is. Nothing when no
-// round is ever excluded.
+// The exclusions repeat after so many rounds. Nothing when no round is ever excluded.
 std::optional<std::size_t> periodOfExclusions(const SPlan& plan) {
     if (plan.excludedEvery.has_value()) {
         return plan.excludedEvery;
@@ -42,14 +41,14 @@ std::optional<std::size_t> periodOfExclusions(const SPlan& plan) {
 class CSearch {
 public:
     CSearch(SPlan rounds, const SAccountConfiguration& one, std::int64_t goalInSeconds,
-            const GoOnSearch& observer)
-        : plan(std::move(rounds)), configuration(one), goal(goalInSeconds), goOn(observer) {}
+            const ContinueSearchCallback& observer)
+        : plan(std::move(rounds)), configuration(one), goal(goalInSeconds), mayContinue(observer) {}
 
-    SLeastTargets run() {
+    SFewestTargets run() {
         std::size_t tooFew = 0;
         std::size_t enough = 1;
-        while (!meetsGoal(enough)) {
-            // With a target for each round nothing needs to be rotated.
+        while (!simulateAndCheckGoal(enough)) {
+            // With a target for each round no backup needs to be rotated.
             if (isStopped || enough >= plan.rounds) {
                 return {isStopped ? ESearch::kStopped : ESearch::kNever, 0};
             }
@@ -58,19 +57,21 @@ public:
         }
         while (tooFew + 1 < enough) {
             const std::size_t middle = tooFew + (enough - tooFew) / 2;
-            (meetsGoal(middle) ? enough : tooFew) = middle;
+            (simulateAndCheckGoal(middle) ? enough : tooFew) = middle;
         }
         return {isStopped ? ESearch::kStopped : ESearch::kFound, enough};
     }
 
 private:
-    bool meetsGoal(std::size_t targets) {
+    // Runs the rounds with so many targets. Returns whether the goal was met; false also when the search was
+    // stopped.
+    bool simulateAndCheckGoal(std::size_t targets) {
         if (isStopped) {
             return false;
         }
         plan.configuration = withTargets(configuration, targets);
         const SSimulation simulation = simulate(plan, [&](const SSimulation& soFar) {
-            isStopped = isStopped || !goOn(targets, soFar.finishedRounds);
+            isStopped = isStopped || !mayContinue(targets, soFar.finishedRounds);
             return !isStopped && !isMissed(soFar);
         });
         return !isStopped && !isMissed(simulation);
@@ -84,18 +85,18 @@ private:
     SPlan plan;
     const SAccountConfiguration& configuration;
     std::int64_t goal;
-    const GoOnSearch& goOn;
+    const ContinueSearchCallback& mayContinue;
     bool isStopped = false;
 };
 
 }  // namespace
 
-SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
-                           const GoOnSearch& goOn) {
+SFewestTargets findFewestTargets(const SPlan& plan, const SAccountConfiguration& configuration,
+                                 std::int64_t goal, const ContinueSearchCallback& mayContinue) {
     if (!roundsUntilSettled(plan, goal).has_value()) {
         return {ESearch::kNoLimit, 0};
     }
-    return CSearch(plan, configuration, goal, goOn).run();
+    return CSearch(plan, configuration, goal, mayContinue).run();
 }
 
 std::optional<std::size_t> roundsUntilSettled(const SPlan& plan, std::int64_t goal) {

@@ -11,24 +11,24 @@
 namespace fi_rotate {
 
 enum class ESearch {
-    // So many targets are the least.
+    // `targets` is the fewest with which the goal is met.
     kFound,
-    // However many targets, it is not met.
+    // No number of targets meets the goal.
     kNever,
-    // Exclusions that never end take target after target: the more rounds, the more targets it takes.
+    // Exclusions that never end keep one target after another: the more rounds, the more targets are needed.
     kNoLimit,
-    // Somebody stopped it.
+    // The search was stopped before the number was known.
     kStopped,
 };
 
-struct SLeastTargets {
+struct SFewestTargets {
     ESearch search = ESearch::kStopped;
     std::size_t targets = 0;
 };
 
-// Asked before each round of the search with the number of targets on trial and the rounds done of `plan`;
-// false stops it.
-using GoOnSearch = std::function<bool(std::size_t targets, std::size_t rounds)>;
+// Called before each round of the search with the number of targets that is tried and the finished rounds of
+// `plan`. Returns whether to go on.
+using ContinueSearchCallback = std::function<bool(std::size_t targets, std::size_t rounds)>;
 
 // The fewest targets with which the rounds of `plan`, run with this configuration alone, all find a
 // target and rotate no snapshot that is younger than `goal` seconds. No backup is there before the first
@@ -37,11 +37,11 @@ using GoOnSearch = std::function<bool(std::size_t targets, std::size_t rounds)>;
 // Fewer targets than it has are its first ones; more are its own and invented ones. The number is doubled
 // until the goal is met, then halved in: a target more lets each snapshot live a round longer and moves the
 // first round without a target later, so with the fewest targets any larger number meets the goal too.
-SLeastTargets leastTargets(const SPlan& plan, const SAccountConfiguration& configuration, std::int64_t goal,
-                           const GoOnSearch& goOn);
+SFewestTargets findFewestTargets(const SPlan& plan, const SAccountConfiguration& configuration,
+                                 std::int64_t goal, const ContinueSearchCallback& mayContinue);
 
-// So many rounds it takes until all that is to be kept for a time is there at once, whichever rounds are
-// excluded: with more of them the fewest targets are the same. Nothing when there is no such number.
+// The number of rounds after which the number of targets in use no longer grows, whichever rounds are
+// excluded: more rounds need no more targets. Nothing when it grows for ever, because exclusions never end.
 std::optional<std::size_t> roundsUntilSettled(const SPlan& plan, std::int64_t goal);
 
 }  // namespace fi_rotate

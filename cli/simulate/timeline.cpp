@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kLetters = 26;
 constexpr std::size_t kFewestColumns = 10;
-// Of the rounds without a target that are the last so many are shown.
+// If the simulation ends with rounds without a target, so many of them are shown.
 constexpr std::size_t kStandstillColumns = 3;
 constexpr char kFree = '.';
 constexpr char kNoTarget = '!';
@@ -27,8 +27,8 @@ constexpr char kNoTarget = '!';
 // Letters as numbers from 0 on, one for each backup.
 class CLetters {
 public:
-    // One that no backup before it had on a target that it takes; and, as long as there are enough, one that
-    // no other backup has while this one is there.
+    // A letter that the backups before it on its targets did not have and, while there are enough letters,
+    // that no other backup has at the same time.
     std::size_t next(std::size_t taken, std::size_t ended, const std::set<std::size_t>& before) {
         last = find(taken, before);
         busyUntil[last] = std::max(busyUntil[last], ended);
@@ -68,11 +68,11 @@ struct SWindow {
     std::size_t last = 0;
 };
 
-// The last rounds that fit, but for those at the end that found no target.
+// The last rounds that fit. Of the rounds without a target at the end only the first few are shown.
 SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
     SWindow window;
     window.last = simulation.finishedRounds;
-    if (const auto standstill = standstillOf(simulation)) {
+    if (const auto standstill = firstRoundOfStandstill(simulation)) {
         window.last = std::min(window.last, *standstill + kStandstillColumns - 1);
     }
     window.first = window.last > columns ? window.last - columns + 1 : 1;

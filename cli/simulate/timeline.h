@@ -7,8 +7,8 @@
 
 namespace fi_rotate {
 
-// Targets as rows and rounds as columns, within `width` columns of a terminal where its names leave that
-// much. Rounds that find no room are left out, which it says.
+// Targets as rows and rounds as columns, within `width` columns of a terminal if its names leave room. Rounds
+// that do not fit are not shown, and the heading says so.
 std::string toTimeline(const SSimulation& simulation, std::size_t width);
 
 }  // namespace fi_rotate

@@ -43,7 +43,7 @@ std::string unknownFurther(const std::string& place, const std::string& further,
            " [pair-matches-nothing] <- " + cause;
 }
 
-// Those of a configuration, in what it has for the backups.
+// Consequences of a fault in the configuration for the backups.
 std::vector<SCheckRow> ofConfigurations() {
     const SCheckedCall clean = with(kConfiguration);
     const std::string rejected = "configuration-rejected of config";
@@ -157,7 +157,7 @@ std::vector<SCheckRow> ofConfigurations() {
     };
 }
 
-// Those of a document, in itself.
+// Consequences of a fault in a document within the same document.
 std::vector<SCheckRow> withinDocuments() {
     const std::string good = device("encA##lun1", "encA##snap1");
     const SCheckedCall clean = of(backup("1", good));
@@ -258,7 +258,7 @@ std::vector<SCheckRow> withinDocuments() {
     };
 }
 
-// Those of one document, in another.
+// Consequences of a fault in one document for another.
 std::vector<SCheckRow> acrossDocuments() {
     const SCheckedCall clean{kConfiguration,
                              {{"a", backup("1", device("encA##lun1", "encA##snap1"))},

@@ -13,7 +13,7 @@
 namespace {
 
 using fi_rotate::CLines;
-using fi_rotate::distance;
+using fi_rotate::editDistance;
 using fi_rotate::showExcerpt;
 using fi_rotate::SShownExcerpt;
 using fi_rotate::SSpot;
@@ -163,8 +163,8 @@ TEST(FiRotateCheckNearest, CountsWhatMustBeChanged) {
         {" ", "ab", 4, 2},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(distance(row.left, row.right, row.limit), row.expected) << row.left << " " << row.right;
-        EXPECT_EQ(distance(row.right, row.left, row.limit), row.expected) << row.right << " " << row.left;
+        EXPECT_EQ(editDistance(row.left, row.right, row.limit), row.expected) << row.left << " " << row.right;
+        EXPECT_EQ(editDistance(row.right, row.left, row.limit), row.expected) << row.right << " " << row.left;
     }
 }
 

@@ -23,7 +23,7 @@ SOutcome traced(const SCall& call, std::vector<std::string>& lines) {
 std::vector<SLoggedCall> callsOf(const std::vector<std::string>& lines) {
     CLogReader reader;
     for (const std::string& line : lines) {
-        reader.read(line);
+        reader.readLine(line);
     }
     return reader.finish();
 }

@@ -231,13 +231,13 @@ TEST_F(FiRotateLog, FollowsACallIntoTheNextLog) {
     for (std::size_t cut = 1; cut < lines.size(); ++cut) {
         SCOPED_TRACE(cut);
         CLogReader reader;
-        reader.begin("log.1");
-        reader.read("noise");
+        reader.beginLog("log.1");
+        reader.readLine("noise");
         for (std::size_t i = 0; i < lines.size(); ++i) {
             if (i == cut) {
-                reader.begin("log");
+                reader.beginLog("log");
             }
-            reader.read("backupd: " + lines[i].substr(2));
+            reader.readLine("backupd: " + lines[i].substr(2));
         }
         const auto calls = reader.finish();
         ASSERT_EQ(calls.size(), 1U);

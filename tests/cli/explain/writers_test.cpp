@@ -230,9 +230,9 @@ TEST_F(FiRotateLogWriters, AreFollowedThroughRotatedLogs) {
     CLogReader reader;
     for (std::size_t i = 0; i < log.size(); ++i) {
         if (i % 100 == 0) {
-            reader.begin("log." + std::to_string(i / 100));
+            reader.beginLog("log." + std::to_string(i / 100));
         }
-        reader.read(log[i]);
+        reader.readLine(log[i]);
     }
     expectAll(reader.finish(), expected);
 }
@@ -263,13 +263,13 @@ TEST_F(FiRotateLogWriters, OfOtherLogsNeedNoTimeWhereThoseOfOneHaveIt) {
     const SProcess host = process(syslog, 1);
     const SProcess own = process(nullptr, 1);
     CLogReader reader;
-    reader.begin("host");
+    reader.beginLog("host");
     for (const std::string& line : host.lines) {
-        reader.read(syslog(1, line[0], 7) + line.substr(2));
+        reader.readLine(syslog(1, line[0], 7) + line.substr(2));
     }
-    reader.begin("own");
+    reader.beginLog("own");
     for (const std::string& line : own.lines) {
-        reader.read(line);
+        reader.readLine(line);
     }
     expectAll(reader.finish(), {host.calls[0].second, own.calls[0].second});
 }
@@ -307,7 +307,7 @@ protected:
         CLogReader reader;
         std::istringstream stream(log);
         for (std::string line; std::getline(stream, line);) {
-            reader.read(line);
+            reader.readLine(line);
         }
         return reader.finish();
     }

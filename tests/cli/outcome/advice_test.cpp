@@ -37,8 +37,8 @@ protected:
     SAdvice advice() const { return adviseOn(call, accountedOutcome(call), accountedOutcome); }
 };
 
-// The older of the two excluded ones costs the newer backup that is not excluded nothing, and the other way
-// round.
+// Allowing rotation of backup 2 releases backups 1 and 2; allowing that of backup 4 releases 1, 3 and 4. So
+// the advice is backup 2.
 TEST_F(FiRotateAdvice, NamesTheExclusionWhoseEndCostsTheFewestBackups) {
     call.configuration = "A##x;1;2&A##y;3;4";
     const std::string one = give("1", "1", {{"A##y", "A##3"}});
@@ -46,9 +46,9 @@ TEST_F(FiRotateAdvice, NamesTheExclusionWhoseEndCostsTheFewestBackups) {
     give("3", "3", {{"A##y", "A##4"}});
     const std::string four = give("4", "4", {{"A##x", "A##2"}}, FI_EXCLUDE_ROTATION);
     const SAdvice found = advice();
-    ASSERT_EQ(found.wayOut.size(), 1U);
-    EXPECT_EQ(found.wayOut[0].file, two);
-    EXPECT_EQ(found.wayOut[0].kind, EChange::kAllowRotation);
+    ASSERT_EQ(found.cheapestChanges.size(), 1U);
+    EXPECT_EQ(found.cheapestChanges[0].file, two);
+    EXPECT_EQ(found.cheapestChanges[0].kind, EChange::kAllowRotation);
     EXPECT_THAT(found.released, ElementsAre(one, two));
     ASSERT_EQ(found.trials.size(), 2U);
     EXPECT_EQ(found.trials[1].change.file, four);
@@ -61,9 +61,9 @@ TEST_F(FiRotateAdvice, NamesAnInvalidBackupThatHoldsTheTarget) {
     give("new", "2", {{"A##x", "A##1"}});
     const std::string invalid = give("old", "1", {{"A##x", "A##1"}, {"A##y", "A##2"}});
     const SAdvice found = advice();
-    ASSERT_EQ(found.wayOut.size(), 1U);
-    EXPECT_EQ(found.wayOut[0].file, invalid);
-    EXPECT_EQ(found.wayOut[0].kind, EChange::kLeaveOut);
+    ASSERT_EQ(found.cheapestChanges.size(), 1U);
+    EXPECT_EQ(found.cheapestChanges[0].file, invalid);
+    EXPECT_EQ(found.cheapestChanges[0].kind, EChange::kLeaveOut);
 }
 
 TEST_F(FiRotateAdvice, NamesSeveralChangesWhereNoneAloneIsEnough) {
@@ -71,7 +71,7 @@ TEST_F(FiRotateAdvice, NamesSeveralChangesWhereNoneAloneIsEnough) {
     const std::string one = give("1", "1", {{"A##x", "A##1"}}, FI_EXCLUDE_ROTATION);
     const std::string two = give("2", "2", {{"A##y", "A##2"}}, FI_EXCLUDE_ROTATION);
     const SAdvice found = advice();
-    ASSERT_EQ(found.wayOut.size(), 2U);
+    ASSERT_EQ(found.cheapestChanges.size(), 2U);
     EXPECT_THAT(found.released, testing::UnorderedElementsAre(one, two));
     for (const STrial& trial : found.trials) {
         EXPECT_FALSE(trial.released.has_value());
@@ -82,7 +82,7 @@ TEST_F(FiRotateAdvice, NamesNoBackupWhereAConfigurationHasNoTargets) {
     call.configuration = "A##x";
     give("1", "1", {});
     const SAdvice found = advice();
-    EXPECT_THAT(found.wayOut, IsEmpty());
+    EXPECT_THAT(found.cheapestChanges, IsEmpty());
     EXPECT_THAT(found.trials, IsEmpty());
     ASSERT_TRUE(found.releasedWithTargets.has_value());
 }
@@ -141,8 +141,8 @@ SCall crowdedCall(unsigned seed, const fi_test::CTemporaryFolder& folder) {
     return call;
 }
 
-// By what is advised there is a selection at the price that was named, and no single exclusion could have
-// been ended at a lower one, whoever holds what.
+// The advised changes give a selection and release exactly the named backups, and no single change releases
+// fewer.
 TEST_F(FiRotateAdvice, HoldsInRandomShortages) {
     constexpr unsigned kShortages = 300;
     unsigned shortages = 0;
@@ -157,16 +157,16 @@ TEST_F(FiRotateAdvice, HoldsInRandomShortages) {
         }
         ++shortages;
         const SAdvice found = advice();
-        if (!found.wayOut.empty()) {
-            ++(found.wayOut.size() == 1 ? ofOneChange : ofSeveral);
-            const SOutcome then = outcomeWith(call, found.wayOut);
+        if (!found.cheapestChanges.empty()) {
+            ++(found.cheapestChanges.size() == 1 ? ofOneChange : ofSeveral);
+            const SOutcome then = outcomeWith(call, found.cheapestChanges);
             ASSERT_TRUE(then.selection.has_value());
             EXPECT_EQ(countReleased(then), found.released.size());
         }
         for (const SBackup& backup : call.backups) {
             const SOutcome other = outcomeWith(call, {{EChange::kAllowRotation, backup.file}});
             const bool isWayOut = other.selection.has_value();
-            EXPECT_FALSE(isWayOut && found.wayOut.size() != 1) << backup.file;
+            EXPECT_FALSE(isWayOut && found.cheapestChanges.size() != 1) << backup.file;
             EXPECT_FALSE(isWayOut && countReleased(other) < found.released.size()) << backup.file;
         }
     }

@@ -38,7 +38,7 @@ protected:
             outcome.backups[i].timeStamp = stamps.at(i);
         }
         std::vector<std::string> names;
-        for (const SBackupOutcome* const backup : fi_rotate::SView{{}, false, order}.backupsOf(outcome)) {
+        for (const SBackupOutcome* const backup : fi_rotate::SView{{}, false, order}.shownBackups(outcome)) {
             names.push_back(backup->given.file.substr(backup->given.file.rfind('/') + 1));
         }
         return names;

@@ -43,7 +43,7 @@ SPicture arranged(const std::vector<SPictureGroup>& groups) {
     SPicture picture;
     picture.to = 1;
     picture.groups = groups;
-    arrange(picture);
+    sortAndShorten(picture);
     return picture;
 }
 
@@ -140,7 +140,7 @@ TEST(FiRotateArrange, SaysNothingOfFreeTargetsThatAreNotKnown) {
     SPicture picture;
     picture.areTargetsKnown = false;
     picture.groups.assign(3, group("a", std::string(300, 'h')));
-    arrange(picture);
+    sortAndShorten(picture);
     ASSERT_EQ(picture.groups.size(), 1U);
     EXPECT_EQ(picture.groups[0].rows.back().name, "50 not drawn");
     EXPECT_EQ(picture.groups[0].remark, "");

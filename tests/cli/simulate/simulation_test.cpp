@@ -159,10 +159,10 @@ TEST(FiRotateSimulation, RoundsWithoutATargetEndWhenAnExclusionDoes) {
     ASSERT_THAT(simulation.withoutTarget[1].shortages, SizeIs(1));
     EXPECT_EQ(simulation.withoutTarget[1].shortages[0].targets.at(0).round, 5);
     EXPECT_EQ(simulation.withoutTarget[1].shortages[0].targets.at(1).round, 6);
-    EXPECT_EQ(countWithoutTarget(simulation), 4);
-    EXPECT_EQ(standstillOf(simulation), std::nullopt);
+    EXPECT_EQ(countRoundsWithoutTarget(simulation), 4);
+    EXPECT_EQ(firstRoundOfStandstill(simulation), std::nullopt);
     plan.rounds = 8;
-    EXPECT_EQ(standstillOf(run(plan)), 7);
+    EXPECT_EQ(firstRoundOfStandstill(run(plan)), 7);
 }
 
 // Round 2 finds the backup of round 1 only. Rounds 4 and 5 find three and rotate one each.

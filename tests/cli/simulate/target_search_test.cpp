@@ -9,9 +9,9 @@
 namespace {
 
 using fi_rotate::ESearch;
+using fi_rotate::findFewestTargets;
 using fi_rotate::kSecondsPerDay;
-using fi_rotate::leastTargets;
-using fi_rotate::SLeastTargets;
+using fi_rotate::SFewestTargets;
 using fi_rotate::SPlan;
 
 bool always(std::size_t /*targets*/, std::size_t /*rounds*/) {
@@ -30,8 +30,8 @@ SPlan daily(std::size_t rounds) {
 TEST(FiRotateGoal, WithoutExclusionADayNeedsATarget) {
     for (const std::size_t days : {1U, 2U, 5U, 8U}) {
         const auto goal = static_cast<std::int64_t>(days) * kSecondsPerDay;
-        const SLeastTargets least =
-            leastTargets(daily(40), {"encA##lun1", {"encA##s1", "encA##s2"}}, goal, always);
+        const SFewestTargets least =
+            findFewestTargets(daily(40), {"encA##lun1", {"encA##s1", "encA##s2"}}, goal, always);
         EXPECT_EQ(least.search, ESearch::kFound);
         EXPECT_EQ(least.targets, days);
     }
@@ -41,7 +41,7 @@ TEST(FiRotateGoal, WithoutExclusionADayNeedsATarget) {
 TEST(FiRotateGoal, CountsInTimeNotInRounds) {
     SPlan plan = daily(20);
     plan.every = kSecondsPerDay / 2;
-    EXPECT_EQ(leastTargets(plan, {"encA##lun1", {}}, kSecondsPerDay + 1, always).targets, 3);
+    EXPECT_EQ(findFewestTargets(plan, {"encA##lun1", {}}, kSecondsPerDay + 1, always).targets, 3);
 }
 
 // Each third round is excluded, for six days. In each round all backups of the last three days are younger
@@ -51,7 +51,7 @@ TEST(FiRotateGoal, ExcludedBackupsNeedTargetsOfTheirOwn) {
     SPlan plan = daily(10);
     plan.excludedEvery = 3;
     plan.excludedFor = 6 * kSecondsPerDay;
-    EXPECT_EQ(leastTargets(plan, {"encA##lun1", {"encA##s1"}}, 4 * kSecondsPerDay, always).targets, 5);
+    EXPECT_EQ(findFewestTargets(plan, {"encA##lun1", {"encA##s1"}}, 4 * kSecondsPerDay, always).targets, 5);
 }
 
 TEST(FiRotateGoal, ExclusionsThatNeverEndHaveNoLimit) {
@@ -60,7 +60,7 @@ TEST(FiRotateGoal, ExclusionsThatNeverEndHaveNoLimit) {
     SPlan byDay = daily(10);
     byDay.excludedWeekday = fi_rotate::parseWeekday("sunday");
     for (const SPlan& plan : {byNumber, byDay}) {
-        EXPECT_EQ(leastTargets(plan, {"encA##lun1", {"encA##s1"}}, kSecondsPerDay, always).search,
+        EXPECT_EQ(findFewestTargets(plan, {"encA##lun1", {"encA##s1"}}, kSecondsPerDay, always).search,
                   ESearch::kNoLimit);
     }
 }
@@ -70,7 +70,7 @@ TEST(FiRotateGoal, ADayOfTheWeekWithoutRoundsExcludesNone) {
     SPlan plan = daily(10);
     plan.every = 7 * kSecondsPerDay;
     plan.excludedWeekday = fi_rotate::parseWeekday("sunday");
-    const SLeastTargets least = leastTargets(plan, {"encA##lun1", {}}, 21 * kSecondsPerDay, always);
+    const SFewestTargets least = findFewestTargets(plan, {"encA##lun1", {}}, 21 * kSecondsPerDay, always);
     EXPECT_EQ(least.search, ESearch::kFound);
     EXPECT_EQ(least.targets, 3);
 }
@@ -84,7 +84,7 @@ TEST(FiRotateGoal, MoreRoundsThanItTakesToSettleNeedNoMoreTargets) {
                 plan.excludedFor = days * kSecondsPerDay;
                 plan.rounds = fi_rotate::roundsUntilSettled(plan, goal * kSecondsPerDay).value();
                 const auto leastOf = [&plan, goal] {
-                    return leastTargets(plan, {"encA##lun1", {}}, goal * kSecondsPerDay, always).targets;
+                    return findFewestTargets(plan, {"encA##lun1", {}}, goal * kSecondsPerDay, always).targets;
                 };
                 const std::size_t settled = leastOf();
                 plan.rounds *= 3;
@@ -96,12 +96,14 @@ TEST(FiRotateGoal, MoreRoundsThanItTakesToSettleNeedNoMoreTargets) {
 
 TEST(FiRotateGoal, NoNumberHelpsWhereATargetIsNamedTwice) {
     EXPECT_EQ(
-        leastTargets(daily(9), {"encA##lun1", {"encA##s1", "encA##s1"}}, 2 * kSecondsPerDay, always).search,
+        findFewestTargets(daily(9), {"encA##lun1", {"encA##s1", "encA##s1"}}, 2 * kSecondsPerDay, always)
+            .search,
         ESearch::kNever);
 }
 
 TEST(FiRotateGoal, InventedTargetsAreNoneThatTheConfigurationHas) {
-    EXPECT_EQ(leastTargets(daily(9), {"encA##lun1", {"SPARE##1"}}, 3 * kSecondsPerDay, always).targets, 3);
+    EXPECT_EQ(findFewestTargets(daily(9), {"encA##lun1", {"SPARE##1"}}, 3 * kSecondsPerDay, always).targets,
+              3);
 }
 
 TEST(FiRotateGoal, SaysThatItWasStopped) {
@@ -109,7 +111,7 @@ TEST(FiRotateGoal, SaysThatItWasStopped) {
     const auto stopAtTheTenth = [&asked](std::size_t /*targets*/, std::size_t /*rounds*/) {
         return ++asked < 10;
     };
-    EXPECT_EQ(leastTargets(daily(40), {"encA##lun1", {}}, 5 * kSecondsPerDay, stopAtTheTenth).search,
+    EXPECT_EQ(findFewestTargets(daily(40), {"encA##lun1", {}}, 5 * kSecondsPerDay, stopAtTheTenth).search,
               ESearch::kStopped);
     EXPECT_EQ(asked, 10);
 }
