@@ -39,7 +39,7 @@ protected:
     fi_test::CTemporaryFolder folder;
 };
 
-TEST_F(OutputFile, IsThereWholeOnceItIsCommitted) {
+TEST_F(OutputFile, ExistsCompletelyAfterCommit) {
     const std::string file = folder.write("file", "old");
     COutputFile output(file);
     std::fputs("new", output.stream());
@@ -50,7 +50,7 @@ TEST_F(OutputFile, IsThereWholeOnceItIsCommitted) {
     EXPECT_THAT(folder.entries(), ElementsAre("file"));
 }
 
-TEST_F(OutputFile, LeavesNothingWhenItIsNotCommitted) {
+TEST_F(OutputFile, LeavesNoFileWithoutCommit) {
     const std::string file = folder.write("file", "old");
     std::fputs("new", COutputFile(file).stream());
     std::fputs("new", COutputFile(folder.path("other")).stream());
@@ -66,7 +66,7 @@ TEST_F(OutputFile, KeepsTheRightsOfTheFileItReplaces) {
     EXPECT_EQ(std::filesystem::status(file).permissions(), perms::owner_read | perms::owner_write);
 }
 
-TEST_F(OutputFile, IsWrittenWhereALinkLeadsWhetherOrNotSomethingIsThere) {
+TEST_F(OutputFile, IsWrittenToTheTargetOfALink) {
     folder.write("there", "old");
     for (const std::string target : {"there", "not-there"}) {
         const std::string link = folder.path("link-to-" + target);
@@ -85,13 +85,13 @@ TEST_F(OutputFile, IsRefusedBeforeItIsFilledWhereNoneCanBe) {
     EXPECT_EQ(refusalOf(folder.path("loop/file")), ELOOP);
 }
 
-TEST_F(OutputFile, SaysSoWhenNotAllOfItCouldBeWritten) {
+TEST_F(OutputFile, ReportsThatNotAllCouldBeWritten) {
     EXPECT_EQ(refusalOf("/dev/full"), ENOSPC);
     EXPECT_EQ(refusalOf("/dev/full", std::string(1000000, 'x')), ENOSPC);
     EXPECT_EQ(refusalOf("/dev/null"), 0);
 }
 
-TEST_F(OutputFile, SaysSoWhenAnEarlierPartOfItCouldNotBeWritten) {
+TEST_F(OutputFile, ReportsThatAnEarlierPartCouldNotBeWritten) {
     COutputFile output("/dev/full");
     std::fputs("lost", output.stream());
     std::fflush(output.stream());

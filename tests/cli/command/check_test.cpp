@@ -51,7 +51,7 @@ TEST(FiRotateCheck, FindsInTheExamplesADeviceThatIsNoLongerConfiguredATargetHeld
 }
 
 // A carriage return before each line end is the terminal's.
-TEST(FiRotateCheck, HasTheColoursOfStatesOnATerminalUnlessNobodyWantsThem) {
+TEST(FiRotateCheck, ColoursSeveritiesOnATerminalUnlessNoColorIsSet) {
     if (!fi_test::hasTerminals()) {
         GTEST_SKIP() << fi_test::kNoTerminals;
     }
@@ -71,7 +71,7 @@ TEST(FiRotateCheck, IsSilentAndSucceedsOnCleanInputs) {
     EXPECT_EQ(result.output, "no errors, no warnings; checked the configuration and no documents\n");
 }
 
-TEST(FiRotateCheck, EndsWithFiveWhenThereAreWarningsOnly) {
+TEST(FiRotateCheck, ExitsWith5WhenThereAreOnlyWarnings) {
     const auto result = runFiRotate({"check", "--config", "encA##lun1;snap1; snap2"});
     EXPECT_EQ(result.exitStatus, 5);
     EXPECT_EQ(result.output,
@@ -181,7 +181,7 @@ TEST(FiRotateCheck, NamesTheFirstOfManyDocumentsInWhichSomethingFollows) {
                           arguments[5] + ", " + arguments[6] + " and 2 more [pair-matches-nothing]\n"));
 }
 
-TEST(FiRotateCheck, EndsAlikeInJsonAndInWords) {
+TEST(FiRotateCheck, HasTheSameExitStatusInJsonAndInWords) {
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1;snap1"}).exitStatus, 0);
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1; snap1"}).exitStatus, 5);
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1"}).exitStatus, 3);
@@ -306,7 +306,7 @@ TEST(FiRotateCheck, NamesTheHazardsWhenOneIsNotKnown) {
                 HasSubstr("there is no hazard \"pair-match-nothing\"; did you mean pair-matches-nothing?\n"));
 }
 
-TEST(FiRotateCheck, WrongUsageEndsWithTwo) {
+TEST(FiRotateCheck, WrongUsageExitsWith2) {
     const struct {
         std::vector<std::string> arguments;
         const char* message;
@@ -348,7 +348,7 @@ TEST(FiRotateCheck, SaysWhenItsReportCannotBeWritten) {
 }
 
 // The XML library quotes what it found in its messages.
-TEST(FiRotateCheck, TakesNoFaultForALimitBecauseOfWhatTheDocumentHolds) {
+TEST(FiRotateCheck, DoesNotReportMalformedXmlAsALimit) {
     const CTemporaryFolder folder;
     const std::string file =
         folder.write("backup.xml", "<?xml version=\"1entity expansions.0\"?>\n<Node/>\n");

@@ -282,7 +282,7 @@ TEST(FiRotateSelect, DecidesNothingWhereTooFewBackupsWouldBeKept) {
     }
 }
 
-TEST(FiRotateSelect, BeginsWithTheCheapestWayOutOfAShortage) {
+TEST(FiRotateSelect, BeginsWithTheAdviceWhenNoTargetIsFree) {
     const fi_test::CTemporaryFolder folder;
     const std::string holder = folder.write("a.xml", kHolder);
     const auto result = runFiRotate({"select", "--config", kConfiguration, "--exclude", holder, holder});

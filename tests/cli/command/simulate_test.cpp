@@ -238,7 +238,7 @@ protected:
     std::string invalid = write("invalid", "20260925000000", "s9");
 };
 
-TEST_F(FiRotateSimulateFrom, SaysWhatWasTakenOverAndWhatBecameOfIt) {
+TEST_F(FiRotateSimulateFrom, ShowsEachDocumentAndTheResultOfItsBackup) {
     const auto result = runFiRotate(arguments({"--no-timeline"}));
     EXPECT_EQ(result.exitStatus, 0);
     const std::string blanks(folder.path("").size(), ' ');
@@ -323,7 +323,7 @@ TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
               "2,2026-10-02T00:00:00Z,no,yes,d3,,encA##s3\n");
 }
 
-TEST(FiRotateSimulate, CsvTellsRoundsWithoutATargetAndWhatWasLost) {
+TEST(FiRotateSimulate, CsvContainsRoundsWithoutATargetAndLostSnapshots) {
     const CTemporaryFolder folder;
     const std::string file = folder.path("rounds.csv");
     runFiRotate(daily("encA##lun1;s1", "2", {"--exclude-every", "1", "--csv", file}));

@@ -51,7 +51,7 @@ protected:
     fi_test::CTemporaryFolder folder;
 };
 
-TEST_F(FiRotateLog, TellsOfRandomCallsWhatTheyCameTo) {
+TEST_F(FiRotateLog, ReadsTheOutcomesOfRandomCalls) {
     std::vector<std::string> lines;
     std::vector<SOutcome> outcomes;
     for (unsigned seed = 5000; seed < 5000 + kRandomCalls; ++seed) {
@@ -84,7 +84,7 @@ std::vector<std::string> asHostLog(const std::vector<std::string>& lines, std::m
     return log;
 }
 
-TEST_F(FiRotateLog, TellsThreeCallsApartInALogOfTheHost) {
+TEST_F(FiRotateLog, SeparatesThreeCallsInALogOfTheHost) {
     std::vector<std::string> lines;
     std::vector<SOutcome> outcomes;
     for (const unsigned seed : {1U, 2U, 3U}) {
@@ -99,7 +99,7 @@ TEST_F(FiRotateLog, TellsThreeCallsApartInALogOfTheHost) {
     }
 }
 
-TEST_F(FiRotateLog, SaysWhereACallStands) {
+TEST_F(FiRotateLog, GivesThePositionOfACall) {
     std::vector<std::string> lines{"noise"};
     traced(rotation(), lines);
     const std::size_t end = lines.size();
@@ -113,7 +113,7 @@ TEST_F(FiRotateLog, SaysWhereACallStands) {
     EXPECT_EQ(calls[1].last.line, lines.size());
 }
 
-TEST_F(FiRotateLog, TellsTheTimeStampsThatTheTraceTells) {
+TEST_F(FiRotateLog, GivesTheTimeStampsThatTheTraceContains) {
     std::vector<std::string> lines;
     SCall call = rotation();
     call.backups[1].file = folder.write("lost", document("2", {{"A##y", "A##2"}}));
@@ -125,7 +125,7 @@ TEST_F(FiRotateLog, TellsTheTimeStampsThatTheTraceTells) {
     EXPECT_EQ(calls[0].outcome.backups[2].timeStamp, "3");
 }
 
-TEST_F(FiRotateLog, KnowsARefusedCall) {
+TEST_F(FiRotateLog, RecognisesARefusedCall) {
     const auto calls = callsOf({"fi_process_backups : Invalid/empty parameter"});
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_EQ(calls[0].outcome.status, FI_STATUS_FAILURE);
@@ -134,7 +134,7 @@ TEST_F(FiRotateLog, KnowsARefusedCall) {
     EXPECT_THAT(calls[0].missing, IsEmpty());
 }
 
-TEST_F(FiRotateLog, KnowsFirstBackups) {
+TEST_F(FiRotateLog, RecognisesFirstBackups) {
     std::vector<std::string> lines;
     SCall call;
     call.configuration = "A##x;1";
@@ -278,7 +278,7 @@ void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
     }
 }
 
-TEST_F(FiRotateLog, TellsNothingFalseOfACallThatBreaksOff) {
+TEST_F(FiRotateLog, SaysNothingFalseAboutACallThatBreaksOff) {
     for (unsigned seed = 0; seed < 300; ++seed) {
         SCOPED_TRACE(seed);
         std::vector<std::string> lines;
@@ -291,7 +291,7 @@ TEST_F(FiRotateLog, TellsNothingFalseOfACallThatBreaksOff) {
     }
 }
 
-TEST_F(FiRotateLog, TellsNothingFalseOfACallThatLacksALine) {
+TEST_F(FiRotateLog, SaysNothingFalseAboutACallThatLacksALine) {
     std::size_t noticed = 0;
     for (unsigned seed = 0; seed < kRandomCalls; ++seed) {
         SCOPED_TRACE(seed);

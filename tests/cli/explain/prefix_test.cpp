@@ -20,7 +20,7 @@ struct STimeRow {
 
 class FiRotateLogTime : public testing::TestWithParam<STimeRow> {};
 
-TEST_P(FiRotateLogTime, StandsAsItIsInTheLogAndIsNoWord) {
+TEST_P(FiRotateLogTime, IsShownAsWrittenAndIsNoWord) {
     const auto prefix = prefixOf(GetParam().prefix);
     EXPECT_EQ(prefix.time, GetParam().time);
     EXPECT_TRUE(hasTime(prefix.shape));

@@ -165,7 +165,7 @@ protected:
 constexpr std::size_t kNoise = 10000;
 constexpr std::size_t kCalls = 6;
 
-TEST_F(FiRotateLogWriters, OfOneFormatAreToldApartInOverlappingCallsAndNoise) {
+TEST_F(FiRotateLogWriters, AreSeparatedInOverlappingCallsOfOneFormat) {
     for (std::size_t i = 0; i < kFormats.size(); ++i) {
         SCOPED_TRACE(i);
         const Format format = kFormats[i];
@@ -176,7 +176,7 @@ TEST_F(FiRotateLogWriters, OfOneFormatAreToldApartInOverlappingCallsAndNoise) {
     }
 }
 
-TEST_F(FiRotateLogWriters, OfDifferentFormatsAreToldApartInOverlappingCallsAndNoise) {
+TEST_F(FiRotateLogWriters, AreSeparatedInOverlappingCallsOfDifferentFormats) {
     for (std::size_t i = 0; i < kFormats.size(); ++i) {
         SCOPED_TRACE(i);
         std::vector<SProcess> processes;
@@ -237,7 +237,7 @@ TEST_F(FiRotateLogWriters, AreFollowedThroughRotatedLogs) {
     expectAll(reader.finish(), expected);
 }
 
-TEST_F(FiRotateLogWriters, AreToldApartWhenACallWasCutOffAtTheBeginningOfTheLog) {
+TEST_F(FiRotateLogWriters, AreSeparatedWhenTheLogBeginsWithinACall) {
     const SProcess cut = process(iso, 1);
     const SProcess whole = process(iso, 3);
     std::vector<std::string> log;
@@ -259,7 +259,7 @@ TEST_F(FiRotateLogWriters, AreToldApartWhenACallWasCutOffAtTheBeginningOfTheLog)
     }
 }
 
-TEST_F(FiRotateLogWriters, OfOtherLogsNeedNoTimeWhereThoseOfOneHaveIt) {
+TEST_F(FiRotateLogWriters, MayHaveATimeInOneLogAndNoneInAnother) {
     const SProcess host = process(syslog, 1);
     const SProcess own = process(nullptr, 1);
     CLogReader reader;
@@ -274,12 +274,12 @@ TEST_F(FiRotateLogWriters, OfOtherLogsNeedNoTimeWhereThoseOfOneHaveIt) {
     expectAll(reader.finish(), {host.calls[0].second, own.calls[0].second});
 }
 
-TEST_F(FiRotateLogWriters, AreNoneWithoutALineThatNamesItsOperation) {
+TEST_F(FiRotateLogWriters, AreNotFoundWithoutALineThatNamesAnOperation) {
     EXPECT_THAT(callsOf({" [UDID##v##m##A##x]", "[A:x](Used)", "4 {1,Available}", "a: ERROR: UDID##v"}),
                 IsEmpty());
 }
 
-TEST_F(FiRotateLogWriters, AreKnownByAFailureAloneBehindALevelInFront) {
+TEST_F(FiRotateLogWriters, AreFoundByASingleFailureLineAfterALevel) {
     const auto calls = callsOf({"ERROR: fi_process_backups : Invalid/empty parameter"});
     ASSERT_THAT(calls, SizeIs(1));
     EXPECT_EQ(calls[0].outcome.status, 3);
@@ -313,7 +313,7 @@ protected:
     }
 };
 
-TEST_F(FiRotateLogForgery, OfALineWithinATextChangesNothing) {
+TEST_F(FiRotateLogForgery, LineWithinATextChangesNothing) {
     for (const char* const text :
          {"CFiResourceParser::parse : Resource specification [evil]", "fi_process_backups : parsed [evil",
           "fi_process_backups : resource_config_string [evil", "[x CFiResourceManager::print : [",
@@ -327,7 +327,7 @@ TEST_F(FiRotateLogForgery, OfALineWithinATextChangesNothing) {
     }
 }
 
-TEST_F(FiRotateLogForgery, OfALineWithoutThePrefixIsNoLineOfACall) {
+TEST_F(FiRotateLogForgery, LineWithoutThePrefixBelongsToNoCall) {
     for (const char* const text : {"&#10;fi_process_backups : Invalid/empty parameter&#10;",
                                    "&#10;CFiResourceParser::parse : Resource specification "
                                    "[evil]&#10;fi_process_backups : Resources not "
@@ -347,7 +347,7 @@ TEST_F(FiRotateLogForgery, OfALineWithoutThePrefixIsNoLineOfACall) {
     }
 }
 
-TEST_F(FiRotateLogForgery, OfANameWithALineBreakLeavesNoReason) {
+TEST_F(FiRotateLogForgery, NameWithALineBreakGivesNoReason) {
     fi_rotate::SCall call;
     call.configuration = "A##x;1";
     call.backups.resize(2);

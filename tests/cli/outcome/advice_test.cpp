@@ -39,7 +39,7 @@ protected:
 
 // Allowing rotation of backup 2 releases backups 1 and 2; allowing that of backup 4 releases 1, 3 and 4. So
 // the advice is backup 2.
-TEST_F(FiRotateAdvice, NamesTheExclusionWhoseEndCostsTheFewestBackups) {
+TEST_F(FiRotateAdvice, NamesTheExclusionWhoseEndReleasesTheFewestBackups) {
     call.configuration = "A##x;1;2&A##y;3;4";
     const std::string one = give("1", "1", {{"A##y", "A##3"}});
     const std::string two = give("2", "2", {{"A##x", "A##1"}}, FI_EXCLUDE_ROTATION);

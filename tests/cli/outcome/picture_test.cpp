@@ -261,7 +261,7 @@ TEST_F(FiRotatePicture, OfAShortageShowsWhatIsHeldAndNamesWhatIsShort) {
     EXPECT_THAT(picture.chosen, IsEmpty());
 }
 
-TEST_F(FiRotatePicture, CountsWhatBecameOfTheBackupsAndNamesWhatWasNotLoaded) {
+TEST_F(FiRotatePicture, CountsBackupsByStateAndNamesThoseNotLoaded) {
     const SCall call{"A##lun1;A##1;A##2;A##3;A##4",
                      {{backup("rotated", "1", {{"A##lun1", "A##1"}}), 0},
                       {backup("excluded", "2", {{"A##lun1", "A##2"}}), FI_EXCLUDE_ROTATION},
@@ -285,7 +285,7 @@ TEST_F(FiRotatePicture, IsDrawnOfAListWhoseRepeatedNameWasNotLoadedAgain) {
 }
 
 // Nobody told the time of the call.
-TEST_F(FiRotatePicture, HasNoTimeBehindTheNewestBackup) {
+TEST_F(FiRotatePicture, HasNoScaleAfterTheNewestBackup) {
     const SCall call{"A##lun1;A##1;A##2;A##3",
                      {{backup("one", "20260101000000", {{"A##lun1", "A##1"}}), 0},
                       {backup("two", "20260103000000", {{"A##lun1", "A##2"}}), 0}}};
@@ -298,7 +298,7 @@ TEST_F(FiRotatePicture, HasNoTimeBehindTheNewestBackup) {
     EXPECT_LT(picture.lineAt, picture.to);
 }
 
-TEST_F(FiRotatePicture, OfAnExceptionClaimsNoState) {
+TEST_F(FiRotatePicture, ShowsNoStatesAfterAnException) {
     const SDrawn picture = drawn(make({"A##lun1;A##1", {{backup("one", "1", {{"", ""}}), 0}}}));
     EXPECT_THAT(picture.texts, Contains(HasSubstr("An exception ended the call")));
     EXPECT_THAT(picture.texts, Contains("1 backup: 1 of unknown state"));

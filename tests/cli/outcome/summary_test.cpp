@@ -45,7 +45,7 @@ protected:
     }
 };
 
-TEST_F(FiRotateSummary, CountsEachStateAndWhatWasReleasedInVain) {
+TEST_F(FiRotateSummary, CountsEachStateAndReleasesThatFreedNoNeededTarget) {
     call.configuration = "A##x;1&A##y;3;4;5";
     give("a", "1", {{"A##y", "A##3"}});
     give("b", "2", {{"A##x", "A##1"}});

@@ -92,7 +92,7 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
               "Total: 1 kept, 1 rotated, 1 not loaded\n");
 }
 
-TEST(FiRotateTable, ShowsASelectionWholeThatItCannotTakeApart) {
+TEST(FiRotateTable, ShowsTheSelectionAsOneTextWhenItCannotBeSplit) {
     SOutcome outcome = someOutcome();
     outcome.backups.clear();
     outcome.selection = "[A##x][1;B##2]";
@@ -110,7 +110,7 @@ TEST(FiRotateTable, ColourChangesNoText) {
     EXPECT_EQ(coloured, fi_rotate::toTables(someOutcome(), {}, std::nullopt, kAnyWidth, false));
 }
 
-TEST(FiRotateTable, ListsWhatANarrowTerminalHasNoRowsFor) {
+TEST(FiRotateTable, ShowsListsWhenRowsAreTooLongForTheTerminal) {
     SOutcome outcome = someOutcome();
     outcome.selection = "[enclosure-0001##lun-0001;enclosure-0002##snapshot-000000001]";
     outcome.backups = {backup("/backups/2026/11/monday-the-second.xml", "20261102", 0, FI_BACKUP_KEPT)};

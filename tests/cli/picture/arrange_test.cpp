@@ -63,7 +63,7 @@ std::vector<std::string> groupsOf(const SPicture& picture) {
     return names;
 }
 
-TEST(FiRotateArrange, MakesARowOfThreeFreeTargetsOrMore) {
+TEST(FiRotateArrange, FoldsThreeOrMoreFreeTargetsIntoOneRow) {
     const SPicture picture = arranged({group("a", "hfffhffcffff")});
     EXPECT_THAT(rowsOf(picture.groups[0]), ElementsAre("a1", "3 free", "a5", "a6", "a7", "a8", "4 free"));
     EXPECT_EQ(picture.groups[0].rows[1].title, "a2 to a4");
@@ -90,7 +90,7 @@ TEST(FiRotateArrange, PutsShortConfigurationsFirstThenReleasedOnesThenThoseWithF
                  "was rotated, then by the number of free targets"));
 }
 
-TEST(FiRotateArrange, DrawsOfTooManyConfigurationsSomeWholeSomeWithTheirChosenTargetAndCountsTheOthers) {
+TEST(FiRotateArrange, ShortensTooManyConfigurationsAndCountsTheOthers) {
     const std::vector<SPictureGroup> groups(100, group("a", std::string(49, 'h') + "c"));
     const SPicture picture = arranged(groups);
     // 51 lines each within 250.
@@ -104,7 +104,7 @@ TEST(FiRotateArrange, DrawsOfTooManyConfigurationsSomeWholeSomeWithTheirChosenTa
         Contains("The first 4 configurations are drawn whole, the next 20 with the chosen target only"));
 }
 
-TEST(FiRotateArrange, DoesNotSayOfOthersThatAreShortThatTheyHaveAFreeTarget) {
+TEST(FiRotateArrange, DoesNotClaimAFreeTargetForShortConfigurationsThatItDoesNotDraw) {
     std::vector<SPictureGroup> groups(10, group("short", std::string(60, 'b')));
     groups.push_back(group("a", std::string(60, 'f')));
     const SPicture picture = arranged(groups);
@@ -112,7 +112,7 @@ TEST(FiRotateArrange, DoesNotSayOfOthersThatAreShortThatTheyHaveAFreeTarget) {
     EXPECT_EQ(picture.leftOut, "and 7 configurations more, 6 of them without a free target");
 }
 
-TEST(FiRotateArrange, DrawsOfAHugeConfigurationItsChosenTargetWhereverItIs) {
+TEST(FiRotateArrange, DrawsTheChosenTargetOfAHugeConfigurationAtAnyPosition) {
     const SPicture picture = arranged({group("a", std::string(10000, 'h') + "c" + std::string(10, 'h'))});
     const SPictureGroup& shown = picture.groups[0];
     ASSERT_EQ(shown.rows.size(), 253U);

@@ -208,7 +208,7 @@ TEST(FiRotateSimulation, AShortConfigurationRotatesTheTargetsOfTheOthersToo) {
                                                   held(1, 1, 2), held(0, 0, 3), held(1, 0, 3)));
 }
 
-TEST(FiRotateSimulation, OnlyConfigurationsThatAreShortAreSaidToBe) {
+TEST(FiRotateSimulation, OnlyShortConfigurationsAreReportedAsShort) {
     SPlan plan = daily("encA##lun1;s1&encB##lun2;t1;t2", 3);
     plan.excludedEvery = 1;
     const SSimulation simulation = run(plan);
@@ -255,7 +255,7 @@ TEST(FiRotateSimulation, NamesThatNoDocumentCanHoldAreRefused) {
                 ThrowsMessage<std::invalid_argument>(HasSubstr("cannot be split into targets")));
 }
 
-TEST(FiRotateSimulation, ARejectedConfigurationIsRefusedInTheLibrarysWords) {
+TEST(FiRotateSimulation, ARejectedConfigurationIsRefusedWithTheLineOfTheTrace) {
     EXPECT_THAT([] { run(daily("encA##lun1;s1&lun2;s2", 1)); },
                 ThrowsMessage<std::invalid_argument>(
                     HasSubstr("resource configuration \"lun2\" has no enclosure data specified.")));
@@ -263,7 +263,7 @@ TEST(FiRotateSimulation, ARejectedConfigurationIsRefusedInTheLibrarysWords) {
                 ThrowsMessage<std::invalid_argument>(HasSubstr("Invalid resource specification []")));
 }
 
-TEST(FiRotateSimulation, EndsBeforeTheRoundThatIsNotToBeRun) {
+TEST(FiRotateSimulation, StopsBeforeTheNextRoundWhenTheCallbackSaysSo) {
     const SSimulation simulation = simulate(
         daily("encA##lun1;s1", 10), [](const SSimulation& soFar) { return soFar.finishedRounds < 3; });
     EXPECT_EQ(simulation.finishedRounds, 3);
@@ -310,7 +310,7 @@ TEST_F(FiRotateTakeOver, TheFirstRoundsFindTheBackupsOfDocuments) {
     EXPECT_THAT(simulation.fewestKept, ElementsAre(fewestKept({2, 1}, SKept{2, 2})));
 }
 
-TEST_F(FiRotateTakeOver, DocumentsStayAsTheyAre) {
+TEST_F(FiRotateTakeOver, DocumentsAreNotChanged) {
     give("first", "20260929000000", {{"encA##lun1", "encA##s1"}});
     const SSimulation simulation = run(plan("encA##lun1;s1", 1));
     EXPECT_EQ(simulation.takenOver.at(0).end, EEnd::kRotated);
@@ -342,7 +342,7 @@ TEST_F(FiRotateTakeOver, ADocumentCanHoldTheTargetThatIsShort) {
 }
 
 // Neither counts as lost: their snapshots were so before.
-TEST_F(FiRotateTakeOver, InvalidBackupsAreLeftOutAndSayWhy) {
+TEST_F(FiRotateTakeOver, InvalidBackupsAreNotUsedAndHaveAReason) {
     give("unknown", "of old", {{"encA##lun1", "encA##s9"}});
     give("overwritten", "20260928000000", {{"encA##lun1", "encA##s1"}, {"encB##lun2", "encB##t1"}});
     give("newest", "20260929000000", {{"encA##lun1", "encA##s1"}});
