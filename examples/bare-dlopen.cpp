@@ -5,33 +5,50 @@
 //   c++ -std=c++17 -Wl,--export-dynamic-symbol=mofi_tracelog bare-dlopen.cpp -ldl -o bare-dlopen
 //   ./bare-dlopen "$(cat resource.conf)" backup-*.xml
 //
-// Exit status: 0 a selection was made, 1 none was, 2 the call could not be made.
+// Exit status: 0 a selection was made, 1 there is none, 2 the call could not be made.
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <vector>
 
 #include <fi_rotation/CFiUdidException.h>
 #include <fi_rotation/fi_process_backups.h>
 
+namespace {
+
+// Whether no configuration was malformed and no document damaged. Only the trace tells.
+bool isWhole = true;
+
+}  // namespace
+
 // The library finds this function in the program by its name. The linker exports it only when told to, since
 // nothing that it sees refers to it: that is the -Wl option above (-rdynamic exports everything). A host in
 // production keeps these lines; this one shows only failures.
 void mofi_tracelog(int level, const char* format, ...) {
     constexpr int kFailure = 3;
-    if (level != kFailure) {
-        return;
-    }
     std::va_list arguments;
     va_start(arguments, format);
-    std::vfprintf(stderr, format, arguments);
+    if (level == kFailure) {
+        if (std::strncmp(format, "CFiResourceParser::", 19) == 0) {
+            isWhole = false;
+        }
+        std::vfprintf(stderr, format, arguments);
+        std::fputc('\n', stderr);
+    } else if (std::strcmp(format, "Entering %s\n") == 0 &&
+               std::strcmp(va_arg(arguments, const char*), "CFiFiidHandler::fatalError") == 0) {
+        isWhole = false;
+    }
     va_end(arguments);
-    std::fputc('\n', stderr);
 }
 
 namespace {
@@ -76,21 +93,43 @@ const char* nameOf(std::int32_t state) {
         case FI_BACKUP_ROTATED:
             return "rotated";
         default:
-            return "not loaded";
+            return "in another state";
     }
+}
+
+// To be known before the call, which waits for a pipe, and does not tell that a NUL byte hid the rest of its
+// line.
+bool isFileWithoutNul(const char* name) {
+    if (!std::filesystem::is_regular_file(name)) {
+        return false;
+    }
+    std::ifstream file(name, std::ios::binary);
+    const std::istreambuf_iterator<char> end;
+    return std::find(std::istreambuf_iterator<char>(file), end, '\0') == end;
 }
 
 // One call, which exceptions may leave.
 int rotate(ProcessBackups processBackups, const char* configuration,
            const std::vector<const char*>& documents) {
-    // Made for every call: after one, the words are states. `| FI_EXCLUDE_ROTATION` protects a backup.
+    const auto unusable = std::find_if_not(documents.begin(), documents.end(), isFileWithoutNul);
+    if (unusable != documents.end()) {
+        std::fprintf(stderr, "bare-dlopen: %s is no file, or holds a NUL byte\n", *unusable);
+        return kNotSelected;
+    }
+    // Made for every call: after one, the words are states. `| FI_EXCLUDE_ROTATION` excludes a backup.
     std::vector<std::int32_t> flags(documents.size(), kNotLoaded);
+    isWhole = true;
     char* text = nullptr;
     const std::int32_t status = processBackups(documents.data(), configuration, flags.data(),
                                                static_cast<std::int32_t>(documents.size()), &text);
     const std::unique_ptr<char, SFree> selection(text);
     if (status != FI_STATUS_SUCCESS) {
         std::fprintf(stderr, "bare-dlopen: no selection (status %d)\n", static_cast<int>(status));
+        return kNotSelected;
+    }
+    // The targets of what is not known look free, so this selection could overwrite a snapshot.
+    if (!isWhole || std::find(flags.begin(), flags.end(), kNotLoaded) != flags.end()) {
+        std::fprintf(stderr, "bare-dlopen: a document or a configuration was ignored, or is damaged\n");
         return kNotSelected;
     }
     std::printf("selection: %s\n", selection.get());
