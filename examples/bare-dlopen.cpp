@@ -142,8 +142,9 @@ int rotate(ProcessBackups processBackups, const char* configuration,
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: bare-dlopen CONFIGURATION [DOCUMENT]...\n");
+    // A call without documents is that of a first backup: all targets are free.
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: bare-dlopen CONFIGURATION DOCUMENT...\n");
         return kNotCalled;
     }
     const ProcessBackups processBackups = loadRotation();

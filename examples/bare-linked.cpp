@@ -118,8 +118,9 @@ int rotate(const char* configuration, const std::vector<const char*>& documents)
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: bare-linked CONFIGURATION [DOCUMENT]...\n");
+    // A call without documents is that of a first backup: all targets are free.
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: bare-linked CONFIGURATION DOCUMENT...\n");
         return kNotCalled;
     }
     try {

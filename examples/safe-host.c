@@ -24,13 +24,14 @@ static const char* state_name(fi_rotation_state state) {
 }
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
-        fprintf(stderr, "usage: safe-host CONFIGURATION [DOCUMENT]...\n");
+    /* A call without documents is that of a first backup: all targets are free. */
+    if (argc < 3) {
+        fprintf(stderr, "usage: safe-host CONFIGURATION DOCUMENT...\n");
         return 2;
     }
     fi_rotation_call* call = fi_rotation_call_new(argv[1]);
     for (int i = 2; i < argc; i++) {
-        /* 1 in place of 0 protects a backup. */
+        /* 1 instead of 0 excludes a backup from rotation. */
         fi_rotation_call_add(call, argv[i], 0);
     }
     /* What went wrong up to here, this says. */

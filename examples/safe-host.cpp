@@ -37,14 +37,15 @@ static int decideAndPrint(const std::string& configuration,
 }
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
-        std::cerr << "usage: safe-host CONFIGURATION [DOCUMENT]...\n";
+    // A call without documents is that of a first backup: all targets are free.
+    if (argc < 3) {
+        std::cerr << "usage: safe-host CONFIGURATION DOCUMENT...\n";
         return 2;
     }
     try {
         std::vector<fi_rotation::SBackup> backups;
         for (int i = 2; i < argc; ++i) {
-            // A `true` behind the name protects a backup.
+            // A `true` behind the name excludes a backup from rotation.
             backups.push_back({argv[i]});
         }
         return decideAndPrint(argv[1], backups);

@@ -13,7 +13,7 @@ import fi_rotation
 configuration, *backups = sys.argv[1:]
 try:
     outcome = fi_rotation.rotate(pathlib.Path(configuration).read_bytes(), backups)
-except fi_rotation.RotationError as error:
+except (fi_rotation.RotationError, ValueError) as error:
     sys.exit(f"safe-host: {error}")
 print(outcome.selection)
 for backup in outcome.backups:

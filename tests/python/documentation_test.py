@@ -69,6 +69,11 @@ class Example(unittest.TestCase):
         self.assertEqual((run.returncode, run.stdout), (1, ""))
         self.assertIn("no-identifier", run.stderr)
 
+    def test_it_prints_no_selection_without_documents(self):
+        run = self.run_example("resource.conf")
+        self.assertEqual((run.returncode, run.stdout), (1, ""))
+        self.assertRegex(run.stderr, "^safe-host: no backups are listed")
+
 
 if __name__ == "__main__":
     PROJECT = pathlib.Path(sys.argv.pop()).resolve()
