@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include <fi_rotation/fi_process_backups.h>
@@ -9,7 +10,7 @@
 namespace fi_rotate {
 namespace {
 
-// Each trial costs a call of the library.
+// Single changes, and then once more of changes taken back. Each takes a call.
 constexpr std::size_t kMostTrials = 200;
 
 // A target that no configuration names and that no backup is likely to name.
@@ -34,16 +35,21 @@ void addTargets(SCall& call, const SAccount& account) {
     call.configuration = toSpecification(configurations);
 }
 
-void apply(const SChange& change, SCall& call) {
+SCall with(const std::vector<SChange>& changes, SCall call) {
+    std::set<std::string> allowed;
+    std::set<std::string> leftOut;
+    for (const SChange& change : changes) {
+        (change.kind == EChange::kAllowRotation ? allowed : leftOut).insert(change.file);
+    }
     auto& backups = call.backups;
-    const auto isMeant = [&change](const SBackup& backup) { return backup.file == change.file; };
-    if (change.kind == EChange::kLeaveOut) {
-        backups.erase(std::remove_if(backups.begin(), backups.end(), isMeant), backups.end());
-        return;
-    }
+    backups.erase(
+        std::remove_if(backups.begin(), backups.end(),
+                       [&leftOut](const SBackup& backup) { return leftOut.count(backup.file) != 0; }),
+        backups.end());
     for (SBackup& backup : backups) {
-        backup.flagWord &= isMeant(backup) ? ~FI_EXCLUDE_ROTATION : ~0;
+        backup.flagWord &= allowed.count(backup.file) != 0 ? ~FI_EXCLUDE_ROTATION : ~0;
     }
+    return call;
 }
 
 std::vector<std::string> releasedIn(const SOutcome& outcome) {
@@ -69,107 +75,152 @@ std::optional<std::vector<std::string>> releasedWithSelection(const SOutcome& ou
     return outcome.selection.has_value() ? std::optional(releasedIn(outcome)) : std::nullopt;
 }
 
+// Of each backup that holds a target of a short configuration, once.
+std::vector<SChange> changesOfHolders(const SAccount& account) {
+    std::vector<SChange> changes;
+    std::set<std::string> known;
+    for (const SShortage& shortage : account.shortages) {
+        for (const SHeldTarget& held : shortage.targets) {
+            const std::string& file = account.backups[held.holder].file;
+            if (known.insert(file).second) {
+                changes.push_back({held.isExcluded ? EChange::kAllowRotation : EChange::kLeaveOut, file});
+            }
+        }
+    }
+    return changes;
+}
+
+// The places of the backups that were not released: those first that hold the most targets of short
+// configurations, and of those that hold as many the oldest.
+std::vector<std::size_t> byUse(const SAccount& account) {
+    std::vector<std::size_t> held(account.backups.size());
+    for (const SShortage& shortage : account.shortages) {
+        for (const SHeldTarget& target : shortage.targets) {
+            ++held[target.holder];
+        }
+    }
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < account.backups.size(); ++i) {
+        if (account.backups[i].state != FI_BACKUP_ROTATED) {
+            places.push_back(i);
+        }
+    }
+    std::stable_sort(places.begin(), places.end(), [&account, &held](std::size_t one, std::size_t other) {
+        return std::tie(held[other], account.backups[one].timeStamp) <
+               std::tie(held[one], account.backups[other].timeStamp);
+    });
+    return places;
+}
+
+// Of all backups. An invalid one may be excluded too: when another is left out it may become valid.
+std::vector<SChange> allChanges(const SCall& call, const SAccount& account) {
+    std::set<std::string> excluded;
+    for (const SBackup& backup : call.backups) {
+        if ((backup.flagWord & FI_EXCLUDE_ROTATION) != 0) {
+            excluded.insert(backup.file);
+        }
+    }
+    std::vector<SChange> changes;
+    for (const std::size_t place : byUse(account)) {
+        const SAccountBackup& backup = account.backups[place];
+        if (excluded.count(backup.file) != 0) {
+            changes.push_back({EChange::kAllowRotation, backup.file});
+        }
+        if (backup.state == FI_BACKUP_INVALID) {
+            changes.push_back({EChange::kLeaveOut, backup.file});
+        }
+    }
+    return changes;
+}
+
+// Those from `first` on up to `last` taken away.
+std::vector<SChange> without(std::size_t first, std::size_t last, const std::vector<SChange>& changes) {
+    std::vector<SChange> left;
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        if (i < first || i >= last) {
+            left.push_back(changes[i]);
+        }
+    }
+    return left;
+}
+
 class CAdviser {
 public:
     CAdviser(const SCall& inputs, const SOutcome& found, const MakeCall& make)
-        : call(inputs), outcome(found), makeCall(make) {}
+        : call(inputs), account(*found.account), makeCall(make) {}
 
     SAdvice advise() {
-        const std::vector<SChange> holders = changesOfHolders(*outcome.account);
-        advice.untried = holders.size() - std::min(holders.size(), kMostTrials);
-        for (std::size_t i = 0; i < holders.size() - advice.untried; ++i) {
-            tryChange(holders[i]);
+        trySingleChanges();
+        if (!takeBestTrial()) {
+            changeSeveral();
         }
-        findCheapestChanges();
-        SCall changed = call;
-        addTargets(changed, *outcome.account);
-        advice.releasedWithTargets = releasedWithSelection(makeCall(changed));
+        SCall extended = call;
+        addTargets(extended, account);
+        advice.releasedWithTargets = releasedWithSelection(makeCall(extended));
         return std::move(advice);
     }
 
 private:
-    // One change for each backup that holds a target of a short configuration.
-    static std::vector<SChange> changesOfHolders(const SAccount& account) {
-        std::vector<SChange> changes;
-        std::set<std::string> known;
-        for (const SShortage& shortage : account.shortages) {
-            for (const SHeldTarget& held : shortage.targets) {
-                const std::string& file = account.backups[held.holder].file;
-                if (known.insert(file).second) {
-                    changes.push_back({held.isExcluded ? EChange::kAllowRotation : EChange::kLeaveOut, file});
-                }
-            }
+    void trySingleChanges() {
+        std::vector<SChange> changes = changesOfHolders(account);
+        const std::size_t tried = std::min(changes.size(), kMostTrials);
+        advice.untried = changes.size() - tried;
+        changes.resize(tried);
+        for (const SChange& change : changes) {
+            advice.trials.push_back({change, releasedWith({change})});
         }
-        return changes;
     }
 
-    void tryChange(const SChange& wanted) {
-        SCall changed = call;
-        apply(wanted, changed);
-        advice.trials.push_back({wanted, releasedWithSelection(makeCall(changed))});
-    }
-
-    void findCheapestChanges() {
+    bool takeBestTrial() {
         const STrial* best = nullptr;
         for (const STrial& trial : advice.trials) {
             const bool isBetter = trial.released.has_value() &&
                                   (best == nullptr || trial.released->size() < best->released->size());
             best = isBetter ? &trial : best;
         }
-        if (best != nullptr) {
-            advice.cheapestChanges = {best->change};
-            advice.released = *best->released;
-        } else if (outcome.account->shortages.size() > 1) {
-            changeOneAfterTheOther();
+        if (best == nullptr) {
+            return false;
         }
+        advice.neededChanges = {best->change};
+        advice.released = *best->released;
+        return true;
     }
 
-    // To be called when no single change is enough. Each step makes the change after which the fewest
-    // configurations are short and, of equally good ones, the one that releases the fewest backups.
-    void changeOneAfterTheOther() {
-        SCall changed = call;
-        SOutcome now = outcome;
-        std::vector<SChange> steps;
+    // When each invalid backup is left out and each excluded one may be released, none can hold a target for
+    // good: then only a configuration that has no targets is still short. Not all of these changes are
+    // needed, so they are taken back from the last on, many at once and then fewer, as long as there is a
+    // selection.
+    void changeSeveral() {
+        if (!takeIfEnough(allChanges(call, account))) {
+            return;
+        }
         std::size_t trials = 0;
-        while (!now.selection.has_value() && now.account.has_value()) {
-            const std::vector<SChange> changes = changesOfHolders(*now.account);
-            std::optional<SOutcome> best;
-            SCall bestCall;
-            SChange step;
-            for (const SChange& candidate : changes) {
-                if (++trials > kMostTrials) {
-                    return;
-                }
-                SCall tried = changed;
-                apply(candidate, tried);
-                SOutcome then = makeCall(tried);
-                if (then.account.has_value() && isCloserToSelection(then, best.has_value() ? *best : now)) {
-                    best = std::move(then);
-                    bestCall = std::move(tried);
-                    step = candidate;
-                }
+        for (std::size_t size = advice.neededChanges.size() / 2; size > 0; size /= 2) {
+            for (std::size_t last = advice.neededChanges.size(); last > 0 && trials < kMostTrials; ++trials) {
+                const std::size_t first = last - std::min(size, last);
+                takeIfEnough(without(first, last, advice.neededChanges));
+                last = first;
             }
-            if (!best.has_value()) {
-                return;
-            }
-            steps.push_back(step);
-            changed = std::move(bestCall);
-            now = std::move(*best);
         }
-        advice.cheapestChanges = std::move(steps);
-        advice.released = releasedIn(now);
     }
 
-    static bool isCloserToSelection(const SOutcome& candidate, const SOutcome& best) {
-        const std::size_t shortOfCandidate = candidate.account->shortages.size();
-        const std::size_t shortOfBest = best.account->shortages.size();
-        return shortOfCandidate < shortOfBest ||
-               (shortOfCandidate == shortOfBest && candidate.selection.has_value() &&
-                releasedIn(candidate).size() < releasedIn(best).size());
+    bool takeIfEnough(std::vector<SChange> changes) {
+        std::optional<std::vector<std::string>> released = releasedWith(changes);
+        if (!released.has_value()) {
+            return false;
+        }
+        advice.neededChanges = std::move(changes);
+        advice.released = std::move(*released);
+        return true;
+    }
+
+    [[nodiscard]] std::optional<std::vector<std::string>> releasedWith(
+        const std::vector<SChange>& changes) const {
+        return releasedWithSelection(makeCall(with(changes, call)));
     }
 
     const SCall& call;
-    const SOutcome& outcome;
+    const SAccount& account;
     const MakeCall& makeCall;
     SAdvice advice;
 };

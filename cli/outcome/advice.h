@@ -38,10 +38,10 @@ struct SAdvice {
     std::vector<STrial> trials;
     // Holders beyond the number that is tried.
     std::size_t untried = 0;
-    // The cheapest changes that were found to give a selection without a new target: the single change that
-    // releases the fewest backups or, when no single change is enough, several that were chosen one after
-    // another. Empty when none were found.
-    std::vector<SChange> cheapestChanges;
+    // Changes that lead to a selection without another target: the trial that releases the fewest backups, or
+    // several changes where none of the trials is enough. Empty only when no change is enough: then a
+    // configuration has no targets at all.
+    std::vector<SChange> neededChanges;
     // The backups that are released with these changes.
     std::vector<std::string> released;
     // The backups that are released when each configuration that is short gets one more target instead;

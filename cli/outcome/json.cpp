@@ -51,7 +51,7 @@ Json adviceJson(const std::optional<SAdvice>& advice) {
         return nullptr;
     }
     Json changes = Json::array();
-    for (const SChange& change : advice->cheapestChanges) {
+    for (const SChange& change : advice->neededChanges) {
         changes.push_back(changeJson(change));
     }
     Json trials = Json::array();

@@ -189,14 +189,14 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
     }
     const bool isOne = names.size() == 1;
     std::string text = fmt::format("{} {} no free target\n", fmt::join(names, ", "), isOne ? "has" : "have");
-    if (!advice.cheapestChanges.empty()) {
-        text += fmt::format("Without a new target: {} ({})\n", inWords(advice.cheapestChanges),
+    if (!advice.neededChanges.empty()) {
+        text += fmt::format("Without new targets: {} ({})\n", inWords(advice.neededChanges),
                             wouldBeReleased(advice.released));
     } else {
-        text += "Without a new target: no change to the earlier backups is enough\n";
+        text += "Without new targets: nothing helps, whichever backups are given up\n";
     }
     if (advice.releasedWithTargets.has_value()) {
-        text += fmt::format("With a new target: add one to {} ({})\n", isOne ? "it" : "each of them",
+        text += fmt::format("With new targets: add one to {} ({})\n", isOne ? "it" : "each of them",
                             wouldBeReleased(*advice.releasedWithTargets));
     }
     return text;

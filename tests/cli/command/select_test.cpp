@@ -282,18 +282,29 @@ TEST(FiRotateSelect, DecidesNothingWhereTooFewBackupsWouldBeKept) {
     }
 }
 
-TEST(FiRotateSelect, BeginsWithTheAdviceWhenNoTargetIsFree) {
+TEST(FiRotateSelect, BeginsWithTheWaysOutOfAShortage) {
     const fi_test::CTemporaryFolder folder;
     const std::string holder = folder.write("a.xml", kHolder);
     const auto result = runFiRotate({"select", "--config", kConfiguration, "--exclude", holder, holder});
     EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output, StartsWith("Selection: none\n"
+                                          "encA##lun1 has no free target\n"
+                                          "Without new targets: allow rotation of " +
+                                          holder +
+                                          " (1 backup would be released)\n"
+                                          "With new targets: add one to it (no backup would be released)\n"));
+}
+
+TEST(FiRotateSelect, SaysThatOnlyATargetHelpsAConfigurationThatHasNone) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string backup = folder.write("a.xml", "<Node><timeStamp>1</timeStamp></Node>");
+    const auto result = runFiRotate({"select", "--config", "encA##lun1", backup});
+    EXPECT_EQ(result.exitStatus, 3);
     EXPECT_THAT(result.output,
                 StartsWith("Selection: none\n"
                            "encA##lun1 has no free target\n"
-                           "Without a new target: allow rotation of " +
-                           holder +
-                           " (1 backup would be released)\n"
-                           "With a new target: add one to it (no backup would be released)\n"));
+                           "Without new targets: nothing helps, whichever backups are given up\n"
+                           "With new targets: add one to it (no backup would be released)\n"));
 }
 
 }  // namespace
