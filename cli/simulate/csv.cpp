@@ -36,6 +36,7 @@ public:
                 ended.push_back(snapshot);
             }
         }
+        addRotatedDocuments();
         while (nextTaken < all.snapshots.size() && all.snapshots[nextTaken].taken == 0) {
             ++nextTaken;
         }
@@ -75,6 +76,19 @@ private:
         Backups rotated;
         Backups lost;
     };
+
+    // A backup that was there before is rotated even if it has no snapshot, since it holds no target.
+    void addRotatedDocuments() {
+        for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
+            const STakenOver& backup = simulation.takenOver[i];
+            if (backup.end == EEnd::kRotated) {
+                SSnapshot& row = ended.emplace_back();
+                row.document = static_cast<std::uint32_t>(i);
+                row.ended = backup.ended;
+                row.end = backup.end;
+            }
+        }
+    }
 
     SEndedBackups endedBy(std::size_t round) {
         SEndedBackups backups;

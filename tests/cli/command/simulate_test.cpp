@@ -323,6 +323,17 @@ TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
               "2,2026-10-02T00:00:00Z,no,yes,d3,,encA##s3\n");
 }
 
+// A document without pairs holds no target, so that its backup is released first and in vain.
+TEST_F(FiRotateSimulateFrom, CsvNamesRotatedBackupsThatHoldNoTarget) {
+    const std::string csv = folder.path("rounds.csv");
+    const std::string empty = folder.write("empty", "<Node><timeStamp>20260901000000</timeStamp></Node>");
+    runFiRotate(daily("encA##lun1;s2", "2", {"--from", empty, older, "--csv", csv}));
+    EXPECT_EQ(contentOf(csv),
+              "round,time,excluded,selection,rotated,lost,encA##lun1\n"
+              "1,2026-10-01T00:00:00Z,no,yes,d1 d2,,encA##s2\n"
+              "2,2026-10-02T00:00:00Z,no,yes,1,,encA##s2\n");
+}
+
 TEST(FiRotateSimulate, CsvContainsRoundsWithoutATargetAndLostSnapshots) {
     const CTemporaryFolder folder;
     const std::string file = folder.path("rounds.csv");
