@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include <fmt/format.h>
@@ -38,6 +39,11 @@ std::optional<std::size_t> periodOfExclusions(const SPlan& plan) {
     return std::nullopt;
 }
 
+bool namesATargetTwice(const SAccountConfiguration& configuration) {
+    const std::set<std::string> names(configuration.targets.begin(), configuration.targets.end());
+    return names.size() < configuration.targets.size();
+}
+
 class CSearch {
 public:
     CSearch(SPlan rounds, const SAccountConfiguration& one, std::int64_t goalInSeconds,
@@ -47,11 +53,8 @@ public:
     SFewestTargets run() {
         std::size_t tooFew = 0;
         std::size_t enough = 1;
-        while (!simulateAndCheckGoal(enough)) {
-            // With a target for each round no backup needs to be rotated.
-            if (isStopped || enough >= plan.rounds) {
-                return {isStopped ? ESearch::kStopped : ESearch::kNever, 0};
-            }
+        // With a target for each round no backup needs to be rotated.
+        while (enough < plan.rounds && !simulateAndCheckGoal(enough)) {
             tooFew = enough;
             enough = std::min(2 * enough, plan.rounds);
         }
@@ -93,6 +96,9 @@ private:
 
 SFewestTargets findFewestTargets(const SPlan& plan, const SAccountConfiguration& configuration,
                                  std::int64_t goal, const ContinueSearchCallback& mayContinue) {
+    if (namesATargetTwice(configuration)) {
+        return {ESearch::kNever, 0};
+    }
     if (!roundsUntilSettled(plan, goal).has_value()) {
         return {ESearch::kNoLimit, 0};
     }

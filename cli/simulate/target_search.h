@@ -13,7 +13,9 @@ namespace fi_rotate {
 enum class ESearch {
     // `targets` is the fewest with which the goal is met.
     kFound,
-    // No number of targets meets the goal.
+    // The configuration names a target twice, and so loses snapshots, however many targets it has and
+    // whatever is
+    // excluded.
     kNever,
     // Exclusions that never end keep one target after another: the more rounds, the more targets are needed.
     kNoLimit,

@@ -1,6 +1,7 @@
 #include "cli/simulate/target_search.h"
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -94,10 +95,21 @@ TEST(FiRotateGoal, MoreRoundsThanItTakesToSettleNeedNoMoreTargets) {
     }
 }
 
+// Whether the search would try more targets than stand before the second mention, or fewer.
 TEST(FiRotateGoal, NoNumberHelpsWhereATargetIsNamedTwice) {
+    const std::vector<std::string> targets{"encA##s1", "encA##s2", "encA##s3", "encA##s3"};
+    for (const int days : {1, 2, 3, 4, 5}) {
+        EXPECT_EQ(findFewestTargets(daily(20), {"encA##lun1", targets}, days * kSecondsPerDay, always).search,
+                  ESearch::kNever)
+            << days;
+    }
+}
+
+TEST(FiRotateGoal, NoNumberHelpsWhereATargetIsNamedTwiceThoughExclusionsNeverEnd) {
+    SPlan plan = daily(10);
+    plan.excludedEvery = 3;
     EXPECT_EQ(
-        findFewestTargets(daily(9), {"encA##lun1", {"encA##s1", "encA##s1"}}, 2 * kSecondsPerDay, always)
-            .search,
+        findFewestTargets(plan, {"encA##lun1", {"encA##s1", "encA##s1"}}, kSecondsPerDay, always).search,
         ESearch::kNever);
 }
 
