@@ -9,6 +9,7 @@
 #include "cli/picture/arrange.h"
 #include "cli/picture/layout.h"
 #include "cli/picture/time_axis.h"
+#include "cli/simulate/report.h"
 
 namespace fi_rotate {
 namespace {
@@ -134,6 +135,10 @@ std::string countSnapshots(const SSimulation& simulation) {
            (lost == 0 ? "" : fmt::format(", {} lost", lost));
 }
 
+std::string namesOfRounds(std::size_t first, std::size_t last) {
+    return (first == last ? "Round " : "Rounds ") + shownRounds(first, last);
+}
+
 std::vector<std::string> remarksOn(const SSimulation& simulation, const SWindow& window) {
     const SPlan& plan = simulation.plan;
     const std::string rounds = simulation.finishedRounds < plan.rounds
@@ -154,14 +159,16 @@ std::vector<std::string> remarksOn(const SSimulation& simulation, const SWindow&
     }
     remarks.push_back(countSnapshots(simulation));
     if (window.first > 1) {
-        remarks.push_back(
-            fmt::format("Rounds 1 to {} are not drawn; their snapshots are drawn if they were still "
-                        "held in round {}",
-                        window.first - 1, window.first));
+        const bool isOne = window.first == 2;
+        remarks.push_back(fmt::format(
+            "{} {} not drawn; {} snapshots are drawn if they were still held in round {}",
+            namesOfRounds(1, window.first - 1), isOne ? "is" : "are", isOne ? "its" : "their", window.first));
     }
     if (window.last < simulation.finishedRounds) {
-        remarks.push_back(fmt::format("Rounds {} to {}, which found no target either, are not drawn",
-                                      window.last + 1, simulation.finishedRounds));
+        const bool isOne = window.last + 1 == simulation.finishedRounds;
+        remarks.push_back(fmt::format("{}, which found no target either, {} not drawn",
+                                      namesOfRounds(window.last + 1, simulation.finishedRounds),
+                                      isOne ? "is" : "are"));
     }
     return remarks;
 }

@@ -57,18 +57,24 @@ std::vector<SConfigurationSummary> summarise(const SSimulation& simulation) {
     return rows;
 }
 
+std::string shownRounds(std::size_t first, std::size_t last) {
+    return first == last ? fmt::to_string(first) : fmt::format("{} to {}", first, last);
+}
+
 std::string shortageInWords(const std::vector<SHeldByRound>& holders) {
     const auto excluded = std::count_if(holders.begin(), holders.end(),
                                         [](const SHeldByRound& held) { return held.isExcluded; });
     if (holders.empty()) {
         return "it has no further targets";
     }
-    const std::string whole =
-        holders.size() == 1 ? "its only target is" : fmt::format("all {} targets are", holders.size());
-    if (excluded == static_cast<std::ptrdiff_t>(holders.size())) {
-        return whole + " held by excluded backups";
+    if (holders.size() == 1) {
+        return fmt::format("its only target is held by an {} backup", excluded == 1 ? "excluded" : "invalid");
     }
-    return fmt::format("{} held, {} by excluded backups, the others by invalid ones", whole, excluded);
+    const std::string whole = fmt::format("all {} targets are held", holders.size());
+    const bool isOfOneKind = excluded == 0 || excluded == static_cast<std::ptrdiff_t>(holders.size());
+    return isOfOneKind
+               ? fmt::format("{} by {} backups", whole, excluded == 0 ? "invalid" : "excluded")
+               : fmt::format("{}, {} by excluded backups, the others by invalid ones", whole, excluded);
 }
 
 }  // namespace fi_rotate

@@ -41,6 +41,9 @@ struct SConfigurationSummary {
 
 std::vector<SConfigurationSummary> summarise(const SSimulation& simulation);
 
+// "7", or of several rounds "7 to 9".
+std::string shownRounds(std::size_t first, std::size_t last);
+
 // A shortage as a sentence without a full stop: "all 10 targets are held by excluded backups".
 std::string shortageInWords(const std::vector<SHeldByRound>& holders);
 

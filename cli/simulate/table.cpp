@@ -36,9 +36,10 @@ std::string headline(const SSimulation& simulation) {
     const std::string rounds =
         simulation.finishedRounds < plan.rounds
             ? fmt::format("{} of {} rounds, interrupted", simulation.finishedRounds, plan.rounds)
-            : fmt::format("{} rounds", plan.rounds);
-    return fmt::format("{}: {} to {}\n", rounds, toShownTime(plan.start),
-                       toShownTime(timeOf(plan, simulation.finishedRounds)));
+            : fmt::format(plan.rounds == 1 ? "{} round" : "{} rounds", plan.rounds);
+    const std::string first = toShownTime(plan.start);
+    const std::string last = toShownTime(timeOf(plan, simulation.finishedRounds));
+    return rounds + ": " + (simulation.finishedRounds == 1 ? first : first + " to " + last) + "\n";
 }
 
 Row headingOf(const SSimulationReport& report) {
@@ -137,10 +138,6 @@ std::string foundLine(const SSimulation& simulation) {
                                                               : "Every round found a target\n";
 }
 
-std::string shownRounds(std::size_t first, std::size_t last) {
-    return first == last ? fmt::to_string(first) : fmt::format("{} to {}", first, last);
-}
-
 // "3, 7 to 9 and more".
 std::string listWithoutTarget(const SSimulation& simulation) {
     constexpr std::size_t kMostShown = 5;
@@ -161,6 +158,12 @@ std::string listWithoutTarget(const SSimulation& simulation) {
     return text;
 }
 
+std::string whenShort(const SConfigurationSummary& summary) {
+    return summary.roundsShort == 1
+               ? fmt::format(" (round {})", summary.firstShort)
+               : fmt::format(" ({} rounds, the first is {})", summary.roundsShort, summary.firstShort);
+}
+
 std::string withoutTargetLines(const SSimulationReport& report) {
     const SSimulation& simulation = report.simulation;
     const std::size_t count = countRoundsWithoutTarget(simulation);
@@ -177,12 +180,9 @@ std::string withoutTargetLines(const SSimulationReport& report) {
                           listWithoutTarget(simulation));
     for (const SConfigurationSummary& summary : report.summaries) {
         if (summary.roundsShort != 0) {
-            const std::string when =
-                isForTheRest && summary.roundsShort == count
-                    ? ""
-                    : fmt::format(" ({} rounds, the first is {})", summary.roundsShort, summary.firstShort);
-            text += fmt::format("  {}{}: {}\n", asPrintable(summary.first), when,
-                                shortageInWords(summary.holders));
+            const bool isAsSaid = isForTheRest && summary.roundsShort == count;
+            text += fmt::format("  {}{}: {}\n", asPrintable(summary.first),
+                                isAsSaid ? "" : whenShort(summary), shortageInWords(summary.holders));
         }
     }
     return text;

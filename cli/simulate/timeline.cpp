@@ -13,6 +13,7 @@
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/simulate/report.h"
 
 namespace fi_rotate {
 namespace {
@@ -147,13 +148,15 @@ std::string marksOf(const SSimulation& simulation, const SWindow& window) {
 }
 
 std::string heading(const SSimulation& simulation, const SWindow& window) {
-    std::string text = fmt::format("Rounds {} to {}, a column each\n", window.first, window.last);
+    std::string text = window.first == window.last
+                           ? fmt::format("Round {}\n", window.first)
+                           : fmt::format("Rounds {} to {}, a column each\n", window.first, window.last);
     if (window.first > 1) {
-        text += fmt::format("  not shown (terminal too narrow): 1 to {}\n", window.first - 1);
+        text += fmt::format("  not shown (terminal too narrow): {}\n", shownRounds(1, window.first - 1));
     }
     if (window.last < simulation.finishedRounds) {
-        text += fmt::format("  not shown (no target was found either): {} to {}\n", window.last + 1,
-                            simulation.finishedRounds);
+        text += fmt::format("  not shown (no target was found either): {}\n",
+                            shownRounds(window.last + 1, simulation.finishedRounds));
     }
     return text;
 }

@@ -88,6 +88,21 @@ TEST(FiRotateSimulate, SaysThatEveryRoundFoundATarget) {
               "Every round found a target\n");
 }
 
+TEST(FiRotateSimulate, OneRoundIsSingularWhereverItIsNamed) {
+    const auto one = runFiRotate(daily("encA##lun1;s1", "1"));
+    EXPECT_THAT(one.output, StartsWith("1 round: 2026-10-01 00:00\n"));
+    EXPECT_THAT(one.output, HasSubstr("\nRound 1\n"));
+    // Round 2 of three is short, until the exclusion of round 1 ends.
+    const auto between =
+        runFiRotate(daily("encA##lun1;s1", "3", {"--exclude-every", "1", "--exclude-for", "2d"}));
+    EXPECT_THAT(between.output, HasSubstr("No target was found in 1 of 3 rounds: 2\n"
+                                          "  encA##lun1 (round 2): its only target is held by an excluded "
+                                          "backup\n"));
+    // Rounds 2 to 4 are shown.
+    const auto atTheEnd = runFiRotate(daily("encA##lun1;s1", "5", {"--exclude-every", "1"}));
+    EXPECT_THAT(atTheEnd.output, HasSubstr("\n  not shown (no target was found either): 5\n"));
+}
+
 // Excluded for four days each, so that the two targets serve two rounds of four. A round needs a target;
 // those of the three before it are excluded still.
 TEST(FiRotateSimulate, ShowsEveryStretchOfRoundsWithoutATarget) {

@@ -61,6 +61,10 @@ TEST(FiRotateTimeline, ShowsTheLastRoundsThatFitAndSaysSo) {
             "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free"));
 }
 
+TEST(FiRotateTimeline, ASingleRoundThatIsNotShownHasItsNumberOnly) {
+    EXPECT_THAT(toTimeline(oneTarget(35), 17 * 3), HasSubstr("\n  not shown (terminal too narrow): 1\n"));
+}
+
 TEST(FiRotateTimeline, NoRowIsWiderThanTheTerminal) {
     SSimulation simulation = oneTarget(500);
     simulation.configurations = {{std::string(300, 'l'), {std::string(300, 's')}}};
