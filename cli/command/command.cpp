@@ -30,10 +30,11 @@ std::string readFileOf(const std::string& option, const std::string& file) {
     return *std::move(text);
 }
 
-// The most likely mistake with --config: no configuration has the name of a file.
+// The most likely mistake with --config. A text without "##" names no target, and so is no configuration.
 void requireNoFileName(const std::string& configuration) {
     std::error_code ignored;
-    if (std::filesystem::is_regular_file(configuration, ignored)) {
+    const bool namesATarget = configuration.find("##") != std::string::npos;
+    if (!namesATarget && std::filesystem::is_regular_file(configuration, ignored)) {
         throw CLI::ValidationError(
             "--config", printableInQuotes(configuration) + " is a file; give it with --config-file");
     }

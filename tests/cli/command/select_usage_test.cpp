@@ -91,6 +91,11 @@ TEST(FiRotateUsage, RefusesTheNameOfAFileAsAConfiguration) {
                 HasSubstr("--config: \"" + file + "\" is a file; give it with --config-file\n"));
 }
 
+TEST(FiRotateUsage, TakesAConfigurationThoughAFileHasItsName) {
+    const fi_test::CTemporaryFolder folder;
+    EXPECT_EQ(runFiRotate({"select", "--config", folder.write("enc##lun;s1", "")}).exitStatus, 0);
+}
+
 TEST(FiRotateUsage, RefusesAConfigurationFileThatTheLibraryWouldReadInPart) {
     const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("c", std::string("a##b;c\0&d##e;f", 14));
