@@ -59,6 +59,14 @@ def kind_of(comment, line):
     return words[0], words[-1]
 
 
+def shown_by_scdoc(line, number):
+    """In scdoc a backslash makes the character behind it literal, inside a literal block too."""
+    shown = re.sub(r"\\(.)", r"\1", line)
+    if re.sub(r"\\.", "", line).endswith("\\"):
+        raise Mistake(f"line {number}: one backslash at the end of a line is not shown; write two")
+    return shown
+
+
 def blocks_of(page):
     """The literal blocks of a page, with their lines as a reader sees them."""
     blocks = []
@@ -69,8 +77,7 @@ def blocks_of(page):
             blocks.append(block)
             block = None
         elif block is not None:
-            # In scdoc a backslash makes the character behind it literal, inside a literal block too.
-            block.lines.append(re.sub(r"\\(.)", r"\1", line) if page.suffix == ".scd" else line)
+            block.lines.append(shown_by_scdoc(line, number) if page.suffix == ".scd" else line)
         elif FENCES[page.suffix].match(line):
             kind, name = kind_of(COMMENTS[page.suffix].match(above), number)
             block = Block(number, kind, name, [])

@@ -83,7 +83,8 @@ class Page(unittest.TestCase):
     def test_mistakes_of_the_page_are_noticed(self):
         for text in ("```\n$ echo a\n```\n", "; ran\n```\n```\n", "; file\n```\n```\n", "; run x\n```\n```\n",
                      "; run\n```\n$ echo a\n", "; run\n```\na\n```\n",
-                     "; file f\n```\n```\n; file f\n```\n```\n"):
+                     "; file f\n```\n```\n; file f\n```\n```\n",
+                     "; run\n```\n$ echo a \\\n  b\na b\n```\n", "; file f\n```\na\\\\\\\n```\n"):
             with self.subTest(text), self.assertRaises(examples.Mistake):
                 self.faults(text)
 
