@@ -37,6 +37,14 @@
 
 #include <stdint.h> /* NOLINT(modernize-deprecated-headers): C reads this header too. */
 
+/* The version of the library that this header came with, for the preprocessor; fi_process_backups.h has it
+ * too. */
+/* NOLINTBEGIN(cppcoreguidelines-macro-to-enum,cppcoreguidelines-macro-usage,modernize-macro-to-enum) */
+#define FI_ROTATION_VERSION_MAJOR 1
+#define FI_ROTATION_VERSION_MINOR 0
+#define FI_ROTATION_VERSION_PATCH 0
+/* NOLINTEND(cppcoreguidelines-macro-to-enum,cppcoreguidelines-macro-usage,modernize-macro-to-enum) */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
