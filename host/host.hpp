@@ -103,8 +103,7 @@ enum class EOutcome {
     // ignored has its state.
     kSelected = FI_ROTATION_SELECTED,
     // The inputs are whole, but a configuration has no free target, even when every backup that may be
-    // released
-    // is.
+    // released is.
     kNoFreeTarget = FI_ROTATION_NO_FREE_TARGET,
     // A configuration would keep fewer backups than SOptions::keepAtLeast asks for.
     kTooFewBackups = FI_ROTATION_TOO_FEW_BACKUPS,
@@ -191,7 +190,8 @@ struct SOutcome {
 // ---- the rotation ----
 
 // Decides which targets a new snapshot backup may use, given the resource configuration and the earlier
-// backups; without any, all targets are free. It writes no files, and may be called again at any time.
+// backups. Without any, all targets are free, and nothing is refused: check that the list is not empty by
+// mistake. It writes no files, and may be called again at any time.
 //
 // Throws
 //   std::invalid_argument  the configuration or a file name holds a NUL byte;

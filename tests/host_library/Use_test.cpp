@@ -278,6 +278,16 @@ TEST_F(CHostLibraryUse, SaysHowManyBackupsWouldBeLeftAndWhyWhenTheyAreTooFew) {
     EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_SELECTED);
 }
 
+TEST_F(CHostLibraryUse, GivesReasonsUnaskedWhenTooFewBackupsWouldBeLeft) {
+    const HostCall call = rotation();
+    fi_rotation_call_keep_at_least(call.get(), 2);
+    ASSERT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_TOO_FEW_BACKUPS);
+    EXPECT_STREQ(fi_rotation_call_backup_reason(call.get(), 1), "needed");
+    EXPECT_STREQ(fi_rotation_call_backup_time_stamp(call.get(), 1), "1");
+    ASSERT_EQ(fi_rotation_call_backup_target_count(call.get(), 1), 1);
+    EXPECT_STREQ(fi_rotation_call_backup_target(call.get(), 1, 0), "encA##snap1");
+}
+
 TEST_F(CHostLibraryUse, LetsAConfigurationWithFewerBackupsLoseNone) {
     const HostCall loses = newCall("encA##lun1;snap1", {holder("a.xml", "snap1")});
     fi_rotation_call_keep_at_least(loses.get(), 1);
