@@ -95,6 +95,8 @@ struct SFault {
     // In the text as it was given.
     std::size_t offset = 0;
     std::string text;
+    // The targets of its configuration, as they are written.
+    std::vector<std::string> targets;
     // What is malformed, as it is written.
     std::string target;
 };
@@ -108,8 +110,8 @@ struct SReading {
     std::optional<SFault> fault;
     // Those of the lost ones whose first target can be read, with as many of the others as can.
     std::vector<SConfiguration> lost;
-    // The first targets of the others.
-    std::vector<std::string> malformed;
+    // The targets of the others, as they are written.
+    std::vector<std::vector<std::string>> malformed;
 };
 
 // Reads one target. `carried` is the enclosure of the target before it.
@@ -132,18 +134,27 @@ std::optional<std::string> faultOf(const SConfiguredTarget& target, bool isFirst
     return std::nullopt;
 }
 
+std::vector<std::string> textsOf(const std::vector<SPiece>& pieces) {
+    std::vector<std::string> texts;
+    texts.reserve(pieces.size());
+    for (const SPiece& piece : pieces) {
+        texts.emplace_back(piece.text);
+    }
+    return texts;
+}
+
 // Reads one configuration into `configuration`.
 std::optional<SFault> parseConfiguration(const CConfigurationText& text, const SPiece& piece,
                                          SConfiguration& configuration) {
     const std::vector<SPiece> targets = text.split(piece, ";");
     if (targets.empty()) {
-        return SFault{piece.offset, inQuotes(piece.text) + " has no targets", std::string(piece.text)};
+        return SFault{piece.offset, inQuotes(piece.text) + " has no targets", {}, std::string(piece.text)};
     }
     std::string carried;
     for (std::size_t i = 0; i < targets.size(); ++i) {
         SConfiguredTarget target = parseTarget(targets[i], carried);
         if (const auto fault = faultOf(target, i == 0)) {
-            return SFault{targets[i].offset, inQuotes(targets[i].text) + " " + *fault,
+            return SFault{targets[i].offset, inQuotes(targets[i].text) + " " + *fault, textsOf(targets),
                           std::string(targets[i].text)};
         }
         carried = target.enclosure;
@@ -171,7 +182,7 @@ SReading parse(const CConfigurationText& text) {
         } else if (!configuration.first.device.empty()) {
             reading.lost.push_back(std::move(configuration));
         } else if (fault.has_value()) {
-            reading.malformed.push_back(fault->target);
+            reading.malformed.push_back(fault->targets);
         }
     }
     return reading;
@@ -297,11 +308,15 @@ private:
         const std::string rest = used == 0 ? "and a call succeeds with an empty selection"
                                            : "but " + range(1, used) + (used == 1 ? " is" : " are");
         const bool isComment = startsWith(fault.target, "#");
-        const bool isMark = fault.target == kByteOrderMark;
         report(EHazard::kConfigurationRejected, fault.offset,
                "configuration rejected: " + fault.text +
                    (isComment ? " (a configuration cannot contain comments)" : "") + "; " + unused + rest,
-               isMark ? EHazard::kByteOrderMark : causeAt(used));
+               causeOfRejection(fault));
+    }
+
+    [[nodiscard]] std::optional<EHazard> causeOfRejection(const SFault& fault) const {
+        const bool isMark = fault.target == kByteOrderMark;
+        return isMark ? EHazard::kByteOrderMark : causeAt(reading.used.size());
     }
 
     // The causes that come first are those that are told of a target.
@@ -315,17 +330,28 @@ private:
         if (cut == EHazard::kNulByte) {
             gatherBehindNul();
         }
-        const EHazard rejection = causeAt(reading.used.size()).value_or(EHazard::kConfigurationRejected);
-        for (const SConfiguration& lost : reading.lost) {
-            unread.addConfiguration(lost, rejection);
-        }
-        for (const std::string& target : reading.malformed) {
-            unread.addMalformed(target, rejection);
+        if (reading.fault.has_value()) {
+            gatherRejected(causeOfRejection(*reading.fault).value_or(EHazard::kConfigurationRejected));
         }
         if (findings.has(EHazard::kBlankInTarget)) {
             for (const SConfiguration& configuration : reading.used) {
                 unread.addConfiguration(changed(configuration, withoutBlanks), EHazard::kBlankInTarget);
             }
+        }
+    }
+
+    void gatherRejected(EHazard cause) {
+        if (reading.used.empty()) {
+            unread.setCauseOfAll(cause);
+            return;
+        }
+        for (const SConfiguration& lost : reading.lost) {
+            unread.addConfiguration(lost, cause);
+        }
+        // What a separator within a name cuts off belongs to the configuration before it.
+        const std::string before = reading.used.back().first.name();
+        for (const std::vector<std::string>& targets : reading.malformed) {
+            unread.addMalformed(before, targets, cause);
         }
     }
 

@@ -154,7 +154,8 @@ private:
         const bool isFirst = owner.isFirst(first);
         auto cause = here(firstOf(distortionOf(node.objid), distortionOf(node.altobjid)));
         if (!cause.has_value()) {
-            const Cause lost = isFirst ? owner.unread.causeOf(first, further) : owner.unread.causeOf(first);
+            const Cause lost = isFirst ? owner.unread.causeOfFurther(first, further)
+                                       : owner.unread.causeOfFirst(first, further);
             cause = causeIn(owner.configurationName, lost);
         }
         if (findings.isFull(hazard, cause)) {

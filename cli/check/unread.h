@@ -23,20 +23,29 @@ public:
     void addConfiguration(const SConfiguration& meant, EHazard cause);
     // All further targets of `first` are missing, whatever their names.
     void addFurtherTargetsOf(const std::string& first, EHazard cause);
-    // Adds a malformed first target, as it is written.
-    void addMalformed(const std::string& text, EHazard cause);
+    // The targets, as they are written, of a configuration whose first one is malformed. It may be the rest
+    // of the configuration of `before`.
+    void addMalformed(const std::string& before, const std::vector<std::string>& targets, EHazard cause);
 
-    // Why no configuration has this first target.
-    [[nodiscard]] std::optional<EHazard> causeOf(const std::string& first) const;
-    // Why those that have this first target lack this further one.
-    [[nodiscard]] std::optional<EHazard> causeOf(const std::string& first, const std::string& further) const;
+    // Why no configuration has the first target of this pair.
+    [[nodiscard]] std::optional<EHazard> causeOfFirst(const std::string& first,
+                                                      const std::string& further) const;
+    // Why those that have its first target lack its further one.
+    [[nodiscard]] std::optional<EHazard> causeOfFurther(const std::string& first,
+                                                        const std::string& further) const;
 
 private:
+    struct SMalformed {
+        std::string before;
+        std::vector<std::string> targets;
+        EHazard cause;
+    };
+
     std::optional<EHazard> all;
     std::map<std::string, EHazard> firsts;
     std::map<std::pair<std::string, std::string>, EHazard> furthers;
     std::map<std::string, EHazard> withoutTargets;
-    std::vector<std::pair<std::string, EHazard>> malformed;
+    std::vector<SMalformed> malformed;
 };
 
 }  // namespace fi_rotate

@@ -73,7 +73,7 @@ std::vector<SCheckRow> ofConfigurations() {
          clean},
         {"the first target of the malformed one ends in the device",
          EHazard::kConfigurationRejected,
-         with("encA##lun1;snap1\nencB#lun2;snap3"),
+         with("encA##lun1;snap1\nencB#lun2;snap4"),
          {"config:2:1: error: configuration rejected: \"encB#lun2\" has no enclosure, which a first target "
           "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
           unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
@@ -148,11 +148,46 @@ std::vector<SCheckRow> ofConfigurations() {
          clean},
         {"what is not configured at all follows from nothing",
          EHazard::kConfigurationRejected,
-         {"# weekly\nencA##lun1;snap1", {{"d", backup("1", device("encC##vol9", "encC##snap9"))}}},
-         {"config:1:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
-          "needs (a configuration cannot contain comments); configurations 1 to 2 are not used, and a call "
-          "succeeds with an empty selection [configuration-rejected]",
+         {"encB##lun2;snap3\n# weekly\nencA##lun1;snap1",
+          {{"d", backup("1", device("encC##vol9", "encC##snap9"))}}},
+         {"config:2:1: error: configuration rejected: \"# weekly\" has no enclosure, which a first target "
+          "needs (a configuration cannot contain comments); configurations 2 to 3 are not used, but "
+          "configuration 1 is "
+          "[configuration-rejected]",
           "d:2:26: error: no configuration has the first target \"encC##vol9\" [pair-matches-nothing]"},
+         clean},
+        {"when no configuration is left, whatever a backup holds",
+         EHazard::kConfigurationRejected,
+         with("encAlun1;snap1;snap2"),
+         {"config:1:1: error: configuration rejected: \"encAlun1\" has no enclosure, which a first target "
+          "needs; configuration 1 is not used, and a call succeeds with an empty selection "
+          "[configuration-rejected]",
+          unknownFirst("2:26", "encA##lun1", "", rejected), unknownFirst("3:26", "encB##lun2", "", rejected)},
+         clean},
+        {"a further target of the malformed one is known, whatever its first one was",
+         EHazard::kConfigurationRejected,
+         with("encA##lun1;snap1;snap2\nencBlun2;encB##snap3"),
+         {"config:2:1: error: configuration rejected: \"encBlun2\" has no enclosure, which a first target "
+          "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+         clean},
+        {"the first target of the malformed one is missing, so that a further one stands in its place",
+         EHazard::kConfigurationRejected,
+         with("encA##lun1;snap1;snap2\nsnap3;snap4"),
+         {"config:2:1: error: configuration rejected: \"snap3\" has no enclosure, which a first target "
+          "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+         clean},
+        {"a separator within a name cuts off further targets of the configuration before it, and no others",
+         EHazard::kConfigurationRejected,
+         {"encA##lun1;R&amp;D;snap1",
+          {{"d", backup("1", device("encA##lun1", "encA##snap1"))},
+           {"e", backup("2", device("encA##lun1", "encA##snap9"))}}},
+         {"config:1:18: error: configuration rejected: \"D\" has no enclosure, which a first target needs; "
+          "configuration 2 is not used, but configuration 1 is [configuration-rejected]",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"", rejected),
+          "e:2:66: error: \"encA##snap9\" is not among the further targets of \"encA##lun1\" "
+          "[pair-matches-nothing]"},
          clean},
     };
 }

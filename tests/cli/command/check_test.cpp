@@ -112,8 +112,8 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
     EXPECT_EQ(nlohmann::json::parse(result.output), expected);
 }
 
-// A configuration with a comment and three backups: of a device that is lost for it, of one that no line has,
-// and of that again.
+// A configuration with a comment in it and three backups: of a device that is lost for it, of one that no
+// line has, and of that again.
 class FiRotateCheckFolding : public testing::Test {
 protected:
     static std::string backup(char timeStamp, const std::string& device) {
@@ -123,7 +123,7 @@ protected:
     std::vector<std::string> check() const { return {"check", "--config-file", configuration, a, b, c}; }
 
     CTemporaryFolder folder;
-    std::string configuration = folder.write("conf", "# daily\nencA##lun1;snap1;snap2;snap3\n");
+    std::string configuration = folder.write("conf", "main##tape;day1\n# daily\nencA##lun1;snap1;snap2\n");
     std::string a = folder.write("a", backup('1', "encA##lun1"));
     std::string b = folder.write("b", backup('2', "encC##vol9"));
     std::string c = folder.write("c", backup('3', "encC##vol9"));
@@ -135,9 +135,10 @@ TEST_F(FiRotateCheckFolding, TellsWhatFollowsFromAFaultAndWhatRepeatsItInALineUn
     EXPECT_EQ(
         result.output,
         configuration +
-            ":1:1: error: configuration rejected: \"# daily\" has no enclosure, which a first target needs "
-            "(a configuration cannot contain comments); configurations 1 to 2 are not used, and a call "
-            "succeeds with an empty selection [configuration-rejected]\n"
+            ":2:1: error: configuration rejected: \"# daily\" has no enclosure, which a first target needs "
+            "(a configuration cannot contain comments); configurations 2 to 3 are not used, but "
+            "configuration 1 is "
+            "[configuration-rejected]\n"
             "    # daily\n"
             "    ^\n"
             "    consequences: 1 error in " +
