@@ -79,12 +79,7 @@ private:
     // Later Nodes replace earlier ones with the same objid.
     void gather(const SNode& node) {
         if (!isDevice(node)) {
-            if (holdsIdentifier(altobjidOf(node))) {
-                report(EHazard::kUnusedAltobjid, *node.altobjid,
-                       "the altobjid " + inQuotes(node.altobjid->text) +
-                           " is not used: the objid of its Node does not contain UDID##",
-                       firstOf(distortionOf(node.altobjid), distortionOf(node.objid), node.objidLostTo));
-            }
+            checkOther(node);
             return;
         }
         const auto [entry, isNew] = pairs.emplace(node.objid->text, &node);
@@ -95,6 +90,22 @@ private:
                    firstOf(distortionOf(node.objid), distortionOf(entry->second->objid)));
         }
         entry->second = &node;
+    }
+
+    // Of a Node that is no device. Why it is none may be why the backup has none.
+    void checkOther(const SNode& node) {
+        Cause cause = firstOf(distortionOf(node.objid), node.objidLostTo);
+        if (holdsIdentifier(altobjidOf(node))) {
+            cause = firstOf(cause, distortionOf(node.altobjid));
+            report(EHazard::kUnusedAltobjid, *node.altobjid,
+                   "the altobjid " + inQuotes(node.altobjid->text) +
+                       " is not used: the objid of its Node does not contain UDID##",
+                   cause);
+            cause = cause.value_or(EHazard::kUnusedAltobjid);
+        }
+        if (cause.has_value()) {
+            findings.setMissingCauses(EHazard::kNoDevice, *cause);
+        }
     }
 
     void checkPair(const SNode& node) {
@@ -180,8 +191,8 @@ private:
         return value.has_value() ? value->distortedBy : std::nullopt;
     }
 
-    static Cause firstOf(const Cause& first, const Cause& second, const Cause& third = std::nullopt) {
-        return first.has_value() ? first : second.has_value() ? second : third;
+    static Cause firstOf(const Cause& first, const Cause& second) {
+        return first.has_value() ? first : second;
     }
 
     static std::optional<SCause> causeIn(const std::string& input, const Cause& cause) {

@@ -196,7 +196,14 @@ std::vector<SCheckRow> ofConfigurations() {
 std::vector<SCheckRow> withinDocuments() {
     const std::string good = device("encA##lun1", "encA##snap1");
     const SCheckedCall clean = of(backup("1", good));
-    const std::string malformed = "not well-formed: ";
+    const std::string altobjid = "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>";
+    const std::string noDevice =
+        "d:1:1: warning: the backup names no device: no objid contains UDID## [no-device] <- ";
+    const auto unused = [](const std::string& place) {
+        return "d:" + place +
+               ": error: the altobjid \"UDID##v##m##encA##snap1\" is not used: the objid of its Node does "
+               "not contain UDID## [unused-altobjid]";
+    };
     return {
         {"the end is missing, and with it the altobjid",
          EHazard::kMalformedXml,
@@ -270,6 +277,38 @@ std::vector<SCheckRow> withinDocuments() {
          {"d:2:44: warning: altobjid contains no text and takes the text before it, "
           "\"UDID##v##m##encA##lun1\" [empty-element]",
           unknownFurther("2:55", "encA##lun1", "\"encA##lun1\"", "empty-element of d")},
+         clean},
+        {"an objid in small letters, so that its altobjid is not used",
+         EHazard::kUnusedAltobjid,
+         of(backup("1", "<Node><objid>udid##v##m##encA##lun1</objid>" + altobjid)),
+         {noDevice + "unused-altobjid of d", unused("2:54")},
+         clean},
+        {"no objid for an altobjid",
+         EHazard::kUnusedAltobjid,
+         of(backup("1", "<Node>" + altobjid)),
+         {noDevice + "unused-altobjid of d", unused("2:17")},
+         clean},
+        {"an objid in two pieces",
+         EHazard::kSplitValue,
+         of(backup("1", "<Node><objid>UDID##v##m##encA##<!-- -->lun1</objid>" + altobjid)),
+         {noDevice + "split-value of d",
+          "d:2:14: error: the text of objid consists of 2 pieces; only the last counts: \"lun1\" "
+          "[split-value]",
+          unused("2:62") + " <- split-value of d"},
+         clean},
+        {"an objid in two pieces without an altobjid",
+         EHazard::kSplitValue,
+         of(backup("1", "<Node><objid>UDID##v##m##encA##<!-- -->lun1</objid></Node>")),
+         {noDevice + "split-value of d",
+          "d:2:14: error: the text of objid consists of 2 pieces; only the last counts: \"lun1\" "
+          "[split-value]"},
+         clean},
+        {"an empty objid",
+         EHazard::kEmptyElement,
+         of(backup("1", "<Node><objid/>" + altobjid)),
+         {noDevice + "empty-element of d",
+          "d:2:7: warning: objid contains no text and takes the text before it, \"\n\" [empty-element]",
+          unused("2:25") + " <- empty-element of d"},
          clean},
         {"an identifier in two pieces",
          EHazard::kSplitValue,
