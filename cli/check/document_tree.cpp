@@ -1,7 +1,6 @@
 #include "cli/check/document_tree.h"
 
 #include <algorithm>
-#include <iterator>
 #include <set>
 #include <string>
 #include <string_view>
@@ -16,6 +15,7 @@
 #include "cli/base/text.h"
 #include "cli/base/xml_reader.h"
 #include "cli/check/document_text.h"
+#include "cli/check/element.h"
 #include "common/CFiDocumentLimits.h"
 #include "common/document_prolog.h"
 
@@ -40,67 +40,6 @@ bool isExpansionLimit(const std::string& message) {
     return message.rfind(fmt::format("parser has encountered more than '{}' entity expansions",
                                      CFiDocumentLimits::kMostReferences),
                          0) == 0;
-}
-
-// What an element is to the library.
-enum class EElement {
-    // Nothing: it is passed over.
-    kOther,
-    // The same, but its name is that of one that counts, but for the case of its letters or for a prefix.
-    kMisnamed,
-    kNode,
-    kObjid,
-    kAltobjid,
-    kSplitType,
-    kType,
-    kTimeStamp,
-};
-
-struct SName {
-    EElement element;
-    std::u16string_view name;
-    const char* shown;
-};
-constexpr SName kNames[] = {
-    {EElement::kNode, u"Node", "Node"},
-    {EElement::kObjid, u"objid", "objid"},
-    {EElement::kAltobjid, u"altobjid", "altobjid"},
-    {EElement::kSplitType, u"splitType", "splitType"},
-    {EElement::kType, u"type", "type"},
-    {EElement::kTimeStamp, u"timeStamp", "timeStamp"},
-};
-
-bool isSameButForCase(std::u16string_view left, std::u16string_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char16_t a, char16_t b) { return lowerCase(a) == lowerCase(b); });
-}
-
-const SName* meant(std::u16string_view qname) {
-    const std::u16string_view name = qname.substr(qname.rfind(u':') + 1);
-    const auto* const found = std::find_if(std::begin(kNames), std::end(kNames), [name](const SName& row) {
-        return isSameButForCase(row.name, name);
-    });
-    return found == std::end(kNames) ? nullptr : found;
-}
-
-EElement elementOf(const XMLCh* qname) {
-    const SName* const row = meant(qname);
-    if (row == nullptr) {
-        return EElement::kOther;
-    }
-    return row->name == qname ? row->element : EElement::kMisnamed;
-}
-
-// One that holds text.
-bool isData(EElement element) {
-    return element != EElement::kOther && element != EElement::kMisnamed && element != EElement::kNode;
-}
-
-// As it must be written.
-const char* shownName(EElement element) {
-    const auto* const found = std::find_if(std::begin(kNames), std::end(kNames),
-                                           [element](const SName& row) { return row.element == element; });
-    return found == std::end(kNames) ? "" : found->shown;
 }
 
 // A construct of the document by its position: the XML library reports where it ends.
@@ -256,7 +195,7 @@ void CTreeReader::startElement(const XMLCh* /*uri*/, const XMLCh* /*localname*/,
     } else if (isData(element)) {
         openData.push_back({startTag(), pieces, length, foreignEntities});
     } else if (element == EElement::kMisnamed) {
-        noteMisnamed(meant(qname)->element, toLocalCodePage(qname));
+        noteMisnamed(meantBy(qname), toLocalCodePage(qname));
     }
 }
 
