@@ -391,6 +391,10 @@ void CTreeReader::finishFault() {
         tree.nodes[node].objidLostTo = faultCause();
         tree.nodes[node].altobjidLostTo = faultCause();
     }
+    if (openNodes.empty()) {
+        // What is damaged may be the start tag of the Node that held it.
+        findings.setMissingCauses(EHazard::kOutsideNode, faultCause());
+    }
 }
 
 // Wrong bytes of a document make it malformed too, so they are the cause.

@@ -310,6 +310,25 @@ std::vector<SCheckRow> withinDocuments() {
           "d:2:7: warning: objid contains no text and takes the text before it, \"\n\" [empty-element]",
           unused("2:25") + " <- empty-element of d"},
          clean},
+        {"the start tag of the outermost Node is misspelt",
+         EHazard::kMalformedXml,
+         of("<ode><timeStamp>1</timeStamp>\n" + good + "</Node>"),
+         {"d:1:6: warning: timeStamp is before the first Node and is ignored [outside-node] <- "
+          "malformed-xml of d",
+          "d:2:1: error: the backup has no time stamp and counts as older than all backups that have one "
+          "[no-time-stamp] <- malformed-xml of d",
+          "d:3:3: error: not well-formed: expected end of tag 'ode'; the library uses what comes before: 1 "
+          "Node with 1 device [malformed-xml]"},
+         clean},
+        {"an end that is missing is no reason for a time stamp before the Node",
+         EHazard::kOutsideNode,
+         of("<a><timeStamp>1</timeStamp>\n<Node>" + good),
+         {"d:1:4: warning: timeStamp is before the first Node and is ignored [outside-node]",
+          "d:2:1: error: the backup has no time stamp and counts as older than all backups that have one "
+          "[no-time-stamp] <- malformed-xml of d",
+          "d:3:1: error: not well-formed: input ended before all started tags were ended; last tag started "
+          "is 'Node'; the library uses what comes before: 2 Nodes with 1 device [malformed-xml]"},
+         clean},
         {"an identifier in two pieces",
          EHazard::kSplitValue,
          of(backup("1", device("encA##lun1", "encA##<!-- -->snap1"))),
