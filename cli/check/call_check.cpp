@@ -19,6 +19,7 @@
 #include "cli/check/device_check.h"
 #include "cli/check/document_text.h"
 #include "cli/check/document_tree.h"
+#include "cli/check/folding.h"
 
 namespace fi_rotate {
 namespace {
@@ -119,6 +120,7 @@ public:
         }
         claims.report();
         checkTimeStamps(stamps, claims);
+        nameRepetitions(all);
         return std::move(all);
     }
 
@@ -157,14 +159,17 @@ private:
     }
 
     void reportUnopened(std::size_t index, CFindings& findings) {
-        findings.addOnWhole(EHazard::kCannotOpen,
-                            fmt::format("cannot be opened: {}; {}", errorText(), withoutDocument(index)));
-        hasUnopened = true;
+        const std::string error = errorText();
+        const std::string text = fmt::format("cannot be opened: {}; {}", error, withoutDocument(index));
+        const auto [first, isNew] = unopened.emplace(error, findings.input());
+        findings.addOnWhole(
+            EHazard::kCannotOpen, text,
+            isNew ? std::nullopt : std::optional<SCause>({first->second, EHazard::kCannotOpen}));
     }
 
     [[nodiscard]] std::string withoutDocument(std::size_t index) const {
         const std::size_t others = inputs.files.size() - index - 1;
-        if (hasUnopened) {
+        if (!unopened.empty()) {
             return "the library does not come this far, because an earlier document cannot be opened";
         }
         if (others == 0) {
@@ -202,8 +207,9 @@ private:
     std::vector<SStamp> stamps;
     CClaims claims;
     std::set<std::string> listed;
-    // A document could not be opened, so the library reads none of those after it.
-    bool hasUnopened = false;
+    // Why documents could not be opened, and the first one for each reason. The library reads none after the
+    // first of them.
+    std::map<std::string, std::string> unopened;
 };
 
 }  // namespace

@@ -178,11 +178,6 @@ private:
                                   inQuotes(first), suggestion(owner.nearestFurther(first, further)))
                     : fmt::format("no configuration has the first target {}{}", inQuotes(first),
                                   suggestion(owner.nearestFirst(first)));
-        if (!cause.has_value()) {
-            const std::string& firstInput = owner.firstInputs.emplace(text, findings.input()).first->second;
-            cause =
-                firstInput == findings.input() ? std::nullopt : std::optional<SCause>({firstInput, hazard});
-        }
         const std::size_t offset = isFirst ? offsetOf(*node.altobjid, further) : offsetOf(*node.objid, first);
         add(hazard, document.spotAt(offset), text, cause);
     }

@@ -50,8 +50,6 @@ private:
     std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
     // What the two functions above found before, by first target (empty in nearestFirst) and name.
     std::map<std::pair<std::string, std::string>, std::string> nearestNames;
-    // The text of each finding on a pair that matches nothing, and the first document that has it.
-    std::unordered_map<std::string, std::string> firstInputs;
 };
 
 }  // namespace fi_rotate

@@ -62,29 +62,47 @@ bool CFindings::has(EHazard hazard) const {
 }
 
 void CFindings::setMissingCauses(EHazard hazard, EHazard cause) {
-    const SCause blamed{name, cause};
-    for (SFinding& finding : kept) {
-        if (finding.hazard == hazard && !finding.cause.has_value()) {
-            finding.cause = blamed;
-        }
-    }
-    if (const auto found = counts.find({hazard, std::nullopt}); found != counts.end()) {
-        counts[{hazard, blamed}] += found->second;
-        counts.erase(found);
-    }
+    changeCauses([blamed = SCause{name, cause}, hazard](const SFinding& finding) {
+        return finding.hazard == hazard && !finding.cause.has_value() ? blamed : finding.cause;
+    });
 }
 
-void CFindings::addOnWhole(EHazard hazard, std::string text) {
+void CFindings::changeCauses(const std::function<std::optional<SCause>(const SFinding&)>& causeOf) {
+    const Counts others = notKept();
+    Counts changed;
+    std::map<Counts::key_type, std::optional<SCause>> last;
+    for (SFinding& finding : kept) {
+        std::optional<SCause>& cause = last[{finding.hazard, finding.cause}];
+        cause = causeOf(finding);
+        ++changed[{finding.hazard, cause}];
+        finding.cause = cause;
+    }
+    for (const auto& [kind, count] : others) {
+        changed[{kind.first, last.at(kind)}] += count;
+    }
+    counts = std::move(changed);
+}
+
+CFindings::Counts CFindings::notKept() const {
+    Counts others = counts;
+    for (const SFinding& finding : kept) {
+        --others.at({finding.hazard, finding.cause});
+    }
+    return others;
+}
+
+void CFindings::addOnWhole(EHazard hazard, std::string text, std::optional<SCause> cause) {
     SFinding finding;
     finding.hazard = hazard;
     finding.text = std::move(text);
+    finding.cause = std::move(cause);
     add(std::move(finding));
 }
 
 std::vector<SFinding> CFindings::inOrder() const {
     std::vector<SFinding> rows = kept;
-    for (const auto& [kind, count] : counts) {
-        if (count > kMostOfOneHazard) {
+    for (const auto& [kind, count] : notKept()) {
+        if (count > 0) {
             const auto last =
                 std::find_if(kept.rbegin(), kept.rend(), [&wanted = kind](const SFinding& finding) {
                     return std::pair(finding.hazard, finding.cause) == wanted;
@@ -92,7 +110,7 @@ std::vector<SFinding> CFindings::inOrder() const {
             SFinding others = *last;
             others.spot.excerpt.clear();
             others.spot.caret = 0;
-            others.count = count - kMostOfOneHazard;
+            others.count = count;
             others.text = fmt::format("and {} more of these", others.count);
             rows.push_back(std::move(others));
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -83,7 +84,7 @@ public:
     void add(SFinding finding);
 
     // Adds a finding on the whole input, which has no line and column.
-    void addOnWhole(EHazard hazard, std::string text);
+    void addOnWhole(EHazard hazard, std::string text, std::optional<SCause> cause = std::nullopt);
 
     // Whether `add` would only count another one. Then `countAnother` does the same without a text to make.
     [[nodiscard]] bool isFull(EHazard hazard, const std::optional<SCause>& cause = std::nullopt) const;
@@ -94,15 +95,23 @@ public:
     // Sets the cause of all findings of `hazard` so far that have none: the finding of `cause` in this input.
     void setMissingCauses(EHazard hazard, EHazard cause);
 
+    // Gives every finding the cause that `causeOf` tells. What was only counted goes with the last one of its
+    // kind that was kept.
+    void changeCauses(const std::function<std::optional<SCause>(const SFinding&)>& causeOf);
+
     // By place; what was only counted has a row of its own, after the last one that was kept.
     [[nodiscard]] std::vector<SFinding> inOrder() const;
 
     [[nodiscard]] const std::string& input() const { return name; }
 
 private:
+    using Counts = std::map<std::pair<EHazard, std::optional<SCause>>, std::size_t>;
+
+    [[nodiscard]] Counts notKept() const;
+
     std::string name;
     std::vector<SFinding> kept;
-    std::map<std::pair<EHazard, std::optional<SCause>>, std::size_t> counts;
+    Counts counts;
 };
 
 // `text` in quotation marks, cut when it is long.

@@ -1,8 +1,71 @@
 #include "cli/check/folding.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 namespace fi_rotate {
+namespace {
+
+// What the same findings have in common. Names and values that are quoted differ from document to document
+// where the mistake is one. Those of a pair that matches nothing are the mistake.
+std::pair<EHazard, std::string> kindOfFault(const SFinding& finding) {
+    if (finding.hazard == EHazard::kPairMatchesNothing) {
+        return {finding.hazard, finding.text};
+    }
+    std::string words;
+    bool isQuoted = false;
+    for (const char character : finding.text) {
+        isQuoted = isQuoted != (character == '"');
+        if (!isQuoted) {
+            words += character;
+        }
+    }
+    return {finding.hazard, words};
+}
+
+// Hazards of a document that are told only of earlier ones, and of which.
+std::map<SCause, SCause> repetitionsIn(const CFindings& findings) {
+    std::map<SCause, SCause> repetitions;
+    const std::vector<SFinding> rows = findings.inOrder();
+    for (const SFinding& finding : rows) {
+        if (finding.cause.has_value() && finding.cause->hazard == finding.hazard &&
+            finding.cause->input != findings.input()) {
+            repetitions.emplace(SCause{findings.input(), finding.hazard}, *finding.cause);
+        }
+    }
+    for (const SFinding& finding : rows) {
+        if (!finding.cause.has_value()) {
+            repetitions.erase({findings.input(), finding.hazard});
+        }
+    }
+    return repetitions;
+}
+
+}  // namespace
+
+void nameRepetitions(std::vector<CFindings>& inputs) {
+    // What was told, and of which input first.
+    std::map<std::pair<EHazard, std::string>, std::string> told;
+    std::map<SCause, SCause> repetitions;
+    for (CFindings& findings : inputs) {
+        findings.changeCauses([&](const SFinding& finding) {
+            if (finding.cause.has_value()) {
+                return finding.cause;
+            }
+            const std::string& first = told.emplace(kindOfFault(finding), findings.input()).first->second;
+            return first == findings.input() ? std::nullopt : std::optional<SCause>({first, finding.hazard});
+        });
+        repetitions.merge(repetitionsIn(findings));
+    }
+    for (CFindings& findings : inputs) {
+        findings.changeCauses([&repetitions](const SFinding& finding) {
+            const auto found =
+                finding.cause.has_value() ? repetitions.find(*finding.cause) : repetitions.end();
+            return found == repetitions.end() ? finding.cause : found->second;
+        });
+    }
+}
 
 void SCounts::add(const SFinding& finding) {
     const bool isError = kindOf(finding.hazard).severity == ESeverity::kError;

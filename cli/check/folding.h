@@ -19,6 +19,10 @@ struct SCounts {
     void add(const SFinding& finding);
 };
 
+// Names as the cause of a finding the same one of an earlier document, and the same cause for what follows
+// from it. `inputs` are those of a call, in order.
+void nameRepetitions(std::vector<CFindings>& inputs);
+
 // Which findings of a call have no line of their own, but are counted in a line under their cause.
 class CFolding {
 public:

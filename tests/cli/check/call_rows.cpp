@@ -53,7 +53,7 @@ std::vector<SCheckRow> callRows() {
          {"no.xml:1:1: error: " + unopened + "it and the 2 documents after it are ignored [cannot-open]",
           "no2.xml:1:1: error: " + unopened +
               "the library does not come this far, because an earlier document cannot be opened "
-              "[cannot-open]"},
+              "[cannot-open] <- cannot-open of no.xml"},
          clean},
         {"the last one is missing",
          EHazard::kCannotOpen,

@@ -366,6 +366,62 @@ std::vector<SCheckRow> acrossDocuments() {
           "b:2:26: error: no configuration has the first target \"encC##vol9\" [pair-matches-nothing] <- "
           "pair-matches-nothing of a"},
          clean},
+        {"the same in each of three documents, with what follows from it",
+         EHazard::kWrongName,
+         {kConfiguration,
+          {{"a", "<Node><timestamp>1</timestamp>\n<timestamp/></Node>"},
+           {"b", "<Node><timestamp>2</timestamp>\n<timestamp/></Node>"},
+           {"c", "<Node><Type>1</Type>\n<timestamp>3</timestamp></Node>"}}},
+         {"a:1:1: error: the backup has no time stamp and counts as older than all backups that have one "
+          "[no-time-stamp] <- wrong-name of a",
+          "a:1:1: warning: the backup names no device: no objid contains UDID## [no-device]",
+          "a:1:7: warning: the element \"timestamp\" is ignored; did you mean timeStamp? [wrong-name]",
+          "a:2:1: warning: the element \"timestamp\" is ignored; did you mean timeStamp? [wrong-name] <- "
+          "wrong-name of a",
+          "b:1:1: error: the backup has no time stamp and counts as older than all backups that have one "
+          "[no-time-stamp] <- wrong-name of a",
+          "b:1:1: warning: the backup names no device: no objid contains UDID## [no-device] <- no-device of "
+          "a",
+          "b:1:7: warning: the element \"timestamp\" is ignored; did you mean timeStamp? [wrong-name] <- "
+          "wrong-name of a",
+          "b:2:1: warning: the element \"timestamp\" is ignored; did you mean timeStamp? [wrong-name] <- "
+          "wrong-name of a",
+          "c:1:1: error: the backup has no time stamp and counts as older than all backups that have one "
+          "[no-time-stamp] <- wrong-name of c",
+          "c:1:1: warning: the backup names no device: no objid contains UDID## [no-device] <- no-device of "
+          "a",
+          "c:1:7: warning: the element \"Type\" is ignored; did you mean type? [wrong-name]",
+          "c:2:1: warning: the element \"timestamp\" is ignored; did you mean timeStamp? [wrong-name] <- "
+          "wrong-name of a"},
+         clean},
+        {"the same mistake in other values",
+         EHazard::kSplitValue,
+         {kConfiguration,
+          {{"a", backup("1", device("encA##lun1", "encA##<!-- -->snap1"))},
+           {"b", backup("2", device("encA##lun1", "encA##<!-- -->snap2"))}}},
+         {"a:2:54: error: the text of altobjid consists of 2 pieces; only the last counts: "
+          "\"snap1\" "
+          "[split-value]",
+          "a:2:54: error: malformed identifier \"snap1\": it holds neither UDID## nor UEID## (code 2); an "
+          "exception ends the call [malformed-identifier] <- split-value of a",
+          "b:2:54: error: the text of altobjid consists of 2 pieces; only the last counts: "
+          "\"snap2\" "
+          "[split-value] <- split-value of a",
+          "b:2:54: error: malformed identifier \"snap2\": it holds neither UDID## nor UEID## (code 2); an "
+          "exception ends the call [malformed-identifier] <- split-value of a"},
+         clean},
+        {"documents that cannot be opened for one reason",
+         EHazard::kCannotOpen,
+         {kConfiguration, {{"a", std::nullopt}, {"b", std::nullopt}, {"/etc/passwd/c", std::nullopt}}},
+         {"a:1:1: error: cannot be opened: No such file or directory; it and the 2 documents after it are "
+          "ignored "
+          "[cannot-open]",
+          "b:1:1: error: cannot be opened: No such file or directory; the library does not come this far, "
+          "because an earlier document cannot be opened [cannot-open] <- cannot-open of a",
+          "/etc/passwd/c:1:1: error: cannot be opened: Not a directory; the library does not come this far, "
+          "because "
+          "an earlier document cannot be opened [cannot-open]"},
+         clean},
         {"a time stamp in two pieces",
          EHazard::kSplitValue,
          {kConfiguration,

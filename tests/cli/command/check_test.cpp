@@ -182,6 +182,31 @@ TEST(FiRotateCheck, NamesTheFirstOfManyDocumentsInWhichSomethingFollows) {
                           arguments[5] + ", " + arguments[6] + " and 2 more [pair-matches-nothing]\n"));
 }
 
+// More in each than is shown of one.
+TEST(FiRotateCheck, CountsUnderTheFirstDocumentWhatIsTheSameInTheOthers) {
+    const CTemporaryFolder folder;
+    std::vector<std::string> arguments{"check", "--config", "e##l;s1;s2;s3"};
+    for (const std::string number : {"1", "2", "3"}) {
+        std::string document = "<Node><timeStamp>" + number +
+                               "</timeStamp><objid>UDID##v##m##e##l</objid><altobjid>UDID##v##m##e##s" +
+                               number + "</altobjid>\n";
+        for (int i = 0; i < 23; ++i) {
+            document += "<type/>\n";
+        }
+        arguments.push_back(folder.write(number, document + "</Node>"));
+    }
+    const auto result = runFiRotate(arguments);
+    EXPECT_EQ(result.exitStatus, 5);
+    EXPECT_THAT(
+        result.output,
+        EndsWith(arguments[3] +
+                 ":21:1: warning: and 3 more of these [empty-element]\n    the same: 46 "
+                 "warnings in " +
+                 arguments[4] + " and " + arguments[5] +
+                 "\nno errors, 69 warnings; 46 of these follow from others or repeat them; checked the "
+                 "configuration and 3 documents\n"));
+}
+
 TEST(FiRotateCheck, HasTheSameExitStatusInJsonAndInWords) {
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1;snap1"}).exitStatus, 0);
     EXPECT_EQ(runFiRotate({"check", "--json", "--config", "encA##lun1; snap1"}).exitStatus, 5);
