@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -40,6 +41,14 @@ std::optional<std::string> identityOf(int descriptor) {
 
 [[noreturn]] void refuse(const SOutput& output, const std::string& reason) {
     throw CLI::ValidationError(output.option, printableInQuotes(*output.file) + " " + reason);
+}
+
+// Links that lead to each other name no place, and writing would replace one of them.
+void requireEndOfLinks(const SOutput& output) {
+    struct stat state = {};
+    if (stat(output.file->c_str(), &state) != 0 && errno == ELOOP) {
+        refuse(output, "cannot be written: " + errorText());
+    }
 }
 
 // Writing to a pipe or a terminal destroys nothing; writing to a disk does.
@@ -84,6 +93,7 @@ void requireNoFileIsDestroyed(const std::vector<SOutput>& outputs, const std::ve
                 output,
                 "is not a file name; give ./- for a file of this name, or /dev/stdout for standard output");
         }
+        requireEndOfLinks(output);
         const auto identity = identityOf(*output.file);
         const auto use = identity.has_value() ? taken.find(*identity) : taken.end();
         if (use != taken.end()) {

@@ -114,6 +114,22 @@ TEST(FiRotateOutputs, RefuseAnInputUnderAnotherName) {
         kIsInput, {"--force"});
 }
 
+TEST(FiRotateOutputs, RefuseLinksThatLeadNowhere) {
+    const auto toItself = [](const CTemporaryFolder& folder, const SOption&) {
+        std::filesystem::create_symlink("link", folder.path("link"));
+        return folder.path("link");
+    };
+    const auto toEachOther = [](const CTemporaryFolder& folder, const SOption&) {
+        std::filesystem::create_symlink("other", folder.path("link"));
+        std::filesystem::create_symlink("link", folder.path("other"));
+        return folder.path("link");
+    };
+    for (const std::vector<std::string>& more : {std::vector<std::string>(), {"--force"}}) {
+        expectRefusal(toItself, "cannot be written: Too many levels of symbolic links", more);
+        expectRefusal(toEachOther, "cannot be written: Too many levels of symbolic links", more);
+    }
+}
+
 TEST(FiRotateOutputs, RefuseAHardLinkToAnInput) {
     expectRefusal(
         [](const CTemporaryFolder& folder, const SOption& option) {
