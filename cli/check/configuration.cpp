@@ -191,10 +191,18 @@ SReading parse(const CConfigurationText& text) {
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr const char* kBlanks = " \t";
 
-// The encoding that a mark at the start of `text` tells, if its characters are wider than a byte.
-std::optional<std::string_view> wideMark(std::string_view text) {
-    const bool hasMark = startsWith(text, "\xFE\xFF") || startsWith(text, "\xFF\xFE");
-    return hasMark ? wideEncoding(text) : std::nullopt;
+// The encoding of `text` if its characters are wider than a byte: as a mark at its start tells, or NUL bytes
+// beside its first two.
+std::optional<std::string_view> wideEncodingOf(std::string_view text) {
+    if (startsWith(text, "\xFE\xFF") || startsWith(text, "\xFF\xFE")) {
+        return wideEncoding(text);
+    }
+    constexpr std::size_t kLength = 4;
+    std::string form;
+    for (const char byte : text.substr(0, kLength)) {
+        form += byte == '\0' ? '0' : 'x';
+    }
+    return form == "x0x0" || form == "0x0x" ? std::optional<std::string_view>("UTF-16") : std::nullopt;
 }
 
 std::string withoutMark(const std::string& name) {
@@ -267,7 +275,7 @@ private:
     }
 
     void checkBytes() {
-        if (const auto encoding = wideMark(bytes)) {
+        if (const auto encoding = wideEncodingOf(bytes)) {
             report(EHazard::kUtf16, 0,
                    fmt::format(
                        "the configuration is encoded in {}, so it is read only up to its first NUL byte; "

@@ -138,6 +138,25 @@ std::vector<SCheckRow> ofConfigurations() {
           "config:1:3: error: a NUL byte ends the configuration here [nul-byte] <- utf-16 of config",
           unknownFirst("2:26", "encA##lun1", "", "utf-16 of config")},
          clean},
+        {"UTF-16 without a byte-order mark, the low byte first",
+         EHazard::kUtf16,
+         {std::string("e\0#\0#\0l\0", 8), {}},
+         {"config:1:1: error: the configuration is encoded in UTF-16, so it is read only up to its first NUL "
+          "byte; save it as UTF-8 [utf-16]",
+          "config:1:1: error: configuration rejected: \"e\" has no enclosure, which a first target needs; "
+          "configuration 1 is not used, and a call succeeds with an empty selection "
+          "[configuration-rejected] <- utf-16 of config",
+          "config:1:2: error: a NUL byte ends the configuration here [nul-byte] <- utf-16 of config"},
+         clean},
+        {"UTF-16 without a byte-order mark, the high byte first",
+         EHazard::kUtf16,
+         {std::string("\0e\0#\0#", 6), {}},
+         {"config:1:1: error: the configuration is encoded in UTF-16, so it is read only up to its first NUL "
+          "byte; save it as UTF-8 [utf-16]",
+          "config:1:1: error: a NUL byte ends the configuration here [nul-byte] <- utf-16 of config",
+          "config:1:1: error: there is no configuration; a call succeeds with an empty selection "
+          "[no-configuration] <- utf-16 of config"},
+         clean},
         {"a configuration is listed twice",
          EHazard::kDeviceConfiguredTwice,
          with(std::string(kConfiguration) + "\nencB##lun2;snap3"),
