@@ -169,7 +169,7 @@ void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::st
 }
 
 void CAccountReader::endTree(std::string_view text) {
-    if (isInTree && nextOfTree != ETreeLine::kObjid) {
+    if (isInTree && (!hasNode || nextOfTree != ETreeLine::kObjid)) {
         noteContradiction(text);
     }
     isInTree = false;
@@ -180,6 +180,7 @@ void CAccountReader::expectTreeLine(ETreeLine line, ETreeLine next, std::string_
         noteContradiction(text);
     }
     nextOfTree = next;
+    hasNode = true;
 }
 
 bool CAccountReader::takeOther(ETraceText kind, const TraceArguments& arguments) {
@@ -292,6 +293,7 @@ bool CAccountReader::takeParsed(std::string_view file) {
     places[backup.file].push_back(account.backups.size());
     account.backups.push_back(backup);
     isInTree = true;
+    hasNode = false;
     nextOfTree = ETreeLine::kObjid;
     return true;
 }

@@ -30,6 +30,8 @@ public:
     std::vector<std::string> gaps() const;
     // Whether all lines about the loading of documents were read.
     bool isLoadingOver() const { return printedSets != 0; }
+    // Whether the next line may be one of a document's tree.
+    bool isTreeBegun() const { return isInTree; }
     // Whether the call is over: only lines of the last tree may follow.
     bool isEnded() const;
 
@@ -93,6 +95,8 @@ private:
     int printedSets = 0;
     bool isInTree = false;
     ETreeLine nextOfTree = ETreeLine::kObjid;
+    // A line of the tree was read: each has a Node.
+    bool hasNode = false;
     std::string objid;
     std::size_t checked = 0;
     // How many lines cannot follow the one before them, and the first of these.

@@ -1,6 +1,8 @@
 #include "cli/explain/call_reader.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <unordered_map>
@@ -41,6 +43,20 @@ States finalStates(const CAccountReader& account) {
     return states;
 }
 
+// Where the lines of one call are not all there, a name that is listed twice may be listed by two calls, and
+// a backup that is excluded and rotated by one of them each.
+bool isOfSeveralCalls(const CAccountReader& account) {
+    const States states = finalStates(account);
+    std::set<std::string> names;
+    return std::any_of(
+        account.flagWords.begin(), account.flagWords.end(), [&names, &states](const auto& listed) {
+            const auto& [file, flagWord] = listed;
+            const auto state = states.find(file);
+            const bool isRotated = state != states.end() && state->second == FI_BACKUP_ROTATED;
+            return !names.insert(file).second || (isRotated && (flagWord & FI_EXCLUDE_ROTATION) != 0);
+        });
+}
+
 // The backups whose flag words are known; the others are added to `missing`. When lines of the loading are
 // missing, it is not known which backups were ignored, so all count as loaded.
 std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, std::vector<std::string>& missing) {
@@ -74,6 +90,42 @@ std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, std::vector
     return backups;
 }
 
+bool isReleaseWithoutNeed(const SAccountBackup& backup) {
+    const bool isRelease = backup.reason.has_value() && (backup.reason->kind == EReason::kNeeded ||
+                                                         backup.reason->kind == EReason::kInVain);
+    return isRelease && backup.reason->configuration.empty();
+}
+
+// Where a line of a tree was lost, a backup seems to hold less than it did: then one may have been released
+// although nothing was short of a target, or a target that seems to be free was not chosen.
+bool isPlausible(const SAccount& account) {
+    if (std::any_of(account.backups.begin(), account.backups.end(), isReleaseWithoutNeed)) {
+        return false;
+    }
+    const auto chosen = choices(account.selection.value_or(""));
+    if (!chosen.has_value() || chosen->size() != account.heldAfter.size()) {
+        return true;
+    }
+    for (std::size_t i = 0; i < chosen->size(); ++i) {
+        const auto& holders = account.heldAfter[i];
+        const auto free = std::find(holders.begin(), holders.end(), std::nullopt);
+        const auto place = static_cast<std::size_t>(free - holders.begin());
+        if (free == holders.end() || account.configurations[i].targets[place] != (*chosen)[i].chosen) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void withdrawReasons(SAccount& account) {
+    for (SAccountBackup& backup : account.backups) {
+        backup.reason.reset();
+    }
+    account.shortages.clear();
+    account.heldBefore.clear();
+    account.heldAfter.clear();
+}
+
 }  // namespace
 
 bool beginsCall(std::string_view text) {
@@ -81,19 +133,28 @@ bool beginsCall(std::string_view text) {
            text == formatOf(ETraceText::kInvalidParameter);
 }
 
-void CCallReader::read(const std::string& text, bool isNamed, const SLogPlace& place) {
+void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& place) {
+    if (kind == ELogText::kProgress) {
+        call.last = call.first.line != 0 && !isOver() ? place : call.last;
+        return;
+    }
+    const bool isNamed = kind == ELogText::kNamed;
     if (begins(text, isNamed)) {
         endCall();
     }
     const bool isInCall = call.first.line != 0;
-    if (!isInCall && !isNamed) {
+    const bool isOfNone = kind == ELogText::kDoubtful && !account.isTreeBegun();
+    if ((!isInCall && !isNamed) || isOfNone) {
         return;
     }
+    isAltered = isAltered || kind == ELogText::kDoubtful;
     if (!isInCall) {
         call.first = place;
     }
     call.last = place;
+    const std::size_t states = account.oldestFirst.size();
     readText(text);
+    stateLine = account.oldestFirst.size() > states ? place.line : stateLine;
 }
 
 // Whether `text` is the first line of a call: because it can be no other, or because the call before it is
@@ -102,8 +163,11 @@ bool CCallReader::begins(const std::string& text, bool isNamed) const {
     // When other lines were lost, these can follow the end of a call and belong to it.
     const bool isOfAnyPass =
         startsAs(ETraceText::kParsed, text) || text == formatOf(ETraceText::kResourceSet);
-    const bool isOver = account.isEnded() || isRefused;
-    return beginsCall(text) || (isOver && isNamed && !isOfAnyPass);
+    return beginsCall(text) || ((account.isEnded() || isRefused) && isNamed && !isOfAnyPass);
+}
+
+bool CCallReader::isOver() const {
+    return account.isEnded() || isRefused || isFirstBackup;
 }
 
 void CCallReader::readText(const std::string& text) {
@@ -115,6 +179,7 @@ void CCallReader::readText(const std::string& text) {
     isRefused = isRefused || text == formatOf(ETraceText::kInvalidParameter);
     isFirstBackup = isFirstBackup || text == formatOf(ETraceText::kFirstBackup);
     const bool wasMalformed = account.malformed.has_value();
+    order.read(text);
     account.read(text);
     if (account.malformed.has_value() && !wasMalformed) {
         call.outcome.messages.push_back(text);
@@ -134,28 +199,85 @@ void CCallReader::endCall() {
 
     call = {};
     account = {};
+    order = {};
+    stateLine = 0;
     isRefused = false;
     isFirstBackup = false;
+    isAltered = false;
     isCut = false;
+}
+
+bool CCallReader::seemsMixed(const std::vector<std::string>& gaps) const {
+    return order.isBroken() || (!gaps.empty() && isOfSeveralCalls(account));
+}
+
+// Which line is of which call is not known, so neither is what any of them came to.
+void CCallReader::endMixed() {
+    SOutcome& outcome = call.outcome;
+    call.missing.emplace_back(
+        "what tells calls apart, since lines of several are mixed here: explain the lines of each process or "
+        "thread alone");
+    for (const auto& [file, flagWord] : account.flagWords) {
+        SBackupOutcome backup;
+        backup.given = {file, flagWord};
+        backup.isLoaded = true;
+        outcome.backups.push_back(std::move(backup));
+    }
+    outcome.account.emplace();
 }
 
 void CCallReader::endDecision() {
     SOutcome& outcome = call.outcome;
+    std::vector<std::string> gaps = account.gaps();
+    if (seemsMixed(gaps)) {
+        endMixed();
+        return;
+    }
     outcome.selection = account.account.selection;
     outcome.status = isFirstBackup ? firstBackupStatus(outcome.messages) : statusOf(account);
     if (account.malformed.has_value()) {
         outcome.exception = SException{account.malformed, {}, "it is malformed", {}, false};
     }
-    call.missing = account.gaps();
+    if (isAltered) {
+        call.missing.emplace_back("tabs at the beginning of lines: something has replaced them in the log");
+    }
+    std::move(gaps.begin(), gaps.end(), std::back_inserter(call.missing));
     if (isCut) {
         call.missing.emplace_back("the rest of names with line breaks");
     }
     outcome.backups = backupsOf(account, call.missing);
-    if (!isFirstBackup && !account.isEnded()) {
-        call.missing.push_back(fmt::format("its end, after line {}", call.last.line));
+    const bool isEnded = isFirstBackup || account.isEnded();
+    if (!isEnded) {
+        call.missing.push_back(missingEnd());
     }
-    outcome.account = isCut ? std::move(account.account) : explain(std::move(account));
+    outcome.account = isCut || isAltered ? std::move(account.account) : explain(std::move(account));
+    if (!isEnded) {
+        // Who holds which target in the end is not known without all states.
+        outcome.account->heldBefore.clear();
+        outcome.account->heldAfter.clear();
+    }
+    if (!isPlausible(*outcome.account)) {
+        withdrawReasons(*outcome.account);
+        call.missing.emplace_back("lines that say what the backups hold");
+    }
     copyReasons(outcome);
+}
+
+// The last pass tells the states, that of the newest backup last: where it is there, others are missing
+// before it.
+std::string CCallReader::missingEnd() const {
+    const std::vector<std::size_t>& told = account.oldestFirst;
+    const std::size_t all = account.account.backups.size();
+    if (told.empty()) {
+        return fmt::format("its end, after line {}", call.last.line);
+    }
+    if (told.size() == all) {
+        return fmt::format("lines between the selection and line {}", stateLine);
+    }
+    const bool isEndThere = !account.claims.empty() &&
+                            std::find(told.begin(), told.end(), account.claims.front().first) != told.end();
+    return fmt::format("the states of {} of {} backups, {} line {}", all - told.size(), all,
+                       isEndThere ? "before" : "after", stateLine);
 }
 
 std::vector<SLoggedCall> CCallReader::finish() {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/explain/call_order.h"
 #include "host/account_reader.h"
 #include "host/outcome.h"
 
@@ -34,14 +35,25 @@ struct SLoggedCall {
     std::vector<std::string> missing;
 };
 
+enum class ELogText {
+    // It begins with the name of its operation.
+    kNamed,
+    // A line of a tree, a printed target or a malformed identifier.
+    kUnnamed,
+    // A line of a tree whose tabs something has replaced, if it is the library's.
+    kDoubtful,
+    // An operation is entered or left, which says no more than that the call goes on.
+    kProgress,
+};
+
 // Whether this text of the library can only be the first line of a call.
 bool beginsCall(std::string_view text);
 
 // Reads the library's texts that one writer wrote, and separates its calls.
 class CCallReader {
 public:
-    // `text` is without its line end; a named one begins with the name of its operation.
-    void read(const std::string& text, bool isNamed, const SLogPlace& place);
+    // `text` is without its line end.
+    void read(const std::string& text, ELogText kind, const SLogPlace& place);
 
     // The calls that were read, without numbers.
     std::vector<SLoggedCall> finish();
@@ -51,13 +63,22 @@ private:
     bool begins(const std::string& text, bool isNamed) const;
     void endCall();
     void endDecision();
+    bool seemsMixed(const std::vector<std::string>& gaps) const;
+    void endMixed();
+    bool isOver() const;
+    std::string missingEnd() const;
 
     std::vector<SLoggedCall> calls;
     // The call that is being read.
     SLoggedCall call;
     CAccountReader account;
+    CCallOrder order;
+    // The last line that told a state that the call handed back.
+    std::size_t stateLine = 0;
     bool isRefused = false;
     bool isFirstBackup = false;
+    // Lines of a tree began with something else than tabs.
+    bool isAltered = false;
     // A line break has cut off the first line of a document's tree, so it is not known which backup the lines
     // of the tree belong to.
     bool isCut = false;

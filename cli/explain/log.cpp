@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "cli/explain/indentation.h"
 #include "cli/explain/writers.h"
 #include "host/trace_text.h"
 
@@ -73,12 +74,25 @@ std::optional<SNamedLine> asNamed(std::size_t log, std::string_view line) {
     return SNamedLine{log, line.substr(0, name), beginsCall(text), isFailure};
 }
 
+// Where a line says that an operation is entered or left, which is all that most lines of a trace say.
+std::optional<std::size_t> findProgress(std::string_view line) {
+    for (const ETraceText kind : {ETraceText::kEntering, ETraceText::kExiting}) {
+        const std::string_view start = startOf(kind);
+        const std::size_t place = line.rfind(start);
+        const bool isThere = place != std::string_view::npos && place <= kLongestPrefix;
+        if (isThere && line.find_first_of(" \t", place + start.size()) == std::string_view::npos) {
+            return place;
+        }
+    }
+    return std::nullopt;
+}
+
 // A text of the library's in a line.
 struct SFound {
     std::string writer;
     std::string_view text;
     std::string_view time;
-    bool isNamed = false;
+    ELogText kind = ELogText::kUnnamed;
 };
 
 std::optional<SFound> findNamed(const CWriters& writers, std::size_t log, std::string_view line) {
@@ -92,12 +106,13 @@ std::optional<SFound> findNamed(const CWriters& writers, std::size_t log, std::s
     if (!writer.has_value() || (!kindOfNamed(text).has_value() && !isCutOff(text))) {
         return std::nullopt;
     }
-    return SFound{*writer, text, prefix.time, true};
+    return SFound{*writer, text, prefix.time, ELogText::kNamed};
 }
 
+// A number in the prefix may have grown.
+constexpr std::size_t kGrowth = 32;
+
 std::optional<SFound> findUnnamed(const CWriters& writers, std::size_t log, std::string_view line) {
-    // A number in the prefix may have grown.
-    constexpr std::size_t kGrowth = 32;
     // A tree's lines are indented with tabs, and its texts begin with a blank.
     constexpr std::string_view kFirstOfUnnamed = "\t [{E";
     std::optional<SFound> found;
@@ -109,15 +124,39 @@ std::optional<SFound> findUnnamed(const CWriters& writers, std::size_t log, std:
         const SPrefix prefix = prefixOf(line.substr(0, end));
         // The longest prefix counts: the trees' own blank must not be taken from one that ends in several.
         if (const auto writer = writers.writerOfExactly(log, prefix)) {
-            found = SFound{*writer, text, prefix.time, false};
+            found = SFound{*writer, text, prefix.time, ELogText::kUnnamed};
         }
     }
     return found;
 }
 
+// A line of a tree, which begins with what a logger put in place of tabs.
+std::optional<SFound> findAltered(const CWriters& writers, std::size_t log, std::string_view line) {
+    for (std::size_t end = 0; end < std::min(line.size(), writers.longestPrefix() + kGrowth); ++end) {
+        const auto tabs = replacedTabs(line.substr(end));
+        if (!tabs.has_value()) {
+            continue;
+        }
+        const SPrefix prefix = prefixOf(line.substr(0, end));
+        if (const auto writer = writers.writerOfExactly(log, prefix)) {
+            return SFound{*writer, line.substr(end + tabs->length), prefix.time,
+                          tabs->isCertain ? ELogText::kUnnamed : ELogText::kDoubtful};
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<SFound> find(const CWriters& writers, std::size_t log, std::string_view line) {
-    const auto named = findNamed(writers, log, line);
-    return named.has_value() ? named : findUnnamed(writers, log, line);
+    auto found = findNamed(writers, log, line);
+    found = found.has_value() ? found : findUnnamed(writers, log, line);
+    return found.has_value() ? found : findAltered(writers, log, line);
+}
+
+std::optional<SFound> findProgressOf(const CWriters& writers, std::size_t log, std::string_view prefixText) {
+    const SPrefix prefix = prefixOf(prefixText);
+    const auto writer = writers.writerOfExactly(log, prefix);
+    return writer.has_value() ? std::optional(SFound{*writer, {}, prefix.time, ELogText::kProgress})
+                              : std::nullopt;
 }
 
 std::string textOf(const SFound& found, std::string_view line) {
@@ -154,14 +193,32 @@ void CLogReader::readLine(std::string_view line) {
         line.remove_suffix(1);
     }
     if (findName(line) != std::string_view::npos || mayEndWithUnnamed(line)) {
-        lines.push_back({logs.size() - 1, lineCount, std::string(line)});
+        lines.push_back({logs.size() - 1, lineCount, std::string(line), false});
+    } else if (const auto place = findProgress(line)) {
+        keepProgress(line.substr(0, *place));
+    }
+}
+
+// Of several in a row the last one tells how far the call went on.
+void CLogReader::keepProgress(std::string_view prefix) {
+    const auto isOfSame = [prefix](const SLine& last) {
+        const SPrefix before = prefixOf(last.text);
+        const SPrefix now = prefixOf(prefix);
+        return before.shape == now.shape && before.words == now.words;
+    };
+    const SLine line{logs.size() - 1, lineCount, std::string(prefix), true};
+    if (!lines.empty() && lines.back().isProgress && isOfSame(lines.back())) {
+        lines.back() = line;
+    } else {
+        lines.push_back(line);
     }
 }
 
 std::vector<SLoggedCall> CLogReader::finish() {
     std::vector<SNamedLine> named;
     for (const SLine& line : lines) {
-        if (const auto one = asNamed(line.log, line.text)) {
+        const auto one = line.isProgress ? std::nullopt : asNamed(line.log, line.text);
+        if (one.has_value()) {
             named.push_back(*one);
         }
     }
@@ -169,9 +226,11 @@ std::vector<SLoggedCall> CLogReader::finish() {
 
     std::map<std::string, CCallReader> readers;
     for (const SLine& line : lines) {
-        if (const auto found = find(writers, line.log, line.text)) {
+        const auto found = line.isProgress ? findProgressOf(writers, line.log, line.text)
+                                           : find(writers, line.log, line.text);
+        if (found.has_value()) {
             const SLogPlace place{logs[line.log], line.log, line.number, std::string(found->time)};
-            readers[found->writer].read(textOf(*found, line.text), found->isNamed, place);
+            readers[found->writer].read(textOf(*found, line.text), found->kind, place);
         }
     }
     return inOrder(readers);

@@ -30,7 +30,11 @@ private:
         std::size_t log = 0;
         std::size_t number = 0;
         std::string text;
+        // It says that an operation is entered or left, and only what stands in front of that is kept.
+        bool isProgress = false;
     };
+
+    void keepProgress(std::string_view prefix);
 
     std::vector<std::string> logs{std::string()};
     std::size_t lineCount = 0;

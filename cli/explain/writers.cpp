@@ -3,14 +3,20 @@
 #include <algorithm>
 
 namespace fi_rotate {
+namespace {
+
+// Of more writers that take turns no log is told apart without the beginnings of their calls.
+constexpr std::size_t kRecentWords = 16;
+
+}  // namespace
 
 CWriters::CWriters(const std::vector<SNamedLine>& lines) {
     for (const SNamedLine& line : lines) {
         learn(line);
     }
     for (auto& [shape, format] : formats) {
-        for (const auto& words : format.words) {
-            format.namesWriter.push_back(namesWriter(words));
+        for (SPlace& place : format) {
+            place.isName = namesWriter(place);
         }
     }
     for (const SNamedLine& line : lines) {
@@ -25,10 +31,11 @@ CWriters::CWriters(const std::vector<SNamedLine>& lines) {
 void CWriters::learn(const SNamedLine& line) {
     longest = std::max(longest, line.prefix.size());
     const SPrefix prefix = prefixOf(line.prefix);
-    SFormat& format = formats[prefix.shape];
-    format.words.resize(prefix.words.size());
+    Format& format = formats[prefix.shape];
+    format.resize(prefix.words.size());
     for (std::size_t i = 0; i < prefix.words.size(); ++i) {
-        SLines& lines = format.words[i][prefix.words[i]];
+        follow(format[i], prefix.words[i]);
+        SLines& lines = format[i].words[prefix.words[i]];
         ++lines.count;
         lines.hasBeginning = lines.hasBeginning || line.isBeginning;
         lines.hasFailure = lines.hasFailure || line.isFailure;
@@ -36,18 +43,34 @@ void CWriters::learn(const SNamedLine& line) {
     }
 }
 
+void CWriters::follow(SPlace& place, std::string_view word) {
+    std::vector<std::string_view>& recent = place.recent;
+    if (!recent.empty() && recent.back() == word) {
+        return;
+    }
+    place.changes += recent.empty() ? 0 : 1;
+    const auto known = std::find(recent.begin(), recent.end(), word);
+    if (known != recent.end()) {
+        ++place.returns;
+        recent.erase(known);
+    } else if (recent.size() == kRecentWords) {
+        recent.erase(recent.begin());
+    }
+    recent.push_back(word);
+}
+
 // Decides for one position in a prefix whether the word there names the writer. It does when most lines have
 // a word that the first line of a call has too, because a writer writes calls from their first line on.
 // Counters and clocks change with each line, so a first line rarely has the same word. The words at a
 // position name the level instead when each of them occurs at one level only, because each call has lines at
 // both levels.
-bool CWriters::namesWriter(const std::unordered_map<std::string_view, SLines>& words) {
+bool CWriters::namesWriter(const SPlace& place) {
     std::size_t all = 0;
     std::size_t ofBegun = 0;
     bool hasFailure = false;
     bool hasProgress = false;
     bool isOfBothLevels = false;
-    for (const auto& [word, lines] : words) {
+    for (const auto& [word, lines] : place.words) {
         all += lines.count;
         ofBegun += lines.hasBeginning ? lines.count : 0;
         hasFailure = hasFailure || lines.hasFailure;
@@ -55,7 +78,18 @@ bool CWriters::namesWriter(const std::unordered_map<std::string_view, SLines>& w
         isOfBothLevels = isOfBothLevels || (lines.hasFailure && lines.hasProgress);
     }
     const bool isLevel = hasFailure && hasProgress && !isOfBothLevels;
-    return !isLevel && ofBegun > all / 2;
+    return !isLevel && (ofBegun > all / 2 || isOfWriters(place, all, ofBegun != 0));
+}
+
+// Where most calls had begun before the log: few words, each in many lines, are those of writers when no call
+// begins in the log at all, and when they alternate, as those of a clock never do.
+bool CWriters::isOfWriters(const SPlace& place, std::size_t lines, bool isBegun) {
+    constexpr std::size_t kLeastLines = 4;
+    if (lines < kLeastLines * place.words.size()) {
+        return false;
+    }
+    const bool alternates = place.words.size() <= kRecentWords && place.returns > place.changes / 2;
+    return !isBegun || alternates;
 }
 
 void CWriters::learnWriter(const SNamedLine& line) {
@@ -108,8 +142,8 @@ std::optional<std::string> CWriters::nameIn(const SPrefix& prefix, std::size_t l
         return std::nullopt;
     }
     std::string name = shape + '\n';
-    for (std::size_t i = 0; i < format->second.namesWriter.size(); ++i) {
-        name += format->second.namesWriter[i] ? std::string(prefix.words[i]) + '\n' : "\n";
+    for (std::size_t i = 0; i < format->second.size(); ++i) {
+        name += format->second[i].isName ? std::string(prefix.words[i]) + '\n' : "\n";
     }
     return name;
 }

@@ -24,7 +24,8 @@ struct SNamedLine {
 
 // Finds out who wrote the library's lines into logs. The prefixes of one writer (a process or a thread)
 // contain the same words. Words that change from line to line, such as levels and counters, do not name the
-// writer. A program that only quotes such lines, in a message or from a document, is not a writer.
+// writer. A program that only quotes such lines, in a message or from a document, is not a writer. A log may
+// begin within calls, so that no line of a writer begins a call.
 class CWriters {
 public:
     explicit CWriters(const std::vector<SNamedLine>& lines);
@@ -47,13 +48,18 @@ private:
         bool hasProgress = false;
     };
 
-    // A format of prefixes.
-    struct SFormat {
-        // By position, the words that occur there.
-        std::vector<std::unordered_map<std::string_view, SLines>> words;
-        // By position, whether the word there names the writer.
-        std::vector<bool> namesWriter;
+    // A place for a word in the prefixes of one format.
+    struct SPlace {
+        std::unordered_map<std::string_view, SLines> words;
+        // The last words that differ, the latest at the end.
+        std::vector<std::string_view> recent;
+        // How often the word was another one than in the line before, and how often one of the recent ones.
+        std::size_t changes = 0;
+        std::size_t returns = 0;
+        bool isName = false;
     };
+
+    using Format = std::vector<SPlace>;
 
     struct SWriter {
         bool hasBeginning = false;
@@ -65,7 +71,9 @@ private:
         bool isIgnored = false;
     };
 
-    static bool namesWriter(const std::unordered_map<std::string_view, SLines>& words);
+    static void follow(SPlace& place, std::string_view word);
+    static bool namesWriter(const SPlace& place);
+    static bool isOfWriters(const SPlace& place, std::size_t lines, bool isBegun);
     void learn(const SNamedLine& line);
     void learnWriter(const SNamedLine& line);
     void ignoreIfQuoted(const SNamedLine& line);
@@ -73,7 +81,7 @@ private:
     // The name of the writer whose prefixes have the first `length` characters of the shape.
     [[nodiscard]] std::optional<std::string> nameIn(const SPrefix& prefix, std::size_t length) const;
 
-    std::unordered_map<std::string, SFormat> formats;
+    std::unordered_map<std::string, Format> formats;
     std::unordered_map<std::string, SWriter> writers;
     // Logs whose writers put the time in front of their lines.
     std::set<std::size_t> timedLogs;

@@ -143,6 +143,15 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
                                  "    no state: the reason is not known\n");
 }
 
+TEST_F(FiRotateExplain, SaysThatBackupsAreNotKnownWhereTheLinesThatListThemAreMissing) {
+    call("A##x;1", {backup});
+    std::string lines = fi_test::contentOf(log);
+    lines.erase(0, lines.find("4 fi_process_backups : parsed ["));
+    const auto result = runFiRotate({"explain", folder.write("cut", lines)});
+    EXPECT_THAT(result.output, HasSubstr("  the flag word of \"" + backup + "\"\n"));
+    EXPECT_THAT(result.output, EndsWith("\nBackups: not known\n"));
+}
+
 TEST_F(FiRotateExplain, ReadsSeveralLogsOneAfterTheOther) {
     const std::string older = folder.write("log.1",
                                            "Nov  2 01:30:00 h app[7]: CFiResourceParser::parse : "

@@ -161,11 +161,72 @@ TEST_F(FiRotateLog, SaysThatTheEndIsMissing) {
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls[0].missing, ElementsAre("its end, after line " + std::to_string(lines.size())));
+    EXPECT_EQ(calls[0].last.line, lines.size());
     const SOutcome& outcome = calls[0].outcome;
     EXPECT_FALSE(outcome.status.has_value());
     EXPECT_FALSE(outcome.backups[0].reason.has_value());
     ASSERT_TRUE(outcome.backups[1].reason.has_value());
     EXPECT_EQ(inWords(*outcome.backups[1].reason), "A##2 of A##x was already held by " + folder.path("new"));
+}
+
+TEST_F(FiRotateLog, CountsLinesThatOnlyTellOfProgressUpToTheMissingEnd) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto isTold = [](const std::string& line) { return line.find("] exclude") != std::string::npos; };
+    const auto flagWord = std::find_if(lines.begin(), lines.end(), isTold);
+    const auto isProgress = [](const std::string& line) { return line.compare(0, 4, "4 En") == 0; };
+    const auto last = std::find_if(std::find_if(flagWord, lines.end(), isProgress), lines.end(),
+                                   [&isProgress](const std::string& line) { return !isProgress(line); });
+    ASSERT_NE(last, lines.end());
+    lines.erase(last, lines.end());
+    for (std::string& line : lines) {
+        line = "host[7]: " + line.substr(2);
+    }
+    const std::string end = std::to_string(lines.size());
+    lines.emplace_back("host[8]: Entering CFiFiidHandler::startElement");
+    lines.emplace_back("host[7]: Entering the maintenance window");
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing, ElementsAre("its end, after line " + end));
+}
+
+TEST_F(FiRotateLog, SaysWhichStatesAreMissingBeforeTheEnd) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto isState = [](const std::string& line) {
+        return line.find("old] state=[") != std::string::npos;
+    };
+    const auto state = std::find_if(lines.begin(), lines.end(), isState);
+    ASSERT_NE(state, lines.end());
+    lines.erase(state);
+    const auto isOfNewest = [](const std::string& line) {
+        return line.find("new] state=[") != std::string::npos;
+    };
+    const auto newest = std::find_if(lines.begin(), lines.end(), isOfNewest) - lines.begin();
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing,
+                ElementsAre("the states of 1 of 3 backups, before line " + std::to_string(newest + 1)));
+    EXPECT_FALSE(calls[0].outcome.backups[0].state.has_value());
+    // Whether the lost one was kept is not known, so neither is who holds what.
+    EXPECT_THAT(calls[0].outcome.account->heldAfter, IsEmpty());
+}
+
+TEST_F(FiRotateLog, SaysAfterWhichLineTheLastStatesAreMissing) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto isOfNewest = [](const std::string& line) {
+        return line.find("new] state=[") != std::string::npos;
+    };
+    lines.erase(std::find_if(lines.begin(), lines.end(), isOfNewest));
+    const auto isOfLast = [](const std::string& line) {
+        return line.find("lost] state=[") != std::string::npos;
+    };
+    const auto last = std::find_if(lines.begin(), lines.end(), isOfLast) - lines.begin();
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing,
+                ElementsAre("the states of 1 of 3 backups, after line " + std::to_string(last + 1)));
 }
 
 TEST_F(FiRotateLog, SaysThatTheBeginningIsMissing) {
@@ -201,6 +262,81 @@ TEST_F(FiRotateLog, GivesNoReasonWhereTwoCallsAreMixed) {
             EXPECT_FALSE(backup.reason.has_value());
         }
     }
+}
+
+// What remains of the lines of both, those of each in order, when both had begun before the log.
+std::vector<std::string> mixedWithoutBeginnings(std::vector<std::string> one, std::vector<std::string> other,
+                                                std::mt19937& random) {
+    one.erase(one.begin(), one.begin() + 1 + static_cast<std::ptrdiff_t>(random() % one.size()));
+    other.erase(other.begin(), other.begin() + 1 + static_cast<std::ptrdiff_t>(random() % other.size()));
+    std::vector<std::string> log;
+    while (!one.empty() || !other.empty()) {
+        auto& from = other.empty() || (!one.empty() && random() % 2 == 0) ? one : other;
+        log.push_back(from.front());
+        from.erase(from.begin());
+    }
+    return log;
+}
+
+bool saysMixed(const SLoggedCall& logged) {
+    return !logged.missing.empty() &&
+           logged.missing[0].find("lines of several are mixed") != std::string::npos;
+}
+
+TEST_F(FiRotateLog, SaysFirstThatCallsWithoutABeginningAreMixed) {
+    std::vector<std::string> one;
+    std::vector<std::string> other;
+    traced(rotation(), one);
+    SCall call = rotation();
+    call.backups[0].flagWord = 4;
+    traced(call, other);
+    std::vector<std::string> mixed;
+    // Both had begun, and the one that is ahead has read its documents.
+    const auto isRead = [](const std::string& line) {
+        return line.find("CFiResourceManager::print : ") != std::string::npos;
+    };
+    mixed.insert(mixed.end(), std::find_if(one.begin(), one.end(), isRead), one.end());
+    mixed.insert(mixed.begin() + 5, other.begin() + 1, other.end());
+    const auto calls = callsOf(mixed);
+    ASSERT_FALSE(calls.empty());
+    EXPECT_TRUE(saysMixed(calls[0]));
+    EXPECT_FALSE(calls[0].outcome.selection.has_value());
+    EXPECT_FALSE(calls[0].outcome.status.has_value());
+    for (const auto& backup : calls[0].outcome.backups) {
+        EXPECT_FALSE(backup.state.has_value());
+        EXPECT_TRUE(backup.isLoaded);
+    }
+}
+
+TEST_F(FiRotateLog, ShowsNoStateThatNoneOfTheMixedCallsHas) {
+    constexpr unsigned kMixed = 300;
+    std::size_t noticed = 0;
+    for (unsigned seed = 0; seed < kMixed; ++seed) {
+        SCOPED_TRACE(seed);
+        std::vector<std::string> one;
+        std::vector<std::string> other;
+        SCall call = CRandomCall(seed, folder).make();
+        const SOutcome ofOne = traced(call, one);
+        for (auto& backup : call.backups) {
+            backup.flagWord ^= 4;
+        }
+        const SOutcome ofOther = traced(call, other);
+        std::mt19937 random(seed);
+        for (const SLoggedCall& logged : callsOf(mixedWithoutBeginnings(one, other, random))) {
+            noticed += saysMixed(logged) ? 1 : 0;
+            for (const auto& backup : logged.outcome.backups) {
+                const auto same = [&backup](const auto& known) {
+                    return known.given.file == backup.given.file &&
+                           known.given.flagWord == backup.given.flagWord && known.state == backup.state;
+                };
+                const bool isTold = backup.state.has_value();
+                EXPECT_TRUE(!isTold || std::any_of(ofOne.backups.begin(), ofOne.backups.end(), same) ||
+                            std::any_of(ofOther.backups.begin(), ofOther.backups.end(), same))
+                    << backup.given.file << ' ' << backup.given.flagWord << ' ' << backup.state.value_or(-1);
+            }
+        }
+    }
+    EXPECT_GT(noticed, kMixed / 5);
 }
 
 TEST_F(FiRotateLog, SaysWhenACallWas) {
@@ -263,11 +399,116 @@ TEST_F(FiRotateLog, PutsLineBreaksBackIntoLinesOfFiRotateOnly) {
     EXPECT_THAT(ofHost[0].outcome.messages, ElementsAre(rejected));
 }
 
+// Backups whose Nodes stand in another one, so that lines of their trees begin with tabs. The library's lines
+// are those of a log that holds `text` instead of each tab.
+class FiRotateLogTabs : public FiRotateLog {
+protected:
+    void SetUp() override {
+        SCall call;
+        call.configuration = "A##x;1;2&A##y;3;4";
+        const auto nested = [](const std::string& stamp, const std::string& pairs) {
+            return "<Node><timeStamp>" + stamp + "</timeStamp>" + pairs + "</Node>";
+        };
+        const auto pair = [](const std::string& first, const std::string& further) {
+            return "<Node><Node><objid>UDID##v##m##A##" + first + "</objid><altobjid>UDID##v##m##A##" +
+                   further + "</altobjid></Node></Node>";
+        };
+        call.backups.resize(3);
+        call.backups[0].file = folder.write("old", nested("1", pair("x", "1") + pair("y", "3")));
+        call.backups[1].file = folder.write("lost", nested("2", pair("x", "2")));
+        call.backups[2].file = folder.write("new", nested("3", pair("x", "2") + pair("y", "4")));
+        outcome = traced(call, lines);
+    }
+
+    [[nodiscard]] SLoggedCall callOfLogWith(const std::string& text) const {
+        std::vector<std::string> log;
+        for (const std::string& line : lines) {
+            log.emplace_back("Nov 21 07:00:00 host backupd[17]: ");
+            for (const char character : line.substr(2)) {
+                log.back() += character == '\t' ? text : std::string(1, character);
+            }
+        }
+        const auto calls = callsOf(log);
+        return calls.size() == 1 ? calls[0] : SLoggedCall();
+    }
+
+    std::vector<std::string> lines;
+    SOutcome outcome;
+};
+
+TEST_F(FiRotateLogTabs, AreReadInEveryEscapeOfALogger) {
+    for (const char* const escape : {"#011", "\\t", "\\011", "\\x09", "^I", "\\u0009", "<09>", ""}) {
+        SCOPED_TRACE(escape);
+        const SLoggedCall logged = callOfLogWith(escape);
+        ASSERT_TRUE(logged.outcome.account.has_value());
+        EXPECT_EQ(told(logged.outcome), told(outcome));
+        EXPECT_THAT(logged.missing, IsEmpty());
+    }
+}
+
+TEST_F(FiRotateLogTabs, AreMissedFirstWhereAnythingElseReplacedThem) {
+    for (const char* const text : {" ", "?", ".", "        ", "\xEF\xBF\xBD"}) {
+        SCOPED_TRACE(text);
+        const SLoggedCall logged = callOfLogWith(text);
+        EXPECT_THAT(logged.missing,
+                    ElementsAre("tabs at the beginning of lines: something has replaced them in the log"));
+        EXPECT_EQ(logged.outcome.selection, outcome.selection);
+        ASSERT_EQ(logged.outcome.backups.size(), 3U);
+        for (std::size_t i = 0; i < 3; ++i) {
+            EXPECT_EQ(logged.outcome.backups[i].state, outcome.backups[i].state);
+            EXPECT_FALSE(logged.outcome.backups[i].reason.has_value());
+        }
+        ASSERT_TRUE(logged.outcome.account.has_value());
+        EXPECT_THAT(logged.outcome.account->heldBefore, IsEmpty());
+    }
+}
+
+TEST_F(FiRotateLogTabs, OfLinesThatTellOfNoTreeAreNotMissed) {
+    std::vector<std::string> log;
+    for (const std::string& line : lines) {
+        log.push_back("backupd: " + line.substr(2));
+        if (line.find("[RESERVE GOOD]") != std::string::npos) {
+            log.emplace_back("backupd: ?? [a job of the host's]");
+        }
+    }
+    const auto calls = callsOf(log);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(told(calls[0].outcome), told(outcome));
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+}
+
+TEST_F(FiRotateLogTabs, AndBlanksMayBeCutOffWithoutAFalseReason) {
+    for (std::string& line : lines) {
+        const std::string text = line.substr(2);
+        line = "backupd: " + text.substr(std::min(text.find_first_not_of("\t "), text.size()));
+    }
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_FALSE(calls[0].missing.empty());
+    for (const auto& backup : calls[0].outcome.backups) {
+        EXPECT_FALSE(backup.reason.has_value());
+    }
+}
+
+// A logger that puts a word there leaves nothing that could be known as a line of the library's.
+TEST_F(FiRotateLogTabs, ThatHideWhatWasReleasedLeaveNoReason) {
+    const SLoggedCall logged = callOfLogWith("TAB");
+    EXPECT_THAT(logged.missing, ElementsAre("lines that say what the backups hold"));
+    ASSERT_EQ(logged.outcome.backups.size(), 3U);
+    for (const auto& backup : logged.outcome.backups) {
+        EXPECT_TRUE(backup.state.has_value());
+        EXPECT_FALSE(backup.reason.has_value());
+    }
+    ASSERT_TRUE(logged.outcome.account.has_value());
+    EXPECT_THAT(logged.outcome.account->heldBefore, IsEmpty());
+}
+
 // A log that lacks lines may tell less than the call, or say what is missing, but nothing else than the call.
 void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
     for (const auto& backup : logged.outcome.backups) {
         const auto same = [&backup](const auto& other) {
-            return other.given.file == backup.given.file &&
+            return other.given.file == backup.given.file && other.given.flagWord == backup.given.flagWord &&
+                   (!backup.state.has_value() || backup.state == other.state) &&
                    (!backup.reason.has_value() || inWords(*backup.reason) == inWords(*other.reason));
         };
         EXPECT_TRUE(std::any_of(outcome.backups.begin(), outcome.backups.end(), same))

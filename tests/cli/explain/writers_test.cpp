@@ -90,6 +90,30 @@ protected:
         return made;
     }
 
+    // A call with four backups, of which the oldest is rotated.
+    SProcess rotated(Format format) {
+        fi_rotate::SCall call;
+        call.configuration = "A##x;1;2;3;4";
+        for (const char* const number : {"1", "2", "3", "4"}) {
+            const std::string target = std::string("A##") + number;
+            call.backups.emplace_back();
+            call.backups.back().file =
+                folder.write(number, fi_test::document(number, {{"A##x", target.c_str()}}));
+        }
+        SProcess made;
+        made.format = format;
+        made.calls.emplace_back(0, told(traced(call, made.lines)));
+        return made;
+    }
+
+    static std::string statesOf(const fi_rotate::SOutcome& outcome) {
+        std::string states;
+        for (const auto& backup : outcome.backups) {
+            states += std::string(stateWord(backup).value_or("-")) + ' ';
+        }
+        return states;
+    }
+
     // All lines of the processes, those of each in order, with so many lines of noise in between. `expected`
     // gets what the calls came to, in the order in which they begin.
     std::vector<std::string> mixed(std::vector<SProcess> processes, std::size_t noise,
@@ -259,7 +283,63 @@ TEST_F(FiRotateLogWriters, AreSeparatedWhenTheLogBeginsWithinACall) {
     }
 }
 
-TEST_F(FiRotateLogWriters, MayHaveATimeInOneLogAndNoneInAnother) {
+// Where each of several writers has begun its call before the log, their lines one after the other by turns.
+TEST_F(FiRotateLogWriters, AreToldApartWhenAllCallsWereCutOffAtTheBeginningOfTheLog) {
+    for (std::size_t i = 0; i < kFormats.size(); ++i) {
+        SCOPED_TRACE(i);
+        const std::array<SProcess, 2> cut{rotated(kFormats[i]), rotated(kFormats[i])};
+        std::vector<std::string> log;
+        for (std::size_t line = 1; line < std::max(cut[0].lines.size(), cut[1].lines.size()); ++line) {
+            for (int process = 0; process < 2; ++process) {
+                const auto& lines = cut.at(static_cast<std::size_t>(process)).lines;
+                if (line < lines.size()) {
+                    log.push_back(kFormats[i](process, lines[line][0], static_cast<int>(log.size())) +
+                                  lines[line].substr(2));
+                }
+            }
+        }
+        const auto calls = callsOf(log);
+        ASSERT_THAT(calls, SizeIs(2));
+        for (const auto& call : calls) {
+            EXPECT_THAT(call.missing, testing::Contains("its beginning, with the configuration"));
+            EXPECT_EQ(statesOf(call.outcome), "rotated kept kept kept ");
+        }
+    }
+}
+
+TEST_F(FiRotateLogWriters, AreToldApartWhenOneOfThemBeginsInTheLog) {
+    const SProcess cut = rotated(syslog);
+    const SProcess whole = rotated(syslog);
+    std::vector<std::string> log{syslog(2, '4', 0) + whole.lines[0].substr(2)};
+    for (std::size_t line = 1; line < cut.lines.size(); ++line) {
+        for (int process = 0; process < 2; ++process) {
+            log.push_back(syslog(process, '4', 7) + cut.lines[line].substr(2));
+        }
+        log.push_back(syslog(2, '4', 7) + whole.lines[line].substr(2));
+    }
+    const auto calls = callsOf(log);
+    ASSERT_THAT(calls, SizeIs(3));
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+    EXPECT_EQ(told(calls[0].outcome), whole.calls[0].second);
+    EXPECT_EQ(statesOf(calls[1].outcome), "rotated kept kept kept ");
+    EXPECT_EQ(statesOf(calls[2].outcome), "rotated kept kept kept ");
+}
+
+TEST_F(FiRotateLogWriters, AreToldApartByFlagWordsAlone) {
+    std::vector<std::string> log;
+    for (const char* const name : {"a", "b", "c", "d"}) {
+        for (const int process : {1, 2}) {
+            log.push_back(syslog(process, '3', 7) + "fi_process_backups :  Fiid [" + name +
+                          "] exclude rotation flag [0] ");
+        }
+    }
+    const auto calls = callsOf(log);
+    ASSERT_THAT(calls, SizeIs(2));
+    EXPECT_THAT(calls[0].outcome.backups, SizeIs(4));
+    EXPECT_THAT(calls[1].outcome.backups, SizeIs(4));
+}
+
+TEST_F(FiRotateLogWriters, OfOtherLogsNeedNoTimeWhereThoseOfOneHaveIt) {
     const SProcess host = process(syslog, 1);
     const SProcess own = process(nullptr, 1);
     CLogReader reader;
