@@ -95,13 +95,15 @@ Json takenOverOf(const SSimulation& simulation) {
         const SBackup& given = simulation.plan.from[i];
         const STakenOver& backup = simulation.takenOver[i];
         const bool isInvalid = !backup.whyInvalid.empty();
+        const bool isEnded = backup.ended != 0 && !isInvalid;
         rows.push_back({
             {"file", asUtf8(given.file)},
             {"time", backup.time.has_value() ? Json(toIsoTime(*backup.time)) : Json(nullptr)},
             {"excluded", (given.flagWord & FI_EXCLUDE_ROTATION) != 0},
             {"snapshots", backup.snapshots},
             {"state", stateOf(backup)},
-            {"ended_in_round", backup.ended != 0 && !isInvalid ? Json(backup.ended) : Json(nullptr)},
+            {"ended_in_round", isEnded ? Json(backup.ended) : Json(nullptr)},
+            {"ended_at", isEnded ? Json(toIsoTime(timeOf(simulation.plan, backup.ended))) : Json(nullptr)},
             {"reason", isInvalid ? Json(asUtf8(backup.whyInvalid)) : Json(nullptr)},
         });
     }

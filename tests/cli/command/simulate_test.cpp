@@ -307,6 +307,7 @@ TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
          {"snapshots", 1},
          {"state", "held"},
          {"ended_in_round", nullptr},
+         {"ended_at", nullptr},
          {"reason", nullptr}},
         {{"file", older},
          {"time", "2026-09-27T00:00:00Z"},
@@ -314,6 +315,7 @@ TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
          {"snapshots", 1},
          {"state", "rotated"},
          {"ended_in_round", 1},
+         {"ended_at", "2026-10-01T00:00:00Z"},
          {"reason", nullptr}},
         {{"file", newer},
          {"time", "2026-09-28T00:00:00Z"},
@@ -321,6 +323,7 @@ TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
          {"snapshots", 1},
          {"state", "rotated"},
          {"ended_in_round", 2},
+         {"ended_at", "2026-10-02T00:00:00Z"},
          {"reason", nullptr}},
         {{"file", invalid},
          {"time", nullptr},
@@ -328,6 +331,7 @@ TEST_F(FiRotateSimulateFrom, JsonAndCsvNameTheBackupsThatWereThereBefore) {
          {"snapshots", 0},
          {"state", "invalid"},
          {"ended_in_round", nullptr},
+         {"ended_at", nullptr},
          {"reason", "UDID##a##b##encA##lun1 with UDID##a##b##encA##s9 names no target of encA##lun1"}},
     };
     EXPECT_EQ(shown["from"], expected);
