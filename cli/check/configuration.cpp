@@ -226,6 +226,23 @@ SConfiguration changed(SConfiguration configuration, const Change& change) {
     return configuration;
 }
 
+std::string writtenAs(const SConfiguredTarget& target) {
+    return target.isEnclosureCarried ? target.device : target.name();
+}
+
+// `configuration` with a semicolon in place of each comma.
+SConfiguration withoutCommas(const SConfiguration& configuration) {
+    std::string text = writtenAs(configuration.first);
+    for (const SConfiguredTarget& target : configuration.further) {
+        text += ';' + writtenAs(target);
+    }
+    std::replace(text.begin(), text.end(), ',', ';');
+    const CConfigurationText separated(text);
+    SConfiguration meant;
+    parseConfiguration(separated, separated.whole(), meant);
+    return meant;
+}
+
 bool isCopy(const SConfiguration& left, const SConfiguration& right) {
     return left.first.name() == right.first.name() &&
            std::equal(
@@ -346,6 +363,12 @@ private:
                 unread.addConfiguration(changed(configuration, withoutBlanks), EHazard::kBlankInTarget);
             }
         }
+        if (findings.has(EHazard::kCommaInTarget)) {
+            for (const SConfiguration& configuration : reading.used) {
+                unread.addConfiguration(changed(withoutCommas(configuration), withoutBlanks),
+                                        EHazard::kCommaInTarget);
+            }
+        }
     }
 
     void gatherRejected(EHazard cause) {
@@ -389,7 +412,7 @@ private:
                    inQuotes(first.name()) + " has no further targets, so no call can succeed", cause);
             unread.addFurtherTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
         }
-        checkBlanks(first);
+        checkName(first);
     }
 
     void checkFurther(std::size_t index, const SConfiguredTarget& target) {
@@ -411,10 +434,10 @@ private:
                        : std::nullopt);
             earlier->second = index;
         }
-        checkBlanks(target);
+        checkName(target);
     }
 
-    void checkBlanks(const SConfiguredTarget& target) {
+    void checkName(const SConfiguredTarget& target) {
         const auto hasBlank = [](const std::string& name) {
             return !name.empty() && (std::strchr(kBlanks, name.front()) != nullptr ||
                                      std::strchr(kBlanks, name.back()) != nullptr);
@@ -422,6 +445,10 @@ private:
         if (hasBlank(target.device) || (!target.isEnclosureCarried && hasBlank(target.enclosure))) {
             report(EHazard::kBlankInTarget, target.offset,
                    inQuotes(target.name()) + " has a name that begins or ends with a blank");
+        }
+        if (writtenAs(target).find(',') != std::string::npos) {
+            report(EHazard::kCommaInTarget, target.offset,
+                   inQuotes(target.name()) + " is one target; a semicolon separates targets, not a comma");
         }
     }
 

@@ -51,6 +51,11 @@ not intend that, list all further targets in one configuration.)"},
 The library does not remove it: it is part of the name, and only an identifier
 that has it too matches the target. Remove it if the name does not really have
 it.)"},
+    {EHazard::kCommaInTarget, "comma-in-target", ESeverity::kWarning,
+     R"(The name of an enclosure or of a device has a comma in it. Only a semicolon separates
+targets, so the text on both sides of the comma is one target. A backup that holds
+one of the two is invalid, and its targets count as free. Write a semicolon instead
+of the comma if the target is not really called so.)"},
     {EHazard::kByteOrderMark, "byte-order-mark", ESeverity::kError,
      R"(The configuration begins with the byte-order mark of UTF-8, the bytes EF BB BF,
 which some editors write before a text. It becomes part of the name of the first

@@ -16,6 +16,7 @@ enum class EHazard {
     kFirstTargetRepeated,
     kDeviceConfiguredTwice,
     kBlankInTarget,
+    kCommaInTarget,
     kByteOrderMark,
     kCannotOpen,
     kNotAFile,

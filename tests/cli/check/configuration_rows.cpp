@@ -93,6 +93,20 @@ std::vector<SCheckRow> configurationRows() {
          {"config:1:12: warning: \"encA##snap1 \" has a name that begins or ends with a blank "
           "[blank-in-target]"},
          of("encA##lun1;snap 1;snap2")},
+        {"a comma between two targets",
+         EHazard::kCommaInTarget,
+         of("encA##lun1;snap1,snap2;snap3"),
+         {"config:1:12: warning: \"encA##snap1,snap2\" is one target; a semicolon separates targets, not a "
+          "comma "
+          "[comma-in-target]"},
+         of("encA##lun1;snap1;snap2;snap3")},
+        {"a comma behind the first target",
+         EHazard::kCommaInTarget,
+         of("encA##lun1,snap1;snap2"),
+         {"config:1:1: warning: \"encA##lun1,snap1\" is one target; a semicolon separates targets, not a "
+          "comma "
+          "[comma-in-target]"},
+         of("encA##lun1;snap1;snap2")},
         {"places count characters, and references by what was given",
          EHazard::kBlankInTarget,
          of("\xC3\xA4&lt;##lun1;snap1; snap2"),

@@ -96,6 +96,18 @@ std::vector<SCheckRow> ofConfigurations() {
                          "blank-in-target of config"),
           unknownFirst("3:26", "encB##lun2", " encB##lun2", "blank-in-target of config")},
          clean},
+        {"a comma for a semicolon, with a blank behind it and before another enclosure",
+         EHazard::kCommaInTarget,
+         with("encA##lun1;snap0, snap1\nencB##lun2,encB##snap3;snap4"),
+         {"config:1:12: warning: \"encA##snap0, snap1\" is one target; a semicolon separates targets, not a "
+          "comma "
+          "[comma-in-target]",
+          "config:2:1: warning: \"encB##lun2,encB##snap3\" is one target; a semicolon separates targets, not "
+          "a "
+          "comma [comma-in-target]",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"", "comma-in-target of config"),
+          unknownFirst("3:26", "encB##lun2", "encA##lun1", "comma-in-target of config")},
+         clean},
         {"a NUL within a target",
          EHazard::kNulByte,
          with(std::string("encA##lun1;sn\0ap1\nencB##lun2;snap3", 34)),
