@@ -222,12 +222,15 @@ TEST(HostAccountReader, EndsACallWithAMalformedIdentifierOfItsOwn) {
 
 TEST(HostAccountReader, ExpectsNoPrintOfARejectedConfiguration) {
     const CAccountReader reader = readerOf(
-        {"CFiResourceParser::parse : Resource specification [A##x;1&y]", "CFiResourceParser::parse : [A][x]",
-         "CFiResourceParser::parse : [A][1]", "CFiResourceParser::parse : [][y]",
-         "CFiResourceParser::parse : resource configuration \"y\" has no enclosure data specified.",
-         "fi_process_backups :  Fiid [old] exclude rotation flag [0] ", "fi_process_backups : parsed [old]",
-         "CFiResourceManager::print : printing resource set", "[A:x](Available)", "{1,Available}",
-         "fi_process_backups : [RESOURCES MATCH] [old]"});
+        Lines{"CFiResourceParser::parse : Resource specification [A##x;1&y]",
+              "CFiResourceParser::parse : [A][x]", "CFiResourceParser::parse : [A][1]",
+              "CFiResourceParser::parse : [][y]",
+              "CFiResourceParser::parse : resource configuration \"y\" has no enclosure data specified.",
+              "fi_process_backups :  Fiid [old] exclude rotation flag [0] ",
+              "fi_process_backups : parsed [old]"} +
+        tree("UDID##x") +
+        Lines{"CFiResourceManager::print : printing resource set", "[A:x](Available)", "{1,Available}",
+              "fi_process_backups : [RESOURCES MATCH] [old]"});
     EXPECT_THAT(reader.gaps(), IsEmpty());
     EXPECT_THAT(reader.account.configurations, SizeIs(1));
 }

@@ -72,7 +72,7 @@ class Example(unittest.TestCase):
     def test_it_prints_no_selection_without_documents(self):
         run = self.run_example("resource.conf")
         self.assertEqual((run.returncode, run.stdout), (1, ""))
-        self.assertRegex(run.stderr, "^safe-host: no backups are listed")
+        self.assertRegex(run.stderr, "^safe-host: backups is empty")
 
 
 if __name__ == "__main__":
