@@ -135,10 +135,10 @@ std::size_t secondsLength(std::string_view text) {
 }
 
 bool isLevel(std::string_view word) {
-    constexpr std::array<std::string_view, 20> kLevels{
-        "trace", "debug",   "verbose", "info",  "information", "informational", "notice",
-        "warn",  "warning", "err",     "error", "severe",      "crit",          "critical",
-        "alert", "emerg",   "panic",   "fatal", "fine",        "finer",
+    constexpr std::array<std::string_view, 26> kLevels{
+        "trace",         "trc",    "debug", "dbg",   "verbose", "vrb", "info",  "inf",    "information",
+        "informational", "notice", "warn",  "wrn",   "warning", "err", "error", "severe", "crit",
+        "critical",      "alert",  "emerg", "panic", "fatal",   "ftl", "fine",  "finer",
     };
     std::string lower(word);
     std::transform(lower.begin(), lower.end(), lower.begin(), lowerCase<char>);

@@ -245,6 +245,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SPrefixRow{"Iso", "2026-11-21T07:00:00.123Z INFO ", "2026-11-21T07:00:00.9Z WARNING "},
                     SPrefixRow{"Brackets", "[  17][t:0x7f] <trace> ", "[17][t:0x7f] <error> "},
                     SPrefixRow{"Tab", "07:00\t", "19:30\t"},
+                    SPrefixRow{"ShortLevels", "07:00 pid=17 DBG ", "19:30 pid=17 ERR "},
                     SPrefixRow{"LevelFirst", "INFO: 07:00 [17] ", "ERROR: 19:30 [17] "}),
     [](const auto& row) { return row.param.name; });
 
