@@ -23,8 +23,8 @@ namespace {
 
 // What the option parser says, and what is printed instead: its own texts do not say what to do.
 struct SRewording {
-    const char* pattern;
-    const char* words;
+    const char* pattern = "";
+    const char* words = "";
     // The words end in a list without blanks between its members.
     bool endsInList = false;
 };

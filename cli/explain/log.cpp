@@ -79,8 +79,9 @@ std::optional<std::size_t> findProgress(std::string_view line) {
     for (const ETraceText kind : {ETraceText::kEntering, ETraceText::kExiting}) {
         const std::string_view start = startOf(kind);
         const std::size_t place = line.rfind(start);
-        const bool isThere = place != std::string_view::npos && place <= kLongestPrefix;
-        if (isThere && line.find_first_of(" \t", place + start.size()) == std::string_view::npos) {
+        // One that is not found has no place, which is beyond any prefix.
+        if (place <= kLongestPrefix &&
+            line.find_first_of(" \t", place + start.size()) == std::string_view::npos) {
             return place;
         }
     }
