@@ -94,10 +94,10 @@ CFiXmlLibrary::CFiXmlLibrary() {
 }
 
 CFiXmlLibrary::~CFiXmlLibrary() {
-    if (surroundings != nullptr) {
-        terminate();
-    } else if (SProcess::held != nullptr) {
+    if (SProcess::held != nullptr) {
         SProcess::held->memory.leaveToOthers();  // GCOVR_EXCL_LINE: in the host library only.
+    } else if (surroundings != nullptr) {
+        terminate();
     }
 }
 
