@@ -14,10 +14,10 @@ public:
           text(file + ' ' + std::to_string(seen.st_size) + ' ' + asText(seen.st_mtim) + ' ' +
                asText(seen.st_ctim)) {}
 
-    // The same for all names of a file, different for other files.
+    // Which file: the same for all names of a file, different for other files.
     std::string file;
     // Which file, its size and the times of its last changes: another text when the file is changed or
-    // replaced, as far as these show it.
+    // replaced, as far as these show it. SReading::file is such a text.
     std::string text;
 
 private:

@@ -5,7 +5,8 @@
 namespace {
 
 // Descends along last children and climbs by the parent links, so that neither the stack nor the
-// heap is needed, however deep the tree: releasing must work when memory has run out.
+// heap is needed, however deep the tree: releasing must work when memory has run out. It does not stop at
+// `root`: the `parent` of a replaced root is the next tree to delete.
 void deleteTree(CFiFiidNode* root) {
     CFiFiidNode* node = root;
     while (node != nullptr) {

@@ -4,7 +4,8 @@
 
 class CFiFiidNode;
 
-// Deletes whole trees at the end of a scope: all those whose roots the list holds by then. Nodes do
+// Deletes whole trees at the end of a scope: all those whose roots the list holds by then, and all that
+// can be reached from these roots by `parent`, which links replaced roots in the host library. Nodes do
 // not delete one another; only the call that had them loaded knows when no pointer into them is used
 // any more.
 class CFiTreeDeleter {

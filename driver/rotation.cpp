@@ -61,6 +61,7 @@ TargetsOfBackups checkBackups(std::vector<SFiResourceList>& resourceSet, const B
             targetsOf.emplace(backup, *std::move(targets));
             mofi_tracelog(kTraceProgress, "fi_process_backups : [RESOURCES MATCH] [%s]",
                           backup->fiidFile.c_str());
+            // Until its claim fails, or it is released.
             backup->state = FI_BACKUP_KEPT;
         } else {
             mofi_tracelog(kTraceProgress, "fi_process_backups : [INVALID RESOURCES] [%s]",
@@ -71,7 +72,8 @@ TargetsOfBackups checkBackups(std::vector<SFiResourceList>& resourceSet, const B
     return targetsOf;
 }
 
-// `backups` newest first: of two that hold the same target the newer one keeps it.
+// `backups` newest first: of two that hold the same target the newer one keeps it. Those that failed the
+// check are passed over. A backup whose claim fails becomes invalid, but its other targets stay Used.
 void claimTargets(const TargetsOfBackups& targetsOf, const Backups& backups) {
     for (CFiFiidNode* backup : backups) {
         if (backup->state != FI_BACKUP_KEPT) {

@@ -143,6 +143,8 @@ void CFiFiidHandler::error(const xercesc::SAXParseException& report) {
 
 void CFiFiidHandler::fatalError(const xercesc::SAXParseException& report) {
     traceEntering("CFiFiidHandler::fatalError");
+    // The bare function traces only which limit is exceeded, and where; its hosts know its trace of other
+    // ill-formed documents without that line.
     if (kInHostLibrary || dynamic_cast<const CFiXmlExcess*>(&report) != nullptr) {
         tracePlace(report);  // GCOVR_EXCL_LINE
     }

@@ -33,7 +33,8 @@ struct SFileClose {
 
 // Hands the trees of a handler to the loader at the end of the scope, also when an exception ends it: a tree
 // that is in no list would never be freed. The loader's list must have room for one more root, because a
-// destructor must not fail to allocate it.
+// destructor must not fail to allocate it. `reading` is the handler of one document, `reader` the loader of
+// the call.
 class CRootKeeper {
 public:
     CRootKeeper(const CFiFiidHandler& reading, CFiFiidLoader& reader) : handler(reading), loader(reader) {}

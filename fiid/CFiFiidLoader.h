@@ -27,7 +27,8 @@ public:
     // Roots of the loaded documents in the order of import. Not owned: they outlive the loader.
     std::vector<CFiFiidNode*> nodes;
     // Used in the host library only. Its one element is the first of a list of roots that a later root of
-    // their document replaced, or null; the next in the list is the `parent` of each. Not owned either.
+    // their document replaced, or null; the next in the list is the `parent` of each. A vector, because
+    // CFiTreeDeleter deletes what a vector holds. Not owned either.
     std::vector<CFiFiidNode*> replaced{nullptr};
     // The list last given to import.
     std::vector<std::string> files;

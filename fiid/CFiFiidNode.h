@@ -38,6 +38,7 @@ public:
     std::int32_t state = 0;
     // In document order.
     std::vector<CFiFiidNode*> children;
-    // Null for a root.
+    // Null for a root in CFiFiidLoader::nodes. In the host library, that of a root which a later one of its
+    // document replaced is the next such root (CFiFiidHandler::replaced).
     CFiFiidNode* parent = nullptr;
 };

@@ -33,8 +33,9 @@ struct SHeapDelete {
     void operator()(void* block) const { operator delete(block); }
 };
 
-// The libraries that the XML library sets up with itself get their memory from the heap, 55 kB in some 1,500
-// blocks, and not all of them can go back when it is gone halfway. So it is made sure of beforehand.
+// The libraries that the XML library sets up with itself allocate 55 kB from the heap, in some 1,500 blocks.
+// If memory ran out in the middle, some of these blocks could not be freed any more. So this function first
+// allocates more than that and frees it at once; it throws std::bad_alloc when the heap has not so much.
 void makeSureOfHeap() {
     constexpr std::size_t kSize = std::size_t{64} << 10;
     const std::unique_ptr<void, SHeapDelete> first(operator new(kSize));
@@ -108,8 +109,9 @@ void CFiXmlLibrary::freeWhatWasLeft() {
     }
 }
 
-// The library can be terminated only when it was set up whole. Its last step can be made again from the
-// start. Of those before it, only the making of the converter can fail, which takes one block of 288 bytes.
+// Completes a set-up that failed in the middle, and terminates it. The XML library can be terminated only
+// when it was set up whole. Its last step can be made again from the start. Of those before it, only the
+// making of the converter can fail, which takes one block of 288 bytes.
 void CFiXmlLibrary::finishHalfSetUp() {
     if (SProcess::halfSetUp == nullptr) {
         return;

@@ -17,7 +17,7 @@ constexpr bool kHardenedXml = true;
 constexpr bool kHardenedXml = false;
 #endif
 
-// Thrown when a document exceeds a limit. Says which one, and where.
+// Thrown when a document exceeds a limit that is kept here. Says which one, and where.
 class CFiXmlExcess : public xercesc::SAXParseException {
 public:
     using SAXParseException::SAXParseException;
@@ -36,12 +36,15 @@ public:
     void setHandler(xercesc::ContentHandler* newHandler) { handler = newHandler; }
 
     // Begins a document and sets all counts to zero. When the document exceeds a limit, this function or the
-    // reader throws a CFiXmlExcess.
+    // reader throws a CFiXmlExcess. Two things are left to the XML library, which reports them as fatal
+    // errors in its own words: too many references to entities, which `references` counts, and a reference to
+    // a file.
     void begin(const std::string& document);
 
 private:
     using EExcess = CFiDocumentLimits::EExcess;
 
+    // Throws a CFiXmlExcess when a limit is exceeded; not when `excess` is kNone.
     void refuseIf(EExcess excess) const;
 
     void setDocumentLocator(const xercesc::Locator* given) override { locator = given; }

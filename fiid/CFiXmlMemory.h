@@ -9,9 +9,10 @@
 
 #include <xercesc/framework/MemoryManager.hpp>
 
-// The memory of the XML library. When memory runs out, that library loses some of its blocks, and it cannot
-// be set up or terminated by halves. So all that it got is freed at the end of this object's life, lost or
-// not, and while it is set up and terminated it draws on a reserve that was there before.
+// The memory of the XML library. When memory runs out, that library loses some of its blocks, and it offers
+// no way to undo a set-up or to complete a termination that failed in the middle. So all that it got is freed
+// at the end of this object's life, lost or not, and while it is set up and terminated it draws on a reserve
+// that was there before.
 //
 // Small blocks, which a reader makes and drops by the hundred for each document, are cut from larger ones and
 // used again. Only the owner gets such blocks: the thread that made this object, until it leaves it to others
@@ -35,7 +36,8 @@ public:
     // Ends the owner's use. Others may go on using this object, from any thread, until it is destroyed.
     void leaveToOthers() { owner = std::thread::id(); }
 
-    // Makes this thread the owner. Nobody else is, and what its last owner did has happened before.
+    // Makes this thread the owner. To be called only while no thread is, and under the lock that the last
+    // owner held: it makes what that thread wrote visible to this one.
     void takeOver() { owner = std::this_thread::get_id(); }
 
 private:
@@ -71,7 +73,7 @@ private:
     [[nodiscard]] bool isOfReserve(const void* memory) const;
 
     std::atomic<std::thread::id> owner{std::this_thread::get_id()};
-    // By units.
+    // The first unused block of each size; the index is the size in units.
     std::array<UHeader*, kLargestSmall / kUnit + 1> unused{};
     std::byte* chunk = nullptr;
     std::size_t chunkLeft = 0;

@@ -45,7 +45,8 @@ std::optional<BackupTargets> matchAll(const CFiFiidNode& root, const CFiTargetIn
     return targets;
 }
 
-// Returns false when the target cannot be claimed.
+// Claims or releases one target. Here it is decided whether a claim succeeds: returns false, and changes
+// nothing, when the target to claim is Used already.
 bool applyMode(const STargetPlace& place, int mode) {
     if (mode == CFiResourceManager::kRelease) {
         // The list stays Used: its state says that it was claimed in this call, not that it is

@@ -22,12 +22,13 @@ public:
         kRelease = 2,
     };
 
+    // The rotation does not call this: it uses findTargets, claim and release below, which do the same in
+    // less time. It stays because the library's contract fixes it.
+    //
     // Matches every identifier pair of the tree under `node` (objid, altobjid of each Node whose
     // objid holds a device identifier), in ascending order of objid, against `resourceSet`: the
     // objid must name a configuration's first target, the altobjid one of its further targets. True
     // when every pair was matched and no claim met a target already Used.
-    //
-    // The rotation itself uses findTargets, claim and release below.
     //
     // `node` is borrowed and not changed. `mode` is an EMode; any other value changes nothing and
     // goes on after a pair without a match. Throws CFiUdidException for a malformed identifier,

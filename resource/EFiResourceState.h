@@ -7,6 +7,7 @@
 enum EFiResourceState : std::int32_t {
     kResourceAvailable = 0,
     kResourceUsed = 1,
+    // Never set, but printed when a record holds it.
     kResourceInvalid = 2,
 };
 
