@@ -28,8 +28,7 @@ enum class EReason {
     // Every configuration had a free target again before its turn came.
     kRotationStopped,
     // It was the oldest that could be released while `configuration` had no free target, and its release
-    // freed
-    // a target of `configuration`.
+    // freed a target of `configuration`.
     kNeeded,
     // The same, but its release freed no target of a configuration that was short.
     kInVain,
@@ -38,8 +37,7 @@ enum class EReason {
     // `objid` names no configuration.
     kUnknownConfiguration,
     // `target` of `configuration` was held by `backup` already; when `backup` is empty, by another pair of
-    // the
-    // same backup.
+    // the same backup.
     kHeldAlready,
     kCount,
 };
@@ -57,7 +55,7 @@ struct SReason {
     std::vector<std::string> freed;
     // Whether the release did not take effect, because the call ended without a selection.
     bool isUndone = false;
-    // The place of its backup among those that the rotation goes through, oldest first.
+    // The index of its backup among those that the rotation goes through, oldest first.
     std::size_t turn = 0;
 };
 
@@ -92,7 +90,7 @@ struct SAccountBackup {
 };
 
 struct SHeldTarget {
-    // Places in the targets of its configuration and in SAccount::backups.
+    // Indices in the targets of its configuration and in SAccount::backups.
     std::size_t target = 0;
     std::size_t holder = 0;
     // Whether the holder is excluded from rotation; if not, it is invalid and therefore never released.
@@ -101,7 +99,7 @@ struct SHeldTarget {
 
 // A configuration that has no free target at the end of the call.
 struct SShortage {
-    // Its place in SAccount::configurations.
+    // Its index in SAccount::configurations.
     std::size_t configuration = 0;
     // All further targets of the configuration, in order.
     std::vector<SHeldTarget> targets;
@@ -116,7 +114,7 @@ struct SAccount {
     // The library traces the selection of a call with earlier backups only.
     std::optional<std::string> selection;
     std::vector<SShortage> shortages;
-    // For each configuration and target, the place in `backups` of the holder: before any backup was
+    // For each configuration and target, the index in `backups` of the holder: before any backup was
     // released, and at the end. In a call without a selection, every backup that may be released has been by
     // then. Empty when lines of the trace are missing.
     Holders heldBefore;
@@ -127,7 +125,7 @@ struct SAccount {
 // a string hold no separators, so the string means nothing else.
 std::string toSpecification(const std::vector<SAccountConfiguration>& configurations);
 
-// How many kept backups hold targets of the configuration at this place in the account, at the end of the
+// How many kept backups hold targets of the configuration with this index in the account, at the end of the
 // call. This function and the next count each backup once, and no invalid one, because nothing can be
 // restored from it. 0 when lines of the trace are missing.
 std::size_t keptHolders(const SAccount& account, std::size_t configuration);

@@ -40,14 +40,14 @@ public:
     SAccount account;
     // The flag words of the backups that the call was given, in order.
     std::vector<std::pair<std::string, std::int32_t>> flagWords;
-    // The claims, newest backup first: the backup's place in `account.backups`, and whether its claim
+    // The claims, newest backup first: the backup's index in `account.backups`, and whether its claim
     // succeeded.
     std::vector<std::pair<std::size_t, bool>> claims;
-    // Places of the backups that the rotation skipped because they are excluded.
+    // Indices of the backups that the rotation skipped because they are excluded.
     std::set<std::size_t> skipped;
-    // Places of the backups that failed the check.
+    // Indices of the backups that failed the check.
     std::vector<std::size_t> failedCheck;
-    // Places of all backups in the order of the last pass; empty without a selection.
+    // Indices of all backups in the order of the last pass; empty without a selection.
     std::vector<std::size_t> oldestFirst;
     bool isWithoutSelection = false;
     // The malformed identifier that ended the call, if one did.
@@ -80,7 +80,8 @@ private:
     static bool isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed);
     void noteContradiction(std::string_view text);
 
-    // The next backup of this name in this pass. A name listed twice stands for two backups with one content,
+    // The index of the next backup of this name in the pass, the loop over backups that traced the line, such
+    // as "check" or "claim". A name listed twice stands for two backups with one content,
     // so it does not matter which of them is taken first.
     std::optional<std::size_t> takeNextPlace(std::string_view pass, std::string_view file);
     bool isNamed(std::string_view identifier) const;
@@ -95,17 +96,17 @@ private:
     int printedSets = 0;
     bool isInTree = false;
     ETreeLine nextOfTree = ETreeLine::kObjid;
-    // A line of the tree was read: each has a Node.
+    // Whether a Node of this tree was read. Every tree has one; without it, lines were lost.
     bool hasNode = false;
     std::string objid;
     std::size_t checked = 0;
-    // How many lines cannot follow the one before them, and the first of these.
+    // The first line that cannot follow the one before it, and how many such lines there are.
     std::string firstContradiction;
     std::size_t contradictions = 0;
-    // For each name, its places in `account.backups`, and its last flag word.
+    // For each name, its indices in `account.backups`, and its last flag word.
     std::unordered_map<std::string, std::vector<std::size_t>> places;
     std::unordered_map<std::string, std::int32_t> lastFlagWords;
-    // For each pass and name, how many of its places have had their line.
+    // For each pass and name, how many of its indices have had their line.
     std::map<std::pair<std::string, std::string>, std::size_t> taken;
 };
 

@@ -86,6 +86,7 @@ fi_rotate::SWishes wishesOf(const fi_rotation_call& call) {
     return wishes;
 }
 
+// Clears the results of the call, and sets these instead. Returns `outcome`.
 fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outcome, const char* message) {
     call.decision = SDecision();
     call.decision.kind = outcome;
@@ -113,6 +114,7 @@ fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outco
 }
 
 fi_rotation_outcome decide(fi_rotation_call& call) {
+    // What the call shows until the run has ended, or when it never does.
     setFailure(call, FI_ROTATION_FAILED, "the run has not ended, or its trace function ended the thread");
     call.decision = fi_rotate::decideSafely(call.inputs, wishesOf(call), call.safety);
     call.problemsOfBackups.assign(call.inputs.backups.size(), 0);
@@ -217,6 +219,9 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
                           "a backup could not be added (memory ran out, or its name was a null pointer), so "
                           "nothing is decided; make a new call");
     }
+    // There is no catch (...): the unwinding of a thread that a trace function ends must pass, or the process
+    // ends. Everything else that comes here is a std::exception: callLibrary and handToTraceFunction see to
+    // it.
     try {
         return decide(*call);
     } catch (const std::bad_alloc&) {

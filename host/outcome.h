@@ -21,7 +21,8 @@ struct SReading {
     std::string fault;
     // Whether it has several top-level Nodes.
     bool hasSeveralRoots = false;
-    // Which file was read in which state (CFiFileState), and whether to its end, if the library says so.
+    // Which file was read in which state (CFiFileState::text, not a name), and whether to its end, if the
+    // library says so.
     std::optional<std::string> file;
     bool isWhole = true;
 };
@@ -47,7 +48,7 @@ struct SException {
     std::optional<std::string> identifier;
     std::optional<std::int32_t> code;
     std::string reason;
-    // The place in SOutcome::backups of the backup whose document holds the identifier.
+    // The index in SOutcome::backups of the backup whose document holds the identifier.
     std::optional<std::size_t> backup;
     // Memory ran out.
     bool isShortage = false;

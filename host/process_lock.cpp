@@ -13,14 +13,17 @@ std::mutex mutex;
 // Who has the mutex, while somebody has it.
 std::atomic<pthread_t> owner;
 std::atomic<bool> isOwned = false;
-// This process was forked while another thread, which it does not have, was in the midst of a call.
+// Whether this process was forked while another thread held the mutex. That thread does not exist here, so
+// the mutex stays locked.
 bool isLost = false;
 
 bool isOwnedByThisThread() {
     return isOwned && pthread_equal(owner, pthread_self()) != 0;
 }
 
-// A fork does not wait for the end of a call: what that call waits for may be the thread that forks.
+// Nothing waits for the mutex before a fork: the call that holds it may be waiting for the thread that forks.
+// So the child looks: when the mutex is free, or held by the thread that forked (in a trace function), calls
+// can be run as before; otherwise they never can.
 void afterForkInChild() {
     if (mutex.try_lock()) {
         mutex.unlock();
@@ -31,7 +34,7 @@ void afterForkInChild() {
     }
 }
 
-// Once in a process.
+// Registers the handler once in a process.
 void watchForks() {
     static const int failure = pthread_atfork(nullptr, nullptr, afterForkInChild);
     if (failure != 0) {

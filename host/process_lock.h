@@ -8,8 +8,9 @@ namespace fi_rotate {
 // at a time. Held for that work only, and while a trace function runs.
 class CProcessLock {
 public:
-    // Throws CMisuse when this thread holds it already, and std::runtime_error when it cannot be had any
-    // more.
+    // Throws CMisuse when this thread holds it already, because a trace function runs a call;
+    // std::runtime_error in a process that was forked while another thread held it, and in children of that
+    // process; std::bad_alloc when the handler of forks cannot be registered.
     CProcessLock();
     ~CProcessLock();
     CProcessLock(const CProcessLock&) = delete;

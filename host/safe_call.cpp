@@ -245,6 +245,8 @@ private:
         decision.outcome.selection.reset();
     }
 
+    // Fills in the configurations of the decision; with an account, also their targets with the holders, the
+    // kept counts, and the time stamps of the backups.
     void nameConfigurations() {
         const auto& account = decision.outcome.account;
         if (account.has_value()) {

@@ -27,7 +27,7 @@ struct SSafety {
 struct SProblem {
     // A value of fi_rotation_problem.
     std::uint32_t kind = 0;
-    // Its place in the call; nothing for the configuration.
+    // Its index in the call; nothing for the configuration.
     std::optional<std::size_t> backup;
     std::string text;
 };
@@ -35,7 +35,7 @@ struct SProblem {
 struct STargetOfDecision {
     // ENCLOSURE##DEVICE.
     std::string name;
-    // The place in the call of the backup that holds it at the end; nothing when it is free.
+    // The index in the call of the backup that holds it at the end; nothing when it is free.
     std::optional<std::size_t> holder;
 };
 
@@ -58,7 +58,9 @@ struct SDecision {
     std::vector<SConfigurationOfDecision> configurations;
 };
 
-// Throws std::bad_alloc, what the sink of the trace throws, and what CProcessLock does.
+// Throws std::bad_alloc when memory ran out; std::runtime_error for an exception of the library that is not
+// about an identifier, such as an XML library that cannot be set up; what the sink of the trace throws; and
+// what CProcessLock does.
 SDecision decideSafely(const SCall& call, const SWishes& wishes, const SSafety& safety);
 
 }  // namespace fi_rotate

@@ -69,11 +69,12 @@ std::optional<TraceArguments> argumentsOf(ETraceText kind, std::string_view text
 std::string_view startOf(ETraceText kind);
 bool startsAs(ETraceText kind, std::string_view text);
 
-// Whether the text reports a failure. (The flag words are traced at that level, too, and report none.)
+// Whether texts of this kind report a failure. (The flag words are traced at the level of failures, too, and
+// report none.)
 bool reportsFailure(ETraceText kind);
 
-// Whether a line of a log reports a failure. The text for a malformed identifier is left out: lines that a
-// host writes itself may begin like it.
+// Whether a line of a log surely reports a failure. The text for a malformed identifier is left out: lines
+// that a host writes itself may begin like it.
 bool isFailure(std::string_view text);
 
 // Whether a line is one of the parser of configurations.
@@ -107,7 +108,7 @@ std::string toTraceLine(int level, std::string_view text);
 bool isTraceFile(std::string_view text);
 // Whether `prefix` is what such a line has before its text.
 bool isOwnPrefix(std::string_view prefix);
-// The text of such a line, with its line breaks and backslashes put back.
+// The text of such a line as it was before toTraceLine.
 std::string withLineBreaks(std::string_view text);
 
 }  // namespace fi_rotate
