@@ -13,7 +13,7 @@
 
 namespace fi_rotate {
 
-// A target that a backup claims.
+// A target that the document of a backup names, so that the backup will try to claim it.
 struct SClaim {
     std::size_t configuration = 0;
     std::string name;
@@ -25,8 +25,8 @@ struct SClaim {
 // itself is in driver/rotation.cpp.
 class CClaims {
 public:
-    // Adds the next backup of the call. `held` is empty for a backup that failed the library's check, since
-    // it claims nothing.
+    // Adds the next backup of the call. `held` are the targets that it will try to claim: none for a backup
+    // that failed the library's check.
     void add(std::string timeStamp, const std::vector<SClaim>& held, const CDocumentText& document,
              CFindings& findings);
 
@@ -43,7 +43,7 @@ private:
     };
     struct STarget {
         std::string name;
-        // Those that claim it; after the sorting in the order of their claims.
+        // Indices of the backups that try to claim it; after the sorting in the order of their claims.
         std::vector<std::size_t> holders;
         // Where the second backup of the call that claims it names it.
         SSpot spot;
@@ -62,7 +62,7 @@ private:
 
     std::vector<SBackup> backups;
     std::map<std::pair<std::size_t, std::string>, STarget> targets;
-    // Backups that cannot claim all that they hold.
+    // Indices of the backups that do not get every target that they try to claim.
     std::set<std::size_t> losers;
     // Who claims the same targets, and the input in which that is reported.
     std::vector<std::pair<std::set<const CFindings*>, std::string>> reports;

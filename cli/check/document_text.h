@@ -28,8 +28,9 @@ public:
     // The place in the file of a byte of the content.
     [[nodiscard]] SSpot spotAt(std::size_t contentOffset) const;
 
-    // Adds NUL bytes, wide characters, and an encoding that does not agree with the bytes. False when what
-    // the library reads has next to nothing to do with what was written.
+    // Adds a finding for UTF-16 or UTF-32, for NUL bytes, and for an encoding that does not agree with the
+    // bytes. Returns whether the content can be checked: false only for UTF-16 and UTF-32, of which the
+    // library reads next to nothing.
     bool check(CFindings& findings) const;
 
 private:

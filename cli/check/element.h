@@ -8,7 +8,7 @@ namespace fi_rotate {
 enum class EElement {
     // Nothing: it is passed over.
     kOther,
-    // The same, but its name is that of one that counts, but for the case of its letters or for a prefix.
+    // Passed over, too. Its name differs from one that counts only in the case of its letters or by a prefix.
     kMisnamed,
     kNode,
     kObjid,

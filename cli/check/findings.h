@@ -52,7 +52,7 @@ private:
     std::vector<std::size_t> starts;
 };
 
-// The findings of one hazard in one input, as the cause of another finding, which follows from them or
+// All findings of one hazard in one input, as the cause of another finding, which follows from them or
 // repeats them.
 struct SCause {
     std::string input;
@@ -64,14 +64,14 @@ struct SCause {
     bool operator==(const SCause& other) const { return input == other.input && hazard == other.hazard; }
 };
 
-// One hazard of one input. Text of the inputs stands in it as it is, whatever its bytes.
+// One place of an input that has a hazard. Text of the inputs stands in it as it is, whatever its bytes.
 struct SFinding {
     EHazard hazard = EHazard::kNoConfiguration;
     SSpot spot;
     std::string text;
     // Nothing when it is a fault of its own.
     std::optional<SCause> cause = std::nullopt;
-    // How many hazards it stands for.
+    // How many findings it stands for: more than 1 only in a row for those that were not kept.
     std::size_t count = 1;
 };
 
@@ -83,7 +83,7 @@ public:
     // Of each hazard with one cause the first few are kept; the others are counted.
     void add(SFinding finding);
 
-    // Adds a finding on the whole input, which has no line and column.
+    // Adds a finding on the whole input. Its place is line 1, column 1, and no text is shown there.
     void addOnWhole(EHazard hazard, std::string text, std::optional<SCause> cause = std::nullopt);
 
     // Whether `add` would only count another one. Then `countAnother` does the same without a text to make.

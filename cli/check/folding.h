@@ -19,8 +19,10 @@ struct SCounts {
     void add(const SFinding& finding);
 };
 
-// Names as the cause of a finding the same one of an earlier document, and the same cause for what follows
-// from it. `inputs` are those of a call, in order.
+// Where an earlier input has a finding of the same hazard with the same text, that one becomes the cause, so
+// that only the first is shown. What stands in double quotes is not compared, except in a pair that matches
+// nothing. What follows from such a repetition gets the cause of the first. `inputs` are those of a call, in
+// order.
 void nameRepetitions(std::vector<CFindings>& inputs);
 
 // Which findings of a call have no line of their own, but are counted in a line under their cause.

@@ -8,6 +8,7 @@ namespace fi_rotate {
 
 // What can be wrong with the inputs of a call. Each has a row in hazard.cpp, in this order.
 enum class EHazard {
+    // The configuration.
     kNoConfiguration,
     kConfigurationRejected,
     kNoFurtherTargets,
@@ -18,18 +19,22 @@ enum class EHazard {
     kBlankInTarget,
     kCommaInTarget,
     kByteOrderMark,
+    // The files of documents.
     kCannotOpen,
     kNotAFile,
     kReadError,
     kListedTwice,
+    // The bytes of a document; the first two also those of the configuration.
     kNulByte,
     kUtf16,
     kEncodingMismatch,
+    // The document as XML.
     kMalformedXml,
     kDoctype,
     kExternalEntity,
     kNestedEntities,
     kReadingLimit,
+    // Nodes and elements.
     kNoNode,
     kSeveralNodes,
     kOutsideNode,
@@ -38,14 +43,17 @@ enum class EHazard {
     kSplitValue,
     kLongText,
     kRepeatedElement,
+    // Time stamps.
     kNoTimeStamp,
     kEqualTimeStamps,
     kMixedTimeStamps,
+    // Pairs and their identifiers.
     kNoDevice,
     kNoAltobjid,
     kUnusedAltobjid,
     kMalformedIdentifier,
     kSameObjid,
+    // Pairs compared with the configuration and with other backups.
     kPairMatchesNothing,
     kTargetHeldTwice,
     kTargetHeldBySeveral,

@@ -17,14 +17,15 @@ struct SConfiguration;
 // because its target is among them follows from that hazard.
 class CUnread {
 public:
-    // `cause` is the cause for every target that is not configured.
+    // From now on, every target that is not configured is missing because of `cause`.
     void setCauseOfAll(EHazard cause);
     // Adds the first target of `meant` and its further targets.
     void addConfiguration(const SConfiguration& meant, EHazard cause);
     // All further targets of `first` are missing, whatever their names.
     void addFurtherTargetsOf(const std::string& first, EHazard cause);
-    // The targets, as they are written, of a configuration whose first one is malformed. It may be the rest
-    // of the configuration of `before`.
+    // Adds the targets, as they are written, of a configuration whose first one is malformed. `before` is the
+    // first target of the last configuration that is read: a separator within a name may have cut these
+    // targets off from it.
     void addMalformed(const std::string& before, const std::vector<std::string>& targets, EHazard cause);
 
     // Why no configuration has the first target of this pair.

@@ -4,8 +4,9 @@
 
 namespace fi_rotate {
 
-// Follows the steps of a call, which the library takes in one order. Lines that were lost leave steps out,
-// but none comes after a later one: then lines of several calls are mixed.
+// Follows the steps of a call, which the library always takes in the same order. Lines that were lost only
+// leave steps out. A step that comes after a later one shows that lines of several calls are mixed
+// (isBroken).
 class CCallOrder {
 public:
     void read(std::string_view text);
@@ -27,7 +28,7 @@ private:
         kFinalStates,
     };
 
-    // Nothing that has a step of its own is kNone.
+    // kNone for a text that belongs to no step.
     [[nodiscard]] EStep stepOf(std::string_view text) const;
 
     EStep step = EStep::kNone;

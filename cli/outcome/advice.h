@@ -36,11 +36,11 @@ struct STrial {
 struct SAdvice {
     // Each backup that holds a target of a configuration that is short.
     std::vector<STrial> trials;
-    // Holders beyond the number that is tried.
+    // How many such backups were not tried, because there are too many.
     std::size_t untried = 0;
-    // Changes that lead to a selection without another target: the trial that releases the fewest backups, or
-    // several changes where none of the trials is enough. Empty only when no change is enough: then a
-    // configuration has no targets at all.
+    // Changes that lead to a selection although no target is added: the trial that releases the fewest
+    // backups, or several changes where none of the trials is enough. Empty only when no change is enough:
+    // then a configuration has no targets at all.
     std::vector<SChange> neededChanges;
     // The backups that are released with these changes.
     std::vector<std::string> released;
