@@ -202,7 +202,9 @@ private:
             return;
         }
         if (reading->isMalformed) {
-            add(FI_ROTATION_NOT_WELL_FORMED, place, "is not well-formed XML: " + reading->fault);
+            // Only the host library traces the fault.
+            const std::string fault = reading->fault.empty() ? "" : ": " + reading->fault;
+            add(FI_ROTATION_NOT_WELL_FORMED, place, "is not well-formed XML" + fault);
         }
         if (!backup.isLoaded && (!reading->isMalformed || isPermitted(FI_ROTATION_NOT_WELL_FORMED))) {
             add(FI_ROTATION_NO_NODE, place, "has no Node");

@@ -191,6 +191,14 @@ TEST(FiRotateSelect, StrictNamesEveryInputThatIsNotWholeAndDecidesNothing) {
                   "fi-rotate: nothing was decided, because these inputs are missing or damaged\n");
 }
 
+TEST(FiRotateSelect, StrictNamesADocumentThatIsNotWellFormed) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string file = folder.write("a.xml", "<Node>");
+    const auto result = runFiRotate({"select", "--strict", "--config", kConfiguration, file});
+    EXPECT_EQ(result.exitStatus, 6);
+    EXPECT_THAT(result.error, HasSubstr(file + ": is not well-formed XML\n"));
+}
+
 TEST(FiRotateSelect, StrictExitsWith3WhenNoTargetIsFree) {
     const fi_test::CTemporaryFolder folder;
     const std::string file = folder.write("a.xml", kHolder);
