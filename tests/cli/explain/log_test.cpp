@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,17 @@ using fi_test::told;
 using fi_test::traced;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+// Where the line stands that tells the state of the backup in the document `name`.
+std::ptrdiff_t lineOfState(const std::string& name, const std::vector<std::string>& lines) {
+    const auto line = std::find_if(lines.begin(), lines.end(), [&name](const std::string& candidate) {
+        return candidate.find(name + "] state=[") != std::string::npos;
+    });
+    if (line == lines.end()) {
+        throw std::invalid_argument("no line tells the state of " + name);
+    }
+    return line - lines.begin();
+}
 
 class FiRotateLog : public testing::Test {
 protected:
@@ -193,16 +205,8 @@ TEST_F(FiRotateLog, CountsLinesThatOnlyTellOfProgressUpToTheMissingEnd) {
 TEST_F(FiRotateLog, SaysWhichStatesAreMissingBeforeTheEnd) {
     std::vector<std::string> lines;
     traced(rotation(), lines);
-    const auto isState = [](const std::string& line) {
-        return line.find("old] state=[") != std::string::npos;
-    };
-    const auto state = std::find_if(lines.begin(), lines.end(), isState);
-    ASSERT_NE(state, lines.end());
-    lines.erase(state);
-    const auto isOfNewest = [](const std::string& line) {
-        return line.find("new] state=[") != std::string::npos;
-    };
-    const auto newest = std::find_if(lines.begin(), lines.end(), isOfNewest) - lines.begin();
+    lines.erase(lines.begin() + lineOfState("old", lines));
+    const auto newest = lineOfState("new", lines);
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls[0].missing,
@@ -215,14 +219,8 @@ TEST_F(FiRotateLog, SaysWhichStatesAreMissingBeforeTheEnd) {
 TEST_F(FiRotateLog, SaysAfterWhichLineTheLastStatesAreMissing) {
     std::vector<std::string> lines;
     traced(rotation(), lines);
-    const auto isOfNewest = [](const std::string& line) {
-        return line.find("new] state=[") != std::string::npos;
-    };
-    lines.erase(std::find_if(lines.begin(), lines.end(), isOfNewest));
-    const auto isOfLast = [](const std::string& line) {
-        return line.find("lost] state=[") != std::string::npos;
-    };
-    const auto last = std::find_if(lines.begin(), lines.end(), isOfLast) - lines.begin();
+    lines.erase(lines.begin() + lineOfState("new", lines));
+    const auto last = lineOfState("lost", lines);
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls[0].missing,
