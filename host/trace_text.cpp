@@ -187,10 +187,14 @@ bool rejectsConfiguration(std::string_view text) {
 }
 
 std::optional<std::string_view> nodeTextIn(ETraceText kind, std::string_view text) {
-    const auto arguments = argumentsOf(kind, text);
-    const bool isIndented =
-        arguments.has_value() && arguments->front().find_first_not_of('\t') == std::string_view::npos;
-    return isIndented ? std::optional(arguments->at(1)) : std::nullopt;
+    // Each of these formats begins with the indentation. What stands behind it is compared before anything is
+    // searched for: otherwise a line of blanks would be searched to its end from each of its places.
+    constexpr std::size_t kLengthOfLiteral = std::string_view(" [").size();
+    const std::string_view literal = formatOf(kind).substr(kConversionLength, kLengthOfLiteral);
+    const std::string_view unindented = text.substr(std::min(text.find_first_not_of('\t'), text.size()));
+    const auto arguments =
+        startsWith(unindented, literal) ? argumentsOf(kind, unindented) : std::optional<TraceArguments>();
+    return arguments.has_value() ? std::optional(arguments->at(1)) : std::nullopt;
 }
 
 bool isUnnamed(std::string_view text) {
