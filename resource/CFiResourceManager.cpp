@@ -45,21 +45,20 @@ std::optional<BackupTargets> matchAll(const CFiFiidNode& root, const CFiTargetIn
     return targets;
 }
 
-// Claims or releases one target. Here it is decided whether a claim succeeds: returns false, and changes
-// nothing, when the target to claim is Used already.
-bool applyMode(const STargetPlace& place, int mode) {
-    if (mode == CFiResourceManager::kRelease) {
-        // The list stays Used: its state says that it was claimed in this call, not that it is
-        // full.
-        place.resource->state = kResourceAvailable;
-    } else if (mode == CFiResourceManager::kClaim) {
-        if (place.resource->state == kResourceUsed) {
-            return false;
-        }
-        place.resource->state = kResourceUsed;
-        place.list->state = kResourceUsed;
+// Here it is decided whether a claim succeeds: returns false, and changes nothing, when the target is Used
+// already.
+bool claimTarget(const STargetPlace& target) {
+    if (target.resource->state == kResourceUsed) {
+        return false;
     }
+    target.resource->state = kResourceUsed;
+    target.list->state = kResourceUsed;
     return true;
+}
+
+// The list stays Used: its state says that it was claimed in this call, not that it is full.
+void releaseTarget(const STargetPlace& target) {
+    target.resource->state = kResourceAvailable;
 }
 
 // Goes through the pairs in ascending order of objid. The order matters when a pair is malformed or matches
@@ -75,14 +74,16 @@ bool validateInOrder(const CFiFiidNode& node, const CFiTargetIndex& index, int m
         for (const auto& [objid, altobjid] : pairs) {
             key.parse(objid);
             value.parse(altobjid);
-            const STargetPlace place = index.find(key, value);
-            if (place.resource != nullptr) {
-                result = applyMode(place, mode) && result;
-                continue;
-            }
-            result = false;
-            if (mode == CFiResourceManager::kCheck) {
-                return false;
+            const STargetPlace target = index.find(key, value);
+            if (target.resource == nullptr) {
+                result = false;
+                if (mode == CFiResourceManager::kCheck) {
+                    return false;
+                }
+            } else if (mode == CFiResourceManager::kClaim) {
+                result = claimTarget(target) && result;
+            } else if (mode == CFiResourceManager::kRelease) {
+                releaseTarget(target);
             }
         }
     } catch (const CFiUdidException& malformed) {
@@ -123,13 +124,13 @@ std::optional<BackupTargets> findTargets(const CFiFiidNode& root, const CFiTarge
 bool claim(const BackupTargets& targets) {
     bool result = true;
     for (const STargetPlace& target : targets) {
-        result = applyMode(target, CFiResourceManager::kClaim) && result;
+        result = claimTarget(target) && result;
     }
     return result;
 }
 
 void release(const BackupTargets& targets) {
     for (const STargetPlace& target : targets) {
-        applyMode(target, CFiResourceManager::kRelease);
+        releaseTarget(target);
     }
 }
