@@ -92,9 +92,9 @@ void claimTargets(const TargetsOfBackups& targetsOf, const Backups& backups) {
 
 // The configurations without a free target. A release only adds free targets, so a configuration that has one
 // is not looked at again; trying to build the selection after each release would take much longer.
-class CFiExhaustedLists {
+class CFiShortConfigurations {
 public:
-    explicit CFiExhaustedLists(const std::vector<SFiResourceList>& resourceSet)
+    explicit CFiShortConfigurations(const std::vector<SFiResourceList>& resourceSet)
         : next(resourceSet.begin()), end(resourceSet.end()) {}
 
     // Goes on to the next configuration without a free target; false when there is none.
@@ -113,9 +113,9 @@ private:
 // `backups` oldest first. The test before each release makes sure that no more are released than needed.
 void releaseOldest(const std::vector<SFiResourceList>& resourceSet, const TargetsOfBackups& targetsOf,
                    const Backups& backups, ExcludeMap& excludeMap) {
-    CFiExhaustedLists exhausted(resourceSet);
+    CFiShortConfigurations shortConfigurations(resourceSet);
     for (CFiFiidNode* backup : backups) {
-        if (!exhausted.advance()) {
+        if (!shortConfigurations.advance()) {
             return;
         }
         if (backup->state != FI_BACKUP_KEPT) {
