@@ -129,7 +129,7 @@ std::string CFiDocumentLimits::inWords(EExcess excess) {
     return "";
 }
 
-CFiDocumentLimits::SFinding CFiDocumentLimits::startDocument(std::string_view document) {
+CFiDocumentLimits::SExcess CFiDocumentLimits::startDocument(std::string_view document) {
     declarations = 0;
     attributes = 0;
     depth = 0;

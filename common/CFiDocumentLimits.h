@@ -60,14 +60,14 @@ public:
     // libraries, the XML library counts references and has words of its own.
     static std::string inWords(EExcess excess);
 
-    struct SFinding {
-        EExcess excess = EExcess::kNone;
+    struct SExcess {
+        EExcess kind = EExcess::kNone;
         // In bytes from the start of the document.
         std::size_t offset = 0;
     };
     // Begins a document and sets all counts to zero. Returns the limit that it exceeds, as far as its bytes
     // show that before they are parsed. `document` must not hold a NUL byte.
-    SFinding startDocument(std::string_view document);
+    SExcess startDocument(std::string_view document);
 
     // The functions below count what the reader meets, and return the limit that is exceeded then, or kNone.
 

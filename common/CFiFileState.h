@@ -10,15 +10,15 @@
 class CFiFileState {
 public:
     explicit CFiFileState(const struct stat& seen)
-        : file(std::to_string(seen.st_dev) + ':' + std::to_string(seen.st_ino)),
-          text(file + ' ' + std::to_string(seen.st_size) + ' ' + asText(seen.st_mtim) + ' ' +
-               asText(seen.st_ctim)) {}
+        : identity(std::to_string(seen.st_dev) + ':' + std::to_string(seen.st_ino)),
+          state(identity + ' ' + std::to_string(seen.st_size) + ' ' + asText(seen.st_mtim) + ' ' +
+                asText(seen.st_ctim)) {}
 
     // Which file: the same for all names of a file, different for other files.
-    std::string file;
+    std::string identity;
     // Which file, its size and the times of its last changes: another text when the file is changed or
-    // replaced, as far as these show it. SReading::file is such a text.
-    std::string text;
+    // replaced, as far as these show it. SReading::fileState is such a text.
+    std::string state;
 
 private:
     static std::string asText(const timespec& time) {

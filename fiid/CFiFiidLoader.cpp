@@ -33,11 +33,11 @@ struct SFileClose {
 
 // Hands the trees of a handler to the loader at the end of the scope, also when an exception ends it: a tree
 // that is in no list would never be freed. The loader's list must have room for one more root, because a
-// destructor must not fail to allocate it. `reading` is the handler of one document, `reader` the loader of
-// the call.
+// destructor must not fail to allocate it.
 class CRootKeeper {
 public:
-    CRootKeeper(const CFiFiidHandler& reading, CFiFiidLoader& reader) : handler(reading), loader(reader) {}
+    CRootKeeper(const CFiFiidHandler& handlerOfDocument, CFiFiidLoader& loaderOfCall)
+        : handler(handlerOfDocument), loader(loaderOfCall) {}
     ~CRootKeeper() {
         if (handler.root != nullptr) {
             loader.nodes.push_back(handler.root);
@@ -65,10 +65,10 @@ private:
 // Traces which file was read, in which state, and whether to its end. It asks the open stream, because the
 // name may be that of another file by now.
 [[maybe_unused]] void traceWhatWasRead(std::FILE* stream) {
-    struct stat state {};
-    const bool isWhole = std::ferror(stream) == 0 && fstat(fileno(stream), &state) == 0;
+    struct stat seen {};
+    const bool isWhole = std::ferror(stream) == 0 && fstat(fileno(stream), &seen) == 0;
     mofi_tracelog(kTraceProgress, "CFiFiidLoader::load : read [%s] whole [%d]",
-                  CFiFileState(state).text.c_str(), isWhole ? 1 : 0);
+                  CFiFileState(seen).state.c_str(), isWhole ? 1 : 0);
 }
 // GCOVR_EXCL_STOP
 

@@ -36,7 +36,7 @@ struct SHeapDelete {
 // The libraries that the XML library sets up with itself allocate 55 kB from the heap, in some 1,500 blocks.
 // If memory ran out in the middle, some of these blocks could not be freed any more. So this function first
 // allocates more than that and frees it at once; it throws std::bad_alloc when the heap has not so much.
-void makeSureOfHeap() {
+void requireFreeHeap() {
     constexpr std::size_t kSize = std::size_t{64} << 10;
     const std::unique_ptr<void, SHeapDelete> first(operator new(kSize));
     const std::unique_ptr<void, SHeapDelete> second(operator new(kSize));
@@ -72,9 +72,9 @@ CFiXmlLibrary::CFiXmlLibrary() {
         return;                             // GCOVR_EXCL_LINE
     }
     freeWhatWasLeft();
-    finishHalfSetUp();
+    undoHalfSetUp();
     surroundings = std::make_unique<SSurroundings>();
-    makeSureOfHeap();
+    requireFreeHeap();
     try {
         initialize();
         // GCOVR_EXCL_START: nothing is known that makes the set-up end with one.
@@ -112,7 +112,7 @@ void CFiXmlLibrary::freeWhatWasLeft() {
 // Completes a set-up that failed in the middle, and terminates it. The XML library can be terminated only
 // when it was set up whole. Its last step can be made again from the start. Of those before it, only the
 // making of the converter can fail, which takes one block of 288 bytes.
-void CFiXmlLibrary::finishHalfSetUp() {
+void CFiXmlLibrary::undoHalfSetUp() {
     if (SProcess::halfSetUp == nullptr) {
         return;
     }

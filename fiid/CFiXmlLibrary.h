@@ -32,7 +32,7 @@ private:
     struct SProcess;
 
     static void freeWhatWasLeft();
-    void finishHalfSetUp();
+    void undoHalfSetUp();
     void initialize();
     void terminate();
 

@@ -46,15 +46,15 @@ void CFiXmlLimits::applyTo(xercesc::SAX2XMLReader& reader) {
 }
 
 void CFiXmlLimits::begin(const std::string& document) {
-    const CFiDocumentLimits::SFinding finding = limits.startDocument(document);
-    if (finding.excess != EExcess::kNone) {
-        const SPlace place = placeOf(std::string_view(document).substr(0, finding.offset));
-        throw CFiXmlExcess(messageOf(finding.excess).c_str(), nullptr, nullptr, place.line, place.column,
+    const CFiDocumentLimits::SExcess excess = limits.startDocument(document);
+    if (excess.kind != EExcess::kNone) {
+        const SPlace place = placeOf(std::string_view(document).substr(0, excess.offset));
+        throw CFiXmlExcess(messageOf(excess.kind).c_str(), nullptr, nullptr, place.line, place.column,
                            XMLPlatformUtils::fgMemoryManager);
     }
 }
 
-void CFiXmlLimits::refuseIf(EExcess excess) const {
+void CFiXmlLimits::throwIf(EExcess excess) const {
     if (excess != EExcess::kNone) {
         throw CFiXmlExcess(messageOf(excess).c_str(), *locator, XMLPlatformUtils::fgMemoryManager);
     }
@@ -62,7 +62,7 @@ void CFiXmlLimits::refuseIf(EExcess excess) const {
 
 void CFiXmlLimits::startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
                                 const xercesc::Attributes& attributes) {
-    refuseIf(limits.startElement(qname));
+    throwIf(limits.startElement(qname));
     if (handler != nullptr) {
         handler->startElement(uri, localname, qname, attributes);
     }
@@ -83,29 +83,29 @@ void CFiXmlLimits::characters(const XMLCh* chars, XMLSize_t length) {
 
 void CFiXmlLimits::attributeDecl(const XMLCh* /*element*/, const XMLCh* /*attribute*/, const XMLCh* /*type*/,
                                  const XMLCh* /*mode*/, const XMLCh* value) {
-    refuseIf(limits.declareAttribute(value));
+    throwIf(limits.declareAttribute(value));
 }
 
 void CFiXmlLimits::elementDecl(const XMLCh* /*name*/, const XMLCh* /*model*/) {
-    refuseIf(limits.declareOther());
+    throwIf(limits.declareOther());
 }
 
 // The declaration alone opens nothing, so it is only counted. A reference to the entity makes the reader
 // fail.
 void CFiXmlLimits::externalEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
                                       const XMLCh* /*systemId*/) {
-    refuseIf(limits.declareOther());
+    throwIf(limits.declareOther());
 }
 
 void CFiXmlLimits::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
-    refuseIf(limits.declareEntity(name, value));
+    throwIf(limits.declareEntity(name, value));
 }
 
 void CFiXmlLimits::notationDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/, const XMLCh* /*systemId*/) {
-    refuseIf(limits.declareOther());
+    throwIf(limits.declareOther());
 }
 
 void CFiXmlLimits::unparsedEntityDecl(const XMLCh* /*name*/, const XMLCh* /*publicId*/,
                                       const XMLCh* /*systemId*/, const XMLCh* /*notation*/) {
-    refuseIf(limits.declareOther());
+    throwIf(limits.declareOther());
 }

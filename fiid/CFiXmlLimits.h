@@ -45,7 +45,7 @@ private:
     using EExcess = CFiDocumentLimits::EExcess;
 
     // Throws a CFiXmlExcess when a limit is exceeded; not when `excess` is kNone.
-    void refuseIf(EExcess excess) const;
+    void throwIf(EExcess excess) const;
 
     void setDocumentLocator(const xercesc::Locator* given) override { locator = given; }
     void startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,

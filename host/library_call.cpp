@@ -306,7 +306,7 @@ void CTraceReceiver::follow(const char* format, std::va_list arguments) {
             return;
         case ETraceText::kDocumentRead: {
             const TraceArguments& read = lastArguments.read(line.conversions, arguments);
-            nextReading.file = read[0];
+            nextReading.fileState = read[0];
             nextReading.isWhole = read[1] == "1";
             return;
         }

@@ -21,9 +21,9 @@ struct SReading {
     std::string fault;
     // Whether it has several top-level Nodes.
     bool hasSeveralRoots = false;
-    // Which file was read in which state (CFiFileState::text, not a name), and whether to its end, if the
+    // Which file was read in which state (CFiFileState::state), and whether to its end, if the
     // library says so.
-    std::optional<std::string> file;
+    std::optional<std::string> fileState;
     bool isWhole = true;
 };
 

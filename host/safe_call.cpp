@@ -83,7 +83,7 @@ private:
         for (std::size_t i = 0; i < call.backups.size(); ++i) {
             std::size_t first = firstOfName.emplace(call.backups[i].file, i).first->second;
             if (first == i && fileStates[i].has_value()) {
-                first = firstOfFile.emplace(fileStates[i]->file, i).first->second;
+                first = firstOfFile.emplace(fileStates[i]->identity, i).first->second;
             }
             if (first != i) {
                 add(FI_ROTATION_LISTED_TWICE, i,
@@ -224,8 +224,8 @@ private:
     [[nodiscard]] bool hasChanged(std::size_t place, const SReading& reading) const {
         const auto& before = fileStates[place];
         const auto after = stateOf(call.backups[place].file);
-        return before.has_value() && (reading.file.value_or(before->text) != before->text ||
-                                      !after.has_value() || after->text != before->text);
+        return before.has_value() && (reading.fileState.value_or(before->state) != before->state ||
+                                      !after.has_value() || after->state != before->state);
     }
 
     [[nodiscard]] bool isKnownProblem(std::size_t place) const {

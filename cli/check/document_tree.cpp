@@ -451,9 +451,9 @@ void CTreeReader::finishRoots() {
 }
 
 SDocumentTree CTreeReader::read() {
-    const CFiDocumentLimits::SFinding finding = limits.startDocument(document.content());
-    if (finding.excess != EExcess::kNone) {
-        reportExcess(finding.excess, document.spotAt(finding.offset));
+    const CFiDocumentLimits::SExcess excess = limits.startDocument(document.content());
+    if (excess.kind != EExcess::kNone) {
+        reportExcess(excess.kind, document.spotAt(excess.offset));
         return std::move(tree);
     }
     readDocument(document.content(), *this);

@@ -11,7 +11,7 @@ namespace {
 using EExcess = CFiDocumentLimits::EExcess;
 
 EExcess excessOf(const std::string& document) {
-    return CFiDocumentLimits().startDocument(document).excess;
+    return CFiDocumentLimits().startDocument(document).kind;
 }
 
 TEST(CFiDocumentLimits, CountTheBytesOfADocument) {
@@ -30,9 +30,9 @@ TEST(CFiDocumentLimits, FindALongTagAtEveryPlace) {
     for (std::size_t before = 0; before < 10000; before += 499) {
         const std::string start = "<a>" + std::string(before, 'x');
         EXPECT_EQ(excessOf(start + longest + "</b></a>"), EExcess::kNone) << before;
-        const auto finding = CFiDocumentLimits().startDocument(start + tooLong + "</b></a>");
-        EXPECT_EQ(finding.excess, EExcess::kTag) << before;
-        EXPECT_EQ(finding.offset, start.size());
+        const auto excess = CFiDocumentLimits().startDocument(start + tooLong + "</b></a>");
+        EXPECT_EQ(excess.kind, EExcess::kTag) << before;
+        EXPECT_EQ(excess.offset, start.size());
     }
 }
 
@@ -72,10 +72,10 @@ TEST(CFiDocumentLimits, MeasureTheDtd) {
     const std::string atMost = "<!DOCTYPE a [" + comment + std::string(16384 - 16022, ' ') + "]>";
     ASSERT_EQ(atMost.size(), 16384U);
     EXPECT_EQ(excessOf(start + atMost + "<a/>"), EExcess::kNone);
-    const auto finding = CFiDocumentLimits().startDocument(start + "<!DOCTYPE a  [" + comment +
-                                                           std::string(16384 - 16022, ' ') + "]><a/>");
-    EXPECT_EQ(finding.excess, EExcess::kDtd);
-    EXPECT_EQ(finding.offset, start.size());
+    const auto excess = CFiDocumentLimits().startDocument(start + "<!DOCTYPE a  [" + comment +
+                                                          std::string(16384 - 16022, ' ') + "]><a/>");
+    EXPECT_EQ(excess.kind, EExcess::kDtd);
+    EXPECT_EQ(excess.offset, start.size());
 }
 
 // What stands in quotation marks, comments and instructions does not end a DTD.
