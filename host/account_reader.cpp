@@ -114,8 +114,8 @@ std::vector<std::string> CAccountReader::gaps() const {
 }
 
 // When a name is listed several times, its last flag word counts for all of them.
-bool CAccountReader::isExcluded(std::size_t place) const {
-    const auto listed = lastFlagWords.find(account.backups[place].file);
+bool CAccountReader::isExcluded(std::size_t index) const {
+    const auto listed = lastFlagWords.find(account.backups[index].file);
     return listed != lastFlagWords.end() && (listed->second & FI_EXCLUDE_ROTATION) != 0;
 }
 
@@ -124,15 +124,15 @@ bool CAccountReader::isExcluded(std::size_t place) const {
 std::size_t CAccountReader::expectedSkips() const {
     std::size_t expected = 0;
     if (!account.selection.has_value()) {
-        for (const auto& [place, isGood] : claims) {
-            expected += isGood && isExcluded(place) ? 1 : 0;
+        for (const auto& [index, isGood] : claims) {
+            expected += isGood && isExcluded(index) ? 1 : 0;
         }
         return expected;
     }
     std::size_t met = 0;
-    for (const std::size_t place : oldestFirst) {
-        met += account.backups[place].state == FI_BACKUP_KEPT && isExcluded(place) ? 1 : 0;
-        expected = account.backups[place].state == FI_BACKUP_ROTATED ? met : expected;
+    for (const std::size_t index : oldestFirst) {
+        met += account.backups[index].state == FI_BACKUP_KEPT && isExcluded(index) ? 1 : 0;
+        expected = account.backups[index].state == FI_BACKUP_ROTATED ? met : expected;
     }
     return expected;
 }
@@ -269,8 +269,8 @@ bool CAccountReader::takeOfBackup(ETraceText kind, const TraceArguments& argumen
             takeClaim(kind == ETraceText::kClaimed, arguments);
             return true;
         case ETraceText::kSkipped:
-            if (const auto place = takeNextPlace("rotation", arguments[0])) {
-                skipped.insert(*place);
+            if (const auto index = takeNextIndex(EPass::kRotation, arguments[0])) {
+                skipped.insert(*index);
             }
             return true;
         case ETraceText::kSelection:
@@ -290,7 +290,7 @@ bool CAccountReader::takeParsed(std::string_view file) {
     }
     SAccountBackup backup;
     backup.file = file;
-    places[backup.file].push_back(account.backups.size());
+    indices[backup.file].push_back(account.backups.size());
     account.backups.push_back(backup);
     isInTree = true;
     hasNode = false;
@@ -305,45 +305,45 @@ bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
     // A name that is listed twice stands for two backups, of which one is invalid. The trace does not tell
     // which of the two a line means, but their states do.
     const std::int32_t state = numberIn(arguments[1]);
-    if (const auto place =
-            takeNextPlace(state == FI_BACKUP_INVALID ? "final, invalid" : "final", arguments[0])) {
-        account.backups[*place].state = state;
-        oldestFirst.push_back(*place);
+    if (const auto index =
+            takeNextIndex(state == FI_BACKUP_INVALID ? EPass::kFinalInvalid : EPass::kFinal, arguments[0])) {
+        account.backups[*index].state = state;
+        oldestFirst.push_back(*index);
     }
     return true;
 }
 
 void CAccountReader::takeCheck(bool isGood, std::string_view file) {
     ++checked;
-    const auto place = takeNextPlace("check", file);
-    if (place.has_value() && !isGood) {
-        account.backups[*place].state = FI_BACKUP_INVALID;
-        failedCheck.push_back(*place);
+    const auto index = takeNextIndex(EPass::kCheck, file);
+    if (index.has_value() && !isGood) {
+        account.backups[*index].state = FI_BACKUP_INVALID;
+        failedCheck.push_back(*index);
     }
 }
 
 void CAccountReader::takeClaim(bool isGood, const TraceArguments& arguments) {
-    const auto place = takeNextPlace("claim", arguments[0]);
-    if (!place.has_value()) {
+    const auto index = takeNextIndex(EPass::kClaim, arguments[0]);
+    if (!index.has_value()) {
         return;
     }
-    account.backups[*place].timeStamp = arguments[1];
-    claims.emplace_back(*place, isGood);
+    account.backups[*index].timeStamp = arguments[1];
+    claims.emplace_back(*index, isGood);
     if (!isGood) {
-        account.backups[*place].state = FI_BACKUP_INVALID;
+        account.backups[*index].state = FI_BACKUP_INVALID;
     }
 }
 
-std::optional<std::size_t> CAccountReader::takeNextPlace(std::string_view pass, std::string_view file) {
-    const std::vector<std::size_t>& all = places[std::string(file)];
-    std::size_t& done = taken[{std::string(pass), std::string(file)}];
+std::optional<std::size_t> CAccountReader::takeNextIndex(EPass pass, std::string_view file) {
+    const std::vector<std::size_t>& all = indices[std::string(file)];
+    std::size_t& done = taken[{pass, std::string(file)}];
     while (done < all.size()) {
-        const std::size_t place = all[done++];
+        const std::size_t index = all[done++];
         // A backup that an earlier pass found invalid has no line in this pass.
-        const std::int32_t wanted = pass == "final, invalid" ? FI_BACKUP_INVALID : FI_BACKUP_KEPT;
-        const bool isOut = pass != "check" && account.backups[place].state != wanted;
+        const std::int32_t wanted = pass == EPass::kFinalInvalid ? FI_BACKUP_INVALID : FI_BACKUP_KEPT;
+        const bool isOut = pass != EPass::kCheck && account.backups[index].state != wanted;
         if (!isOut) {
-            return place;
+            return index;
         }
     }
     noteContradiction(file);

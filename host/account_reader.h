@@ -62,6 +62,10 @@ private:
     // The kinds of lines that a tree has for each Node.
     enum class ETreeLine { kObjid, kAltobjid, kType };
 
+    // The loops over the backups that trace a line for each of them. In the last one, the backups that are
+    // invalid are told apart from the others.
+    enum class EPass { kCheck, kClaim, kRotation, kFinal, kFinalInvalid };
+
     bool readTree(std::string_view text);
     void endTree(std::string_view text);
     void expectTreeLine(ETreeLine line, ETreeLine next, std::string_view text);
@@ -80,12 +84,11 @@ private:
     static bool isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed);
     void noteContradiction(std::string_view text);
 
-    // The index of the next backup of this name in the pass, the loop over backups that traced the line, such
-    // as "check" or "claim". A name listed twice stands for two backups with one content,
-    // so it does not matter which of them is taken first.
-    std::optional<std::size_t> takeNextPlace(std::string_view pass, std::string_view file);
+    // The index of the next backup of this name in the pass that traced the line. A name listed twice stands
+    // for two backups with one content, so it does not matter which of them is taken first.
+    std::optional<std::size_t> takeNextIndex(EPass pass, std::string_view file);
     bool isNamed(std::string_view identifier) const;
-    bool isExcluded(std::size_t place) const;
+    bool isExcluded(std::size_t index) const;
     std::size_t expectedSkips() const;
 
     // All targets in the parser's lines. The first `usedTargets` of them were found again in the printed set.
@@ -104,10 +107,10 @@ private:
     std::string firstContradiction;
     std::size_t contradictions = 0;
     // For each name, its indices in `account.backups`, and its last flag word.
-    std::unordered_map<std::string, std::vector<std::size_t>> places;
+    std::unordered_map<std::string, std::vector<std::size_t>> indices;
     std::unordered_map<std::string, std::int32_t> lastFlagWords;
     // For each pass and name, how many of its indices have had their line.
-    std::map<std::pair<std::string, std::string>, std::size_t> taken;
+    std::map<std::pair<EPass, std::string>, std::size_t> taken;
 };
 
 }  // namespace fi_rotate

@@ -27,14 +27,14 @@ public:
         }
     }
 
-    struct SPlace {
+    struct STarget {
         std::size_t configuration = 0;
         std::size_t target = 0;
     };
 
-    // The place of a pair's target. When configurations or targets have the same name, the first is meant, as
+    // The target of a pair. When configurations or targets have the same name, the first is meant, as
     // for the library.
-    std::optional<SPlace> find(std::string_view objid, std::string_view altobjid) const {
+    std::optional<STarget> find(std::string_view objid, std::string_view altobjid) const {
         const auto named = byFirst.find(targetOf(objid));
         if (named == byFirst.end()) {
             return std::nullopt;
@@ -44,7 +44,7 @@ public:
             const auto& targets = configurations[i].targets;
             const auto found = std::find(targets.begin(), targets.end(), target);
             if (found != targets.end()) {
-                return SPlace{i, static_cast<std::size_t>(found - targets.begin())};
+                return STarget{i, static_cast<std::size_t>(found - targets.begin())};
             }
         }
         return std::nullopt;
@@ -53,8 +53,8 @@ public:
     bool isConfigured(std::string_view objid) const { return byFirst.count(targetOf(objid)) != 0; }
 
     // The backup that holds the target; nothing when it is free.
-    std::optional<std::size_t>& holder(const SPlace& place) {
-        return holders[place.configuration][place.target];
+    std::optional<std::size_t>& holder(const STarget& target) {
+        return holders[target.configuration][target.target];
     }
 
     // The first configuration without a free target.
@@ -84,35 +84,35 @@ private:
 // itself is made in driver/rotation.cpp.
 class CExplanation {
 public:
-    explicit CExplanation(CAccountReader reader) : passes(std::move(reader)) {}
+    explicit CExplanation(CAccountReader finished) : reader(std::move(finished)) {}
 
     SAccount explain() {
-        if (!passes.gaps().empty()) {
-            return std::move(passes.account);
+        if (!reader.gaps().empty()) {
+            return std::move(reader.account);
         }
         explainChecks();
         explainClaims();
-        passes.account.heldBefore = holders.all();
-        if (passes.account.selection.has_value() || passes.isWithoutSelection) {
+        reader.account.heldBefore = holders.all();
+        if (reader.account.selection.has_value() || reader.isWithoutSelection) {
             explainRotation();
         }
-        passes.account.heldAfter = holders.all();
-        if (passes.isWithoutSelection) {
+        reader.account.heldAfter = holders.all();
+        if (reader.isWithoutSelection) {
             listShortages();
         }
-        return std::move(passes.account);
+        return std::move(reader.account);
     }
 
 private:
-    SAccountBackup& backup(std::size_t place) { return passes.account.backups[place]; }
+    SAccountBackup& backup(std::size_t index) { return reader.account.backups[index]; }
 
     const std::string& nameOf(std::size_t configuration) const {
-        return passes.account.configurations[configuration].first;
+        return reader.account.configurations[configuration].first;
     }
 
     void explainChecks() {
-        for (const std::size_t place : passes.failedCheck) {
-            for (const auto& [objid, altobjid] : backup(place).pairs.inOrder()) {
+        for (const std::size_t index : reader.failedCheck) {
+            for (const auto& [objid, altobjid] : backup(index).pairs.inOrder()) {
                 if (holders.find(objid, altobjid).has_value()) {
                     continue;
                 }
@@ -122,30 +122,30 @@ private:
                 reason.configuration = targetOf(objid);
                 reason.objid = objid;
                 reason.altobjid = altobjid;
-                backup(place).reason = reason;
+                backup(index).reason = reason;
                 break;
             }
         }
     }
 
     void explainClaims() {
-        for (const auto& [place, isGood] : passes.claims) {
-            for (const auto& [objid, altobjid] : backup(place).pairs.inOrder()) {
+        for (const auto& [index, isGood] : reader.claims) {
+            for (const auto& [objid, altobjid] : backup(index).pairs.inOrder()) {
                 const auto found = holders.find(objid, altobjid);
                 if (!found.has_value()) {
                     continue;
                 }
-                placesOf[place].push_back(*found);
+                claimedBy[index].push_back(*found);
                 std::optional<std::size_t>& holder = holders.holder(*found);
                 if (!holder.has_value()) {
-                    holder = place;
-                } else if (!isGood && !backup(place).reason.has_value()) {
+                    holder = index;
+                } else if (!isGood && !backup(index).reason.has_value()) {
                     SReason reason;
                     reason.kind = EReason::kHeldAlready;
                     reason.configuration = nameOf(found->configuration);
                     reason.target = targetOf(altobjid);
-                    reason.backup = *holder == place ? "" : backup(*holder).file;
-                    backup(place).reason = reason;
+                    reason.backup = *holder == index ? "" : backup(*holder).file;
+                    backup(index).reason = reason;
                 }
             }
         }
@@ -155,36 +155,36 @@ private:
         auto shortOne = holders.firstShort();
         const bool wasNeeded = shortOne.has_value();
         std::size_t turn = 0;
-        for (const std::size_t place : orderOfRotation()) {
-            if (backup(place).reason.has_value()) {
+        for (const std::size_t index : orderOfRotation()) {
+            if (backup(index).reason.has_value()) {
                 continue;
             }
-            const bool isSkipped = passes.skipped.count(place) != 0;
+            const bool isSkipped = reader.skipped.count(index) != 0;
             SReason reason;
             reason.turn = turn++;
-            reason.targets = targetsOf(place);
+            reason.targets = targetsOf(index);
             reason.configuration = shortOne.has_value() ? nameOf(*shortOne) : "";
             if (isSkipped) {
                 reason.kind = EReason::kExcluded;
-            } else if (backup(place).state == FI_BACKUP_ROTATED) {
-                explainRelease(place, reason);
-                release(place);
+            } else if (backup(index).state == FI_BACKUP_ROTATED) {
+                explainRelease(index, reason);
+                release(index);
                 shortOne = holders.firstShort();
             } else if (reason.targets.empty()) {
                 reason.kind = EReason::kHoldsNothing;
             } else {
                 reason.kind = wasNeeded ? EReason::kRotationStopped : EReason::kNewestHolder;
             }
-            backup(place).reason = std::move(reason);
+            backup(index).reason = std::move(reason);
         }
     }
 
-    void explainRelease(std::size_t place, SReason& reason) {
+    void explainRelease(std::size_t index, SReason& reason) {
         reason.kind = EReason::kInVain;
-        reason.isUndone = passes.isWithoutSelection;
+        reason.isUndone = reader.isWithoutSelection;
         // Several configurations may have the same name, which is to be listed once.
         std::set<std::string_view> named;
-        for (const std::size_t configuration : configurationsOf(place)) {
+        for (const std::size_t configuration : configurationsOf(index)) {
             if (reason.kind == EReason::kInVain && holders.isShort(configuration)) {
                 reason.kind = EReason::kNeeded;
                 reason.configuration = nameOf(configuration);
@@ -196,9 +196,9 @@ private:
     }
 
     // The configurations of which the backup holds a target.
-    std::set<std::size_t> configurationsOf(std::size_t place) const {
+    std::set<std::size_t> configurationsOf(std::size_t index) const {
         std::set<std::size_t> configurations;
-        for (const CHolders::SPlace& held : placesOf[place]) {
+        for (const CHolders::STarget& held : claimedBy[index]) {
             configurations.insert(held.configuration);
         }
         return configurations;
@@ -208,38 +208,38 @@ private:
     // order; it is the opposite of that of the claims. Such a call released every backup whose claim
     // succeeded and that is not excluded.
     std::vector<std::size_t> orderOfRotation() {
-        if (passes.account.selection.has_value()) {
-            return passes.oldestFirst;
+        if (reader.account.selection.has_value()) {
+            return reader.oldestFirst;
         }
         std::vector<std::size_t> order;
-        for (auto claim = passes.claims.rbegin(); claim != passes.claims.rend(); ++claim) {
-            const auto [place, isGood] = *claim;
-            order.push_back(place);
-            const bool isSkipped = passes.skipped.count(place) != 0;
+        for (auto claim = reader.claims.rbegin(); claim != reader.claims.rend(); ++claim) {
+            const auto [index, isGood] = *claim;
+            order.push_back(index);
+            const bool isSkipped = reader.skipped.count(index) != 0;
             if (isGood && !isSkipped) {
-                backup(place).state = FI_BACKUP_ROTATED;
+                backup(index).state = FI_BACKUP_ROTATED;
             }
         }
         return order;
     }
 
-    std::vector<std::string> targetsOf(std::size_t place) {
+    std::vector<std::string> targetsOf(std::size_t index) {
         std::vector<std::string> targets;
-        targets.reserve(placesOf[place].size());
-        for (const auto& [configuration, target] : placesOf[place]) {
-            targets.push_back(passes.account.configurations[configuration].targets[target]);
+        targets.reserve(claimedBy[index].size());
+        for (const auto& [configuration, target] : claimedBy[index]) {
+            targets.push_back(reader.account.configurations[configuration].targets[target]);
         }
         return targets;
     }
 
-    void release(std::size_t place) {
-        for (const auto& found : placesOf[place]) {
+    void release(std::size_t index) {
+        for (const auto& found : claimedBy[index]) {
             holders.holder(found).reset();
         }
     }
 
     void listShortages() {
-        for (std::size_t i = 0; i < passes.account.configurations.size(); ++i) {
+        for (std::size_t i = 0; i < reader.account.configurations.size(); ++i) {
             if (!holders.isShort(i)) {
                 continue;
             }
@@ -247,23 +247,23 @@ private:
             shortage.configuration = i;
             for (const auto& holder : holders.all()[i]) {
                 shortage.targets.push_back(
-                    {shortage.targets.size(), *holder, passes.skipped.count(*holder) != 0});
+                    {shortage.targets.size(), *holder, reader.skipped.count(*holder) != 0});
             }
-            passes.account.shortages.push_back(std::move(shortage));
+            reader.account.shortages.push_back(std::move(shortage));
         }
     }
 
-    CAccountReader passes;
-    CHolders holders{passes.account.configurations};
+    CAccountReader reader;
+    CHolders holders{reader.account.configurations};
     // The targets that each backup claimed after it passed the check.
-    std::vector<std::vector<CHolders::SPlace>> placesOf =
-        std::vector<std::vector<CHolders::SPlace>>(passes.account.backups.size());
+    std::vector<std::vector<CHolders::STarget>> claimedBy =
+        std::vector<std::vector<CHolders::STarget>>(reader.account.backups.size());
 };
 
 }  // namespace
 
-SAccount explain(CAccountReader passes) {
-    return CExplanation(std::move(passes)).explain();
+SAccount explain(CAccountReader reader) {
+    return CExplanation(std::move(reader)).explain();
 }
 
 }  // namespace fi_rotate

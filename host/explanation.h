@@ -5,8 +5,8 @@
 
 namespace fi_rotate {
 
-// The account of a call with earlier backups, whose lines `passes` has read, with reasons. When lines are
+// The account of a call with earlier backups, whose lines `reader` has read, with reasons. When lines are
 // missing in between, it has no reasons; when the end is missing, it has those that were known by then.
-SAccount explain(CAccountReader passes);
+SAccount explain(CAccountReader reader);
 
 }  // namespace fi_rotate
