@@ -48,17 +48,17 @@ private:
 };
 
 // Ends the run of a call at the end of the scope, and deletes the call if it was freed meanwhile.
-class CRun {
+class CRunGuard {
 public:
-    explicit CRun(fi_rotation_call& running) : call(running) {}
-    ~CRun() {
+    explicit CRunGuard(fi_rotation_call& running) : call(running) {}
+    ~CRunGuard() {
         call.isRunning = false;
         if (call.isAbandoned) {
             delete &call;
         }
     }
-    CRun(const CRun&) = delete;
-    CRun& operator=(const CRun&) = delete;
+    CRunGuard(const CRunGuard&) = delete;
+    CRunGuard& operator=(const CRunGuard&) = delete;
 
 private:
     fi_rotation_call& call;
@@ -87,7 +87,7 @@ fi_rotate::SWishes wishesOf(const fi_rotation_call& call) {
 }
 
 // Clears the results of the call, and sets these instead. Returns `outcome`.
-fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outcome, const char* message) {
+fi_rotation_outcome replaceResults(fi_rotation_call& call, fi_rotation_outcome outcome, const char* message) {
     call.decision = SDecision();
     call.decision.kind = outcome;
     call.problemsOfBackups.clear();
@@ -96,18 +96,18 @@ fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outco
     return outcome;
 }
 
-fi_rotation_outcome outOfMemory(fi_rotation_call& call) {
-    return setFailure(call, FI_ROTATION_OUT_OF_MEMORY, "memory ran out, so nothing was decided");
+fi_rotation_outcome setOutOfMemory(fi_rotation_call& call) {
+    return replaceResults(call, FI_ROTATION_OUT_OF_MEMORY, "memory ran out, so nothing was decided");
 }
 
 // The message is that of `cause`, if there is memory for it.
-fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outcome,
-                               const std::exception& cause) {
-    setFailure(call, outcome, "the run failed");
+fi_rotation_outcome replaceResults(fi_rotation_call& call, fi_rotation_outcome outcome,
+                                   const std::exception& cause) {
+    replaceResults(call, outcome, "the run failed");
     try {
         call.decision.message = cause.what();
     } catch (const std::bad_alloc&) {
-        return outOfMemory(call);
+        return setOutOfMemory(call);
     }
     call.message = call.decision.message.c_str();
     return outcome;
@@ -115,7 +115,7 @@ fi_rotation_outcome setFailure(fi_rotation_call& call, fi_rotation_outcome outco
 
 fi_rotation_outcome decide(fi_rotation_call& call) {
     // What the call shows until the run has ended, or when it never does.
-    setFailure(call, FI_ROTATION_FAILED, "the run has not ended, or its trace function ended the thread");
+    replaceResults(call, FI_ROTATION_FAILED, "the run has not ended, or its trace function ended the thread");
     call.decision = fi_rotate::decideSafely(call.inputs, wishesOf(call), call.safety);
     call.problemsOfBackups.assign(call.inputs.backups.size(), 0);
     for (const SProblem& problem : call.decision.problems) {
@@ -213,11 +213,12 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
     if (call->isRunning.exchange(true)) {
         return FI_ROTATION_MISUSED;
     }
-    const CRun run(*call);
+    const CRunGuard run(*call);
     if (call->isIncomplete) {
-        return setFailure(*call, FI_ROTATION_OUT_OF_MEMORY,
-                          "a backup could not be added (memory ran out, or its name was a null pointer), so "
-                          "nothing is decided; make a new call");
+        return replaceResults(
+            *call, FI_ROTATION_OUT_OF_MEMORY,
+            "a backup could not be added (memory ran out, or its name was a null pointer), so "
+            "nothing is decided; make a new call");
     }
     // There is no catch (...): the unwinding of a thread that a trace function ends must pass, or the process
     // ends. Everything else that comes here is a std::exception: callLibrary and handToTraceFunction see to
@@ -225,14 +226,14 @@ fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call) {
     try {
         return decide(*call);
     } catch (const std::bad_alloc&) {
-        return outOfMemory(*call);
+        return setOutOfMemory(*call);
     } catch (const CTraceFailure&) {
-        return setFailure(*call, FI_ROTATION_TRACE_FAILED,
-                          "the trace function threw an exception, so nothing was decided");
+        return replaceResults(*call, FI_ROTATION_TRACE_FAILED,
+                              "the trace function threw an exception, so nothing was decided");
     } catch (const fi_rotate::CProcessLock::CMisuse& misuse) {
-        return setFailure(*call, FI_ROTATION_MISUSED, misuse);
+        return replaceResults(*call, FI_ROTATION_MISUSED, misuse);
     } catch (const std::exception& failure) {
-        return setFailure(*call, FI_ROTATION_FAILED, failure);
+        return replaceResults(*call, FI_ROTATION_FAILED, failure);
     }
 }
 

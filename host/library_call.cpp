@@ -67,8 +67,8 @@ void callLibrary(const SCall& call, std::int32_t listSize, std::vector<std::int3
     } catch (const CFiUdidException& malformed) {
         outcome.exception = SException{
             malformed.identifier, malformed.code, std::string(identifierFault(malformed.code)), {}, false};
-    } catch (const std::bad_alloc& shortage) {
-        outcome.exception = SException{{}, {}, shortage.what(), {}, true};
+    } catch (const std::bad_alloc& outOfMemory) {
+        outcome.exception = SException{{}, {}, outOfMemory.what(), {}, true};
     } catch (const std::exception& other) {
         outcome.exception = SException{{}, {}, other.what(), {}, false};
     } catch (const abi::__forced_unwind&) {

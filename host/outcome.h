@@ -51,7 +51,7 @@ struct SException {
     // The index in SOutcome::backups of the backup whose document holds the identifier.
     std::optional<std::size_t> backup;
     // Memory ran out.
-    bool isShortage = false;
+    bool isOutOfMemory = false;
 };
 
 struct SOutcome {

@@ -15,7 +15,7 @@ std::atomic<pthread_t> owner;
 std::atomic<bool> isOwned = false;
 // Whether this process was forked while another thread held the mutex. That thread does not exist here, so
 // the mutex stays locked.
-bool isLost = false;
+bool isOwnerMissing = false;
 
 bool isOwnedByThisThread() {
     return isOwned && pthread_equal(owner, pthread_self()) != 0;
@@ -28,14 +28,13 @@ void afterForkInChild() {
     if (mutex.try_lock()) {
         mutex.unlock();
     } else if (!isOwnedByThisThread()) {
-        isLost = true;
+        isOwnerMissing = true;
         // A new thread may get the id of the one that had it.
         isOwned = false;
     }
 }
 
-// Registers the handler once in a process.
-void watchForks() {
+void registerForkHandlerOnce() {
     static const int failure = pthread_atfork(nullptr, nullptr, afterForkInChild);
     if (failure != 0) {
         throw std::bad_alloc();
@@ -45,11 +44,11 @@ void watchForks() {
 }  // namespace
 
 CProcessLock::CProcessLock() {
-    watchForks();
+    registerForkHandlerOnce();
     if (isOwnedByThisThread()) {
         throw CMisuse("a call cannot be run from the trace function of a call");
     }
-    if (isLost) {
+    if (isOwnerMissing) {
         throw std::runtime_error(
             "this process was forked while another thread ran a call, and cannot run any; "
             "fork while none runs, or start a program");

@@ -46,7 +46,7 @@ public:
         if (isRefused()) {
             refuse();
         } else {
-            nameConfigurations();
+            fillInConfigurations();
             judge();
         }
         return std::move(decision);
@@ -105,7 +105,7 @@ private:
         for (std::size_t i = 0; i < call.backups.size(); ++i) {
             if (unusable.count(i) == 0) {
                 usable.backups.push_back(call.backups[i]);
-                placeInCall.push_back(i);
+                indexInCall.push_back(i);
             }
         }
         return usable;
@@ -133,7 +133,7 @@ private:
         std::size_t done = 0;
         while (exception.has_value()) {
             requireIdentifier(*exception);
-            add(FI_ROTATION_MALFORMED_IDENTIFIER, placeInCall[done + exception->backup.value()],
+            add(FI_ROTATION_MALFORMED_IDENTIFIER, indexInCall[done + exception->backup.value()],
                 fmt::format("holds the malformed identifier \"{}\": {}", *exception->identifier,
                             exception->reason));
             const std::size_t tried = *exception->backup + 1;
@@ -145,7 +145,7 @@ private:
     }
 
     static void requireIdentifier(const SException& exception) {
-        if (exception.isShortage) {
+        if (exception.isOutOfMemory) {
             throw std::bad_alloc();
         }
         if (!exception.identifier.has_value()) {
@@ -168,7 +168,7 @@ private:
             findRejection(message);
         }
         for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
-            findInDocument(placeInCall[i], decision.outcome.backups[i]);
+            findInDocument(indexInCall[i], decision.outcome.backups[i]);
         }
         std::stable_sort(
             decision.problems.begin(), decision.problems.end(),
@@ -191,12 +191,12 @@ private:
         }
     }
 
-    void findInDocument(std::size_t place, const SBackupOutcome& backup) {
+    void findInDocument(std::size_t index, const SBackupOutcome& backup) {
         const auto& reading = backup.reading;
         if (!reading.has_value()) {
-            const bool isKnown = decision.outcome.exception.has_value() || isKnownProblem(place);
+            const bool isKnown = decision.outcome.exception.has_value() || isKnownProblem(index);
             if (!isKnown) {
-                add(FI_ROTATION_CANNOT_OPEN, place,
+                add(FI_ROTATION_CANNOT_OPEN, index,
                     "was not read, because it or one before it could not be opened");
             }
             return;
@@ -204,34 +204,34 @@ private:
         if (reading->isMalformed) {
             // Only the host library traces the fault.
             const std::string fault = reading->fault.empty() ? "" : ": " + reading->fault;
-            add(FI_ROTATION_NOT_WELL_FORMED, place, "is not well-formed XML" + fault);
+            add(FI_ROTATION_NOT_WELL_FORMED, index, "is not well-formed XML" + fault);
         }
         if (!backup.isLoaded && (!reading->isMalformed || isPermitted(FI_ROTATION_NOT_WELL_FORMED))) {
-            add(FI_ROTATION_NO_NODE, place, "has no Node");
+            add(FI_ROTATION_NO_NODE, index, "has no Node");
         }
         if (reading->hasSeveralRoots) {
-            add(FI_ROTATION_SEVERAL_ROOTS, place, "has several Nodes that stand in no other");
+            add(FI_ROTATION_SEVERAL_ROOTS, index, "has several Nodes that stand in no other");
         }
-        if (!reading->isWhole && fileStates[place].has_value()) {
-            add(FI_ROTATION_READ_ERROR, place, "could not be read to its end again");
-        } else if (hasChanged(place, *reading)) {
-            add(FI_ROTATION_CHANGED, place, "changed while it was read");
+        if (!reading->isWhole && fileStates[index].has_value()) {
+            add(FI_ROTATION_READ_ERROR, index, "could not be read to its end again");
+        } else if (hasChanged(index, *reading)) {
+            add(FI_ROTATION_CHANGED, index, "changed while it was read");
         }
     }
 
     // Another file, or another state of it, was read than was looked at before; or its name stands for
     // another one now.
-    [[nodiscard]] bool hasChanged(std::size_t place, const SReading& reading) const {
-        const auto& before = fileStates[place];
-        const auto after = stateOf(call.backups[place].file);
+    [[nodiscard]] bool hasChanged(std::size_t index, const SReading& reading) const {
+        const auto& before = fileStates[index];
+        const auto after = stateOf(call.backups[index].file);
         return before.has_value() && (reading.fileState.value_or(before->state) != before->state ||
                                       !after.has_value() || after->state != before->state);
     }
 
-    [[nodiscard]] bool isKnownProblem(std::size_t place) const {
+    [[nodiscard]] bool isKnownProblem(std::size_t index) const {
         return std::any_of(decision.problems.begin(), decision.problems.end(),
-                           [place](const SProblem& problem) {
-                               return problem.backup == place && problem.kind == FI_ROTATION_CANNOT_OPEN;
+                           [index](const SProblem& problem) {
+                               return problem.backup == index && problem.kind == FI_ROTATION_CANNOT_OPEN;
                            });
     }
 
@@ -249,10 +249,10 @@ private:
 
     // Fills in the configurations of the decision; with an account, also their targets with the holders, the
     // kept counts, and the time stamps of the backups.
-    void nameConfigurations() {
+    void fillInConfigurations() {
         const auto& account = decision.outcome.account;
         if (account.has_value()) {
-            nameFromAccount(*account);
+            fillInFromAccount(*account);
         }
         const auto chosen =
             decision.outcome.selection.has_value() ? choices(*decision.outcome.selection) : std::nullopt;
@@ -266,8 +266,8 @@ private:
         }
     }
 
-    void nameFromAccount(const SAccount& account) {
-        const std::vector<std::size_t> places = placesOf(account);
+    void fillInFromAccount(const SAccount& account) {
+        const std::vector<std::size_t> indices = indicesOf(account);
         decision.configurations.reserve(account.configurations.size());
         for (std::size_t i = 0; i < account.configurations.size(); ++i) {
             SConfigurationOfDecision& configuration = decision.configurations.emplace_back();
@@ -277,7 +277,7 @@ private:
             for (std::size_t j = 0; j < targets.size(); ++j) {
                 const auto& holder = account.heldAfter[i][j];
                 configuration.targets.push_back(
-                    {targets[j], holder.has_value() ? std::optional(places[*holder]) : std::nullopt});
+                    {targets[j], holder.has_value() ? std::optional(indices[*holder]) : std::nullopt});
                 if (!holder.has_value() && decision.outcome.selection.has_value() &&
                     !configuration.chosen.has_value()) {
                     configuration.chosen = targets[j];
@@ -285,25 +285,25 @@ private:
             }
             configuration.kept = keptHolders(account, i);
         }
-        for (std::size_t i = 0; i < places.size(); ++i) {
-            decision.outcome.backups[places[i]].timeStamp = account.backups[i].timeStamp;
+        for (std::size_t i = 0; i < indices.size(); ++i) {
+            decision.outcome.backups[indices[i]].timeStamp = account.backups[i].timeStamp;
         }
     }
 
-    // The places in the call of the backups that the account tells of. It has them in the order of the call;
+    // The indices in the call of the backups that the account tells of. It has them in the order of the call;
     // of a name that is listed twice it may have one only, since what is listed after a missing file is not
     // read.
-    [[nodiscard]] std::vector<std::size_t> placesOf(const SAccount& account) const {
-        std::vector<std::size_t> places;
+    [[nodiscard]] std::vector<std::size_t> indicesOf(const SAccount& account) const {
+        std::vector<std::size_t> indices;
         for (std::size_t i = 0; i < decision.outcome.backups.size(); ++i) {
             const SBackupOutcome& backup = decision.outcome.backups[i];
-            const bool isNext = backup.reading.has_value() && places.size() < account.backups.size() &&
-                                account.backups[places.size()].file == backup.given.file;
+            const bool isNext = backup.reading.has_value() && indices.size() < account.backups.size() &&
+                                account.backups[indices.size()].file == backup.given.file;
             if (isNext) {
-                places.push_back(i);
+                indices.push_back(i);
             }
         }
-        return places;
+        return indices;
     }
 
     void judge() {
@@ -351,10 +351,10 @@ private:
     const SCall& call;
     const SWishes& wishes;
     const SSafety& safety;
-    // By place in the call.
+    // By index in the call.
     std::vector<std::optional<CFiFileState>> fileStates;
-    // Of the backups that the library was handed, their places in the call.
-    std::vector<std::size_t> placeInCall;
+    // Of the backups that the library was handed, their indices in the call.
+    std::vector<std::size_t> indexInCall;
     SDecision decision;
 };
 

@@ -169,7 +169,7 @@ bool reportsFailure(ETraceText kind) {
     return rowOf(kind).level == ELevel::kFailure && kind != ETraceText::kFlagWord;
 }
 
-bool isFailure(std::string_view text) {
+bool isCertainFailure(std::string_view text) {
     return std::any_of(kTexts.begin(), kTexts.end(), [text](const STraceText& row) {
         return row.kind != ETraceText::kMalformedIdentifier && reportsFailure(row.kind) &&
                startsAs(row.kind, text);
@@ -224,7 +224,7 @@ std::string toTraceLine(int level, std::string_view text) {
     return line + '\n';
 }
 
-bool isTraceFile(std::string_view text) {
+bool isTraceFileText(std::string_view text) {
     // The first line of every call is one of the parser of the configuration.
     constexpr std::string_view kBegins = " CFiResourceParser::parse : ";
     return !text.empty() && text[0] >= '0' && text[0] <= '9' && text.substr(1, kBegins.size()) == kBegins;
@@ -234,7 +234,7 @@ bool isOwnPrefix(std::string_view prefix) {
     return prefix == "3 " || prefix == "4 ";
 }
 
-std::string withLineBreaks(std::string_view text) {
+std::string withoutEscapes(std::string_view text) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isEscape = text[i] == '\\' && i + 1 < text.size();

@@ -75,7 +75,7 @@ bool reportsFailure(ETraceText kind);
 
 // Whether a line of a log surely reports a failure. The text for a malformed identifier is left out: lines
 // that a host writes itself may begin like it.
-bool isFailure(std::string_view text);
+bool isCertainFailure(std::string_view text);
 
 // Whether a line is one of the parser of configurations.
 bool isOfParser(std::string_view text);
@@ -105,10 +105,10 @@ bool isUnnamed(std::string_view text);
 std::string toTraceLine(int level, std::string_view text);
 
 // Whether a file with this text is the trace of a call, as such lines.
-bool isTraceFile(std::string_view text);
+bool isTraceFileText(std::string_view text);
 // Whether `prefix` is what such a line has before its text.
 bool isOwnPrefix(std::string_view prefix);
 // The text of such a line as it was before toTraceLine.
-std::string withLineBreaks(std::string_view text);
+std::string withoutEscapes(std::string_view text);
 
 }  // namespace fi_rotate

@@ -325,7 +325,7 @@ std::optional<SAdvice> adviceFor(const SCall& call, const SOutcome& outcome) {
 int runSelect(const SOptions& options) {
     const SCall call = callOf(options);
     const SOutput request{"--save-request", options.savedRequest, isRequest};
-    const SOutput traceOutput{"--trace-file", options.traceFile, isTraceFile};
+    const SOutput traceOutput{"--trace-file", options.traceFile, isTraceFileText};
     const SOutput picture{"--svg", options.svgFile, isOwnPicture};
     requireNoFileIsDestroyed({request, traceOutput, picture}, inputsOf(options.call, call), options.isForced);
     const auto trace = openOutput(traceOutput);

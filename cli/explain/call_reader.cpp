@@ -171,7 +171,7 @@ bool CCallReader::isOver() const {
 }
 
 void CCallReader::readText(const std::string& text) {
-    if (isFailure(text)) {
+    if (isCertainFailure(text)) {
         call.outcome.messages.push_back(text);
     }
     isCut =

@@ -162,7 +162,7 @@ std::optional<SFound> findProgressOf(const CWriters& writers, std::size_t log, s
 
 std::string textOf(const SFound& found, std::string_view line) {
     const std::string_view prefix = line.substr(0, line.size() - found.text.size());
-    return isOwnPrefix(prefix) ? withLineBreaks(found.text) : std::string(found.text);
+    return isOwnPrefix(prefix) ? withoutEscapes(found.text) : std::string(found.text);
 }
 
 std::vector<SLoggedCall> inOrder(std::map<std::string, CCallReader>& readers) {

@@ -70,11 +70,11 @@ TEST(HostTraceText, KnowsTheFormatsOfTheLibrary) {
 // Lines with a flag word have the level of failures and report none. The text for a malformed identifier is
 // left out, because lines that a host writes itself may begin like it.
 TEST(HostTraceText, TellsFailuresFromTheRest) {
-    EXPECT_TRUE(fi_rotate::isFailure("fi_process_backups : no resource is available"));
-    EXPECT_TRUE(fi_rotate::isFailure("CFiFiidLoader::load: ERROR: failed to load FIID file"));
-    EXPECT_FALSE(fi_rotate::isFailure("fi_process_backups :  Fiid [a] exclude rotation flag [4] "));
-    EXPECT_FALSE(fi_rotate::isFailure("fi_process_backups : parsed [a.xml]"));
-    EXPECT_FALSE(fi_rotate::isFailure("ERROR: disk full"));
+    EXPECT_TRUE(fi_rotate::isCertainFailure("fi_process_backups : no resource is available"));
+    EXPECT_TRUE(fi_rotate::isCertainFailure("CFiFiidLoader::load: ERROR: failed to load FIID file"));
+    EXPECT_FALSE(fi_rotate::isCertainFailure("fi_process_backups :  Fiid [a] exclude rotation flag [4] "));
+    EXPECT_FALSE(fi_rotate::isCertainFailure("fi_process_backups : parsed [a.xml]"));
+    EXPECT_FALSE(fi_rotate::isCertainFailure("ERROR: disk full"));
     EXPECT_TRUE(fi_rotate::reportsFailure(ETraceText::kMalformedIdentifier));
     EXPECT_FALSE(fi_rotate::reportsFailure(ETraceText::kFlagWord));
     EXPECT_FALSE(fi_rotate::reportsFailure(ETraceText::kSelection));
@@ -120,21 +120,21 @@ TEST(HostTraceText, PutsLineBreaksBack) {
     for (const std::string_view text : {"", "a", "a\nb\rc\\d", "\\n", "\\", "\n\n\\\\"}) {
         std::string line = fi_rotate::toTraceLine(4, text);
         line.pop_back();
-        EXPECT_EQ(fi_rotate::withLineBreaks(line.substr(2)), text);
+        EXPECT_EQ(fi_rotate::withoutEscapes(line.substr(2)), text);
     }
-    EXPECT_EQ(fi_rotate::withLineBreaks("a\\tb\\"), "a\\tb\\");
+    EXPECT_EQ(fi_rotate::withoutEscapes("a\\tb\\"), "a\\tb\\");
     // The backslash is the last character of the text; what stands behind the text must not be read.
-    EXPECT_EQ(fi_rotate::withLineBreaks(std::string_view("a\\n").substr(0, 2)), "a\\");
+    EXPECT_EQ(fi_rotate::withoutEscapes(std::string_view("a\\n").substr(0, 2)), "a\\");
 }
 
 TEST(HostTraceText, KnowsAFileThatItWroteByItsFirstLine) {
-    EXPECT_TRUE(fi_rotate::isTraceFile("4 CFiResourceParser::parse : Resource specification [A##x;1]\n"));
-    EXPECT_TRUE(fi_rotate::isTraceFile("9 CFiResourceParser::parse : "));
-    EXPECT_TRUE(fi_rotate::isTraceFile("0 CFiResourceParser::parse : "));
+    EXPECT_TRUE(fi_rotate::isTraceFileText("4 CFiResourceParser::parse : Resource specification [A##x;1]\n"));
+    EXPECT_TRUE(fi_rotate::isTraceFileText("9 CFiResourceParser::parse : "));
+    EXPECT_TRUE(fi_rotate::isTraceFileText("0 CFiResourceParser::parse : "));
     for (const std::string_view text :
          {"", "4", "4 fi_process_backups : parsed [a]",
           "CFiResourceParser::parse : ", "/ CFiResourceParser::parse : ", ": CFiResourceParser::parse : "}) {
-        EXPECT_FALSE(fi_rotate::isTraceFile(text)) << text;
+        EXPECT_FALSE(fi_rotate::isTraceFileText(text)) << text;
     }
     EXPECT_TRUE(fi_rotate::isOwnPrefix("3 "));
     EXPECT_TRUE(fi_rotate::isOwnPrefix("4 "));
