@@ -15,8 +15,8 @@ CWriters::CWriters(const std::vector<SNamedLine>& lines) {
         learn(line);
     }
     for (auto& [shape, format] : formats) {
-        for (SPlace& place : format) {
-            place.isName = namesWriter(place);
+        for (SWordPosition& position : format) {
+            position.isName = namesWriter(position);
         }
     }
     for (const SNamedLine& line : lines) {
@@ -43,15 +43,15 @@ void CWriters::learn(const SNamedLine& line) {
     }
 }
 
-void CWriters::follow(SPlace& place, std::string_view word) {
-    std::vector<std::string_view>& recent = place.recent;
+void CWriters::follow(SWordPosition& position, std::string_view word) {
+    std::vector<std::string_view>& recent = position.recent;
     if (!recent.empty() && recent.back() == word) {
         return;
     }
-    place.changes += recent.empty() ? 0 : 1;
+    position.changes += recent.empty() ? 0 : 1;
     const auto known = std::find(recent.begin(), recent.end(), word);
     if (known != recent.end()) {
-        ++place.returns;
+        ++position.returns;
         recent.erase(known);
     } else if (recent.size() == kRecentWords) {
         recent.erase(recent.begin());
@@ -64,13 +64,13 @@ void CWriters::follow(SPlace& place, std::string_view word) {
 // Counters and clocks change with each line, so a first line rarely has the same word. The words at a
 // position name the level instead when each of them occurs at one level only, because each call has lines at
 // both levels.
-bool CWriters::namesWriter(const SPlace& place) {
+bool CWriters::namesWriter(const SWordPosition& position) {
     std::size_t all = 0;
     std::size_t ofBegun = 0;
     bool hasFailure = false;
     bool hasProgress = false;
     bool isOfBothLevels = false;
-    for (const auto& [word, lines] : place.words) {
+    for (const auto& [word, lines] : position.words) {
         all += lines.count;
         ofBegun += lines.hasBeginning ? lines.count : 0;
         hasFailure = hasFailure || lines.hasFailure;
@@ -78,17 +78,17 @@ bool CWriters::namesWriter(const SPlace& place) {
         isOfBothLevels = isOfBothLevels || (lines.hasFailure && lines.hasProgress);
     }
     const bool isLevel = hasFailure && hasProgress && !isOfBothLevels;
-    return !isLevel && (ofBegun > all / 2 || isOfWriters(place, all, ofBegun != 0));
+    return !isLevel && (ofBegun > all / 2 || isOfWriters(position, all, ofBegun != 0));
 }
 
 // Where most calls had begun before the log: few words, each in many lines, are those of writers when no call
 // begins in the log at all, and when they alternate, as those of a clock never do.
-bool CWriters::isOfWriters(const SPlace& place, std::size_t lines, bool isBegun) {
+bool CWriters::isOfWriters(const SWordPosition& position, std::size_t lines, bool isBegun) {
     constexpr std::size_t kLeastLines = 4;
-    if (lines < kLeastLines * place.words.size()) {
+    if (lines < kLeastLines * position.words.size()) {
         return false;
     }
-    const bool alternates = place.words.size() <= kRecentWords && place.returns > place.changes / 2;
+    const bool alternates = position.words.size() <= kRecentWords && position.returns > position.changes / 2;
     return !isBegun || alternates;
 }
 

@@ -48,8 +48,8 @@ private:
         bool hasProgress = false;
     };
 
-    // A place for a word in the prefixes of one format.
-    struct SPlace {
+    // A position of a word in the prefixes of one format.
+    struct SWordPosition {
         std::unordered_map<std::string_view, SLines> words;
         // The last words that differ, the latest at the end.
         std::vector<std::string_view> recent;
@@ -59,7 +59,7 @@ private:
         bool isName = false;
     };
 
-    using Format = std::vector<SPlace>;
+    using Format = std::vector<SWordPosition>;
 
     struct SWriter {
         bool hasBeginning = false;
@@ -71,9 +71,9 @@ private:
         bool isIgnored = false;
     };
 
-    static void follow(SPlace& place, std::string_view word);
-    static bool namesWriter(const SPlace& place);
-    static bool isOfWriters(const SPlace& place, std::size_t lines, bool isBegun);
+    static void follow(SWordPosition& position, std::string_view word);
+    static bool namesWriter(const SWordPosition& position);
+    static bool isOfWriters(const SWordPosition& position, std::size_t lines, bool isBegun);
     void learn(const SNamedLine& line);
     void learnWriter(const SNamedLine& line);
     void ignoreIfQuoted(const SNamedLine& line);
