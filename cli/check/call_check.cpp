@@ -120,7 +120,7 @@ public:
         }
         claims.report();
         checkTimeStamps(stamps, claims);
-        nameRepetitions(all);
+        setCausesOfRepetitions(all);
         return std::move(all);
     }
 
@@ -181,17 +181,18 @@ private:
 
     void checkDocument(const std::string& bytes, CDeviceCheck& devices, CFindings& findings) {
         const CDocumentText document(bytes);
-        if (!document.check(findings)) {
+        document.addFindings(findings);
+        if (document.isWide()) {
             return;
         }
         const SDocumentTree tree = readTree(document, EForeign::kReadAsEmpty, findings);
-        std::vector<SClaim> claimed = devices.check(tree, document, findings);
+        std::vector<SNamedTarget> named = devices.check(tree, document, findings);
         if (tree.isCutShort) {
             // The library may have read more, and that the backup is invalid.
-            claimed.clear();
+            named.clear();
         }
         if (!tree.nodes.empty()) {
-            claims.add(tree.timeStamp.has_value() ? tree.timeStamp->text : "", claimed, document, findings);
+            claims.add(tree.timeStamp.has_value() ? tree.timeStamp->text : "", named, document, findings);
         }
         if (tree.timeStamp.has_value() && !tree.timeStamp->text.empty()) {
             const SValue& stamp = *tree.timeStamp;

@@ -8,19 +8,19 @@
 
 namespace fi_rotate {
 
-void CClaims::add(std::string timeStamp, const std::vector<SClaim>& held, const CDocumentText& document,
-                  CFindings& findings) {
+void CClaims::add(std::string timeStamp, const std::vector<SNamedTarget>& named,
+                  const CDocumentText& document, CFindings& findings) {
     const std::size_t index = backups.size();
     backups.push_back({std::move(timeStamp), &findings});
-    for (const SClaim& each : held) {
+    for (const SNamedTarget& each : named) {
         STarget& target = targets[{each.configuration, each.name}];
         target.name = each.name;
-        if (!target.holders.empty() && target.holders.back() == index) {
+        if (!target.claimants.empty() && target.claimants.back() == index) {
             losers.insert(index);
             continue;
         }
-        target.holders.push_back(index);
-        if (target.holders.size() == 2) {
+        target.claimants.push_back(index);
+        if (target.claimants.size() == 2) {
             target.spot = document.spotAt(each.offset);
             target.findings = &findings;
         }
@@ -28,7 +28,7 @@ void CClaims::add(std::string timeStamp, const std::vector<SClaim>& held, const 
 }
 
 void CClaims::report() {
-    sortHolders();
+    sortClaimants();
     for (const SGroup& group : groups()) {
         const STarget& first = **std::min_element(
             group.targets.begin(), group.targets.end(), [](const STarget* left, const STarget* right) {
@@ -36,17 +36,17 @@ void CClaims::report() {
                        std::tie(right->spot.place.line, right->spot.place.column);
             });
         first.findings->add({EHazard::kTargetHeldBySeveral, first.spot, textOf(group)});
-        std::set<const CFindings*> holders;
-        for (const std::size_t holder : group.holders) {
-            holders.insert(backups[holder].findings);
-            reportsOn[backups[holder].findings].push_back(reports.size());
+        std::set<const CFindings*> claimants;
+        for (const std::size_t claimant : group.claimants) {
+            claimants.insert(backups[claimant].findings);
+            reportsOn[backups[claimant].findings].push_back(reports.size());
         }
-        reports.emplace_back(std::move(holders), first.findings->input());
+        reports.emplace_back(std::move(claimants), first.findings->input());
     }
 }
 
 // The library's own order, ties included: the same sort of as many time stamps in the same order.
-void CClaims::sortHolders() {
+void CClaims::sortClaimants() {
     std::vector<std::size_t> order(backups.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::sort(order.begin(), order.end(), [this](std::size_t left, std::size_t right) {
@@ -57,24 +57,24 @@ void CClaims::sortHolders() {
         rank[order[i]] = i;
     }
     for (auto& [key, target] : targets) {
-        std::vector<std::size_t>& holders = target.holders;
-        std::sort(holders.begin(), holders.end(),
+        std::vector<std::size_t>& claimants = target.claimants;
+        std::sort(claimants.begin(), claimants.end(),
                   [&rank](std::size_t left, std::size_t right) { return rank[left] < rank[right]; });
-        losers.insert(holders.begin() + 1, holders.end());
+        losers.insert(claimants.begin() + 1, claimants.end());
     }
 }
 
 std::vector<CClaims::SGroup> CClaims::groups() const {
-    std::map<std::vector<std::size_t>, std::vector<const STarget*>> byHolders;
+    std::map<std::vector<std::size_t>, std::vector<const STarget*>> byClaimants;
     for (const auto& [key, target] : targets) {
-        if (target.holders.size() > 1) {
-            byHolders[target.holders].push_back(&target);
+        if (target.claimants.size() > 1) {
+            byClaimants[target.claimants].push_back(&target);
         }
     }
     std::vector<SGroup> all;
-    all.reserve(byHolders.size());
-    for (auto& [holders, held] : byHolders) {
-        all.push_back({holders, std::move(held)});
+    all.reserve(byClaimants.size());
+    for (auto& [claimants, claimed] : byClaimants) {
+        all.push_back({claimants, std::move(claimed)});
     }
     return all;
 }
@@ -86,24 +86,24 @@ std::string CClaims::textOf(const SGroup& group) const {
         text += fmt::format(" and {} more target{}", others, others == 1 ? "" : "s");
     }
     std::vector<std::string> invalid;
-    for (auto holder = group.holders.begin() + 1; holder != group.holders.end(); ++holder) {
-        invalid.push_back(backups[*holder].findings->input());
+    for (auto claimant = group.claimants.begin() + 1; claimant != group.claimants.end(); ++claimant) {
+        invalid.push_back(backups[*claimant].findings->input());
     }
     return fmt::format("{} {} held by {} backups: {}; {} {} invalid", text, others == 0 ? "is" : "are",
-                       group.holders.size(), claimOf(group), enumerate(invalid),
+                       group.claimants.size(), claimInWords(group), enumerate(invalid),
                        invalid.size() == 1 ? "becomes" : "become");
 }
 
-std::string CClaims::claimOf(const SGroup& group) const {
-    const SBackup& newest = backups[group.holders[0]];
-    const bool isTied = newest.timeStamp == backups[group.holders[1]].timeStamp;
+std::string CClaims::claimInWords(const SGroup& group) const {
+    const SBackup& newest = backups[group.claimants[0]];
+    const bool isTied = newest.timeStamp == backups[group.claimants[1]].timeStamp;
     const char* const what = group.targets.size() == 1 ? "it" : "them";
     const std::string claim =
         isTied ? fmt::format("{} claims {}, though the order of equal time stamps is undefined",
                              newest.findings->input(), what)
                : fmt::format("{}, the newest, claims {}", newest.findings->input(), what);
     return claim +
-           (losers.count(group.holders[0]) == 0 ? "" : ", but becomes invalid because of another target");
+           (losers.count(group.claimants[0]) == 0 ? "" : ", but becomes invalid because of another target");
 }
 
 std::optional<std::string> CClaims::reportOf(const CFindings& one, const CFindings& other) const {

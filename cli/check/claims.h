@@ -14,7 +14,7 @@
 namespace fi_rotate {
 
 // A target that the document of a backup names, so that the backup will try to claim it.
-struct SClaim {
+struct SNamedTarget {
     std::size_t configuration = 0;
     std::string name;
     // Of the name in the content of the document.
@@ -25,9 +25,9 @@ struct SClaim {
 // itself is in driver/rotation.cpp.
 class CClaims {
 public:
-    // Adds the next backup of the call. `held` are the targets that it will try to claim: none for a backup
+    // Adds the next backup of the call. `named` are the targets that it will try to claim: none for a backup
     // that failed the library's check.
-    void add(std::string timeStamp, const std::vector<SClaim>& held, const CDocumentText& document,
+    void add(std::string timeStamp, const std::vector<SNamedTarget>& named, const CDocumentText& document,
              CFindings& findings);
 
     // Adds what was found to the findings of the backups, which were borrowed. To be called once, at the end.
@@ -44,21 +44,21 @@ private:
     struct STarget {
         std::string name;
         // Indices of the backups that try to claim it; after the sorting in the order of their claims.
-        std::vector<std::size_t> holders;
+        std::vector<std::size_t> claimants;
         // Where the second backup of the call that claims it names it.
         SSpot spot;
         CFindings* findings = nullptr;
     };
     // Targets that the same backups claim in the same order.
     struct SGroup {
-        std::vector<std::size_t> holders;
+        std::vector<std::size_t> claimants;
         std::vector<const STarget*> targets;
     };
 
-    void sortHolders();
+    void sortClaimants();
     [[nodiscard]] std::vector<SGroup> groups() const;
     [[nodiscard]] std::string textOf(const SGroup& group) const;
-    [[nodiscard]] std::string claimOf(const SGroup& group) const;
+    [[nodiscard]] std::string claimInWords(const SGroup& group) const;
 
     std::vector<SBackup> backups;
     std::map<std::pair<std::size_t, std::string>, STarget> targets;

@@ -380,9 +380,9 @@ private:
             unread.addConfiguration(lost, cause);
         }
         // What a separator within a name cuts off belongs to the configuration before it.
-        const std::string before = reading.used.back().first.name();
+        const std::string precedingFirst = reading.used.back().first.name();
         for (const std::vector<std::string>& targets : reading.malformed) {
-            unread.addMalformed(before, targets, cause);
+            unread.addMalformed(precedingFirst, targets, cause);
         }
     }
 

@@ -63,14 +63,14 @@ public:
     CPairCheck(CDeviceCheck& configured, const CDocumentText& source, CFindings& receiver)
         : owner(configured), document(source), findings(receiver) {}
 
-    std::vector<SClaim> run(const std::vector<SNode>& nodes) {
+    std::vector<SNamedTarget> run(const std::vector<SNode>& nodes) {
         for (const SNode& node : nodes) {
             gather(node);
         }
         for (const auto& [objid, node] : pairs) {
             checkPair(*node);
         }
-        return isInvalid ? std::vector<SClaim>() : std::move(claimed);
+        return isInvalid ? std::vector<SNamedTarget>() : std::move(named);
     }
 
 private:
@@ -138,7 +138,7 @@ private:
             return;
         }
         const std::size_t offset = offsetOf(*node.altobjid, further);
-        claimed.push_back({*configuration, further, offset});
+        named.push_back({*configuration, further, offset});
         if (!held.emplace(*configuration, further).second) {
             add(EHazard::kTargetHeldTwice, document.spotAt(offset),
                 fmt::format("another pair of this backup holds {} already, so the backup is invalid",
@@ -226,7 +226,7 @@ private:
     bool hasUnmatchedPair = false;
     // The backup is invalid, so it claims nothing.
     bool isInvalid = false;
-    std::vector<SClaim> claimed;
+    std::vector<SNamedTarget> named;
     // Configurations and further targets of them.
     std::set<std::pair<std::size_t, std::string>> held;
 };
@@ -245,8 +245,8 @@ CDeviceCheck::CDeviceCheck(SConfigurations configurations, std::string inputName
     }
 }
 
-std::vector<SClaim> CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document,
-                                        CFindings& findings) {
+std::vector<SNamedTarget> CDeviceCheck::check(const SDocumentTree& tree, const CDocumentText& document,
+                                              CFindings& findings) {
     return CPairCheck(*this, document, findings).run(tree.nodes);
 }
 

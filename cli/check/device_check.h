@@ -25,7 +25,8 @@ public:
     // What is wrong with the devices of `tree`, which was read from `document`, is added to `findings`.
     // Returns the targets that the backup claims, in that order; none when a pair of it is malformed or
     // matches nothing.
-    std::vector<SClaim> check(const SDocumentTree& tree, const CDocumentText& document, CFindings& findings);
+    std::vector<SNamedTarget> check(const SDocumentTree& tree, const CDocumentText& document,
+                                    CFindings& findings);
 
 private:
     class CPairCheck;

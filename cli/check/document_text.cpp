@@ -99,7 +99,7 @@ SSpot CDocumentText::spotAt(std::size_t contentOffset) const {
     return fileLines.at(piece.inFile + contentOffset - piece.inContent);
 }
 
-void CDocumentText::checkNulBytes(CFindings& findings) const {
+void CDocumentText::addNulBytes(CFindings& findings) const {
     if (!pieces.empty()) {
         findings.add(
             {EHazard::kNulByte, fileLines.at(file.find('\0')),
@@ -109,19 +109,22 @@ void CDocumentText::checkNulBytes(CFindings& findings) const {
     }
 }
 
-bool CDocumentText::check(CFindings& findings) const {
+void CDocumentText::addFindings(CFindings& findings) const {
     if (const auto name = wideEncoding(file)) {
         findings.addOnWhole(EHazard::kUtf16,
                             fmt::format("the document is encoded in {}, and each of its lines is read only "
                                         "up to its first NUL byte; save it as UTF-8",
                                         *name));
-        return false;
+        return;
     }
-    checkNulBytes(findings);
+    addNulBytes(findings);
     if (const auto mismatch = encodingMismatch(content())) {
         findings.add({EHazard::kEncodingMismatch, spotAt(mismatch->offset), mismatch->text});
     }
-    return true;
+}
+
+bool CDocumentText::isWide() const {
+    return wideEncoding(file).has_value();
 }
 
 std::optional<std::string_view> wideEncoding(std::string_view bytes) {

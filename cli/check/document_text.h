@@ -28,10 +28,13 @@ public:
     // The place in the file of a byte of the content.
     [[nodiscard]] SSpot spotAt(std::size_t contentOffset) const;
 
-    // Adds a finding for UTF-16 or UTF-32, for NUL bytes, and for an encoding that does not agree with the
-    // bytes. Returns whether the content can be checked: false only for UTF-16 and UTF-32, of which the
-    // library reads next to nothing.
-    bool check(CFindings& findings) const;
+    // Adds a finding for UTF-16 or UTF-32, or else for NUL bytes and for an encoding that does not agree with
+    // the bytes.
+    void addFindings(CFindings& findings) const;
+
+    // Whether it is encoded in UTF-16 or UTF-32: the library reads next to nothing of it, so that its content
+    // cannot be checked.
+    [[nodiscard]] bool isWide() const;
 
 private:
     // Where a piece begins.
@@ -41,7 +44,7 @@ private:
     };
 
     void cut();
-    void checkNulBytes(CFindings& findings) const;
+    void addNulBytes(CFindings& findings) const;
 
     std::string file;
     // These are empty when the file holds no NUL: then it is read as it is.

@@ -27,7 +27,8 @@ using EExcess = CFiDocumentLimits::EExcess;
 // The XML library delivers longer runs of text in pieces.
 constexpr std::size_t kLongestRun = 1 << 20;
 
-std::string countOf(std::size_t count, const char* thing) {
+// "0 Nodes", "1 Node", "2 Nodes".
+std::string countInDigits(std::size_t count, const char* thing) {
     return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
@@ -385,7 +386,8 @@ void CTreeReader::finishFault() {
     }
     report(EHazard::kMalformedXml, site,
            fmt::format("not well-formed: {}; the library uses what comes before: {} with {}", fault->text,
-                       countOf(tree.nodes.size(), "Node"), countOf(deviceCount(tree.nodes), "device")),
+                       countInDigits(tree.nodes.size(), "Node"),
+                       countInDigits(deviceCount(tree.nodes), "device")),
            bytesCause());
     for (const std::size_t node : openNodes) {
         tree.nodes[node].objidLostTo = faultCause();
@@ -430,7 +432,8 @@ void CTreeReader::finishRoots() {
     if (lostRoots > 0) {
         report(EHazard::kSeveralNodes, secondRoot,
                fmt::format("{} Nodes are side by side, and only the last counts; {} of the others {} not",
-                           lostRoots + 1, countOf(lostDevices, "device"), lostDevices == 1 ? "does" : "do"));
+                           lostRoots + 1, countInDigits(lostDevices, "device"),
+                           lostDevices == 1 ? "does" : "do"));
     }
     if (tree.nodes.empty()) {
         const auto cause = lossOf(EElement::kNode, false);

@@ -44,7 +44,7 @@ std::map<SCause, SCause> repetitionsIn(const CFindings& findings) {
 
 }  // namespace
 
-void nameRepetitions(std::vector<CFindings>& inputs) {
+void setCausesOfRepetitions(std::vector<CFindings>& inputs) {
     // What was told, and of which input first.
     std::map<std::pair<EHazard, std::string>, std::string> told;
     std::map<SCause, SCause> repetitions;
@@ -113,10 +113,10 @@ std::vector<std::string> CFolding::linesUnder(const SCause& cause) const {
 std::string CFolding::textOf(const SFold& fold, const SCause& cause, bool isSame) {
     std::string text = isSame ? "the same: " : "consequences: ";
     if (fold.counts.errors > 0) {
-        text += countOf(fold.counts.errors, "error");
+        text += countInWords(fold.counts.errors, "error");
     }
     if (fold.counts.warnings > 0) {
-        text += (fold.counts.errors > 0 ? ", " : "") + countOf(fold.counts.warnings, "warning");
+        text += (fold.counts.errors > 0 ? ", " : "") + countInWords(fold.counts.warnings, "warning");
     }
     if (fold.inputs.size() > 1 || fold.inputs.front() != cause.input) {
         text += " in " + enumerate(fold.inputs);
@@ -128,7 +128,7 @@ std::string CFolding::textOf(const SFold& fold, const SCause& cause, bool isSame
     return isSame ? text : fmt::format("{} [{}]", text, fmt::join(names, ", "));
 }
 
-std::string countOf(std::size_t count, const char* thing) {
+std::string countInWords(std::size_t count, const char* thing) {
     return fmt::format("{} {}{}", count == 0 ? "no" : std::to_string(count), thing, count == 1 ? "" : "s");
 }
 

@@ -23,7 +23,7 @@ struct SCounts {
 // that only the first is shown. What stands in double quotes is not compared, except in a pair that matches
 // nothing. What follows from such a repetition gets the cause of the first. `inputs` are those of a call, in
 // order.
-void nameRepetitions(std::vector<CFindings>& inputs);
+void setCausesOfRepetitions(std::vector<CFindings>& inputs);
 
 // Which findings of a call have no line of their own, but are counted in a line under their cause.
 class CFolding {
@@ -57,6 +57,6 @@ private:
 };
 
 // "no errors", "1 error", "2 errors".
-std::string countOf(std::size_t count, const char* thing);
+std::string countInWords(std::size_t count, const char* thing);
 
 }  // namespace fi_rotate

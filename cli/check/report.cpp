@@ -100,9 +100,10 @@ std::string toText(const std::vector<CFindings>& inputs, std::size_t width, bool
         text += linesOf(findings, folding, width, colour);
     }
     const SCounts counts = countAll(inputs);
-    return text + fmt::format("{}, {};{} checked the configuration and {}\n", countOf(counts.errors, "error"),
-                              countOf(counts.warnings, "warning"), foldedWords(folding.foldedCount()),
-                              countOf(inputs.size() - 1, "document"));
+    return text + fmt::format("{}, {};{} checked the configuration and {}\n",
+                              countInWords(counts.errors, "error"), countInWords(counts.warnings, "warning"),
+                              foldedWords(folding.foldedCount()),
+                              countInWords(inputs.size() - 1, "document"));
 }
 
 std::string toJson(const std::vector<CFindings>& inputs) {

@@ -61,9 +61,9 @@ void CUnread::addFurtherTargetsOf(const std::string& first, EHazard cause) {
     withoutTargets.emplace(first, cause);
 }
 
-void CUnread::addMalformed(const std::string& before, const std::vector<std::string>& targets,
+void CUnread::addMalformed(const std::string& precedingFirst, const std::vector<std::string>& targets,
                            EHazard cause) {
-    malformed.push_back({before, targets, cause});
+    malformed.push_back({precedingFirst, targets, cause});
 }
 
 std::optional<EHazard> CUnread::causeOfFirst(const std::string& first, const std::string& further) const {
@@ -87,7 +87,7 @@ std::optional<EHazard> CUnread::causeOfFurther(const std::string& first, const s
         return cause;
     }
     const auto found = std::find_if(malformed.begin(), malformed.end(), [&](const SMalformed& row) {
-        return row.before == first && holds(row.targets, further);
+        return row.precedingFirst == first && holds(row.targets, further);
     });
     return found == malformed.end() ? std::nullopt : std::optional<EHazard>(found->cause);
 }

@@ -23,10 +23,11 @@ public:
     void addConfiguration(const SConfiguration& meant, EHazard cause);
     // All further targets of `first` are missing, whatever their names.
     void addFurtherTargetsOf(const std::string& first, EHazard cause);
-    // Adds the targets, as they are written, of a configuration whose first one is malformed. `before` is the
-    // first target of the last configuration that is read: a separator within a name may have cut these
-    // targets off from it.
-    void addMalformed(const std::string& before, const std::vector<std::string>& targets, EHazard cause);
+    // Adds the targets, as they are written, of a configuration whose first one is malformed.
+    // `precedingFirst` is the first target of the last configuration that is read: a separator within a name
+    // may have cut these targets off from it.
+    void addMalformed(const std::string& precedingFirst, const std::vector<std::string>& targets,
+                      EHazard cause);
 
     // Why no configuration has the first target of this pair.
     [[nodiscard]] std::optional<EHazard> causeOfFirst(const std::string& first,
@@ -37,7 +38,7 @@ public:
 
 private:
     struct SMalformed {
-        std::string before;
+        std::string precedingFirst;
         std::vector<std::string> targets;
         EHazard cause;
     };
