@@ -61,6 +61,7 @@ names in it are relative to the current folder.)";
 
 // In the order of EOrder.
 constexpr std::array<std::string_view, 3> kOrders{"argument", "time", "release"};
+static_assert(kOrders.size() == static_cast<std::size_t>(EOrder::kCount));
 
 struct SOptions {
     SCallOptions call;

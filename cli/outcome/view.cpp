@@ -34,9 +34,11 @@ bool isShownBefore(EOrder order, const SBackupOutcome& one, const SBackupOutcome
             return std::pair(!one.isLoaded, one.timeStamp) < std::pair(!other.isLoaded, other.timeStamp);
         case EOrder::kRelease:
             return releaseOf(one) < releaseOf(other);
-        default:
-            return false;
+        case EOrder::kArgument:
+        case EOrder::kCount:
+            break;
     }
+    return false;
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ enum class EOrder {
     // First the released backups; then those that are released next, the oldest first; then the excluded
     // ones; then those that are never released.
     kRelease,
+    kCount,
 };
 
 // Which parts of an outcome are shown, and in which order.

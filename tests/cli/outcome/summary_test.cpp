@@ -10,15 +10,12 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
-#include "cli/outcome/view.h"
 #include "tests/host/GivenCall.h"
 #include "tests/host/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
 
-using fi_rotate::EOrder;
-using fi_rotate::EReason;
 using fi_rotate::restorePointsOf;
 using fi_rotate::SBackupOutcome;
 using fi_rotate::SCall;
@@ -29,21 +26,7 @@ using fi_test::accountedOutcome;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class FiRotateSummary : public fi_test::CGivenCall {
-protected:
-    std::vector<std::string> filesIn(EOrder order) {
-        SOutcome outcome = accountedOutcome(call);
-        const std::vector<std::string> stamps{"30", "20", "10", "40", ""};
-        for (std::size_t i = 0; i < outcome.backups.size(); ++i) {
-            outcome.backups[i].timeStamp = stamps.at(i);
-        }
-        std::vector<std::string> names;
-        for (const SBackupOutcome* const backup : fi_rotate::SView{{}, false, order}.shownBackups(outcome)) {
-            names.push_back(backup->given.file.substr(backup->given.file.rfind('/') + 1));
-        }
-        return names;
-    }
-};
+class FiRotateSummary : public fi_test::CGivenCall {};
 
 TEST_F(FiRotateSummary, CountsEachStateAndReleasesThatFreedNoNeededTarget) {
     call.configuration = "A##x;1&A##y;3;4;5";
@@ -132,18 +115,6 @@ TEST_F(FiRotateSummary, CountsRestorePointsOfRandomCalls) {
     }
     EXPECT_GT(counted, fi_test::kRandomCalls / 10);
     EXPECT_GT(gone, 0U);
-}
-
-TEST_F(FiRotateSummary, OrdersBackupsAsAskedFor) {
-    call.configuration = "A##x;1;2;3;4";
-    give("invalid", "30", {{"A##z", "A##1"}});
-    give("next", "20", {{"A##x", "A##2"}});
-    give("released", "10", {{"A##x", "A##1"}});
-    give("last", "40", {{"A##x", "A##3"}});
-    give("excluded", "", {{"A##x", "A##4"}}, FI_EXCLUDE_ROTATION);
-    EXPECT_THAT(filesIn(EOrder::kArgument), ElementsAre("invalid", "next", "released", "last", "excluded"));
-    EXPECT_THAT(filesIn(EOrder::kTime), ElementsAre("excluded", "released", "next", "invalid", "last"));
-    EXPECT_THAT(filesIn(EOrder::kRelease), ElementsAre("released", "next", "last", "excluded", "invalid"));
 }
 
 }  // namespace
