@@ -51,7 +51,7 @@ CProcessLock::CProcessLock() {
     if (isOwnerMissing) {
         throw std::runtime_error(
             "this process was forked while another thread ran a call, and cannot run any; "
-            "fork while none runs, or start a program");
+            "fork while no call runs, or call exec in the child");
     }
     mutex.lock();
     owner = pthread_self();

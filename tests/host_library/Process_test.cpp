@@ -50,6 +50,9 @@ protected:
         EXPECT_EQ(waitpid(child, &status, 0), child);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
+
+    // The same in a child that is forked while another thread runs a call.
+    [[nodiscard]] int statusOfChildDuringARun(const std::function<int()>& body) const;
 };
 
 // A trace function that waits at its first line until the gate is opened.
@@ -81,6 +84,18 @@ private:
     bool hasArrived = false;
     bool isOpen = false;
 };
+
+int CHostLibraryProcess::statusOfChildDuringARun(const std::function<int()>& body) const {
+    const HostCall running = goodCall();
+    CGate gate;
+    fi_rotation_call_set_trace(running.get(), 4, CGate::pass, &gate);
+    std::thread runner([&] { fi_rotation_call_run(running.get()); });
+    gate.awaitArrival();
+    const int status = statusOfChild(body);
+    gate.open();
+    runner.join();
+    return status;
+}
 
 TEST_F(CHostLibraryProcess, LeavesTheTraceFunctionOfTheProcessAlone) {
     EXPECT_EQ(fi_rotation_call_run(goodCall().get()), FI_ROTATION_SELECTED);
@@ -199,12 +214,7 @@ TEST_F(CHostLibraryProcess, RunsInAChildOfAProcessThatRunsNone) {
 }
 
 TEST_F(CHostLibraryProcess, FailsInAChildThatWasForkedDuringTheRunOfAnotherThread) {
-    const HostCall running = goodCall();
     const HostCall other = goodCall();
-    CGate gate;
-    fi_rotation_call_set_trace(running.get(), 4, CGate::pass, &gate);
-    std::thread runner([&] { fi_rotation_call_run(running.get()); });
-    gate.awaitArrival();
     const auto body = [&] {
         const bool isFailure = fi_rotation_call_run(other.get()) == FI_ROTATION_FAILED &&
                                fi_rotation_call_run(other.get()) == FI_ROTATION_FAILED &&
@@ -218,10 +228,22 @@ TEST_F(CHostLibraryProcess, FailsInAChildThatWasForkedDuringTheRunOfAnotherThrea
         waitpid(grandchild, &status, 0);
         return isFailure && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     };
-    EXPECT_EQ(statusOfChild(body), FI_ROTATION_FAILED);
-    gate.open();
-    runner.join();
+    EXPECT_EQ(statusOfChildDuringARun(body), FI_ROTATION_FAILED);
     EXPECT_EQ(fi_rotation_call_run(other.get()), FI_ROTATION_SELECTED);
+}
+
+TEST_F(CHostLibraryProcess, SaysWhatToDoInAChildThatWasForkedDuringTheRunOfAnotherThread) {
+    const HostCall other = goodCall();
+    const auto body = [&other] {
+        fi_rotation_call_run(other.get());
+        const std::string message = fi_rotation_call_message(other.get());
+        return message ==
+                       "this process was forked while another thread ran a call, and cannot run any; "
+                       "fork while no call runs, or call exec in the child"
+                   ? 0
+                   : 1;
+    };
+    EXPECT_EQ(statusOfChildDuringARun(body), 0);
 }
 
 // The child finishes the run during which it was forked, and can run further calls.
