@@ -65,6 +65,7 @@ std::optional<std::int64_t> parseTimeStamp(std::string_view text) {
     if (!digitsIn(text, "DDDDDDDDDDDDDD").has_value()) {
         return std::nullopt;
     }
+    constexpr std::size_t kSecond = 12;
     const auto number = [text](std::size_t from, std::size_t count) {
         int value = 0;
         std::from_chars(text.data() + from, text.data() + from + count, value);
@@ -76,10 +77,11 @@ std::optional<std::int64_t> parseTimeStamp(std::string_view text) {
     calendar.tm_mday = number(6, 2);
     calendar.tm_hour = number(8, 2);
     calendar.tm_min = number(10, 2);
-    calendar.tm_sec = number(12, 2);
+    calendar.tm_sec = text.substr(kSecond) == "60" ? 59 : number(kSecond, 2);
     const std::int64_t time = timegm(&calendar);
-    // timegm turns a day that the month does not have into a day of the next month.
-    return toTimeStamp(time) == text ? std::optional(time) : std::nullopt;
+    // timegm turns a day that the month does not have into a day of the next month, and so on.
+    const bool isDate = toTimeStamp(time).substr(0, kSecond) == text.substr(0, kSecond);
+    return isDate ? std::optional(time) : std::nullopt;
 }
 
 std::optional<std::int64_t> parseDuration(std::string_view text) {

@@ -18,7 +18,8 @@ constexpr std::array<std::string_view, 7> kWeekdays = {"sunday",   "monday", "tu
 // Reads YYYY-MM-DD, or YYYY-MM-DDThh:mm with or without :ss; nothing when `text` is not such a time.
 std::optional<std::int64_t> parseTime(std::string_view text);
 
-// Reads a time stamp of fixed width, YYYYMMDDhhmmss; nothing when `text` is not one.
+// Reads a time stamp of fixed width, YYYYMMDDhhmmss; nothing when `text` is not one or is no date. A leap
+// second, 60, counts as the second before it.
 std::optional<std::int64_t> parseTimeStamp(std::string_view text);
 
 // Reads a whole number above 0 with a unit: s, m, h, d or w.

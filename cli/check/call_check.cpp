@@ -12,6 +12,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/base/calendar.h"
 #include "cli/base/file.h"
 #include "cli/base/xml_reader.h"
 #include "cli/check/claims.h"
@@ -61,6 +62,21 @@ const SStamp& firstOfCommonestForm(const std::vector<SStamp>& stamps) {
                              });
 }
 
+// A time stamp of 14 digits is meant as a date, and sorts by time only if it is one.
+void checkDates(const std::vector<SStamp>& stamps) {
+    const std::string formOfDate = formOf("20261001013000");
+    for (const SStamp& stamp : stamps) {
+        if (formOf(stamp.text) == formOfDate && !parseTimeStamp(stamp.text).has_value()) {
+            stamp.findings->add(
+                {EHazard::kImpossibleDate, stamp.spot,
+                 fmt::format("the time stamp {} is no date in the form YYYYMMDDhhmmss, so its "
+                             "backup can count as older or newer than it is",
+                             inQuotes(stamp.text)),
+                 stamp.cause});
+        }
+    }
+}
+
 void checkForms(const std::vector<SStamp>& stamps) {
     const SStamp& pattern = firstOfCommonestForm(stamps);
     const std::string form = formOf(pattern.text);
@@ -99,6 +115,7 @@ void checkEquals(const std::vector<SStamp>& stamps, const CClaims& claims) {
 // document what is wrong with its own.
 void checkTimeStamps(const std::vector<SStamp>& stamps, const CClaims& claims) {
     if (!stamps.empty()) {
+        checkDates(stamps);
         checkForms(stamps);
         checkEquals(stamps, claims);
     }

@@ -165,6 +165,11 @@ whichever Node it is in. Remove all but the correct one.)"},
      R"(The backup has no time stamp. It counts as older than all backups that have one:
 its targets are the first to be released, and a target that it shares with
 another backup is claimed by the other one. Write a timeStamp into the document.)"},
+    {EHazard::kImpossibleDate, "impossible-date", ESeverity::kError,
+     R"(The time stamp has 14 digits but is no date YYYYMMDDhhmmss: there is no such
+month, day or time of day, or the year does not stand first. Time stamps are
+compared as text, so the newest backup can be the first to be released. Write
+the year first, then month, day, hour, minute and second, as in 20261001013000.)"},
     {EHazard::kEqualTimeStamps, "equal-time-stamps", ESeverity::kWarning,
      R"(Two backups have the same time stamp. It is undefined which of them counts as
 newer, so it is also undefined which one claims a target that both hold, and

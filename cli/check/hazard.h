@@ -45,6 +45,7 @@ enum class EHazard {
     kRepeatedElement,
     // Time stamps.
     kNoTimeStamp,
+    kImpossibleDate,
     kEqualTimeStamps,
     kMixedTimeStamps,
     // Pairs and their identifiers.

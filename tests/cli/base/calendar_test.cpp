@@ -27,8 +27,11 @@ TEST(FiRotateCalendar, RefusesWhatIsNoTime) {
           "2026-10-01T01:60", "2026-10-01T", "26-10-01", "2026-10-01x", "+026-10-01"}) {
         EXPECT_FALSE(parseTime(text).has_value()) << text;
     }
-    EXPECT_FALSE(parseTimeStamp("2026100101300").has_value());
-    EXPECT_FALSE(parseTimeStamp("20261301013000").has_value());
+    for (const char* text :
+         {"2026100101300", "202610010130000", "20261301013000", "20260001013000", "20260229013000",
+          "20261000013000", "20261001240000", "20261001016000", "20261001013061"}) {
+        EXPECT_FALSE(parseTimeStamp(text).has_value()) << text;
+    }
 }
 
 TEST(FiRotateCalendar, TimeStampsHaveOneWidth) {
@@ -36,6 +39,11 @@ TEST(FiRotateCalendar, TimeStampsHaveOneWidth) {
     EXPECT_EQ(toTimeStamp(fi_rotate::lastTime()), "99991231235959");
     EXPECT_EQ(toTimeStamp(*parseTime("0001-02-03")), "00010203000000");
     EXPECT_EQ(parseTimeStamp("20261001013007"), parseTime("2026-10-01T01:30:07"));
+}
+
+TEST(FiRotateCalendar, ReadsTheDayOfALeapYearAndALeapSecond) {
+    EXPECT_EQ(parseTimeStamp("20280229000000"), parseTime("2028-02-29"));
+    EXPECT_EQ(parseTimeStamp("20161231235960"), parseTime("2016-12-31T23:59:59"));
 }
 
 TEST(FiRotateCalendar, ReadsDurationsWithAUnit) {

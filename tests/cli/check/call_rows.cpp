@@ -141,6 +141,34 @@ std::vector<SCheckRow> callRows() {
             "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>"}}},
          {"config:2:12: error: \"encA##snap1\" is already in configuration 1 [target-in-two-configurations]"},
          clean},
+        {"a month that does not exist",
+         EHazard::kImpossibleDate,
+         stamps("20261301013000", "20261201013000", "20261202013000"),
+         {"a.xml:2:12: error: the time stamp \"20261301013000\" is no date in the form YYYYMMDDhhmmss, so "
+          "its "
+          "backup can count as older or newer than it is [impossible-date]"},
+         stamps("20261130013000", "20261201013000", "20261202013000")},
+        {"the day stands first in all of them",
+         EHazard::kImpossibleDate,
+         stamps("05112026013000", "06102026013000", "07102026013000"),
+         {"a.xml:2:12: error: the time stamp \"05112026013000\" is no date in the form YYYYMMDDhhmmss, so "
+          "its "
+          "backup can count as older or newer than it is [impossible-date]",
+          "b.xml:2:12: error: the time stamp \"06102026013000\" is no date in the form YYYYMMDDhhmmss, so "
+          "its "
+          "backup can count as older or newer than it is [impossible-date] <- impossible-date of a.xml",
+          "c.xml:2:12: error: the time stamp \"07102026013000\" is no date in the form YYYYMMDDhhmmss, so "
+          "its "
+          "backup can count as older or newer than it is [impossible-date] <- impossible-date of a.xml"},
+         // Other numbers of digits need not be dates.
+         stamps("0511202601300", "0610202601300", "0710202601300")},
+        {"the day of a leap year in another year",
+         EHazard::kImpossibleDate,
+         stamps("20270229000000", "20270228000000", "20270301000000"),
+         {"a.xml:2:12: error: the time stamp \"20270229000000\" is no date in the form YYYYMMDDhhmmss, so "
+          "its "
+          "backup can count as older or newer than it is [impossible-date]"},
+         stamps("20280229000000", "20280228235960", "20280301000000")},
         {"another width",
          EHazard::kMixedTimeStamps,
          stamps("999", "1000", "1001"),
