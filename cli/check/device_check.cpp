@@ -7,12 +7,20 @@
 
 #include <fmt/format.h>
 
+#include "cli/base/text.h"
 #include "cli/check/nearest.h"
 #include "host/identifier.h"
 #include "host/outcome.h"
 
 namespace fi_rotate {
 namespace {
+
+// Whether `configured` begins with `name` and goes on behind what may have been meant as a semicolon.
+bool isRunTogether(const std::string& name, const std::string& configured) {
+    constexpr const char* kSeparators = ": \t";
+    const std::size_t rest = configured.find_first_not_of(kSeparators, name.size());
+    return startsWith(configured, name) && rest != std::string::npos && rest > name.size();
+}
 
 // Finds the configured name that is most like one that is not configured, which may be a misspelling of it.
 class CNearest {
@@ -21,6 +29,9 @@ public:
         : name(given), least(std::min(kFarthest, name.size() / kCharactersForEach) + 1) {}
 
     void consider(const std::string& candidate) {
+        if (isRunTogether(name, candidate)) {
+            runTogether = candidate;
+        }
         const std::size_t found = editDistance(name, candidate, least + 1);
         if (found < least) {
             least = found;
@@ -30,9 +41,14 @@ public:
         }
     }
 
-    // Empty when no name is similar, or when several are equally similar: a guess could point to the wrong
-    // one.
-    [[nodiscard]] const std::string& result() const { return nearest; }
+    // Empty when no name is similar, when several are equally similar, or when only digits differ: a guess
+    // could point to the wrong one.
+    [[nodiscard]] std::string result() const {
+        if (!runTogether.empty()) {
+            return runTogether;
+        }
+        return differOnlyInDigits(name, nearest) ? "" : nearest;
+    }
 
 private:
     static constexpr std::size_t kFarthest = 3;
@@ -41,9 +57,14 @@ private:
     const std::string& name;
     std::size_t least;
     std::string nearest;
+    std::string runTogether;
 };
 
-std::string suggestion(const std::string& nearest) {
+// `nearest` is what CNearest found for `name`.
+std::string suggestion(const std::string& name, const std::string& nearest) {
+    if (isRunTogether(name, nearest)) {
+        return "; the configuration has " + inQuotes(nearest) + ", but only a semicolon separates targets";
+    }
     return nearest.empty() ? "" : "; did you mean " + inQuotes(nearest) + "?";
 }
 
@@ -175,9 +196,9 @@ private:
         }
         const std::string text =
             isFirst ? fmt::format("{} is not among the further targets of {}{}", inQuotes(further),
-                                  inQuotes(first), suggestion(owner.nearestFurther(first, further)))
+                                  inQuotes(first), suggestion(further, owner.nearestFurther(first, further)))
                     : fmt::format("no configuration has the first target {}{}", inQuotes(first),
-                                  suggestion(owner.nearestFirst(first)));
+                                  suggestion(first, owner.nearestFirst(first)));
         const std::size_t offset = isFirst ? offsetOf(*node.altobjid, further) : offsetOf(*node.objid, first);
         add(hazard, document.spotAt(offset), text, cause);
     }

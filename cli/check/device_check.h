@@ -41,7 +41,8 @@ private:
     std::optional<std::size_t> find(const std::string& first, const std::string& further) const;
     bool isFirst(const std::string& name) const { return byFirst.count(name) != 0; }
 
-    // A configured name that may have been meant; empty when none is like it.
+    // A configured name that may have been meant, or that may be this one and another run together; empty
+    // when there is none.
     std::string nearestFirst(const std::string& name);
     std::string nearestFurther(const std::string& first, const std::string& name);
 

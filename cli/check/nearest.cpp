@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -20,7 +21,24 @@ std::string_view trimmed(std::string_view text) {
     return begin < end ? text.substr(begin, end - begin) : std::string_view();
 }
 
+// The digits of `text`, or all the rest of it in small letters.
+std::string partOf(std::string_view text, bool areDigits) {
+    std::string part;
+    for (const char character : text) {
+        if ((character >= '0' && character <= '9') == areDigits) {
+            part += lowerCase(character);
+        }
+    }
+    return part;
+}
+
 }  // namespace
+
+bool differOnlyInDigits(std::string_view left, std::string_view right) {
+    left = trimmed(left);
+    right = trimmed(right);
+    return partOf(left, true) != partOf(right, true) && partOf(left, false) == partOf(right, false);
+}
 
 std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit) {
     left = trimmed(left);

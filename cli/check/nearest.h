@@ -9,4 +9,8 @@ namespace fi_rotate {
 // from case and white space around them; never more than `limit`.
 std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit);
 
+// Whether the two have different digits and are otherwise equal, apart from case and white space around them:
+// the names of different devices mostly differ like that.
+bool differOnlyInDigits(std::string_view left, std::string_view right);
+
 }  // namespace fi_rotate

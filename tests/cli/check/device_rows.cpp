@@ -112,9 +112,40 @@ std::vector<SCheckRow> deviceRows() {
         {"a further target of another configuration",
          EHazard::kPairMatchesNothing,
          of(device("encA##lun2", "encA##snap1")),
-         {"d:2:66: error: \"encA##snap1\" is not among the further targets of \"encA##lun2\"; did you mean "
-          "\"encA##snap3\"? [pair-matches-nothing]"},
+         {"d:2:66: error: \"encA##snap1\" is not among the further targets of \"encA##lun2\" "
+          "[pair-matches-nothing]"},
          of(device("encA##lun2", "encA##snap3"))},
+        {"a letter that looks like a digit",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun10;snap1",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1O", "encA##snap1") + "</Node>"}}},
+         {"d:2:26: error: no configuration has the first target \"encA##lun1O\"; did you mean "
+          "\"encA##lun10\"? [pair-matches-nothing]"},
+         clean},
+        {"one digit more",
+         EHazard::kPairMatchesNothing,
+         of(device("encA##lun12", "encA##snap1")),
+         {"d:2:26: error: no configuration has the first target \"encA##lun12\" [pair-matches-nothing]"},
+         clean},
+        {"a colon for the semicolon behind the first target",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1:snap1;snap2",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap2") + "</Node>"}}},
+         {"d:2:26: error: no configuration has the first target \"encA##lun1\"; the configuration has "
+          "\"encA##lun1:snap1\", but only a semicolon separates targets [pair-matches-nothing]"},
+         // The name of such a target may hold a colon.
+         {"iqn.2001-04.com.example:disk1##lun1;snap:1",
+          {{"d", "<Node><timeStamp>1</timeStamp>" +
+                     device("iqn.2001-04.com.example:disk1##lun1", "iqn.2001-04.com.example:disk1##snap:1") +
+                     "</Node>"}}}},
+        {"a blank for a semicolon between further targets",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snap1 snap2",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap1") + "</Node>"}}},
+         {"d:2:66: error: \"encA##snap1\" is not among the further targets of \"encA##lun1\"; the "
+          "configuration has \"encA##snap1 snap2\", but only a semicolon separates targets "
+          "[pair-matches-nothing]"},
+         clean},
         {"nothing like it is configured",
          EHazard::kPairMatchesNothing,
          of(device("rack7##volume", "encA##snap1")),
@@ -132,8 +163,8 @@ std::vector<SCheckRow> deviceRows() {
           {{"d", "<Node><timeStamp>1</timeStamp>" + device("encA##lun2", "encA##snap3") + "</Node>"}}},
          {"config:1:18: error: configuration rejected: \";\" has no targets; configurations 2 to 3 are not "
           "used, but configuration 1 is [configuration-rejected]",
-          "d:1:56: error: no configuration has the first target \"encA##lun2\"; did you mean \"encA##lun1\"? "
-          "[pair-matches-nothing] <- configuration-rejected of config"},
+          "d:1:56: error: no configuration has the first target \"encA##lun2\" [pair-matches-nothing] <- "
+          "configuration-rejected of config"},
          clean},
         {"one target, two spellings of its device",
          EHazard::kTargetHeldTwice,

@@ -168,4 +168,23 @@ TEST(FiRotateCheckNearest, CountsWhatMustBeChanged) {
     }
 }
 
+TEST(FiRotateCheckNearest, TellsNamesThatDifferOnlyInTheirDigits) {
+    const struct {
+        const char* left;
+        const char* right;
+        bool expected;
+    } rows[] = {
+        {"VOL-0011", "VOL-0012", true},  {"VOL-0011", "vol-0012", true},    {"VOL-0011", "VOL-00110", true},
+        {"VOL-0011", "VOL-", true},      {"VOL-0011\n", " VOL-0012", true}, {"VOL-0011", "VOL-0011", false},
+        {"VOL-0011", "vol-0011", false}, {"VOL-0011", " VOL-0011", false},  {"VOL-0011", "VOL-OO11", false},
+        {"VOL-0011", "VOX-0012", false}, {"VOL-0011", "VO0L-011", false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(fi_rotate::differOnlyInDigits(row.left, row.right), row.expected)
+            << row.left << " " << row.right;
+        EXPECT_EQ(fi_rotate::differOnlyInDigits(row.right, row.left), row.expected)
+            << row.right << " " << row.left;
+    }
+}
+
 }  // namespace
