@@ -118,15 +118,28 @@ private:
         Cause cause = firstOf(distortionOf(node.objid), node.objidLostTo);
         if (holdsIdentifier(altobjidOf(node))) {
             cause = firstOf(cause, distortionOf(node.altobjid));
-            report(EHazard::kUnusedAltobjid, *node.altobjid,
-                   "the altobjid " + inQuotes(node.altobjid->text) +
-                       " is not used: the objid of its Node does not contain UDID##",
-                   cause);
+            reportUnused(node, cause);
             cause = cause.value_or(EHazard::kUnusedAltobjid);
         }
         if (cause.has_value()) {
             findings.setMissingCauses(EHazard::kNoDevice, *cause);
         }
+    }
+
+    void reportUnused(const SNode& node, const Cause& cause) {
+        const std::string altobjid = inQuotes(node.altobjid->text);
+        if (!node.objid.has_value()) {
+            report(EHazard::kUnusedAltobjid, *node.altobjid,
+                   "the altobjid " + altobjid + " is not used: its Node has no objid", cause);
+            return;
+        }
+        std::string objid = node.objid->text;
+        std::transform(objid.begin(), objid.end(), objid.begin(), lowerCase<char>);
+        const bool isOtherCase = objid.find("udid##") != std::string::npos;
+        report(EHazard::kUnusedAltobjid, *node.objid,
+               fmt::format("the objid {} does not contain UDID##, so the altobjid {} is not used{}",
+                           inQuotes(node.objid->text), altobjid, isOtherCase ? "; did you mean UDID##?" : ""),
+               cause);
     }
 
     void checkPair(const SNode& node) {

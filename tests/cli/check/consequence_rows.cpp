@@ -230,10 +230,11 @@ std::vector<SCheckRow> withinDocuments() {
     const std::string altobjid = "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>";
     const std::string noDevice =
         "d:1:1: warning: the backup names no device: no objid contains UDID## [no-device] <- ";
-    const auto unused = [](const std::string& place) {
-        return "d:" + place +
-               ": error: the altobjid \"UDID##v##m##encA##snap1\" is not used: the objid of its Node does "
-               "not contain UDID## [unused-altobjid]";
+    const auto unused = [](const std::string& place, const std::string& objid,
+                           const std::string& meant = "") {
+        return "d:" + place + ": error: the objid \"" + objid +
+               "\" does not contain UDID##, so the altobjid \"UDID##v##m##encA##snap1\" is not used" + meant +
+               " [unused-altobjid]";
     };
     return {
         {"the end is missing, and with it the altobjid",
@@ -312,12 +313,15 @@ std::vector<SCheckRow> withinDocuments() {
         {"an objid in small letters, so that its altobjid is not used",
          EHazard::kUnusedAltobjid,
          of(backup("1", "<Node><objid>udid##v##m##encA##lun1</objid>" + altobjid)),
-         {noDevice + "unused-altobjid of d", unused("2:54")},
+         {noDevice + "unused-altobjid of d",
+          unused("2:14", "udid##v##m##encA##lun1", "; did you mean UDID##?")},
          clean},
         {"no objid for an altobjid",
          EHazard::kUnusedAltobjid,
          of(backup("1", "<Node>" + altobjid)),
-         {noDevice + "unused-altobjid of d", unused("2:17")},
+         {noDevice + "unused-altobjid of d",
+          "d:2:17: error: the altobjid \"UDID##v##m##encA##snap1\" is not used: its Node has no objid "
+          "[unused-altobjid]"},
          clean},
         {"an objid in two pieces",
          EHazard::kSplitValue,
@@ -325,7 +329,7 @@ std::vector<SCheckRow> withinDocuments() {
          {noDevice + "split-value of d",
           "d:2:14: error: the text of objid consists of 2 pieces; only the last counts: \"lun1\" "
           "[split-value]",
-          unused("2:62") + " <- split-value of d"},
+          unused("2:14", "lun1") + " <- split-value of d"},
          clean},
         {"an objid in two pieces without an altobjid",
          EHazard::kSplitValue,
@@ -339,7 +343,7 @@ std::vector<SCheckRow> withinDocuments() {
          of(backup("1", "<Node><objid/>" + altobjid)),
          {noDevice + "empty-element of d",
           "d:2:7: warning: objid contains no text and takes the text before it, \"\n\" [empty-element]",
-          unused("2:25") + " <- empty-element of d"},
+          unused("2:15", "\n") + " <- empty-element of d"},
          clean},
         {"the start tag of the outermost Node is misspelt",
          EHazard::kMalformedXml,

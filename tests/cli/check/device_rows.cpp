@@ -66,14 +66,20 @@ std::vector<SCheckRow> deviceRows() {
          EHazard::kUnusedAltobjid,
          of(device("encA##lun1", "encA##snap1") + "\n" +
             node("udid##v##m##encA##lun2", "UDID##v##m##encA##snap3")),
-         {"d:3:54: error: the altobjid \"UDID##v##m##encA##snap3\" is not used: the objid of its Node does "
-          "not contain UDID## [unused-altobjid]"},
+         {"d:3:14: error: the objid \"udid##v##m##encA##lun2\" does not contain UDID##, so the altobjid "
+          "\"UDID##v##m##encA##snap3\" is not used; did you mean UDID##? [unused-altobjid]"},
          of(device("encA##lun1", "encA##snap1") + "\n" + device("encA##lun2", "encA##snap3"))},
+        {"an objid that is no identifier",
+         EHazard::kUnusedAltobjid,
+         of(device("encA##lun1", "encA##snap1") + "\n" + node("JOB##nightly", "UDID##v##m##encA##snap3")),
+         {"d:3:14: error: the objid \"JOB##nightly\" does not contain UDID##, so the altobjid "
+          "\"UDID##v##m##encA##snap3\" is not used [unused-altobjid]"},
+         of(device("encA##lun1", "encA##snap1") + "\n" + node("JOB##nightly", "none"))},
         {"an altobjid without an objid",
          EHazard::kUnusedAltobjid,
          of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>UEID##v##m##e</altobjid></Node>"),
-         {"d:3:17: error: the altobjid \"UEID##v##m##e\" is not used: the objid of its Node does not contain "
-          "UDID## [unused-altobjid]"},
+         {"d:3:17: error: the altobjid \"UEID##v##m##e\" is not used: its Node has no objid "
+          "[unused-altobjid]"},
          of(device("encA##lun1", "encA##snap1") + "\n<Node><altobjid>none</altobjid></Node>")},
         malformed("snap1", "it holds neither UDID## nor UEID## (code 2)", "UDID##v##m##encA##snap9",
                   "pair-matches-nothing"),
