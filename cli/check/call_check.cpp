@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -148,8 +149,8 @@ private:
             findings.addOnWhole(EHazard::kListedTwice, "the document is listed already");
             return;
         }
-        if (const auto bytes = read(index, findings)) {
-            checkDocument(*bytes, devices, findings);
+        if (auto bytes = read(index, findings)) {
+            checkDocument(std::move(*bytes), devices, findings);
         }
     }
 
@@ -196,27 +197,29 @@ private:
                            : fmt::format("it and the {} documents after it are ignored", others);
     }
 
-    void checkDocument(const std::string& bytes, CDeviceCheck& devices, CFindings& findings) {
-        const CDocumentText document(bytes);
-        document.addFindings(findings);
-        if (document.isWide()) {
+    void checkDocument(std::string bytes, CDeviceCheck& devices, CFindings& findings) {
+        auto document = std::make_unique<const CDocumentText>(std::move(bytes));
+        document->addFindings(findings);
+        if (document->isWide()) {
             return;
         }
-        const SDocumentTree tree = readTree(document, EForeign::kReadAsEmpty, findings);
-        std::vector<SNamedTarget> named = devices.check(tree, document, findings);
+        const SDocumentTree tree = readTree(*document, EForeign::kReadAsEmpty, findings);
+        std::vector<SNamedTarget> named = devices.check(tree, *document, findings);
         if (tree.isCutShort) {
             // The library may have read more, and that the backup is invalid.
             named.clear();
-        }
-        if (!tree.nodes.empty()) {
-            claims.add(tree.timeStamp.has_value() ? tree.timeStamp->text : "", named, document, findings);
         }
         if (tree.timeStamp.has_value() && !tree.timeStamp->text.empty()) {
             const SValue& stamp = *tree.timeStamp;
             const auto cause = stamp.distortedBy.has_value()
                                    ? std::optional<SCause>({findings.input(), *stamp.distortedBy})
                                    : std::nullopt;
-            stamps.push_back({stamp.text, document.spotAt(document.offsetOf(stamp.place)), cause, &findings});
+            stamps.push_back(
+                {stamp.text, document->spotAt(document->offsetOf(stamp.place)), cause, &findings});
+        }
+        if (!tree.nodes.empty()) {
+            claims.add(tree.timeStamp.has_value() ? tree.timeStamp->text : "", named, std::move(document),
+                       findings);
         }
     }
 

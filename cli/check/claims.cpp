@@ -2,27 +2,22 @@
 
 #include <algorithm>
 #include <numeric>
-#include <tuple>
 
 #include <fmt/format.h>
 
 namespace fi_rotate {
 
 void CClaims::add(std::string timeStamp, const std::vector<SNamedTarget>& named,
-                  const CDocumentText& document, CFindings& findings) {
+                  std::unique_ptr<const CDocumentText> document, CFindings& findings) {
     const std::size_t index = backups.size();
-    backups.push_back({std::move(timeStamp), &findings});
+    backups.push_back({std::move(timeStamp), std::move(document), &findings});
     for (const SNamedTarget& each : named) {
         STarget& target = targets[{each.configuration, each.name}];
         target.name = each.name;
-        if (!target.claimants.empty() && target.claimants.back() == index) {
+        if (!target.claimants.empty() && target.claimants.back().backup == index) {
             losers.insert(index);
-            continue;
-        }
-        target.claimants.push_back(index);
-        if (target.claimants.size() == 2) {
-            target.spot = document.spotAt(each.offset);
-            target.findings = &findings;
+        } else {
+            target.claimants.push_back({index, each.offset});
         }
     }
 }
@@ -30,19 +25,28 @@ void CClaims::add(std::string timeStamp, const std::vector<SNamedTarget>& named,
 void CClaims::report() {
     sortClaimants();
     for (const SGroup& group : groups()) {
-        const STarget& first = **std::min_element(
-            group.targets.begin(), group.targets.end(), [](const STarget* left, const STarget* right) {
-                return std::tie(left->spot.place.line, left->spot.place.column) <
-                       std::tie(right->spot.place.line, right->spot.place.column);
-            });
-        first.findings->add({EHazard::kTargetHeldBySeveral, first.spot, textOf(group)});
-        std::set<const CFindings*> claimants;
-        for (const std::size_t claimant : group.claimants) {
-            claimants.insert(backups[claimant].findings);
-            reportsOn[backups[claimant].findings].push_back(reports.size());
+        std::map<const CFindings*, std::size_t> order;
+        for (std::size_t place = 0; place < group.claimants.size(); ++place) {
+            const CFindings* const findings = backups[group.claimants[place]].findings;
+            order.emplace(findings, place);
+            reportsOn[findings].push_back(reports.size());
+            if (place > 0) {
+                reportLoss(group, place);
+            }
         }
-        reports.emplace_back(std::move(claimants), first.findings->input());
+        reports.push_back(std::move(order));
     }
+}
+
+// Tells the backup at `place` in the order of claims that it finds the targets used.
+void CClaims::reportLoss(const SGroup& group, std::size_t place) {
+    const SBackup& loser = backups[group.claimants[place]];
+    const STarget& first = **std::min_element(
+        group.targets.begin(), group.targets.end(), [place](const STarget* left, const STarget* right) {
+            return left->claimants[place].offset < right->claimants[place].offset;
+        });
+    loser.findings->add({EHazard::kTargetHeldBySeveral, loser.document->spotAt(first.claimants[place].offset),
+                         textOf(group, first, loser)});
 }
 
 // The library's own order, ties included: the same sort of as many time stamps in the same order.
@@ -57,10 +61,13 @@ void CClaims::sortClaimants() {
         rank[order[i]] = i;
     }
     for (auto& [key, target] : targets) {
-        std::vector<std::size_t>& claimants = target.claimants;
-        std::sort(claimants.begin(), claimants.end(),
-                  [&rank](std::size_t left, std::size_t right) { return rank[left] < rank[right]; });
-        losers.insert(claimants.begin() + 1, claimants.end());
+        std::vector<SClaimant>& claimants = target.claimants;
+        std::sort(claimants.begin(), claimants.end(), [&rank](const SClaimant& left, const SClaimant& right) {
+            return rank[left.backup] < rank[right.backup];
+        });
+        for (auto claimant = claimants.begin() + 1; claimant != claimants.end(); ++claimant) {
+            losers.insert(claimant->backup);
+        }
     }
 }
 
@@ -68,7 +75,11 @@ std::vector<CClaims::SGroup> CClaims::groups() const {
     std::map<std::vector<std::size_t>, std::vector<const STarget*>> byClaimants;
     for (const auto& [key, target] : targets) {
         if (target.claimants.size() > 1) {
-            byClaimants[target.claimants].push_back(&target);
+            std::vector<std::size_t> claimants;
+            for (const SClaimant& claimant : target.claimants) {
+                claimants.push_back(claimant.backup);
+            }
+            byClaimants[std::move(claimants)].push_back(&target);
         }
     }
     std::vector<SGroup> all;
@@ -79,31 +90,21 @@ std::vector<CClaims::SGroup> CClaims::groups() const {
     return all;
 }
 
-std::string CClaims::textOf(const SGroup& group) const {
+std::string CClaims::textOf(const SGroup& group, const STarget& first, const SBackup& loser) const {
+    const SClaimant& winner = first.claimants.front();
+    const SBackup& newest = backups[winner.backup];
     const std::size_t others = group.targets.size() - 1;
-    std::string text = inQuotes(group.targets.front()->name);
-    if (others > 0) {
-        text += fmt::format(" and {} more target{}", others, others == 1 ? "" : "s");
-    }
-    std::vector<std::string> invalid;
-    for (auto claimant = group.claimants.begin() + 1; claimant != group.claimants.end(); ++claimant) {
-        invalid.push_back(backups[*claimant].findings->input());
-    }
-    return fmt::format("{} {} held by {} backups: {}; {} {} invalid", text, others == 0 ? "is" : "are",
-                       group.claimants.size(), claimInWords(group), enumerate(invalid),
-                       invalid.size() == 1 ? "becomes" : "become");
-}
+    const bool isTied = newest.timeStamp == loser.timeStamp;
+    const bool isInvalid = losers.count(winner.backup) != 0;
 
-std::string CClaims::claimInWords(const SGroup& group) const {
-    const SBackup& newest = backups[group.claimants[0]];
-    const bool isTied = newest.timeStamp == backups[group.claimants[1]].timeStamp;
-    const char* const what = group.targets.size() == 1 ? "it" : "them";
-    const std::string claim =
-        isTied ? fmt::format("{} claims {}, though the order of equal time stamps is undefined",
-                             newest.findings->input(), what)
-               : fmt::format("{}, the newest, claims {}", newest.findings->input(), what);
-    return claim +
-           (losers.count(group.claimants[0]) == 0 ? "" : ", but becomes invalid because of another target");
+    std::string text = inQuotes(first.name);
+    text += others == 0 ? " is" : fmt::format(" and {} more target{} are", others, others == 1 ? "" : "s");
+    text += fmt::format(" also held by {}{}:{}, which claims {}", isTied ? "" : "a newer backup, ",
+                        newest.findings->input(), newest.document->spotAt(winner.offset).place.line,
+                        others == 0 ? "it" : "them");
+    text += isTied ? ", though the order of equal time stamps is undefined" : "";
+    text += isInvalid ? ", but becomes invalid because of another target" : "";
+    return text + (isInvalid ? "; this backup becomes invalid, too" : "; this backup becomes invalid");
 }
 
 std::optional<std::string> CClaims::reportOf(const CFindings& one, const CFindings& other) const {
@@ -111,10 +112,14 @@ std::optional<std::string> CClaims::reportOf(const CFindings& one, const CFindin
     if (found == reportsOn.end()) {
         return std::nullopt;
     }
-    const auto report =
-        std::find_if(found->second.begin(), found->second.end(),
-                     [this, &other](std::size_t index) { return reports[index].first.count(&other) != 0; });
-    return report == found->second.end() ? std::nullopt : std::optional(reports[*report].second);
+    for (const std::size_t index : found->second) {
+        const std::map<const CFindings*, std::size_t>& order = reports[index];
+        if (const auto place = order.find(&other); place != order.end()) {
+            // The first of them to claim it is told nothing.
+            return (place->second > order.at(&one) ? other : one).input();
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace fi_rotate

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -27,27 +28,33 @@ class CClaims {
 public:
     // Adds the next backup of the call. `named` are the targets that it will try to claim: none for a backup
     // that failed the library's check.
-    void add(std::string timeStamp, const std::vector<SNamedTarget>& named, const CDocumentText& document,
-             CFindings& findings);
+    void add(std::string timeStamp, const std::vector<SNamedTarget>& named,
+             std::unique_ptr<const CDocumentText> document, CFindings& findings);
 
     // Adds what was found to the findings of the backups, which were borrowed. To be called once, at the end.
     void report();
 
-    // The input in which it is reported that these two backups claim the same target.
+    // The input in which it is reported that one of these two backups finds a target used that the other
+    // holds, too.
     [[nodiscard]] std::optional<std::string> reportOf(const CFindings& one, const CFindings& other) const;
 
 private:
     struct SBackup {
         std::string timeStamp;
+        // Places in it are looked up when all backups are known.
+        std::unique_ptr<const CDocumentText> document;
         CFindings* findings = nullptr;
+    };
+    // A backup, by its index, that tries to claim a target.
+    struct SClaimant {
+        std::size_t backup = 0;
+        // Where its document names the target.
+        std::size_t offset = 0;
     };
     struct STarget {
         std::string name;
-        // Indices of the backups that try to claim it; after the sorting in the order of their claims.
-        std::vector<std::size_t> claimants;
-        // Where the second backup of the call that claims it names it.
-        SSpot spot;
-        CFindings* findings = nullptr;
+        // After the sorting in the order of their claims: the first one gets the target.
+        std::vector<SClaimant> claimants;
     };
     // Targets that the same backups claim in the same order.
     struct SGroup {
@@ -57,15 +64,15 @@ private:
 
     void sortClaimants();
     [[nodiscard]] std::vector<SGroup> groups() const;
-    [[nodiscard]] std::string textOf(const SGroup& group) const;
-    [[nodiscard]] std::string claimInWords(const SGroup& group) const;
+    void reportLoss(const SGroup& group, std::size_t place);
+    [[nodiscard]] std::string textOf(const SGroup& group, const STarget& first, const SBackup& loser) const;
 
     std::vector<SBackup> backups;
     std::map<std::pair<std::size_t, std::string>, STarget> targets;
     // Indices of the backups that do not get every target that they try to claim.
     std::set<std::size_t> losers;
-    // Who claims the same targets, and the input in which that is reported.
-    std::vector<std::pair<std::set<const CFindings*>, std::string>> reports;
+    // Who claims the same targets, each with its place in the order of their claims.
+    std::vector<std::map<const CFindings*, std::size_t>> reports;
     // Indices of reports by who is in them.
     std::map<const CFindings*, std::vector<std::size_t>> reportsOn;
 };

@@ -8,9 +8,10 @@ namespace fi_rotate {
 namespace {
 
 // What the same findings have in common. Names and values that are quoted differ from document to document
-// where the mistake is one. Those of a pair that matches nothing are the mistake.
+// where the mistake is one. Those of a pair that matches nothing, and of a target that several backups hold,
+// are the mistake.
 std::pair<EHazard, std::string> kindOfFault(const SFinding& finding) {
-    if (finding.hazard == EHazard::kPairMatchesNothing) {
+    if (finding.hazard == EHazard::kPairMatchesNothing || finding.hazard == EHazard::kTargetHeldBySeveral) {
         return {finding.hazard, finding.text};
     }
     std::string words;

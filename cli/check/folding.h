@@ -21,8 +21,8 @@ struct SCounts {
 
 // Where an earlier input has a finding of the same hazard with the same text, that one becomes the cause, so
 // that only the first is shown. What stands in double quotes is not compared, except in a pair that matches
-// nothing. What follows from such a repetition gets the cause of the first. `inputs` are those of a call, in
-// order.
+// nothing and in a target that several backups hold. What follows from such a repetition gets the cause of
+// the first. `inputs` are those of a call, in order.
 void setCausesOfRepetitions(std::vector<CFindings>& inputs);
 
 // Which findings of a call have no line of their own, but are counted in a line under their cause.

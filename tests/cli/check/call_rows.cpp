@@ -87,44 +87,76 @@ std::vector<SCheckRow> callRows() {
          {"c.xml:2:12: warning: a.xml has the time stamp \"20260101\" too; it is undefined which of them "
           "counts as newer [equal-time-stamps]"},
          stamps("20260101", "20260102", "20260103")},
-        {"two hold a target",
+        {"two hold a target, and the newer one is listed first",
          EHazard::kTargetHeldBySeveral,
          with({{"a.xml", backup("20260102", "snap1")}, {"b.xml", backup("20260101", "snap1")}}),
-         {"b.xml:4:23: error: \"encA##snap1\" is held by 2 backups: a.xml, the newest, claims it; b.xml "
-          "becomes "
-          "invalid [target-held-by-several]"},
+         {"b.xml:4:23: error: \"encA##snap1\" is also held by a newer backup, a.xml:4, which claims it; this "
+          "backup becomes invalid [target-held-by-several]"},
+         clean},
+        {"two hold a target, and the newer one is listed last",
+         EHazard::kTargetHeldBySeveral,
+         with({{"a.xml", "\n" + backup("20260101", "snap1")}, {"b.xml", backup("20260102", "snap1")}}),
+         {"a.xml:5:23: error: \"encA##snap1\" is also held by a newer backup, b.xml:4, which claims it; this "
+          "backup becomes invalid [target-held-by-several]"},
          clean},
         {"three hold a target, the newest of which is listed last",
          EHazard::kTargetHeldBySeveral,
          with({{"a.xml", backup("20260101", "snap1")},
                {"b.xml", backup("20260102", "snap1")},
                {"c.xml", backup("20260103", "snap1")}}),
-         {"b.xml:4:23: error: \"encA##snap1\" is held by 3 backups: c.xml, the newest, claims it; b.xml and "
-          "a.xml become invalid [target-held-by-several]"},
+         {"a.xml:4:23: error: \"encA##snap1\" is also held by a newer backup, c.xml:4, which claims it; this "
+          "backup becomes invalid [target-held-by-several]",
+          "b.xml:4:23: error: \"encA##snap1\" is also held by a newer backup, c.xml:4, which claims it; this "
+          "backup becomes invalid [target-held-by-several] <- target-held-by-several of a.xml"},
          stamps("20260101", "20260102", "20260103")},
         {"a renamed copy",
          EHazard::kTargetHeldBySeveral,
          with({first, {"b.xml", backup("20260101", "snap1")}}),
          {"b.xml:2:12: warning: a.xml has the time stamp \"20260101\" too; it is undefined which of them "
           "counts as newer [equal-time-stamps] <- target-held-by-several of b.xml",
-          "b.xml:4:23: error: \"encA##snap1\" is held by 2 backups: a.xml claims it, though the order of "
-          "equal "
-          "time stamps is undefined; b.xml becomes invalid [target-held-by-several]"},
+          "b.xml:4:23: error: \"encA##snap1\" is also held by a.xml:4, which claims it, though the order of "
+          "equal time stamps is undefined; this backup becomes invalid [target-held-by-several]"},
+         clean},
+        {"two copies of a backup that a newer one makes invalid",
+         EHazard::kTargetHeldBySeveral,
+         with({first, {"b.xml", backup("20260101", "snap1")}, {"c.xml", backup("20260102", "snap1")}}),
+         {"a.xml:4:23: error: \"encA##snap1\" is also held by a newer backup, c.xml:4, which claims it; this "
+          "backup becomes invalid [target-held-by-several]",
+          "b.xml:2:12: warning: a.xml has the time stamp \"20260101\" too; it is undefined which of them "
+          "counts as newer [equal-time-stamps] <- target-held-by-several of a.xml",
+          "b.xml:4:23: error: \"encA##snap1\" is also held by a newer backup, c.xml:4, which claims it; this "
+          "backup becomes invalid [target-held-by-several] <- target-held-by-several of a.xml"},
          clean},
         {"two targets of the same backups are told once, one of others apart",
          EHazard::kTargetHeldBySeveral,
          {"encA##lun1;snap1\nencA##lun2;snap2\nencA##lun3;snap3",
-          {{"a.xml", holding("1", {"1", "2"})},
+          {{"a.xml", holding("1", {"2", "1"})},
            {"b.xml", holding("2", {"1", "2", "3"})},
            {"c.xml", holding("3", {"3"})}}},
-         {"b.xml:2:66: error: \"encA##snap1\" and 1 more target are held by 2 backups: b.xml, the newest, "
-          "claims them, but becomes invalid because of another target; a.xml becomes invalid "
+         {"a.xml:2:66: error: \"encA##snap2\" and 1 more target are also held by a newer backup, b.xml:3, "
+          "which claims them, but becomes invalid because of another target; this backup becomes invalid, "
+          "too "
           "[target-held-by-several]",
-          "c.xml:2:66: error: \"encA##snap3\" is held by 2 backups: c.xml, the newest, claims it; b.xml "
-          "becomes "
-          "invalid [target-held-by-several]"},
+          "b.xml:4:66: error: \"encA##snap3\" is also held by a newer backup, c.xml:2, which claims it; this "
+          "backup becomes invalid [target-held-by-several]"},
          {"encA##lun1;snap1\nencA##lun2;snap2\nencA##lun3;snap3",
           {{"a.xml", holding("1", {"1", "2"})}, {"b.xml", holding("2", {"3"})}}}},
+        {"other targets of other backups, in the same line of one document",
+         EHazard::kTargetHeldBySeveral,
+         {"encA##lun1;snap1\nencA##lun2;snap2",
+          {{"a.xml", holding("1", {"1"})},
+           {"b.xml", holding("2", {"2"})},
+           {"c.xml",
+            "<Node><timeStamp>3</timeStamp><Node><objid>UDID##v##m##encA##lun1</"
+            "objid><altobjid>UDID##v##m##encA##"
+            "snap1</altobjid></Node><Node><objid>UDID##v##m##encA##lun2</"
+            "objid><altobjid>UDID##v##m##encA##snap2"
+            "</altobjid></Node></Node>"}}},
+         {"a.xml:2:66: error: \"encA##snap1\" is also held by a newer backup, c.xml:1, which claims it; this "
+          "backup becomes invalid [target-held-by-several]",
+          "b.xml:2:66: error: \"encA##snap2\" is also held by a newer backup, c.xml:1, which claims it; this "
+          "backup becomes invalid [target-held-by-several]"},
+         clean},
         {"one that is invalid for another pair claims nothing",
          EHazard::kPairMatchesNothing,
          {"encA##lun1;snap1\nencA##lun2;snap2",

@@ -35,19 +35,19 @@ TEST(FiRotateCheck, FindsInTheExamplesADeviceThatIsNoLongerConfiguredATargetHeld
     const auto result = runFiRotate(checkOfExamples());
     EXPECT_EQ(result.exitStatus, 3);
     EXPECT_EQ(result.error, "");
-    EXPECT_EQ(result.output, example("backup-2026-10-02.xml") +
-                                 ":19:38: error: no configuration has the first target \"ENC-A##VOL-0013\" "
-                                 "[pair-matches-nothing]\n"
-                                 "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
-                                 "                                         ^\n" +
-                                 example("backup-2026-10-08.xml") +
-                                 ":12:41: error: \"ENC-A##SNP-0103\" is held by 2 backups: " +
-                                 example("backup-2026-10-08.xml") + ", the newest, claims it; " +
-                                 example("backup-2026-10-04.xml") +
-                                 " becomes invalid [target-held-by-several]\n"
-                                 "          <altobjid>UDID##EXAMPLE##ARRAY-9##ENC-A##SNP-0103</altobjid>\n"
-                                 "                                            ^\n"
-                                 "2 errors, no warnings; checked the configuration and 8 documents\n");
+    EXPECT_EQ(result.output,
+              example("backup-2026-10-02.xml") +
+                  ":19:38: error: no configuration has the first target \"ENC-A##VOL-0013\" "
+                  "[pair-matches-nothing]\n"
+                  "          <objid>UDID##EXAMPLE##ARRAY-9##ENC-A##VOL-0013</objid>\n"
+                  "                                         ^\n" +
+                  example("backup-2026-10-04.xml") +
+                  ":12:41: error: \"ENC-A##SNP-0103\" is also held by a newer backup, " +
+                  example("backup-2026-10-08.xml") +
+                  ":12, which claims it; this backup becomes invalid [target-held-by-several]\n"
+                  "          <altobjid>UDID##EXAMPLE##ARRAY-9##ENC-A##SNP-0103</altobjid>\n"
+                  "                                            ^\n"
+                  "2 errors, no warnings; checked the configuration and 8 documents\n");
 }
 
 // A carriage return before each line end is the terminal's.
@@ -87,28 +87,29 @@ TEST(FiRotateCheck, ShowsTheSameInJson) {
     arguments.emplace_back("--json");
     const auto result = runFiRotate(arguments);
     EXPECT_EQ(result.exitStatus, 3);
-    const auto expected = nlohmann::json{
-        {"findings",
-         {{{"file", example("backup-2026-10-02.xml")},
-           {"line", 19},
-           {"column", 38},
-           {"severity", "error"},
-           {"name", "pair-matches-nothing"},
-           {"text", "no configuration has the first target \"ENC-A##VOL-0013\""},
-           {"caused_by", nullptr},
-           {"count", 1}},
-          {{"file", example("backup-2026-10-08.xml")},
-           {"line", 12},
-           {"column", 41},
-           {"severity", "error"},
-           {"name", "target-held-by-several"},
-           {"text", "\"ENC-A##SNP-0103\" is held by 2 backups: " + example("backup-2026-10-08.xml") +
-                        ", the newest, claims it; " + example("backup-2026-10-04.xml") + " becomes invalid"},
-           {"caused_by", nullptr},
-           {"count", 1}}}},
-        {"errors", 2},
-        {"warnings", 0},
-        {"documents", 8}};
+    const auto expected =
+        nlohmann::json{{"findings",
+                        {{{"file", example("backup-2026-10-02.xml")},
+                          {"line", 19},
+                          {"column", 38},
+                          {"severity", "error"},
+                          {"name", "pair-matches-nothing"},
+                          {"text", "no configuration has the first target \"ENC-A##VOL-0013\""},
+                          {"caused_by", nullptr},
+                          {"count", 1}},
+                         {{"file", example("backup-2026-10-04.xml")},
+                          {"line", 12},
+                          {"column", 41},
+                          {"severity", "error"},
+                          {"name", "target-held-by-several"},
+                          {"text", "\"ENC-A##SNP-0103\" is also held by a newer backup, " +
+                                       example("backup-2026-10-08.xml") +
+                                       ":12, which claims it; this backup becomes invalid"},
+                          {"caused_by", nullptr},
+                          {"count", 1}}}},
+                       {"errors", 2},
+                       {"warnings", 0},
+                       {"documents", 8}};
     EXPECT_EQ(nlohmann::json::parse(result.output), expected);
 }
 
@@ -279,27 +280,30 @@ TEST(FiRotateCheck, NamesThoseBackupsOfEqualTimeStampsThatSelectCallsInvalid) {
                              "</timeStamp><objid>UDID##v##m##e##l</objid><altobjid>UDID##v##m##e##s" +
                              std::to_string(1 + i % 9) + "</altobjid></Node>"));
     }
+    std::set<std::string> invalid;
     std::set<std::string> claimed;
     auto selecting = arguments;
     selecting.insert(selecting.begin(), "select");
     const auto outcome = nlohmann::json::parse(runFiRotate(selecting).output);
     for (const auto& backup : outcome["backups"]) {
-        if (backup["state"] != "invalid") {
-            claimed.insert(backup["file"].get<std::string>());
-        }
+        (backup["state"] == "invalid" ? invalid : claimed).insert(backup["file"].get<std::string>());
     }
-    std::set<std::string> told;
+    std::set<std::string> reported;
+    std::set<std::string> toldToClaim;
     arguments.insert(arguments.begin(), "check");
     const auto report = nlohmann::json::parse(runFiRotate(arguments).output);
     for (const auto& finding : report["findings"]) {
         if (finding["name"] == "target-held-by-several") {
+            reported.insert(finding["file"].get<std::string>());
             const auto text = finding["text"].get<std::string>();
-            const std::size_t begin = text.find(": ") + 2;
-            told.insert(text.substr(begin, text.find(" claims it") - begin));
+            const std::size_t end = text.find(":1, which claims it");
+            const std::size_t begin = text.rfind(' ', end) + 1;
+            toldToClaim.insert(text.substr(begin, end - begin));
         }
     }
-    EXPECT_EQ(told.size(), 9U);
-    EXPECT_EQ(told, claimed);
+    EXPECT_EQ(reported.size(), 27U);
+    EXPECT_EQ(reported, invalid);
+    EXPECT_EQ(toldToClaim, claimed);
 }
 
 TEST(FiRotateCheck, ExplainsEveryHazardByItsName) {
