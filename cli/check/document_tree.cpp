@@ -27,6 +27,8 @@ using EExcess = CFiDocumentLimits::EExcess;
 // The XML library delivers longer runs of text in pieces.
 constexpr std::size_t kLongestRun = 1 << 20;
 
+constexpr const char* kReadOnlyUpToHere = "the check and hardened libraries read only up to here";
+
 // "0 Nodes", "1 Node", "2 Nodes".
 std::string countInDigits(std::size_t count, const char* thing) {
     return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
@@ -109,6 +111,7 @@ private:
     void set(std::optional<SValue>& value, const SOpenData& data, const std::string& name,
              const std::optional<EHazard>& distortedBy);
     void finishFault();
+    void blameForOpenNodes(EHazard cause);
     void finishRoots();
     [[nodiscard]] std::optional<EHazard> bytesCause() const;
     [[nodiscard]] EHazard faultCause() const;
@@ -332,8 +335,8 @@ void CTreeReader::internalEntityDecl(const XMLCh* name, const XMLCh* value) {
     const EExcess excess = limits.declareEntity(name, value);
     if (excess == EExcess::kNestedEntity) {
         stop(EHazard::kNestedEntities, {here(), "<"},
-             fmt::format("the entity {} refers to another one; the document is read only up to here",
-                         inQuotes(toLocalCodePage(name))));
+             fmt::format("the entity {} refers to another one; {}", inQuotes(toLocalCodePage(name)),
+                         kReadOnlyUpToHere));
     }
     stopAt(excess);
 }
@@ -355,9 +358,8 @@ void CTreeReader::stopAt(EExcess excess) {
 }
 
 void CTreeReader::reportExcess(EExcess excess, const SSpot& spot) {
-    findings.add(
-        {EHazard::kReadingLimit, spot,
-         fmt::format("{}; the document is read only up to here", CFiDocumentLimits::inWords(excess))});
+    findings.add({EHazard::kReadingLimit, spot,
+                  fmt::format("{}; {}", CFiDocumentLimits::inWords(excess), kReadOnlyUpToHere)});
     tree.isCutShort = true;
 }
 
@@ -376,12 +378,15 @@ xercesc::InputSource* CTreeReader::resolveEntity(const XMLCh* /*publicId*/, cons
 }
 
 void CTreeReader::finishFault() {
-    if (!fault.has_value() || tree.isCutShort) {
+    if (!fault.has_value()) {
         return;
     }
     const SSite site{fault->place, ""};
-    if (isExpansionLimit(fault->text)) {
+    if (!tree.isCutShort && isExpansionLimit(fault->text)) {
         reportExcess(EExcess::kReferences, document.spotAt(offsetOf(site)));
+    }
+    if (tree.isCutShort) {
+        blameForOpenNodes(EHazard::kReadingLimit);
         return;
     }
     report(EHazard::kMalformedXml, site,
@@ -389,13 +394,18 @@ void CTreeReader::finishFault() {
                        countInDigits(tree.nodes.size(), "Node"),
                        countInDigits(deviceCount(tree.nodes), "device")),
            bytesCause());
-    for (const std::size_t node : openNodes) {
-        tree.nodes[node].objidLostTo = faultCause();
-        tree.nodes[node].altobjidLostTo = faultCause();
-    }
+    blameForOpenNodes(faultCause());
     if (openNodes.empty()) {
         // What is damaged may be the start tag of the Node that held it.
         findings.setMissingCauses(EHazard::kOutsideNode, faultCause());
+    }
+}
+
+// What the Nodes that have not ended lack would have come after the place where reading ended.
+void CTreeReader::blameForOpenNodes(EHazard cause) {
+    for (const std::size_t node : openNodes) {
+        tree.nodes[node].objidLostTo = cause;
+        tree.nodes[node].altobjidLostTo = cause;
     }
 }
 

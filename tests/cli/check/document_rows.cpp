@@ -134,7 +134,8 @@ std::vector<SCheckRow> xmlRows() {
          EHazard::kNestedEntities,
          of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"&a;\">\n")),
          {kDoctype,
-          "d:3:1: error: the entity \"b\" refers to another one; the document is read only up to here "
+          "d:3:1: error: the entity \"b\" refers to another one; the check and hardened libraries read only "
+          "up to here "
           "[nested-entities]"},
          of(withDtd("<!ENTITY a \"x\">\n<!ENTITY b \"y\">\n")),
          {"doctype"}},
@@ -256,20 +257,40 @@ std::string elements(int count) {
     return all;
 }
 
+// As many declarations of a kind as are allowed, a line each, and one more.
+SCheckRow declarations(const std::string& what, const std::string& before, const std::string& after) {
+    std::string all;
+    for (int i = 0; i < 256; ++i) {
+        all += before + std::to_string(i) + after + "\n";
+    }
+    return {"257 " + what,
+            EHazard::kReadingLimit,
+            of(withDtd(all + before + "256" + after + "\n")),
+            {kDoctype,
+             "d:258:1: error: more than 256 declarations in the DTD; the check and hardened libraries read "
+             "only up "
+             "to here [reading-limit]"},
+            of(withDtd(all)),
+            {"doctype"}};
+}
+
 // The document reaches each limit, and then goes beyond it.
 std::vector<SCheckRow> limitRows() {
     return {
         {"a parameter entity",
          EHazard::kReadingLimit,
          of(withDtd("<!ENTITY % a \"x\">\n")),
-         {kDoctype, "d:2:1: error: a parameter entity; the document is read only up to here [reading-limit]"},
+         {kDoctype,
+          "d:2:1: error: a parameter entity; the check and hardened libraries read only up to here "
+          "[reading-limit]"},
          of(withDtd("<!ENTITY a \"x\">\n")),
          {"doctype"}},
         {"a long entity",
          EHazard::kReadingLimit,
          of(withDtd("<!ENTITY a \"" + times(257, "x") + "\">\n")),
          {kDoctype,
-          "d:2:1: error: an entity of more than 256 characters; the document is read only up to here "
+          "d:2:1: error: an entity of more than 256 characters; the check and hardened libraries read only "
+          "up to here "
           "[reading-limit]"},
          of(withDtd("<!ENTITY a \"" + times(256, "x") + "\">\n")),
          {"doctype"}},
@@ -277,7 +298,8 @@ std::vector<SCheckRow> limitRows() {
          EHazard::kReadingLimit,
          of(withDtd("<!ATTLIST a b CDATA \"" + times(257, "x") + "\">\n")),
          {kDoctype,
-          "d:2:1: error: a default of an attribute of more than 256 characters; the document is read only up "
+          "d:2:1: error: a default of an attribute of more than 256 characters; the check and hardened "
+          "libraries read only up "
           "to here [reading-limit]"},
          of(withDtd("<!ATTLIST a b CDATA \"" + times(256, "x") + "\">\n")),
          {"doctype"}},
@@ -285,49 +307,79 @@ std::vector<SCheckRow> limitRows() {
          EHazard::kReadingLimit,
          of(withDtd("<!ENTITY e \"x\">", "<x>" + times(101, "&e;") + "</x>\n")),
          {kDoctype,
-          "d:7:307: error: more than 100 references to entities; the document is read only up to here "
+          "d:7:307: error: more than 100 references to entities; the check and hardened libraries read only "
+          "up to here "
           "[reading-limit]"},
          of(withDtd("<!ENTITY e \"x\">", "<x>" + times(100, "&e;") + "</x>\n")),
          {"doctype"}},
+        {"101 references to entities in an attribute",
+         EHazard::kReadingLimit,
+         of(withDtd("<!ENTITY e \"x\">", "<x a=\"" + times(101, "&e;") + "\"/>\n")),
+         {kDoctype,
+          "d:7:310: error: more than 100 references to entities; the check and hardened libraries read only "
+          "up to "
+          "here [reading-limit]"},
+         of(withDtd("<!ENTITY e \"x\">", "<x a=\"" + times(100, "&e;") + "\"/>\n")),
+         {"doctype"}},
+        declarations("entities", "<!ENTITY e", " \"x\">"),
+        declarations("elements", "<!ELEMENT e", " ANY>"),
+        declarations("notations", "<!NOTATION e", " SYSTEM \"x\">"),
+        declarations("external entities", "<!ENTITY e", " SYSTEM \"x\">"),
+        {"reached before the altobjid",
+         EHazard::kReadingLimit,
+         of("<Node>\n<timeStamp>1</timeStamp>\n<objid>UDID##v##m##encA##lun1</objid>\n" + times(256, "<a>") +
+            times(256, "</a>") + "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>"),
+         {"d:3:8: error: the device \"UDID##v##m##encA##lun1\" has no altobjid; an exception ends the call "
+          "[no-altobjid] <- reading-limit of d",
+          "d:4:766: error: elements nested more than 256 deep; the check and hardened libraries read only up "
+          "to "
+          "here [reading-limit]"},
+         of(backup(times(255, "<a>") + times(255, "</a>") + "\n"))},
         {"33 attributes",
          EHazard::kReadingLimit,
          of(withDtd(attributes(32) + "\n<!ATTLIST a last CDATA \"\">")),
          {kDoctype,
-          "d:3:1: error: more than 32 attributes declared in the DTD; the document is read only up to here "
+          "d:3:1: error: more than 32 attributes declared in the DTD; the check and hardened libraries read "
+          "only up to here "
           "[reading-limit]"},
          of(withDtd(attributes(32))),
          {"doctype"}},
         {"elements 257 deep",
          EHazard::kReadingLimit,
          of(backup(times(256, "<a>") + times(256, "</a>") + "\n")),
-         {"d:5:766: error: elements nested more than 256 deep; the document is read only up to here "
+         {"d:5:766: error: elements nested more than 256 deep; the check and hardened libraries read only up "
+          "to here "
           "[reading-limit]"},
          of(backup(times(255, "<a>") + times(255, "</a>") + "\n"))},
         {"257 element names",
          EHazard::kReadingLimit,
          // Beside the four of the backup.
          of(backup(elements(253) + "\n")),
-         {"d:5:1655: error: more than 256 different element names; the document is read only up to here "
+         {"d:5:1655: error: more than 256 different element names; the check and hardened libraries read "
+          "only up to here "
           "[reading-limit]"},
          of(backup(elements(252) + "\n"))},
         {"a long tag",
          EHazard::kReadingLimit,
          of(backup("<a b='" + times(8184, "x") + "'/>\n")),
-         {"d:5:1: error: a tag of more than 8192 bytes; the document is read only up to here "
+         {"d:5:1: error: a tag of more than 8192 bytes; the check and hardened libraries read only up to "
+          "here "
           "[reading-limit]"},
          of(backup("<a b='" + times(8183, "x") + "'/>\n"))},
         {"a long DTD",
          EHazard::kReadingLimit,
          of(withDtd("<!--" + times(16384, "x") + "-->")),
          {kDoctype,
-          "d:1:1: error: a DTD of more than 16384 bytes; the document is read only up to here "
+          "d:1:1: error: a DTD of more than 16384 bytes; the check and hardened libraries read only up to "
+          "here "
           "[reading-limit]"},
          of(withDtd("<!--" + times(16000, "x") + "-->")),
          {"doctype"}},
         {"an encoding whose bytes do not show the tags",
          EHazard::kReadingLimit,
          of("<?xml version=\"1.0\" encoding=\"UTF-7\"?>\n" + backup()),
-         {"d:1:1: error: an encoding that is not read; the document is read only up to here [reading-limit]"},
+         {"d:1:1: error: an encoding that is not read; the check and hardened libraries read only up to here "
+          "[reading-limit]"},
          of("<?xml version=\"1.0\" encoding=\"US-ASCII\"?>\n" + backup())},
     };
 }
