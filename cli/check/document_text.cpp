@@ -113,7 +113,7 @@ void CDocumentText::addFindings(CFindings& findings) const {
     if (const auto name = wideEncoding(file)) {
         findings.addOnWhole(EHazard::kUtf16,
                             fmt::format("the document is encoded in {}, and each of its lines is read only "
-                                        "up to its first NUL byte; save it as UTF-8",
+                                        "up to its first NUL byte",
                                         *name));
         return;
     }

@@ -70,10 +70,19 @@ enum class ESeverity {
     kError,
 };
 
+enum class EMender {
+    // Whoever runs the backup product can correct what is wrong, or its paragraph says who can.
+    kAdministrator,
+    // It is in a document, and documents belong to the backup product: a name that was corrected by hand can
+    // let a good snapshot be overwritten.
+    kMaker,
+};
+
 struct SHazardKind {
     EHazard hazard;
     std::string_view name;
     ESeverity severity;
+    EMender mender;
     // What is wrong, what follows from it, and what to do.
     std::string_view paragraph;
 };

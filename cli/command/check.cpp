@@ -62,9 +62,15 @@ int exitStatusOf(const SCounts& counts) {
     return counts.warnings > 0 ? kExitWarnings : kExitDone;
 }
 
-std::string paragraphOn(const std::string& name) {
+constexpr const char* kWhoCanMend = R"(
+The backup product writes its documents: do not edit this one, but tell the
+maker of the product.
+)";
+
+std::string explanationOf(const std::string& name) {
     if (const SHazardKind* const kind = findKind(name)) {
-        return fmt::format("{} ({})\n\n{}\n", kind->name, nameOf(kind->severity), kind->paragraph);
+        return fmt::format("{} ({})\n\n{}\n{}", kind->name, nameOf(kind->severity), kind->paragraph,
+                           kind->mender == EMender::kMaker ? kWhoCanMend : "");
     }
     std::vector<std::string> names;
     for (const SHazardKind& kind : hazardKinds()) {
@@ -77,7 +83,7 @@ std::string paragraphOn(const std::string& name) {
 
 int runCheck(const SOptions& options) {
     if (options.explained.has_value()) {
-        return printOrReport(paragraphOn(*options.explained)) ? kExitDone : kExitNotWritten;
+        return printOrReport(explanationOf(*options.explained)) ? kExitDone : kExitNotWritten;
     }
     const std::vector<CFindings> found = checkCall(inputsOf(options));
     const bool isWritten =

@@ -76,7 +76,7 @@ std::vector<SCheckRow> byteRows() {
          EHazard::kUtf16,
          of(wide(backup(), '\xFF', '\xFE')),
          {"d:1:1: error: the document is encoded in UTF-16, and each of its lines is read only up to its "
-          "first NUL byte; save it as UTF-8 [utf-16]"},
+          "first NUL byte [utf-16]"},
          of("\xEF\xBB\xBF" + backup())},
         {"another encoding than declared",
          EHazard::kEncodingMismatch,

@@ -325,6 +325,30 @@ TEST(FiRotateCheck, ExplainsInAParagraph) {
               "Add at least one further target.\n");
 }
 
+TEST(FiRotateCheck, ExplainsWhoCanMendADocument) {
+    EXPECT_EQ(runFiRotate({"check", "--explain", "long-text"}).output,
+              "long-text (error)\n\n"
+              "The text of a data element is longer than 1 MiB. The XML library delivers it in\n"
+              "pieces, and only the last piece counts. No identifier or time stamp needs to be\n"
+              "that long.\n\n"
+              "The backup product writes its documents: do not edit this one, but tell the\n"
+              "maker of the product.\n");
+}
+
+// Documents belong to the product: a name that was corrected by hand can let a good snapshot be overwritten.
+TEST(FiRotateCheck, TellsNobodyToEditADocument) {
+    for (const fi_rotate::SHazardKind& kind : fi_rotate::hazardKinds()) {
+        const bool isOfDocuments = kind.hazard >= fi_rotate::EHazard::kEncodingMismatch;
+        const std::string output = runFiRotate({"check", "--explain", std::string(kind.name)}).output;
+        EXPECT_EQ(output.find("not edit") != std::string::npos, isOfDocuments) << output;
+        for (const std::string order : {"Correct ", "correct the objid", "correct the altobjid", "Write ",
+                                        "Put ", "Remove ", "Move ", "Give "}) {
+            EXPECT_TRUE(!isOfDocuments || output.find(order) == std::string::npos) << order << "in\n"
+                                                                                   << output;
+        }
+    }
+}
+
 TEST(FiRotateCheck, NamesTheHazardsWhenOneIsNotKnown) {
     const auto result = runFiRotate({"check", "--explain", "nonsense"});
     EXPECT_EQ(result.exitStatus, 2);
