@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -130,6 +131,21 @@ void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states) {
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::IsMember(kStateWords));
+}
+
+void requireWholeNumber(CLI::Option& option, std::size_t least, std::size_t most) {
+    const auto read = [least, most](std::string& text) -> std::string {
+        const char* const end = text.data() + text.size();
+        std::size_t number = 0;
+        const auto [stop, error] = std::from_chars(text.data(), end, number);
+        if (error != std::errc() || stop != end || number < least || number > most) {
+            return fmt::format("{} is not a whole number from {} to {}", printableInQuotes(text), least,
+                               most);
+        }
+        text = fmt::to_string(number);
+        return "";
+    };
+    option.transform(CLI::Validator(read, ""));
 }
 
 std::string suggestion(const std::string& word, const std::vector<std::string>& known) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <string>
@@ -43,6 +44,10 @@ std::vector<std::string> inputsOf(const SCallOptions& options, const SCall& call
 
 // Adds --only, which fills `states`.
 void addOnlyOption(CLI::App& subcommand, std::set<std::string>& states);
+
+// Lets the option take whole numbers from `least` to `most`, written as decimal digits only. CLI11 by itself
+// reads "-1" as the largest number and "010" as eight.
+void requireWholeNumber(CLI::Option& option, std::size_t least, std::size_t most);
 
 // The one of `known` that `word` is probably a misspelling of, as the rest of a message; empty when there is
 // none.

@@ -75,7 +75,7 @@ std::vector<SLoggedCall> chosenCalls(std::vector<SLoggedCall> calls, std::option
     if (!number.has_value()) {
         return calls;
     }
-    if (*number == 0 || *number > calls.size()) {
+    if (*number > calls.size()) {
         return {};
     }
     return {std::move(calls[*number - 1])};
@@ -130,8 +130,11 @@ void addExplain(CLI::App& app, int& exitStatus) {
         .add_option("LOG", options->logs,
                     "The log files, the oldest first; - or no file means standard input")
         ->type_name("");
-    explain.add_option("--call", options->call, "Show only this call; calls are numbered from 1")
-        ->type_name("N");
+    constexpr std::size_t kMostCalls = 1000000000;
+    CLI::Option* const call =
+        explain.add_option("--call", options->call, "Show only this call; calls are numbered from 1")
+            ->type_name("N");
+    requireWholeNumber(*call, 1, kMostCalls);
     addOnlyOption(explain, options->shownStates);
     explain.add_flag("--json", options->json, "Show the calls as one JSON document");
     explain.callback([options, &exitStatus] { exitStatus = runExplain(*options); });

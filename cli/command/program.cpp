@@ -33,8 +33,6 @@ constexpr SRewording kRewordings[] = {
     {R"(Exactly 1 option from \[(.*)\] is required.*)", "give exactly one of $1", true},
     {R"((\S+): 1 required (\S+) missing)", "$1 needs a value: $1 $2"},
     {R"((\S+): At Most 1 required but received \d+)", "$1 is given more than once"},
-    {R"(Could not convert: (\S+) = (.*))", "$1: \"$2\" is not a whole number"},
-    {R"((\S+): Value (.*) not in range (\d+) to (\d+))", "$1: \"$2\" is not a whole number from $3 to $4"},
     {R"((\S+): (.*) not in \{(.*)\})", "$1: \"$2\" is not one of $3", true},
     {R"((\S+) excludes (\S+))", "$1 cannot be used together with $2"},
     {R"((\S+) requires (\S+))", "$1 needs $2"},

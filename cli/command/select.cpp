@@ -379,11 +379,12 @@ void addSelect(CLI::App& app, int& exitStatus) {
         ->excludes(request);
     select.add_flag("--strict", options->isStrict, "Decide nothing when an input is missing or damaged");
     constexpr auto kMostKept = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
-    select
-        .add_option("--keep-at-least", options->leastKept,
-                    "Decide nothing unless each configuration keeps N of its backups, or all that it has")
-        ->type_name("N")
-        ->check(CLI::Range(std::size_t{0}, kMostKept));
+    CLI::Option* const leastKept =
+        select
+            .add_option("--keep-at-least", options->leastKept,
+                        "Decide nothing unless each configuration keeps N of its backups, or all that it has")
+            ->type_name("N");
+    requireWholeNumber(*leastKept, 0, kMostKept);
     addOnlyOption(select, options->shownStates);
     select
         .add_option("--sort", options->order,

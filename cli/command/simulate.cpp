@@ -210,10 +210,9 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     addConfigurationOptions(simulate, "configuration", options->call);
 
     constexpr std::size_t kMostRounds = 100000000;
-    simulate.add_option("--rounds", options->rounds, "Run N rounds")
-        ->type_name("N")
-        ->required()
-        ->check(CLI::Range(std::size_t{1}, kMostRounds));
+    CLI::Option* const rounds =
+        simulate.add_option("--rounds", options->rounds, "Run N rounds")->type_name("N")->required();
+    requireWholeNumber(*rounds, 1, kMostRounds);
     simulate.add_option("--every", options->every, "Set the time between two rounds, such as 24h")
         ->type_name("TIME")
         ->required();
@@ -223,8 +222,8 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     CLI::Option* const every = simulate
                                    .add_option("--exclude-every", options->excludedEvery,
                                                "Exclude the backup of every K-th round from rotation")
-                                   ->type_name("K")
-                                   ->check(CLI::Range(std::size_t{1}, kMostRounds));
+                                   ->type_name("K");
+    requireWholeNumber(*every, 1, kMostRounds);
     simulate
         .add_option("--exclude-weekday", options->excludedWeekday,
                     "Exclude all backups of this day of the week from rotation")

@@ -365,6 +365,10 @@ TEST(FiRotateSimulate, CsvContainsRoundsWithoutATargetAndLostSnapshots) {
     EXPECT_THAT(contentOf(file), EndsWith("2,2026-10-02T00:00:00Z,no,yes,,1,encA##s1\n"));
 }
 
+TEST(FiRotateSimulate, ReadsANumberWithZerosInFrontAsADecimalOne) {
+    EXPECT_THAT(runFiRotate(daily("encA##lun1;s1", "010")).output, StartsWith("10 rounds: "));
+}
+
 TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
     const CTemporaryFolder folder;
     const std::string csv = folder.path("rounds.csv");
@@ -396,7 +400,18 @@ TEST(FiRotateSimulate, WrongUsageExitsWith2AndWritesNothing) {
         {{"simulate", "--rounds", "5", "--every", "24h", "--start", "2026-10-01"}, "--config"},
         {{"simulate", "--config", "a##b;c"}, "--rounds is required"},
         {with("--rounds", "0"), "\"0\" is not a whole number from 1 to 100000000"},
-        {with("--rounds", "many"), "many"},
+        {with("--rounds", "many"), "\"many\" is not a whole number from 1 to 100000000"},
+        {with("--rounds", "-18446744073709551615"),
+         "\"-18446744073709551615\" is not a whole number from 1 to 100000000"},
+        {with("--rounds", "18446744073709551617"),
+         "\"18446744073709551617\" is not a whole number from 1 to 100000000"},
+        {with("--exclude-every", "-18446744073709551615"),
+         "\"-18446744073709551615\" is not a whole number from 1 to 100000000"},
+        {with("--every", "-24h"), "\"-24h\" is not a whole number with one of the units s, m, h, d, w"},
+        {with("--every", "-18446744073709551615h"), "\"-18446744073709551615h\" is not a whole number"},
+        {with("--every", "9223372036854775807w"), "\"9223372036854775807w\" is not a whole number"},
+        {with("--keep-days", "-5"), "\"-5\" is not a whole number of days above 0, without a unit"},
+        {with("--keep-days", "-18446744073709551615"), "\"-18446744073709551615\" is not a whole number"},
         {with("--every", "1"), "\"1\" is not a whole number with one of the units s, m, h, d, w"},
         {with("--start", "1.10.2026"), "\"1.10.2026\" is not a date like 2026-10-01"},
         {with("--exclude-every", "0"), "\"0\" is not a whole number from 1 to 100000000"},
