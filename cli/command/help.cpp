@@ -69,7 +69,7 @@ std::string lineOf(const CLI::Option* option) {
         isPositional ? option->get_name(true) : fmt::format("{}", fmt::join(namesOf(*option), ", "));
     std::string description = shown.description;
     if (!shown.value.empty() && !isPositional) {
-        name += " " + shown.value;
+        name += " " + shown.value + (option->get_allow_extra_args() ? "..." : "");
         const bool isRepeatable = option->get_expected_max() == CLI::detail::expected_max_vector_size;
         description += isRepeatable ? "; may be repeated" : "";
     }

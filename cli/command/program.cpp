@@ -1,5 +1,6 @@
 #include "cli/command/program.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <regex>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <CLI/CLI.hpp>
 
 #include "cli/base/file.h"
@@ -31,12 +33,12 @@ struct SRewording {
 constexpr SRewording kRewordings[] = {
     {"A subcommand is required", "give a subcommand"},
     {R"(Exactly 1 option from \[(.*)\] is required.*)", "give exactly one of $1", true},
+    {R"((\S+): 1 required \S+:\{(.*)\} missing)", "$1 needs a value, one of $2", true},
     {R"((\S+): 1 required (\S+) missing)", "$1 needs a value: $1 $2"},
     {R"((\S+): At Most 1 required but received \d+)", "$1 is given more than once"},
     {R"((\S+): (.*) not in \{(.*)\})", "$1: \"$2\" is not one of $3", true},
     {R"((\S+) excludes (\S+))", "$1 cannot be used together with $2"},
     {R"((\S+) requires (\S+))", "$1 needs $2"},
-    {R"(The following arguments? (?:was|were) not expected: (.*))", "unexpected arguments: $1"},
 };
 
 std::string inOurWords(const std::string& message) {
@@ -50,36 +52,105 @@ std::string inOurWords(const std::string& message) {
     return message;
 }
 
-// The words that the program knows where it found `word`, which it does not know.
-std::vector<std::string> knownWords(const CLI::App& app, const std::string& word) {
-    std::vector<std::string> known;
-    if (startsWith(word, "-")) {
-        for (const SOption& option : optionsOf(app)) {
-            known.push_back(option.name);
-        }
-        return known;
+std::vector<std::string> optionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const SOption& option : optionsOf(app)) {
+        names.push_back(option.name);
     }
+    return names;
+}
+
+std::vector<std::string> subcommandNames(const CLI::App& app) {
+    std::vector<std::string> names;
     for (const CLI::App* const subcommand : app.get_subcommands({})) {
-        known.push_back(subcommand->get_name());
+        names.push_back(subcommand->get_name());
     }
-    return known;
+    return names;
+}
+
+bool hasOption(const CLI::App& app, const std::string& name) {
+    const std::vector<std::string> names = optionNames(app);
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+std::string describeUnknownOption(const CLI::App& app, const CLI::App& place, const std::string& name) {
+    std::vector<const CLI::App*> owners{&place};
+    const auto subcommands = app.get_subcommands({});
+    owners.insert(owners.end(), subcommands.begin(), subcommands.end());
+    // The subcommand must come first: the options before it are the program's.
+    for (const CLI::App* const owner : owners) {
+        if (owner != &app && !app.remaining().empty() && hasOption(*owner, name)) {
+            return fmt::format("give {0} after the subcommand: fi-rotate {1} {0}", name, owner->get_name());
+        }
+    }
+    return fmt::format("there is no option {}{}", printableInQuotes(name),
+                       suggestion(name, optionNames(place)));
+}
+
+std::string describeUnexpected(const CLI::App& place, const std::vector<std::string>& words) {
+    std::string message = words.size() == 1 ? "unexpected argument:" : "unexpected arguments:";
+    for (const std::string& word : words) {
+        message += " " + printableInQuotes(word);
+    }
+    return message +
+           (hasOption(place, "--from")
+                ? "; give documents with --from, and each that is excluded with an --exclude of its own"
+                : "");
+}
+
+// The required options of `place` that are not given: the option parser names only the first.
+std::vector<std::string> missingOptions(const CLI::App& place) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : place.get_options()) {
+        if (option->get_required() && option->count() == 0) {
+            names.push_back(option->get_name());
+        }
+    }
+    return names;
+}
+
+bool isOfKind(const CLI::Error& error, CLI::ExitCodes kind) {
+    return error.get_exit_code() == static_cast<int>(kind);
+}
+
+std::string describeFailure(const CLI::App& app, const CLI::App& place, const CLI::Error& error) {
+    const std::vector<std::string> unexpected = app.remaining(true);
+    if (!unexpected.empty()) {
+        const std::string word = unexpected.front().substr(0, unexpected.front().find('='));
+        if (startsWith(word, "-")) {
+            return describeUnknownOption(app, place, word);
+        }
+        if (!app.remaining().empty()) {
+            return fmt::format("there is no subcommand {}{}", printableInQuotes(word),
+                               suggestion(word, subcommandNames(app)));
+        }
+        if (isOfKind(error, CLI::ExitCodes::ExtrasError)) {
+            return describeUnexpected(place, unexpected);
+        }
+    }
+    const std::vector<std::string> missing = missingOptions(place);
+    if (isOfKind(error, CLI::ExitCodes::RequiredError) && missing.size() > 1) {
+        return fmt::format("{} are required", fmt::join(missing, ", "));
+    }
+    return inOurWords(error.what());
 }
 
 std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
     const std::vector<CLI::App*> chosen = app->get_subcommands();
     const CLI::App& place = chosen.empty() ? *app : *chosen.front();
-    const std::vector<std::string> unknown = app->remaining(true);
-    std::string message = inOurWords(error.what());
-    if (!unknown.empty()) {
-        const std::string word = unknown.front().substr(0, unknown.front().find('='));
-        const bool isOption = startsWith(word, "-");
-        if (isOption || chosen.empty()) {
-            message = fmt::format("there is no {} {}{}", isOption ? "option" : "subcommand",
-                                  printableInQuotes(word), suggestion(word, knownWords(place, word)));
-        }
+    return fmt::format("fi-rotate: {}\nRun \"fi-rotate {}--help\" for help.\n",
+                       describeFailure(*app, place, error), chosen.empty() ? "" : place.get_name() + " ");
+}
+
+// The arguments as the option parser takes them, the last first. "help SUBCOMMAND" is "SUBCOMMAND --help".
+std::vector<std::string> reversedArguments(int argc, char** argv) {
+    std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    if (!arguments.empty() && arguments.front() == "help") {
+        arguments.erase(arguments.begin());
+        arguments.emplace_back("--help");
     }
-    return fmt::format("fi-rotate: {}\nRun \"fi-rotate {}--help\" for help.\n", message,
-                       chosen.empty() ? "" : place.get_name() + " ");
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
 int parseAndRun(int argc, char** argv) {
@@ -89,7 +160,7 @@ int parseAndRun(int argc, char** argv) {
     app.failure_message(failureMessage);
     addSubcommands(app, exitStatus);
     try {
-        app.parse(argc, argv);
+        app.parse(reversedArguments(argc, argv));
     } catch (const CLI::ParseError& error) {
         // --help and --version throw errors with status 0; all other errors are wrong usage.
         if (app.exit(error) != 0) {

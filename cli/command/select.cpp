@@ -85,8 +85,9 @@ struct SOptions {
 void requireListed(const std::string& option, const std::string& file, const std::set<std::string>& listed) {
     if (listed.count(file) == 0) {
         throw CLI::ValidationError(
-            option,
-            printableInQuotes(file) + " is not among the documents given; write its name exactly as there");
+            option, fmt::format("{} is not among the documents given; write its name exactly as there, and "
+                                "repeat {} for each file",
+                                printableInQuotes(file), option));
     }
 }
 

@@ -77,9 +77,10 @@ std::vector<SBackup> backupsOf(const SOptions& options) {
         const auto found = std::find_if(backups.begin(), backups.end(),
                                         [&file](const SBackup& backup) { return backup.file == file; });
         if (found == backups.end()) {
-            throw CLI::ValidationError(
-                "--exclude", printableInQuotes(file) +
-                                 " is not among the documents of --from; write its name exactly as there");
+            throw CLI::ValidationError("--exclude",
+                                       printableInQuotes(file) +
+                                           " is not among the documents of --from; write its name exactly as "
+                                           "there, and repeat --exclude for each file");
         }
         found->flagWord |= FI_EXCLUDE_ROTATION;
     }
@@ -97,7 +98,7 @@ SPlan planOf(const SOptions& options) {
     if (options.excludedWeekday.has_value()) {
         plan.excludedWeekday =
             valueOf("--exclude-weekday", *options.excludedWeekday, parseWeekday(*options.excludedWeekday),
-                    "a day of the week like sunday or sun");
+                    "a day of the week like sunday or sun; give only one");
     }
     if (options.excludedFor.has_value()) {
         plan.excludedFor =
@@ -216,7 +217,9 @@ void addSimulate(CLI::App& app, int& exitStatus) {
     simulate.add_option("--every", options->every, "Set the time between two rounds, such as 24h")
         ->type_name("TIME")
         ->required();
-    simulate.add_option("--start", options->start, "Set the time of the first round, in UTC")
+    simulate
+        .add_option("--start", options->start,
+                    "Set the time of the first round, on the clock of the documents' time stamps")
         ->type_name("DATE")
         ->required();
     CLI::Option* const every = simulate

@@ -209,7 +209,7 @@ SPicture pictureOf(const SSimulation& simulation) {
     picture.title = "Which snapshot holds which target";
     picture.warnings = warningsOf(simulation);
     picture.remarks = remarksOn(simulation, window);
-    picture.timeLabel = "time (UTC)";
+    picture.timeLabel = "time, on the clock of the time stamps";
     picture.rowLabel = "targets";
     picture.from = static_cast<double>(begin);
     picture.to = static_cast<double>(end);

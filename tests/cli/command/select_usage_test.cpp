@@ -31,6 +31,16 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
          "help."},
         {{"select"}, "--config"},
         {{"select", "--config", "a##b", "--config-file", "c"}, "give exactly one of --config, --config-file"},
+        {{"--config-file", "c", "select"},
+         "fi-rotate: give --config-file after the subcommand: fi-rotate select --config-file\n"},
+        {{"--config-file=c", "check", "a.xml"},
+         "fi-rotate: give --config-file after the subcommand: fi-rotate check --config-file\n"},
+        {{"--rounds", "3"}, "fi-rotate: give --rounds after the subcommand: fi-rotate simulate --rounds\n"},
+        {{"x.xml", "select", "--config", "a##b"}, "fi-rotate: there is no subcommand \"x.xml\"\n"},
+        {{"select", "--config", "a##b", "--only"},
+         "fi-rotate: --only needs a value, one of kept, invalid, rotated, not loaded\n"},
+        {{"select", "--config", "a##b", "--sort"},
+         "fi-rotate: --sort needs a value, one of argument, time, release\n"},
         {{"select", "--config"}, "--config needs a value: --config TEXT\n"},
         {{"select", "--config", "a##b", "--config", "c##d"}, "--config is given more than once\n"},
         {{"select", "--config", "a##b", "--keep-at-least", "x"},
@@ -52,15 +62,24 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
         {{"check", "--sort", "time"}, "there is no option \"--sort\"\n"},
         {{"simulate", "--config", "a##b;c", "--rounds", "2", "--every", "1d", "--start", "2026-10-01",
           "a.xml"},
-         "unexpected arguments: a.xml\n"},
+         "fi-rotate: unexpected argument: \"a.xml\"; give documents with --from, and each that is excluded "
+         "with an --exclude of its own\n"},
+        {{"simulate", "--config", "a##b;c", "--rounds", "2", "--every", "1d", "--start", "2026-10-01",
+          "--from", "a.xml", "--exclude", "a.xml", "b.xml", "c.xml"},
+         "fi-rotate: unexpected arguments: \"b.xml\" \"c.xml\"; give documents with --from"},
+        {{"simulate", "--config", "a##b;c"}, "fi-rotate: --rounds, --every, --start are required\n"},
+        {{"simulate", "--config", "a##b;c", "--every", "1d", "--start", "2026-10-01"},
+         "fi-rotate: --rounds is required\n"},
         {{"select", "--config", "a##b", "--frobnicate"}, "--frobnicate"},
         {{"select", "--config-file", "no/such/file"}, "cannot read \"no/such/file\": No such file"},
         {{"select", "--config-file", ""}, "cannot read \"\": No such file"},
         {{"select", "--config-file", "/"}, "cannot read \"/\": Is a directory"},
         {{"select", "--config", "a##b", "--exclude", "x", "y"},
-         "\"x\" is not among the documents given; write its name exactly as there"},
+         "--exclude: \"x\" is not among the documents given; write its name exactly as there, and repeat "
+         "--exclude for each file\n"},
         {{"select", "--config", "a##b", "--flags", "x=4", "y"},
-         "\"x\" is not among the documents given; write its name exactly as there"},
+         "--flags: \"x\" is not among the documents given; write its name exactly as there, and repeat "
+         "--flags for each file\n"},
         {{"select", "--config", "a##b", "--flags", "y", "y"}, "\"y\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=", "y"}, "\"y=\" is not FILE=N"},
         {{"select", "--config", "a##b", "--flags", "y=4x", "y"}, "\"y=4x\" is not FILE=N"},
@@ -132,6 +151,26 @@ TEST(FiRotateUsage, HelpAndVersionGoToStandardOutput) {
     const auto version = runFiRotate({"--version"});
     EXPECT_EQ(version.exitStatus, 0);
     EXPECT_EQ(version.output, "1.0.0\n");
+}
+
+TEST(FiRotateUsage, HelpAsASubcommandIsTheHelpOption) {
+    for (const std::vector<std::string>& subcommand :
+         {std::vector<std::string>(), {"select"}, {"check"}, {"explain"}, {"simulate"}}) {
+        std::vector<std::string> asSubcommand{"help"};
+        asSubcommand.insert(asSubcommand.end(), subcommand.begin(), subcommand.end());
+        std::vector<std::string> asOption = subcommand;
+        asOption.emplace_back("--help");
+        const auto help = runFiRotate(asSubcommand);
+        EXPECT_EQ(help.exitStatus, 0);
+        EXPECT_EQ(help.error, "");
+        EXPECT_EQ(help.output, runFiRotate(asOption).output);
+    }
+}
+
+TEST(FiRotateUsage, HelpShowsWhichOptionTakesSeveralValues) {
+    const auto help = runFiRotate({"simulate", "--help"});
+    EXPECT_THAT(help.output, HasSubstr("\n  --from FILE... "));
+    EXPECT_THAT(help.output, HasSubstr("\n  --exclude FILE "));
 }
 
 TEST(FiRotateUsage, FlagWordsAndExclusionsReachTheLibrary) {
