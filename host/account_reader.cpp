@@ -43,6 +43,13 @@ std::string describeMissing(std::string_view lines, std::size_t seen, std::size_
                           : fmt::format("the loading of {} of {} backups", seen - backups, seen);
 }
 
+// Where more excluded backups are told to be kept than can have been, it is not known which are excluded, or
+// which were rotated.
+std::string describeMissingOfExcluded(std::size_t found, std::size_t expected) {
+    return found < expected ? fmt::format("lines about {} of {} excluded backups", expected - found, expected)
+                            : std::string("lines that say which backups are excluded, or which were rotated");
+}
+
 // The arguments of a line, if it is of this kind. Of three kinds only the beginning is compared, and no
 // arguments are taken: when the configuration holds line breaks, a line of a log holds only the beginning of
 // the text.
@@ -85,10 +92,11 @@ std::vector<std::string> CAccountReader::gaps() const {
     const bool isRotationBegun = isRotationOver || !skipped.empty();
     const bool isClaimBegun = isRotationBegun || !claims.empty();
     const bool isCheckBegun = isClaimBegun || checked != 0;
-    std::vector<std::string> gaps;
     if (!isBegun) {
-        gaps.emplace_back("its beginning, with the configuration");
+        // Without it, the lines that are there seem to contradict each other.
+        return {"its beginning, with the configuration: give the earlier log too, before this one"};
     }
+    std::vector<std::string> gaps;
     // The library does not print what it parsed of a configuration that it then rejected.
     if (isCheckBegun && (printedSets == 0 || (!isRejected && usedTargets != parsedTargets.size()))) {
         gaps.emplace_back("lines of the configuration");
@@ -101,8 +109,7 @@ std::vector<std::string> CAccountReader::gaps() const {
         gaps.push_back(describeMissing("claims", claims.size(), passed));
     }
     if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
-        gaps.push_back(fmt::format("lines about skipped backups ({} found, {} expected)", skipped.size(),
-                                   expectedSkips()));
+        gaps.push_back(describeMissingOfExcluded(skipped.size(), expectedSkips()));
     }
     if (contradictions != 0) {
         gaps.push_back(contradictions == 1

@@ -108,6 +108,7 @@ TEST(HostAccountReader, PassesOverLinesOfOthers) {
 
 TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
     const Lines withoutStart(kBeginning.begin() + 1, kBeginning.end());
+    const Lines withoutFlagWord(kBeginning.begin(), kBeginning.end() - 1);
     Lines withoutTarget = kBeginning;
     withoutTarget.erase(withoutTarget.begin() + 3);
     Lines withoutPrinted = kLoading;
@@ -119,18 +120,29 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
         Lines gaps;
     } rows[] = {
         {withoutStart + kLoading + kChecks + kClaims + kSkip + kEnd,
-         {"its beginning, with the configuration"}},
+         {"its beginning, with the configuration: give the earlier log too, before this one"}},
         {kBeginning + withoutPrinted + kChecks, {"lines of the configuration"}},
         {kBeginning + kLoading + oneCheck + kClaims, {"1 of 2 checks"}},
         {kBeginning + kLoading + kChecks + oneClaim + kSkip, {"1 of 2 claims"}},
-        {kBeginning + kLoading + kChecks + kClaims + kEnd,
-         {"lines about skipped backups (0 found, 1 expected)"}},
+        // Without the flag word 4, nobody knows that a backup is excluded.
+        {withoutFlagWord + kLoading + kChecks + kClaims + kSkip + kEnd,
+         {"lines that say which backups are excluded, or which were rotated"}},
+        {kBeginning + kLoading + kChecks + kClaims + kEnd, {"lines about 1 of 1 excluded backups"}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(readerOf(row.lines).gaps(), row.gaps) << row.gaps.front();
     }
     EXPECT_THAT(readerOf(withoutTarget + kLoading + kChecks).gaps(),
                 ElementsAre("lines before the message with \"2\""));
+}
+
+TEST(HostAccountReader, NamesOnlyTheBeginningWhereThatIsMissing) {
+    const Lines all = kBeginning + kLoading + kChecks + kClaims + kSkip + kEnd;
+    for (std::size_t lost = 1; lost < all.size() - kTreeOfOld.size(); ++lost) {
+        const CAccountReader reader =
+            readerOf(Lines(all.begin() + static_cast<std::ptrdiff_t>(lost), all.end()));
+        EXPECT_THAT(reader.gaps(), ElementsAre(testing::StartsWith("its beginning, "))) << all[lost];
+    }
 }
 
 TEST(HostAccountReader, NamesNoMissingLinesWhenACallBreaksOffAtItsEnd) {
@@ -207,7 +219,7 @@ TEST(HostAccountReader, EndsACallWithoutASelection) {
     EXPECT_TRUE(reader.isEnded());
     EXPECT_THAT(reader.gaps(), IsEmpty());
     EXPECT_THAT(readerOf(kBeginning + kLoading + kChecks + kClaims + noSelection).gaps(),
-                ElementsAre("lines about skipped backups (0 found, 1 expected)"));
+                ElementsAre("lines about 1 of 1 excluded backups"));
 }
 
 TEST(HostAccountReader, EndsACallWithAMalformedIdentifierOfItsOwn) {

@@ -247,7 +247,8 @@ TEST_F(FiRotateLog, SaysThatTheBeginningIsMissing) {
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
     ASSERT_FALSE(calls[0].missing.empty());
-    EXPECT_EQ(calls[0].missing[0], "its beginning, with the configuration");
+    EXPECT_EQ(calls[0].missing[0],
+              "its beginning, with the configuration: give the earlier log too, before this one");
     EXPECT_TRUE(calls[0].outcome.selection.has_value());
 }
 

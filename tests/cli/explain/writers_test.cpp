@@ -277,7 +277,9 @@ TEST_F(FiRotateLogWriters, AreSeparatedWhenTheLogBeginsWithinACall) {
     log.push_back(iso(2, whole.lines.back()[0], 5) + whole.lines.back().substr(2));
     const auto calls = callsOf(log);
     ASSERT_THAT(calls, SizeIs(4));
-    EXPECT_THAT(calls[0].missing, ElementsAre("its beginning, with the configuration"));
+    EXPECT_THAT(
+        calls[0].missing,
+        ElementsAre("its beginning, with the configuration: give the earlier log too, before this one"));
     for (std::size_t i = 0; i < whole.calls.size(); ++i) {
         EXPECT_EQ(told(calls[i + 1].outcome), whole.calls[i].second);
         EXPECT_THAT(calls[i + 1].missing, IsEmpty());
@@ -302,7 +304,10 @@ TEST_F(FiRotateLogWriters, AreToldApartWhenAllCallsWereCutOffAtTheBeginningOfThe
         const auto calls = callsOf(log);
         ASSERT_THAT(calls, SizeIs(2));
         for (const auto& call : calls) {
-            EXPECT_THAT(call.missing, testing::Contains("its beginning, with the configuration"));
+            EXPECT_THAT(
+                call.missing,
+                testing::Contains(
+                    "its beginning, with the configuration: give the earlier log too, before this one"));
             EXPECT_EQ(statesOf(call.outcome), "rotated kept kept kept ");
         }
     }
