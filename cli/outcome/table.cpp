@@ -104,11 +104,32 @@ std::string totalsLine(const SOutcome& outcome) {
     return counts.empty() ? "" : fmt::format("Total: {}\n", fmt::join(counts, ", "));
 }
 
+// The backups that --only leaves out: "2 in other states, 5 without a state".
+std::string hiddenInWords(const SOutcome& outcome, std::size_t hidden) {
+    const std::size_t withoutState = totalsOf(outcome).withoutState;
+    std::vector<std::string> counts;
+    if (hidden != withoutState) {
+        counts.push_back(fmt::format("{} in other states", hidden - withoutState));
+    }
+    if (withoutState != 0) {
+        counts.push_back(fmt::format("{} without a state", withoutState));
+    }
+    return fmt::format("{}", fmt::join(counts, ", "));
+}
+
+std::string noneShown(const SOutcome& outcome, std::size_t hidden) {
+    // Any of them may be in the states that were asked for.
+    if (!isEndKnown(outcome) && totalsOf(outcome).withoutState == hidden) {
+        return fmt::format("Backups: the states of {} are not known\n", hidden);
+    }
+    return fmt::format("Backups: none in these states, {}\n", hiddenInWords(outcome, hidden));
+}
+
 std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areAllKnown, std::size_t width,
                         bool colour) {
     const std::size_t hidden = outcome.backups.size() - shown.size();
     if (shown.empty() && hidden != 0) {
-        return fmt::format("Backups: none in these states, {} in others\n", hidden);
+        return noneShown(outcome, hidden);
     }
     if (shown.empty()) {
         return areAllKnown ? "Backups: none; this is the first backup\n" : "Backups: not known\n";
@@ -123,7 +144,7 @@ std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areA
         rows.push_back(std::move(row));
     }
     return "Backups\n" + toTableOrLists(rows, width, colour) +
-           (hidden == 0 ? "" : fmt::format("  ({} in other states)\n", hidden)) + totalsLine(outcome);
+           (hidden == 0 ? "" : fmt::format("  ({})\n", hiddenInWords(outcome, hidden))) + totalsLine(outcome);
 }
 
 std::string reasonFor(const SBackupOutcome& backup) {
@@ -176,9 +197,14 @@ std::string inWords(const std::vector<SChange>& changes) {
     for (const SChange& change : changes) {
         words.push_back(change.kind == EChange::kAllowRotation
                             ? "allow rotation of " + asPrintable(change.file)
-                            : "give up " + asPrintable(change.file) + ", which is invalid");
+                            : "delete the backup of " + asPrintable(change.file) + ", which is invalid");
     }
     return fmt::format("{}", fmt::join(words, ", and "));
+}
+
+bool hasDeletion(const std::vector<SChange>& changes) {
+    return std::any_of(changes.begin(), changes.end(),
+                       [](const SChange& change) { return change.kind == EChange::kLeaveOut; });
 }
 
 // What is wrong and what to do about it; shown first, because it is what people look for.
@@ -192,8 +218,12 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
     if (!advice.neededChanges.empty()) {
         text += fmt::format("Without new targets: {} ({})\n", inWords(advice.neededChanges),
                             wouldBeReleased(advice.released));
+        text += hasDeletion(advice.neededChanges)
+                    ? "  Run without that document first, to try it. Delete in the product only if no other "
+                      "document names the targets.\n"
+                    : "";
     } else {
-        text += "Without new targets: nothing helps, whichever backups are given up\n";
+        text += "Without new targets: nothing helps, whichever backups are deleted\n";
     }
     if (advice.releasedWithTargets.has_value()) {
         text += fmt::format("With new targets: add one to {} ({})\n", isOne ? "it" : "each of them",
@@ -204,7 +234,7 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
 
 std::string resultOf(const STrial& trial) {
     const std::string change =
-        trial.change.kind == EChange::kAllowRotation ? "if its rotation is allowed," : "if it is given up,";
+        trial.change.kind == EChange::kAllowRotation ? "if its rotation is allowed," : "if it is deleted,";
     if (!trial.released.has_value()) {
         return change + " a target is still missing";
     }

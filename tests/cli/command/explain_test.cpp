@@ -113,7 +113,7 @@ TEST_F(FiRotateExplain, GivesTheSameAccountAsTheCallItself) {
 TEST_F(FiRotateExplain, ShowsOnlyTheStatesAskedFor) {
     call("A##x;1;2", {backup});
     const auto result = runFiRotate({"explain", "--only", "rotated", log});
-    EXPECT_THAT(result.output, HasSubstr("Backups: none in these states, 1 in others\n"));
+    EXPECT_THAT(result.output, HasSubstr("Backups: none in these states, 1 in other states\n"));
 }
 
 TEST_F(FiRotateExplain, SaysWhatALogLacks) {

@@ -303,6 +303,39 @@ TEST(FiRotateSelect, BeginsWithTheWaysOutOfAShortage) {
                                           "With new targets: add one to it (no backup would be released)\n"));
 }
 
+// The older of two backups with one target in common is invalid, and holds the only target of the second
+// volume.
+TEST(FiRotateSelect, SaysHowToDeleteAnInvalidBackupThatHoldsTheLastTarget) {
+    const fi_test::CTemporaryFolder folder;
+    const auto node = [](const std::string& first, const std::string& target) {
+        return "<Node><objid>UDID##a##b##" + first + "</objid><altobjid>UDID##a##b##" + target +
+               "</altobjid></Node>";
+    };
+    const std::string invalid = folder.write(
+        "a.xml", "<Node><timeStamp>1</timeStamp>" + node("e##v", "e##1") + node("e##u", "e##2") + "</Node>");
+    const std::string newer =
+        folder.write("b.xml", "<Node><timeStamp>2</timeStamp>" + node("e##v", "e##1") + "</Node>");
+    const auto result = runFiRotate({"select", "--config", "e##v;1;3&e##u;2", invalid, newer});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(
+        result.output,
+        StartsWith("Selection: none\n"
+                   "e##u has no free target\n"
+                   "Without new targets: delete the backup of " +
+                   invalid +
+                   ", which is invalid (no backup would be released)\n"
+                   "  Run without that document first, to try it. Delete in the product only if no other "
+                   "document names the targets.\n"
+                   "With new targets: add one to it (no backup would be released)\n"
+                   "\n"
+                   "Targets of e##u\n"
+                   "  e##2 is held by " +
+                   invalid +
+                   ", invalid, so never released\n"
+                   "    if it is deleted, no backup would be released\n"));
+    EXPECT_EQ(runFiRotate({"select", "--config", "e##v;1;3&e##u;2", newer}).exitStatus, 0);
+}
+
 TEST(FiRotateSelect, SaysThatOnlyATargetHelpsAConfigurationThatHasNone) {
     const fi_test::CTemporaryFolder folder;
     const std::string backup = folder.write("a.xml", "<Node><timeStamp>1</timeStamp></Node>");
@@ -311,7 +344,7 @@ TEST(FiRotateSelect, SaysThatOnlyATargetHelpsAConfigurationThatHasNone) {
     EXPECT_THAT(result.output,
                 StartsWith("Selection: none\n"
                            "encA##lun1 has no free target\n"
-                           "Without new targets: nothing helps, whichever backups are given up\n"
+                           "Without new targets: nothing helps, whichever backups are deleted\n"
                            "With new targets: add one to it (no backup would be released)\n"));
 }
 

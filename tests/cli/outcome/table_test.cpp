@@ -82,7 +82,7 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
     outcome.backups = {backup("b.xml", "", 0, FI_BACKUP_KEPT), backup("c.xml", "", 0, FI_BACKUP_ROTATED)};
     const SView view{{"not loaded"}, false};
     EXPECT_EQ(fi_rotate::toTables(outcome, view, std::nullopt, kAnyWidth, false),
-              "Selection: none\n\nBackups: none in these states, 2 in others\n");
+              "Selection: none\n\nBackups: none in these states, 2 in other states\n");
     outcome.backups.emplace_back().given.file = "a.xml";
     EXPECT_EQ(fi_rotate::toTables(outcome, view, std::nullopt, kAnyWidth, false),
               "Selection: none\n\nBackups\n"
@@ -90,6 +90,33 @@ TEST(FiRotateTable, CountsTheBackupsThatItDoesNotShow) {
               "  a.xml  -           0      not loaded\n"
               "  (2 in other states)\n"
               "Total: 1 kept, 1 rotated, 1 not loaded\n");
+}
+
+TEST(FiRotateTable, SaysOfHiddenBackupsWithoutAStateThatTheyAreNotInOthers) {
+    const SView view{{"rotated"}, false};
+    const auto shown = [&view](const SOutcome& outcome) {
+        return fi_rotate::toTables(outcome, view, std::nullopt, kAnyWidth, false);
+    };
+    // Without a status the end of the call is missing from the log.
+    SOutcome outcome;
+    SBackupOutcome unknown = backup("a.xml", "", 0, 0);
+    unknown.state.reset();
+    outcome.backups = {unknown, unknown};
+    EXPECT_EQ(shown(outcome), "Selection: not known\n\nBackups: the states of 2 are not known\n");
+    outcome.backups.push_back(backup("b.xml", "", 0, FI_BACKUP_KEPT));
+    EXPECT_EQ(
+        shown(outcome),
+        "Selection: not known\n\nBackups: none in these states, 1 in other states, 2 without a state\n");
+    outcome.backups.push_back(backup("c.xml", "", 0, FI_BACKUP_ROTATED));
+    EXPECT_EQ(shown(outcome),
+              "Selection: not known\n\nBackups\n"
+              "  file   time stamp  flags  state\n"
+              "  c.xml  -           0      rotated\n"
+              "  (1 in other states, 2 without a state)\n"
+              "Total: 1 kept, 1 rotated, 2 without a state\n");
+    outcome.status = FI_STATUS_FAILURE;
+    outcome.backups = {unknown};
+    EXPECT_EQ(shown(outcome), "Selection: none\n\nBackups: none in these states, 1 without a state\n");
 }
 
 TEST(FiRotateTable, ShowsTheSelectionAsOneTextWhenItCannotBeSplit) {
