@@ -353,14 +353,15 @@ void countBackups(SPicture& picture, const SOutcome& outcome) {
     }
     const bool isSelected = outcome.selection.has_value();
     const FlagWords flagWords = flagWordsOf(outcome.backups);
-    const std::array<std::string_view, kBarKinds + 1> words{plainWord(outcome), "rotated", "excluded",
-                                                            "invalid", kNotLoaded};
+    constexpr auto kKinds = static_cast<std::size_t>(EBar::kInvalid) + 1;
+    const std::array<std::string_view, kKinds + 1> words{plainWord(outcome), "rotated", "excluded", "invalid",
+                                                         kNotLoaded};
     std::array<std::size_t, words.size()> counts{};
     for (const SBackupOutcome& backup : outcome.backups) {
         const std::int32_t state = backup.state.value_or(told[backup.given.file]);
         const auto kind =
             static_cast<std::size_t>(kindOf(state, flagWords.at(backup.given.file), isSelected));
-        ++counts[backup.isLoaded ? kind : kBarKinds];
+        ++counts[backup.isLoaded ? kind : kKinds];
     }
     std::vector<std::string> parts;
     for (std::size_t i = 0; i < words.size(); ++i) {

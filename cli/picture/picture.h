@@ -16,8 +16,9 @@ enum class EBar {
     kExcluded,
     // Invalid, or lost since it was overwritten.
     kInvalid,
+    // Of an invalid backup that does not hold the target.
+    kUnprotected,
 };
-constexpr std::size_t kBarKinds = 4;
 
 struct SBar {
     double from = 0;
@@ -36,6 +37,8 @@ enum class ETarget {
     // Also when the state is not known.
     kHeld,
     kFree,
+    // Not held, but an invalid backup names it.
+    kUnprotected,
     // Free, and the next snapshot goes there.
     kChosen,
     // Held, and its configuration has no free target.
@@ -92,6 +95,7 @@ struct SPicture {
     std::string rotatedMeaning;
     std::string excludedMeaning;
     std::string invalidMeaning;
+    std::string unprotectedMeaning;
     std::string openMeaning;
     // A vertical line across all rows; not drawn without a label.
     double lineAt = 0;

@@ -19,6 +19,7 @@ constexpr const char* kStyle = R"(
     .rotated .shape { fill: #ffffff; }
     .excluded .shape { fill: url(#stripes); }
     .invalid .shape { fill: url(#dots); stroke-dasharray: 3 2; }
+    .unprotected .shape { fill: url(#hatch); stroke-dasharray: 3 2; }
     .chosen .shape { fill: #d9f2e0; stroke: #0a5c2e; stroke-width: 2; }
     .chosen .tag { fill: #0a5c2e; }
     .chosen text { font-weight: bold; }
@@ -56,6 +57,11 @@ constexpr const char* kPatterns = R"xml(  <defs>
     <pattern id="dots" width="4" height="4" patternUnits="userSpaceOnUse">
       <rect class="paper" width="4" height="4"/>
       <circle class="ink" cx="1" cy="1" r="0.7"/>
+    </pattern>
+    <pattern id="hatch" width="6" height="6" patternUnits="userSpaceOnUse" patternTransform="rotate(45)">
+      <rect class="paper" width="6" height="6"/>
+      <rect class="ink" width="0.7" height="6"/>
+      <rect class="ink" width="6" height="0.7"/>
     </pattern>
   </defs>
 )xml";

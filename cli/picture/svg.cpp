@@ -96,6 +96,7 @@ private:
         drawn += barEntry(x, EBar::kRotated, false, picture.rotatedMeaning);
         drawn += barEntry(x, EBar::kExcluded, false, picture.excludedMeaning);
         drawn += barEntry(x, EBar::kInvalid, false, picture.invalidMeaning);
+        drawn += barEntry(x, EBar::kUnprotected, false, picture.unprotectedMeaning);
         drawn += barEntry(x, EBar::kPlain, true, picture.openMeaning);
         if (picture.has(ETarget::kChosen)) {
             const std::string words = "free, and chosen for the next snapshot";
@@ -214,6 +215,9 @@ private:
             case ETarget::kFree:
                 drawn += text(marks + kTip, base, R"( class="remark")", "free");
                 break;
+            case ETarget::kUnprotected:
+                drawn += text(marks + kTip, base, R"( class="remark")", "-");
+                break;
             case ETarget::kChosen:
                 return drawn + chosenRow(shown, place, y);
             case ETarget::kBlocked:
@@ -305,7 +309,7 @@ private:
         }
         const std::string cut = cutTo(whole, std::max<std::size_t>(room, 1));
         std::string ground;
-        if (bar.kind == EBar::kExcluded || bar.kind == EBar::kInvalid) {
+        if (bar.kind != EBar::kPlain && bar.kind != EBar::kRotated) {
             ground = fmt::format(R"(<rect class="paper" x="{:.1f}" y="{:.1f}" width="{:.1f}" height="{}"/>)",
                                  x + 0.5, y + 0.5, widthOf(cut) + 4, kBarHeight - 1);
         }

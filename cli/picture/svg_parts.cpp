@@ -81,6 +81,8 @@ const char* classOf(EBar kind) {
             return "excluded";
         case EBar::kInvalid:
             return "invalid";
+        case EBar::kUnprotected:
+            return "unprotected";
     }
     return "";
 }

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "cli/base/calendar.h"
 #include "cli/picture/arrange.h"
@@ -79,6 +80,58 @@ SBar barOf(const SSimulation& simulation, const SSnapshot& snapshot, const SPict
         snapshot.taken == 0 ? fmt::format("d{}", snapshot.document + 1) : fmt::to_string(snapshot.taken);
     bar.title = titleOf(simulation, snapshot);
     return bar;
+}
+
+// From the time of its backup to the round in which the target was taken: in one bar as long as the backup
+// holds the target, in another afterwards.
+std::vector<SBar> barsOf(const SSimulation& simulation, const SUnprotected& target, const SPicture& picture) {
+    const SPlan& plan = simulation.plan;
+    const STakenOver& backup = simulation.takenOver[target.document];
+    const auto placeOf = [&picture](std::int64_t time) {
+        return std::clamp(static_cast<double>(time), picture.from, picture.to);
+    };
+    const std::optional<std::uint32_t> held = lastRoundHeld(simulation, target);
+    const double begin = backup.time.has_value() ? placeOf(*backup.time) : picture.from;
+    const double end = target.overwritten != 0 ? placeOf(timeOf(plan, target.overwritten)) : picture.to;
+    const double free = !held.has_value() ? end : *held == 0 ? begin : placeOf(timeOf(plan, *held));
+    const std::string title =
+        fmt::format("{}: {}, invalid", simulation.configurations[target.configuration].targets[target.target],
+                    plan.from[target.document].file);
+
+    std::vector<SBar> bars;
+    if (free > begin) {
+        SBar& bar = bars.emplace_back();
+        bar.from = begin;
+        bar.to = free;
+        bar.kind = EBar::kInvalid;
+        bar.title = title + (held.has_value() ? fmt::format(", held until the call of round {}", *held)
+                                              : ", still held");
+    }
+    if (end > free) {
+        SBar& bar = bars.emplace_back();
+        bar.from = free;
+        bar.to = end;
+        bar.kind = EBar::kUnprotected;
+        bar.title = title + ", not held" +
+                    (target.overwritten != 0 ? fmt::format(", chosen in round {}", target.overwritten) : "");
+    }
+    for (SBar& bar : bars) {
+        bar.name = fmt::format("d{}", target.document + 1);
+    }
+    return bars;
+}
+
+// What the bars of invalid backups and those of lost snapshots mean, which look the same.
+std::string invalidMeaningOf(const SSimulation& simulation) {
+    std::vector<std::string> meanings;
+    if (simulation.hasLost) {
+        meanings.emplace_back("lost: overwritten by a later snapshot");
+    }
+    if (std::any_of(simulation.unprotected.begin(), simulation.unprotected.end(),
+                    [](const SUnprotected& target) { return target.isHeldAtFirst; })) {
+        meanings.emplace_back("held by an invalid backup");
+    }
+    return fmt::format("{}", fmt::join(meanings, ", or "));
 }
 
 // The time where the picture begins: that of the first snapshot or of the first round, whichever is earlier;
@@ -184,6 +237,13 @@ void addRows(SPicture& picture, const SSimulation& simulation) {
             row.state = ETarget::kFree;
         }
     }
+    for (const SUnprotected& target : simulation.unprotected) {
+        if (target.overwritten == 0) {
+            SPictureRow& row = picture.groups[target.configuration].rows[target.target];
+            const bool isHeld = !lastRoundHeld(simulation, target).has_value();
+            row.state = isHeld ? ETarget::kHeld : ETarget::kUnprotected;
+        }
+    }
     for (const SSnapshot& snapshot : simulation.snapshots) {
         if (snapshot.end == EEnd::kHeld) {
             picture.groups[snapshot.configuration].rows[snapshot.target].state = ETarget::kHeld;
@@ -216,6 +276,11 @@ SPicture pictureOf(const SSimulation& simulation) {
     picture.columns = std::max<std::size_t>(static_cast<std::size_t>((end - begin) / plan.every), 1);
     picture.ticks = timeTicks(begin, end, mostTicks(picture.columns));
     addRows(picture, simulation);
+    for (const SUnprotected& target : simulation.unprotected) {
+        for (const SBar& bar : barsOf(simulation, target, picture)) {
+            picture.groups[target.configuration].rows[target.target].bars.push_back(bar);
+        }
+    }
     for (const SSnapshot& snapshot : simulation.snapshots) {
         if (snapshot.end == EEnd::kHeld || timeOf(plan, snapshot.ended) > begin) {
             picture.groups[snapshot.configuration].rows[snapshot.target].bars.push_back(
@@ -225,7 +290,9 @@ SPicture pictureOf(const SSimulation& simulation) {
     sortAndShorten(picture);
     picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, until it is rotated" : "";
     picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
-    picture.invalidMeaning = picture.has(EBar::kInvalid) ? "lost: overwritten by a later snapshot" : "";
+    picture.invalidMeaning = picture.has(EBar::kInvalid) ? invalidMeaningOf(simulation) : "";
+    picture.unprotectedMeaning =
+        picture.has(EBar::kUnprotected) ? "named by an invalid backup only: the library may choose it" : "";
     picture.openMeaning = picture.hasRow([](const SPictureRow& row) {
         return std::any_of(row.bars.begin(), row.bars.end(), [](const SBar& bar) { return bar.isOpen; });
     })

@@ -107,6 +107,7 @@ private:
     void beginWith(STakeOver taken) {
         simulation.snapshots = std::move(taken.snapshots);
         simulation.takenOver = std::move(taken.backups);
+        simulation.unprotected = std::move(taken.unprotected);
         std::size_t firstSnapshot = 0;
         for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
             const SBackup& given = simulation.plan.from[i];
@@ -251,6 +252,7 @@ private:
             snapshot.target = static_cast<std::uint32_t>(place - targets.begin());
             snapshot.taken = static_cast<std::uint32_t>(round);
             overwriteHolder(snapshot);
+            overwriteUnprotected(snapshot);
             simulation.snapshots.push_back(snapshot);
         }
         backup.file =
@@ -267,6 +269,15 @@ private:
                 if (held.configuration == next.configuration && held.target == next.target) {
                     endSnapshot(held, next.taken, EEnd::kLost);
                 }
+            }
+        }
+    }
+
+    void overwriteUnprotected(const SSnapshot& next) {
+        for (SUnprotected& target : simulation.unprotected) {
+            if (target.configuration == next.configuration && target.target == next.target &&
+                target.overwritten == 0) {
+                target.overwritten = next.taken;
             }
         }
     }
@@ -335,6 +346,14 @@ bool isExcluded(const SSimulation& simulation, const SSnapshot& snapshot) {
 bool isExcludedAt(const SSimulation& simulation, const SSnapshot& snapshot, std::int64_t time) {
     return isExcluded(simulation, snapshot) &&
            !isExclusionOver(simulation.plan, timeOf(simulation, snapshot), time);
+}
+
+std::optional<std::uint32_t> lastRoundHeld(const SSimulation& simulation, const SUnprotected& target) {
+    const std::uint32_t ended = simulation.takenOver[target.document].ended;
+    if (!target.isHeldAtFirst) {
+        return 0;
+    }
+    return ended != 0 ? std::optional(ended) : std::nullopt;
 }
 
 std::size_t countRoundsWithoutTarget(const SSimulation& simulation) {

@@ -72,6 +72,20 @@ struct STakenOver {
     EEnd end = EEnd::kHeld;
 };
 
+// A target that a backup of SPlan::from names that is invalid, and that no other backup holds before the
+// first round. A snapshot may be on it, but the library keeps it from nobody: it may choose the target.
+struct SUnprotected {
+    // Indexes as in SSnapshot.
+    std::uint32_t configuration = 0;
+    std::uint32_t target = 0;
+    std::uint32_t document = 0;
+    // The backup has claimed this target before its claim failed at another one. So the target cannot be
+    // chosen in the calls that the backup is part of, and only later.
+    bool isHeldAtFirst = false;
+    // The round that took the target; 0 when none did.
+    std::uint32_t overwritten = 0;
+};
+
 // A target of a configuration, and the backup that holds it.
 struct SHeldByRound {
     std::size_t target = 0;
@@ -124,6 +138,7 @@ struct SSimulation {
     // First those that existed before, in the order of SPlan::from, then those of the rounds. The snapshots
     // of one backup are next to each other.
     std::vector<SSnapshot> snapshots;
+    std::vector<SUnprotected> unprotected;
     // In their order.
     std::vector<SRoundsWithoutTarget> withoutTarget;
     // One for each configuration.
@@ -139,6 +154,9 @@ std::int64_t timeOf(const SSimulation& simulation, const SSnapshot& snapshot);
 // Whether the backup was excluded when it was taken, and whether its exclusion still lasts at `time`.
 bool isExcluded(const SSimulation& simulation, const SSnapshot& snapshot);
 bool isExcludedAt(const SSimulation& simulation, const SSnapshot& snapshot, std::int64_t time);
+
+// The last round in whose call the target is held; 0 when there is none. Nothing when it is held to the end.
+std::optional<std::uint32_t> lastRoundHeld(const SSimulation& simulation, const SUnprotected& target);
 
 std::size_t countRoundsWithoutTarget(const SSimulation& simulation);
 

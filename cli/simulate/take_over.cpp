@@ -1,6 +1,9 @@
 #include "cli/simulate/take_over.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -12,6 +15,7 @@
 #include "cli/base/calendar.h"
 #include "cli/base/terminal.h"
 #include "cli/base/text.h"
+#include "host/identifier.h"
 #include "host/safe_call.h"
 
 namespace fi_rotate {
@@ -44,7 +48,7 @@ SAccount accountOf(const SPlan& plan) {
 std::string faultOfTime(const SAccountBackup& backup, const SPlan& plan) {
     const auto time = parseTimeStamp(backup.timeStamp);
     if (!time.has_value()) {
-        return fmt::format("has the time stamp {}, but a simulation needs the form YYYYMMDDhhmmss",
+        return fmt::format("has the time stamp {}, which is no date in the form YYYYMMDDhhmmss",
                            printableInQuotes(backup.timeStamp));
     }
     return *time < plan.start
@@ -82,6 +86,51 @@ std::vector<std::vector<SSnapshot>> snapshotsOf(const SAccount& account) {
     return snapshots;
 }
 
+// The target that a pair names, with the indexes of SUnprotected; nothing when none is configured.
+std::optional<SUnprotected> targetNamedBy(const CPairs::SPair& pair, const SAccount& account) {
+    const SIdentifier first = parseIdentifier(pair.objid);
+    const SIdentifier further = parseIdentifier(pair.altobjid);
+    if (first.fault.has_value() || further.fault.has_value()) {
+        return std::nullopt;
+    }
+    for (std::size_t i = 0; i < account.configurations.size(); ++i) {
+        const SAccountConfiguration& configuration = account.configurations[i];
+        const auto& targets = configuration.targets;
+        const auto found = std::find(targets.begin(), targets.end(), further.name());
+        if (configuration.first == first.name() && found != targets.end()) {
+            SUnprotected named;
+            named.configuration = static_cast<std::uint32_t>(i);
+            named.target = static_cast<std::uint32_t>(found - targets.begin());
+            return named;
+        }
+    }
+    return std::nullopt;
+}
+
+std::vector<SUnprotected> unprotectedTargets(const SAccount& account) {
+    std::vector<SUnprotected> all;
+    std::set<std::pair<std::uint32_t, std::uint32_t>> known;
+    for (std::size_t i = 0; i < account.backups.size(); ++i) {
+        if (account.backups[i].state != FI_BACKUP_INVALID) {
+            continue;
+        }
+        for (const CPairs::SPair& pair : account.backups[i].pairs.inOrder()) {
+            auto named = targetNamedBy(pair, account);
+            if (!named.has_value()) {
+                continue;
+            }
+            const auto& holder = account.heldBefore[named->configuration][named->target];
+            named->document = static_cast<std::uint32_t>(i);
+            named->isHeldAtFirst = holder == i;
+            const bool isOfOther = holder.has_value() && holder != i;
+            if (!isOfOther && known.insert({named->configuration, named->target}).second) {
+                all.push_back(*named);
+            }
+        }
+    }
+    return all;
+}
+
 }  // namespace
 
 STakeOver takeOver(const SPlan& plan) {
@@ -89,6 +138,7 @@ STakeOver takeOver(const SPlan& plan) {
     requirePlacesInTime(account, plan);
     const auto snapshots = snapshotsOf(account);
     STakeOver result;
+    result.unprotected = unprotectedTargets(account);
     for (std::size_t i = 0; i < account.backups.size(); ++i) {
         STakenOver& backup = result.backups.emplace_back();
         backup.time = parseTimeStamp(account.backups[i].timeStamp);

@@ -12,6 +12,7 @@ struct STakeOver {
     std::vector<STakenOver> backups;
     // The snapshots of one backup are next to each other.
     std::vector<SSnapshot> snapshots;
+    std::vector<SUnprotected> unprotected;
 };
 
 // Finds the backups of SPlan::from and what they hold, by a safe call of the library. Throws

@@ -24,6 +24,9 @@ constexpr std::size_t kFewestColumns = 10;
 constexpr std::size_t kStandstillColumns = 3;
 constexpr char kFree = '.';
 constexpr char kNoTarget = '!';
+// Of a target that only an invalid backup names: the library may choose it, or cannot because it is held.
+constexpr char kUnprotected = '-';
+constexpr char kHeldByInvalid = '#';
 
 // Letters as numbers from 0 on, one for each backup.
 class CLetters {
@@ -110,14 +113,49 @@ std::vector<char> lettersOf(const SSimulation& simulation) {
     return result;
 }
 
+using Cells = std::vector<std::vector<std::string>>;
+
+void markUnprotected(Cells& cells, const SSimulation& simulation, const SWindow& window) {
+    for (const SUnprotected& target : simulation.unprotected) {
+        std::string& row = cells[target.configuration][target.target];
+        const std::size_t held = lastRoundHeld(simulation, target).value_or(window.last);
+        const std::size_t end = target.overwritten != 0 ? target.overwritten : window.last + 1;
+        for (std::size_t round = window.first; round < std::min(end, window.last + 1); ++round) {
+            row[round - window.first] = round <= held ? kHeldByInvalid : kUnprotected;
+        }
+    }
+}
+
+bool areIn(const Cells& cells, char mark) {
+    return std::any_of(cells.begin(), cells.end(), [mark](const std::vector<std::string>& rows) {
+        return std::any_of(rows.begin(), rows.end(),
+                           [mark](const std::string& row) { return row.find(mark) != std::string::npos; });
+    });
+}
+
+std::string legendOf(const Cells& cells) {
+    std::string text =
+        "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free\n";
+    if (areIn(cells, kUnprotected)) {
+        text +=
+            fmt::format("  {}: named by an invalid backup only: the library may choose it\n", kUnprotected);
+    }
+    if (areIn(cells, kHeldByInvalid)) {
+        text += fmt::format("  {}: held by an invalid backup: not free in the call of this round\n",
+                            kHeldByInvalid);
+    }
+    return text;
+}
+
 // By configuration and target, a character for each round of the window.
-std::vector<std::vector<std::string>> cellsOf(const SSimulation& simulation, const SWindow& window) {
+Cells cellsOf(const SSimulation& simulation, const SWindow& window) {
     const std::size_t columns = window.last - window.first + 1;
-    std::vector<std::vector<std::string>> cells;
+    Cells cells;
     cells.reserve(simulation.configurations.size());
     for (const SAccountConfiguration& configuration : simulation.configurations) {
         cells.emplace_back(configuration.targets.size(), std::string(columns, kFree));
     }
+    markUnprotected(cells, simulation, window);
     const std::vector<char> letters = lettersOf(simulation);
     for (std::size_t i = 0; i < simulation.snapshots.size(); ++i) {
         const SSnapshot& snapshot = simulation.snapshots[i];
@@ -219,8 +257,7 @@ std::string toTimeline(const SSimulation& simulation, std::size_t width) {
     if (marks.find(kNoTarget) != std::string::npos) {
         text += line("(no target)", marks);
     }
-    return text +
-           "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free\n";
+    return text + legendOf(cells);
 }
 
 }  // namespace fi_rotate

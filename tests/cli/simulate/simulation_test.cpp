@@ -3,6 +3,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -356,6 +357,40 @@ TEST_F(FiRotateTakeOver, InvalidBackupsAreNotUsedAndHaveAReason) {
     EXPECT_FALSE(simulation.hasLost);
 }
 
+// "half" fails the check, so it claims neither t1 nor t2, though it names both; the newest holds t2. "torn"
+// claims t3 before its claim of s1 fails: its pairs are claimed in the order of their first targets.
+TEST_F(FiRotateTakeOver, TargetsThatOnlyInvalidBackupsNameAreKnownAndWhoHoldsThem) {
+    give("half", "20260926000000",
+         {{"encA##lun9", "encA##s9"}, {"encB##lun2", "encB##t1"}, {"encB##lun3", "encB##t2"}});
+    give("torn", "20260927000000", {{"encA##lun0", "encA##t3"}, {"encA##lun1", "encA##s1"}});
+    give("newest", "20260929000000", {{"encA##lun1", "encA##s1"}, {"encB##lun3", "encB##t2"}});
+    const SSimulation simulation =
+        run(plan("encA##lun0;t3;t4&encA##lun1;s1;s2&encB##lun2;t1;t9&encB##lun3;t2;t8", 2));
+    ASSERT_THAT(simulation.unprotected, SizeIs(2));
+    const fi_rotate::SUnprotected& ofHalf = simulation.unprotected[0];
+    EXPECT_EQ(std::tuple(ofHalf.configuration, ofHalf.target, ofHalf.document), std::tuple(2, 0, 0));
+    EXPECT_FALSE(ofHalf.isHeldAtFirst);
+    // It is the first target of its configuration, and free for the library.
+    EXPECT_EQ(ofHalf.overwritten, 1);
+    EXPECT_EQ(lastRoundHeld(simulation, ofHalf), 0);
+    const fi_rotate::SUnprotected& ofTorn = simulation.unprotected[1];
+    EXPECT_EQ(std::tuple(ofTorn.configuration, ofTorn.target, ofTorn.document), std::tuple(0, 0, 1));
+    EXPECT_TRUE(ofTorn.isHeldAtFirst);
+    // Held in the call of round 1, after which the backup is gone; chosen by round 2.
+    EXPECT_EQ(lastRoundHeld(simulation, ofTorn), 1);
+    EXPECT_EQ(ofTorn.overwritten, 2);
+}
+
+// The newest of three is excluded for ever and holds the only target of lun1, so no round has a selection.
+TEST_F(FiRotateTakeOver, ATargetThatAnInvalidBackupHoldsStaysHeldWhileNoRoundFindsATarget) {
+    give("torn", "20260927000000", {{"encA##lun0", "encA##t3"}, {"encA##lun1", "encA##s1"}});
+    give("newest", "20260929000000", {{"encA##lun1", "encA##s1"}}, FI_EXCLUDE_ROTATION);
+    const SSimulation simulation = run(plan("encA##lun0;t3;t4&encA##lun1;s1", 2));
+    ASSERT_THAT(simulation.unprotected, SizeIs(1));
+    EXPECT_EQ(lastRoundHeld(simulation, simulation.unprotected[0]), std::nullopt);
+    EXPECT_EQ(simulation.unprotected[0].overwritten, 0);
+}
+
 TEST_F(FiRotateTakeOver, DocumentsThatCannotBeUsedAreRefusedByName) {
     const std::string usable = fi_test::document("20260929000000", {});
     const struct {
@@ -367,7 +402,10 @@ TEST_F(FiRotateTakeOver, DocumentsThatCannotBeUsedAreRefusedByName) {
         {"<Node><timeStamp>20260929000000</timeStamp><objid>UDID##x</objid></Node>",
          "b: holds the malformed identifier"},
         {fi_test::document("29 September", {}),
-         "b: has the time stamp \"29 September\", but a simulation needs the form YYYYMMDDhhmmss"},
+         "b: has the time stamp \"29 September\", which is no date in the form YYYYMMDDhhmmss"},
+        // It has the form, but there is no thirteenth month.
+        {fi_test::document("20261301000000", {}),
+         "b: has the time stamp \"20261301000000\", which is no date in the form YYYYMMDDhhmmss"},
         {fi_test::document("20261001000000", {}),
          "b: was taken 2026-10-01 00:00, which is not before the first round"},
     };

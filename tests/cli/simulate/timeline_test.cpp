@@ -130,6 +130,33 @@ TEST(FiRotateTimeline, BackupsThatWereThereBeforeHaveLettersOfTheirOwn) {
         testing::IsSupersetOf({"    encA##s1     aaa", "    encA##s2     Bbc", "    encA##s3     aaa"}));
 }
 
+// s1 is held by an invalid backup until round 2 removes that, and taken by round 4; s2 is named only, and
+// taken by none.
+TEST(FiRotateTimeline, TargetsOfInvalidBackupsAreNotShownAsFree) {
+    SSimulation simulation = oneTarget(0);
+    simulation.configurations = {{"encA##lun1", {"encA##s1", "encA##s2", "encA##s3"}}};
+    simulation.plan.from = {{"held", 0}, {"named", 0}};
+    simulation.takenOver = {{std::nullopt, 0, "why", 2, EEnd::kLost},
+                            {std::nullopt, 0, "why", 2, EEnd::kLost}};
+    simulation.finishedRounds = 5;
+    simulation.snapshots = {{0, 0, 4, 0, EEnd::kHeld}};
+    simulation.unprotected = {{0, 0, 0, true, 4}, {0, 1, 1, false, 0}};
+    EXPECT_THAT(
+        linesOf(toTimeline(simulation, 80)),
+        testing::IsSupersetOf({"    encA##s1     ##-aa", "    encA##s2     -----", "    encA##s3     .....",
+                               "  -: named by an invalid backup only: the library may choose it",
+                               "  #: held by an invalid backup: not free in the call of this round"}));
+    // Held to the end, because no round removes the backup.
+    simulation.takenOver[0].ended = 0;
+    simulation.snapshots.clear();
+    simulation.unprotected = {{0, 0, 0, true, 0}};
+    const std::string toTheEnd = toTimeline(simulation, 80);
+    EXPECT_THAT(linesOf(toTheEnd), testing::Contains("    encA##s1     #####"));
+    EXPECT_THAT(toTheEnd, Not(HasSubstr("-: ")));
+    simulation.unprotected.clear();
+    EXPECT_THAT(toTimeline(simulation, 80), Not(HasSubstr("invalid")));
+}
+
 TEST(FiRotateTimeline, IsEmptyWhenNoRoundWasFinished) {
     EXPECT_EQ(toTimeline(oneTarget(0), 80), "");
 }
