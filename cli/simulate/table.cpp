@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -10,6 +11,7 @@
 #include "cli/base/calendar.h"
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/simulate/timeline.h"
 
 namespace fi_rotate {
 namespace {
@@ -211,19 +213,32 @@ std::string resultInWords(const SPlan& plan, const STakenOver& backup) {
     }
 }
 
+// The letter of a backup of SPlan::from in the timeline; a dash when it has no snapshot.
+std::string letterOf(const SSimulation& simulation, const std::vector<char>& letters, std::size_t document) {
+    const auto found = std::find_if(simulation.snapshots.begin(), simulation.snapshots.end(),
+                                    [document](const SSnapshot& snapshot) {
+                                        return snapshot.taken == 0 && snapshot.document == document;
+                                    });
+    return found == simulation.snapshots.end()
+               ? "-"
+               : std::string(1, letters[static_cast<std::size_t>(found - simulation.snapshots.begin())]);
+}
+
 std::string takenOverTable(const SSimulation& simulation, std::size_t width, bool colour) {
     if (simulation.takenOver.empty()) {
         return "";
     }
-    std::vector<Row> rows{
-        toRow({"document", "taken", "excluded", "snapshots", "result"}, fmt::emphasis::bold)};
+    std::vector<Row> rows{toRow({"document", "name", "letter", "taken", "excluded", "snapshots", "result"},
+                                fmt::emphasis::bold)};
+    const std::vector<char> letters = lettersOf(simulation);
     std::size_t invalid = 0;
     for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
         const SBackup& given = simulation.plan.from[i];
         const STakenOver& backup = simulation.takenOver[i];
         invalid += backup.whyInvalid.empty() ? 0U : 1U;
         rows.push_back(
-            toRow({asPrintable(given.file), backup.time.has_value() ? toShownTime(*backup.time) : "-",
+            toRow({asPrintable(given.file), fmt::format("d{}", i + 1), letterOf(simulation, letters, i),
+                   backup.time.has_value() ? toShownTime(*backup.time) : "-",
                    (given.flagWord & FI_EXCLUDE_ROTATION) != 0 ? "yes" : "no",
                    fmt::to_string(backup.snapshots), resultInWords(simulation.plan, backup)}));
     }

@@ -59,31 +59,12 @@ private:
     std::size_t last = kLetters - 1;
 };
 
-char upperCase(char letter) {
-    return static_cast<char>(letter - 'a' + 'A');
-}
-
 std::size_t endOf(const SSnapshot& snapshot) {
     return snapshot.end == EEnd::kHeld ? std::numeric_limits<std::size_t>::max() : snapshot.ended;
 }
 
-struct SWindow {
-    std::size_t first = 1;
-    std::size_t last = 0;
-};
+}  // namespace
 
-// The last rounds that fit. Of the rounds without a target at the end only the first few are shown.
-SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
-    SWindow window;
-    window.last = simulation.finishedRounds;
-    if (const auto standstill = firstRoundOfStandstill(simulation)) {
-        window.last = std::min(window.last, *standstill + kStandstillColumns - 1);
-    }
-    window.first = window.last > columns ? window.last - columns + 1 : 1;
-    return window;
-}
-
-// The letter of each snapshot.
 std::vector<char> lettersOf(const SSimulation& simulation) {
     const std::vector<SSnapshot>& all = simulation.snapshots;
     // By configuration and target.
@@ -111,6 +92,28 @@ std::vector<char> lettersOf(const SSimulation& simulation) {
         }
     }
     return result;
+}
+
+namespace {
+
+char upperCase(char letter) {
+    return static_cast<char>(letter - 'a' + 'A');
+}
+
+struct SWindow {
+    std::size_t first = 1;
+    std::size_t last = 0;
+};
+
+// The last rounds that fit. Of the rounds without a target at the end only the first few are shown.
+SWindow windowOf(const SSimulation& simulation, std::size_t columns) {
+    SWindow window;
+    window.last = simulation.finishedRounds;
+    if (const auto standstill = firstRoundOfStandstill(simulation)) {
+        window.last = std::min(window.last, *standstill + kStandstillColumns - 1);
+    }
+    window.first = window.last > columns ? window.last - columns + 1 : 1;
+    return window;
 }
 
 using Cells = std::vector<std::vector<std::string>>;

@@ -270,19 +270,21 @@ TEST_F(FiRotateSimulateFrom, ShowsEachDocumentAndTheResultOfItsBackup) {
               "The rounds began with the backups of 3 of 4 documents\n"
               "  document" +
                   blanks +
-                  "  taken             excluded  snapshots  result\n"
+                  "  name  letter  taken             excluded  snapshots  result\n"
                   "  " +
                   excluded +
-                  "  2026-09-26 00:00  yes       1          held\n"
+                  "  d1    a       2026-09-26 00:00  yes       1          held\n"
                   "  " +
                   older +
-                  "     2026-09-27 00:00  no        1          rotated in round 1 (2026-10-01 00:00)\n"
+                  "     d2    b       2026-09-27 00:00  no        1          rotated in round 1 (2026-10-01 "
+                  "00:00)\n"
                   "  " +
                   newer +
-                  "     2026-09-28 00:00  no        1          rotated in round 2 (2026-10-02 00:00)\n"
+                  "     d3    c       2026-09-28 00:00  no        1          rotated in round 2 (2026-10-02 "
+                  "00:00)\n"
                   "  " +
                   invalid +
-                  "   -                 no        0          invalid, not used: "
+                  "   d4    -       -                 no        0          invalid, not used: "
                   "UDID##a##b##encA##lun1 with UDID##a##b##encA##s9 names no target of encA##lun1\n");
 }
 
