@@ -202,9 +202,9 @@ private:
             return;
         }
         if (reading->isMalformed) {
-            // Only the host library traces the fault.
+            // Only the host library traces the fault. It may be a limit of reading that the document exceeds.
             const std::string fault = reading->fault.empty() ? "" : ": " + reading->fault;
-            add(FI_ROTATION_NOT_WELL_FORMED, index, "is not well-formed XML" + fault);
+            add(FI_ROTATION_NOT_WELL_FORMED, index, "cannot be read to its end as XML" + fault);
         }
         if (!backup.isLoaded && (!reading->isMalformed || isPermitted(FI_ROTATION_NOT_WELL_FORMED))) {
             add(FI_ROTATION_NO_NODE, index, "has no Node");

@@ -153,7 +153,7 @@ bool areAllLoaded(const SOutcome& outcome) {
 
 std::string whyNotLoaded(const SBackupOutcome& backup, bool isFirstUnread) {
     if (backup.reading.has_value()) {
-        return backup.reading->isMalformed ? "it is not well-formed XML" : "it has no Node";
+        return backup.reading->isMalformed ? "it cannot be read to its end as XML" : "it has no Node";
     }
     if (!isFirstUnread) {
         return "a document before it cannot be opened";

@@ -145,6 +145,17 @@ TEST_F(CHostLibraryProblem, OfDocumentsThatAreNotWellFormedIsNamed) {
     }
 }
 
+TEST_F(CHostLibraryProblem, OfADocumentBeyondALimitNamesTheLimitAndDoesNotCallItMalformed) {
+    std::string text = "<Node>";
+    for (int i = 0; i < 256; ++i) {
+        text += "<n" + std::to_string(i) + "/>";
+    }
+    const std::string file = write("a.xml", text + "</Node>");
+    const std::string refusal = textOfRefusal(file, FI_ROTATION_NOT_WELL_FORMED);
+    EXPECT_THAT(refusal, HasSubstr("cannot be read to its end as XML: line 1, column "));
+    EXPECT_THAT(refusal, HasSubstr(": more than 256 different element names"));
+}
+
 // Cut anywhere inside its outermost element a document is refused, never read in part.
 TEST_F(CHostLibraryProblem, OfADocumentThatIsCutOffIsNamedWhereverItIsCut) {
     const std::string whole = documentOf("1", {{"encA##lun1", "encA##snap1"}});

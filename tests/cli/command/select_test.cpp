@@ -196,7 +196,7 @@ TEST(FiRotateSelect, StrictNamesADocumentThatIsNotWellFormed) {
     const std::string file = folder.write("a.xml", "<Node>");
     const auto result = runFiRotate({"select", "--strict", "--config", kConfiguration, file});
     EXPECT_EQ(result.exitStatus, 6);
-    EXPECT_THAT(result.error, HasSubstr(file + ": is not well-formed XML\n"));
+    EXPECT_THAT(result.error, HasSubstr(file + ": cannot be read to its end as XML\n"));
 }
 
 TEST(FiRotateSelect, StrictExitsWith3WhenNoTargetIsFree) {

@@ -397,7 +397,7 @@ TEST_F(FiRotateTakeOver, DocumentsThatCannotBeUsedAreRefusedByName) {
         std::string content;
         const char* message;
     } rows[] = {
-        {"<Node>", "b: is not well-formed XML"},
+        {"<Node>", "b: cannot be read to its end as XML"},
         {"<a/>", "b: has no Node"},
         {"<Node><timeStamp>20260929000000</timeStamp><objid>UDID##x</objid></Node>",
          "b: holds the malformed identifier"},
