@@ -142,12 +142,16 @@ std::string failureMessage(const CLI::App* app, const CLI::Error& error) {
                        describeFailure(*app, place, error), chosen.empty() ? "" : place.get_name() + " ");
 }
 
-// The arguments as the option parser takes them, the last first. "help SUBCOMMAND" is "SUBCOMMAND --help".
-std::vector<std::string> reversedArguments(int argc, char** argv) {
+// The arguments as the option parser takes them, the last first. "help SUBCOMMAND" is "SUBCOMMAND --help"; of
+// another word the parser then says that there is no such subcommand.
+std::vector<std::string> reversedArguments(const CLI::App& app, int argc, char** argv) {
     std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
     if (!arguments.empty() && arguments.front() == "help") {
         arguments.erase(arguments.begin());
-        arguments.emplace_back("--help");
+        const std::vector<std::string> known = subcommandNames(app);
+        if (arguments.empty() || std::find(known.begin(), known.end(), arguments.front()) != known.end()) {
+            arguments.emplace_back("--help");
+        }
     }
     std::reverse(arguments.begin(), arguments.end());
     return arguments;
@@ -160,7 +164,7 @@ int parseAndRun(int argc, char** argv) {
     app.failure_message(failureMessage);
     addSubcommands(app, exitStatus);
     try {
-        app.parse(reversedArguments(argc, argv));
+        app.parse(reversedArguments(app, argc, argv));
     } catch (const CLI::ParseError& error) {
         // --help and --version throw errors with status 0; all other errors are wrong usage.
         if (app.exit(error) != 0) {

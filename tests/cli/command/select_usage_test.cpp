@@ -24,6 +24,7 @@ TEST(FiRotateUsage, WrongUsageExitsWith2AndNamesTheOffendingText) {
     } rows[] = {
         {{}, "give a subcommand"},
         {{"rotate"}, "there is no subcommand \"rotate\"\nRun \"fi-rotate --help\" for help."},
+        {{"help", "selct"}, "there is no subcommand \"selct\"; did you mean select?\n"},
         {{"selct", "--config", "a##b"}, "there is no subcommand \"selct\"; did you mean select?\n"},
         {{"--verson"}, "there is no option \"--verson\"; did you mean --version?\n"},
         {{"select", "--exlude=x"},
