@@ -28,8 +28,8 @@ extern "C" {
 /*
  * The trace facility, which the host defines: the library calls it for every diagnostic, on the thread
  * that called the library. The format and the arguments are printf's and borrowed for the call; few texts
- * end with a line end. Level 3 carries failures, level 4 progress. It must not throw, and must not call
- * the library.
+ * end with a line end. Level 3 carries failures, level 4 progress. It must not throw, end its thread or
+ * call the library.
  *
  * This declaration makes it visible outside the program even when that is compiled with hidden visibility.
  * A program that loads the library at run time must also export it: link with
@@ -39,7 +39,8 @@ extern "C" {
 __attribute__((visibility("default"), format(printf, 2, 3))) void mofi_tracelog(int level, const char* format,
                                                                                 ...);
 
-/* Bit of a flag word: the targets of this backup are never rotated. Other bits are ignored. */
+/* Bit of a flag word: this backup is not rotated. That does not protect it if it is invalid. Other bits are
+ * ignored. */
 enum { FI_EXCLUDE_ROTATION = 4 };
 
 /* Status of a call; no other value is returned. */
@@ -54,8 +55,10 @@ enum {
 enum {
     /* Its targets agree with the configuration and it keeps them. */
     FI_BACKUP_KEPT = 0,
-    /* Its targets do not agree with the configuration, or one of them was held already: by a newer
-     * backup, by one of the same time stamp, or by another pair of its own. */
+    /* Its targets do not agree with the configuration, and it claims none, so that they may be chosen,
+     * even if it is excluded. Or one of them was held already: by a newer backup, by one of the same time
+     * stamp, or by another pair of its own. Its others then stay used, in each call, as long as its
+     * document is listed. */
     FI_BACKUP_INVALID = 1,
     /* Its targets were released for the new backup. */
     FI_BACKUP_ROTATED = 2
@@ -105,7 +108,8 @@ enum {
  * backup holds a malformed device identifier. A host in C++ catches it. A host in C cannot; it uses the host
  * library (host.h), which decides the same and throws nothing. When memory runs out, std::bad_alloc or an
  * exception of the XML library (which need not be a std::exception) leaves the call. When the XML library
- * cannot be set up, std::runtime_error or std::bad_alloc does; the next call tries again.
+ * cannot be set up, std::runtime_error or std::bad_alloc does; the next call tries again. If it fails too,
+ * start the program anew.
  *
  * Threads: calls in one process must not overlap. The library takes no lock, and the set-up of the
  * XML library, which every call with earlier backups runs, is not thread-safe. The host serialises

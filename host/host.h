@@ -18,14 +18,19 @@
  * read, is damaged or changes during the call, or a configuration is malformed, it decides nothing and names
  * every such input. It writes no files; a call may be run again at any time.
  *
- * Errors: no function throws, ends the process or prints. Every function leaves errno and the cancellation
- * state of the thread as they were. Every function but fi_rotation_version accepts a null pointer, which
- * stands for a call that could not be allocated: running it returns FI_ROTATION_OUT_OF_MEMORY, all else does
- * nothing.
+ * A product takes the new backup only after FI_ROTATION_SELECTED, and only while no backup is
+ * FI_ROTATION_INVALID.
+ *
+ * Errors: no function throws, ends the process or prints (SECURITY.md has two exceptions, when memory runs
+ * out on Debian 13, and while the library is loaded). Every function leaves errno and the cancellation state
+ * of the thread as they were. Every function but fi_rotation_version accepts a null pointer, which stands for
+ * a call that could not be allocated: running it returns FI_ROTATION_OUT_OF_MEMORY, all else does nothing.
  *
  * Threads: any number of threads may run calls at once, each its own fi_rotation_call; inside, they wait for
  * one another. One fi_rotation_call is used by one thread at a time. While it runs, the functions that would
- * change it do nothing, so its trace function cannot change it.
+ * change it do nothing, so its trace function cannot change it. The first run of the process sets up the XML
+ * library (Xerces-C++), which nothing else in the process may set up or terminate meanwhile: make one run,
+ * for which no documents are needed, before you start threads.
  *
  * Ownership: texts that are passed in are copied. Texts that are returned belong to the call and stay valid
  * until it is run again or freed. They end with a NUL byte; file names and texts of documents are returned as
@@ -67,20 +72,24 @@ typedef enum fi_rotation_outcome {
     FI_ROTATION_TOO_FEW_BACKUPS = 2,
     /* An input is not whole. The functions fi_rotation_call_problem_... tell which ones, and why. */
     FI_ROTATION_REFUSED = 3,
-    /* Memory ran out. */
+    /* Memory ran out, or a backup could not be added. Make a new call, and run that later. */
     FI_ROTATION_OUT_OF_MEMORY = 4,
-    /* The trace function threw an exception. */
+    /* The trace function threw an exception. Correct it, or run without it. */
     FI_ROTATION_TRACE_FAILED = 5,
-    /* The call was run from its own or another call's trace function, or by two threads at once. */
+    /* The call was run from its own or another call's trace function, or by two threads at once: an error in
+     * the program. */
     FI_ROTATION_MISUSED = 6,
-    /* The XML library could not be set up, usually because memory ran out, or this process was forked while
-     * another thread ran a call. */
+    /* The XML library could not be set up, usually because memory ran out: run again later, and if it fails
+     * again, start the program anew. Or this process was forked while another thread ran a call: no run of it
+     * can succeed, only a program that it starts (exec). */
     FI_ROTATION_FAILED = 7
 } fi_rotation_outcome;
 
 /*
  * What can be wrong with an input. Each is a bit, so that a number can hold several. The call goes on in
- * spite of a problem that is permitted (fi_rotation_call_permit), as fi_process_backups does.
+ * spite of a problem that is permitted (fi_rotation_call_permit). With most of them, targets of a backup that
+ * exists can then be given away: even such as fi_process_backups keeps, which reads a document beyond a limit
+ * whole unless it was built hardened.
  */
 typedef enum fi_rotation_problem {
     /* A configuration is malformed, or there is none. Permitted: the configurations before it are used. */
@@ -91,17 +100,18 @@ typedef enum fi_rotation_problem {
     FI_ROTATION_NOT_A_FILE = 4,
     /* It cannot be read to its end. Permitted: what could be read is used. */
     FI_ROTATION_READ_ERROR = 8,
-    /* It has more bytes than fi_rotation_call_limit_document allows. Permitted: it is read, up to 128 MiB. */
+    /* It has more bytes than fi_rotation_call_limit_document allows. Permitted: it is read. Beyond 128 MiB it
+     * is FI_ROTATION_NOT_WELL_FORMED, too, and has no Node. */
     FI_ROTATION_TOO_LARGE = 16,
     /* It holds a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is ignored. */
     FI_ROTATION_NUL_BYTE = 32,
     /* It was listed before, under this name or another. Permitted: where entries have the same name, the last
      * of them says whether all are excluded. */
     FI_ROTATION_LISTED_TWICE = 64,
-    /* It is not well-formed XML, or is beyond a limit of reading (SECURITY.md). Permitted: what stands before
-     * that place is used. */
+    /* It is not well-formed XML, or is beyond a limit of reading (SECURITY.md). Permitted: what was read
+     * before that place is used. If that is nothing, as before some of the limits, it has no Node either. */
     FI_ROTATION_NOT_WELL_FORMED = 128,
-    /* It has no Node. Permitted: it is ignored. */
+    /* It has no Node. Permitted: it is ignored, and its targets look free. */
     FI_ROTATION_NO_NODE = 256,
     /* It has several top-level Nodes, which are in no other Node. Permitted: only the last one is used. */
     FI_ROTATION_SEVERAL_ROOTS = 512,
@@ -117,8 +127,10 @@ typedef enum fi_rotation_state {
     FI_ROTATION_NO_STATE = -1,
     /* It agrees with the configuration and keeps its targets. */
     FI_ROTATION_KEPT = 0,
-    /* It does not agree with the configuration, or one of its targets is held already: by a newer backup, by
-     * one of the same time stamp, or by another pair of its own. */
+    /* It does not agree with the configuration, and claims nothing: all its targets may be chosen, even if it
+     * is excluded. Or one of its targets is held already: by a newer backup, by one of the same time stamp,
+     * or by another pair of its own. Then its other targets stay used until its document is removed. It is
+     * never released: a person must correct the configuration, or delete the backup and its document. */
     FI_ROTATION_INVALID = 1,
     /* Its targets were released for the new backup. */
     FI_ROTATION_ROTATED = 2
@@ -154,16 +166,19 @@ FI_ROTATION_API void fi_rotation_call_free(fi_rotation_call* call);
 /*
  * Adds an earlier backup by the file name of its document. A call without any is that of a first backup, for
  * which all targets are free; it is not refused, so check that no list is empty by mistake. When `excluded`
- * is not 0, the targets of the backup are never released. Returns its index, or -1 when memory ran out or
- * `file` is null. After -1 no run of this call decides anything, because the targets of the missing backup
- * would be taken for free.
+ * is not 0, the targets of the backup are never released, which does not protect it while it is invalid.
+ * Returns its index, or -1 when memory ran out or `file` is null. After -1 every run of this call returns
+ * FI_ROTATION_OUT_OF_MEMORY, because the targets of the missing backup would be taken for free; make a new
+ * call.
  */
 FI_ROTATION_API int32_t fi_rotation_call_add(fi_rotation_call* call, const char* file, int32_t excluded);
 
 /* Permits problems: a sum of values of fi_rotation_problem. By default none is permitted. */
 FI_ROTATION_API void fi_rotation_call_permit(fi_rotation_call* call, uint32_t problems);
 
-/* Sets how many bytes a document may have; larger ones are refused. 128 MiB is the default and the most. */
+/* Sets how many bytes a document may have; larger ones are refused. 128 MiB is the default and the most. Set
+ * ten times the size of your largest document: one that was made to be slow costs time and memory in
+ * proportion to its bytes. */
 FI_ROTATION_API void fi_rotation_call_limit_document(fi_rotation_call* call, uint64_t bytes);
 
 /* Asks that, after the run, at least so many kept backups hold a target of each configuration; the new backup
@@ -190,7 +205,9 @@ FI_ROTATION_API void fi_rotation_call_set_trace(fi_rotation_call* call, int32_t 
  */
 FI_ROTATION_API fi_rotation_outcome fi_rotation_call_run(fi_rotation_call* call);
 
-/* The outcome of the last run in words, with file names and places: one line, or several. Never null. */
+/* The outcome of the last run in words, with file names and places: one line, or several. Never null. To log
+ * a refusal, take the texts of its problems one by one and replace the control characters in each, because
+ * file names may hold line ends. */
 FI_ROTATION_API const char* fi_rotation_call_message(const fi_rotation_call* call);
 
 /* ---- the problems found, permitted ones included ---- */
@@ -220,7 +237,8 @@ FI_ROTATION_API const char* fi_rotation_call_configuration_chosen(const fi_rotat
 
 /*
  * How many kept backups, excluded ones included, hold a target of the configuration after the run (-1 when
- * not known), and its further targets, each with the index of the backup that holds it (-1 when it is free).
+ * not known), and its further targets, each with the index of the backup that holds it, which may be an
+ * invalid one (-1 when it is free).
  * Known when reasons were asked for, and always with FI_ROTATION_NO_FREE_TARGET and
  * FI_ROTATION_TOO_FEW_BACKUPS. With these two, where in fact no backup is released, it is what the releases
  * would have led to.
@@ -248,7 +266,8 @@ FI_ROTATION_API fi_rotation_state fi_rotation_call_backup_state(const fi_rotatio
 /* The time stamp of its document; null when it is not known, as for a backup that does not agree with the
  * configuration. */
 FI_ROTATION_API const char* fi_rotation_call_backup_time_stamp(const fi_rotation_call* call, int32_t backup);
-/* The targets that it held before any was released, ENCLOSURE##DEVICE; an invalid backup has none. */
+/* The targets that it held before any was released, ENCLOSURE##DEVICE. Of an invalid backup none are named,
+ * not even those that stay used. */
 FI_ROTATION_API int32_t fi_rotation_call_backup_target_count(const fi_rotation_call* call, int32_t backup);
 FI_ROTATION_API const char* fi_rotation_call_backup_target(const fi_rotation_call* call, int32_t backup,
                                                            int32_t target);

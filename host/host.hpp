@@ -81,7 +81,8 @@ constexpr std::int32_t kTraceProgress = 4;
 struct SOptions {
     // The rotation is decided in spite of these problems.
     std::set<EProblem> permitted;
-    // Documents of more bytes are refused. Without a number, the library's own limit holds.
+    // Documents of more bytes are refused. Without a number, the library's own limit holds; host.h advises to
+    // set a lower one.
     std::optional<std::uint64_t> documentLimit;
     // At least so many kept backups must hold a target of each configuration after the rotation, or nothing
     // is decided (EOutcome::kTooFewBackups). A configuration that has fewer before it may not lose any. 0:
@@ -115,7 +116,8 @@ enum class EOutcome {
 enum class EState {
     // It agrees with the configuration and keeps its targets.
     kKept = FI_ROTATION_KEPT,
-    // It does not agree with the configuration, or one of its targets is held already.
+    // It does not agree with the configuration, or one of its targets is held already. Take no new backup
+    // while one is; host.h says why.
     kInvalid = FI_ROTATION_INVALID,
     // Its targets were released for the new backup.
     kRotated = FI_ROTATION_ROTATED
@@ -133,7 +135,8 @@ struct SProblem {
 // A target on which a snapshot may be taken.
 struct STarget {
     std::string name;
-    // The index of the backup that holds it after the rotation; nothing when it is free.
+    // The index of the backup that holds it after the rotation, which may be an invalid one; nothing when it
+    // is free.
     std::optional<std::size_t> holder;
 };
 
@@ -166,7 +169,8 @@ struct SBackupOutcome {
     std::optional<EState> state;
     // With reasons, and always with kNoFreeTarget and kTooFewBackups: the time stamp of its document, nothing
     // for a backup that does not agree with the configuration; the reason of its state, nothing when that is
-    // not known; and the targets that it held before any was released, none for an invalid backup.
+    // not known; and the targets that it held before any was released. For an invalid backup none are named,
+    // not even those that stay used.
     std::optional<std::string> timeStamp;
     std::optional<SReason> reason;
     std::vector<std::string> targets;
@@ -196,9 +200,10 @@ struct SOutcome {
 // Throws
 //   std::invalid_argument  the configuration or a file name holds a NUL byte;
 //   std::logic_error       it was called from the trace function of a rotation;
-//   std::bad_alloc         memory ran out;
-//   std::runtime_error     the XML library could not be set up, or this process was forked while another
-//                          thread was in a rotation;
+//   std::bad_alloc         memory ran out: call again later;
+//   std::runtime_error     the XML library could not be set up: call again later, and if it fails again,
+//                          start the program anew; or this process was forked while another thread was in a
+//                          rotation;
 //   and whatever SOptions::trace threw.
 [[nodiscard]] SOutcome rotate(const std::string& configuration, const std::vector<SBackup>& backups,
                               const SOptions& options = {});
