@@ -17,14 +17,14 @@ class OutcomeKind(enum.IntEnum):
     NO_FREE_TARGET = 1
     TOO_FEW_BACKUPS = 2
     REFUSED = 3
-    # rotate() raises MemoryError.
+    # rotate() raises MemoryError: call it again later.
     OUT_OF_MEMORY = 4
     # Not seen in Python: rotate() raises what the trace function raised.
     TRACE_FAILED = 5
     # rotate() raises RuntimeError: the trace function called rotate() again.
     MISUSED = 6
-    # rotate() raises RuntimeError: the process was forked while another thread was in rotate(), or the library could
-    # not be initialised.
+    # rotate() raises RuntimeError: the XML library could not be set up, or the process was forked while another thread
+    # was in rotate().
     FAILED = 7
 
 
@@ -47,16 +47,18 @@ class ProblemKind(enum.IntFlag):
     NOT_A_FILE = 4
     # The document cannot be read to its end. Permitted: the part that was read is used.
     READ_ERROR = 8
-    # The document has more bytes than limit_document allows. Permitted: it is read.
+    # The document has more bytes than limit_document allows. Permitted: it is read. Beyond
+    # 128 MiB it is NOT_WELL_FORMED, too, and has no Node.
     TOO_LARGE = 16
     # The document contains a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is not used.
     NUL_BYTE = 32
     # The document is listed a second time, under this name or another. Permitted: it counts twice, and is excluded if
     # its last entry is.
     LISTED_TWICE = 64
-    # The document is not well-formed XML, or exceeds a limit of reading. Permitted: the part before that place is used.
+    # The document is not well-formed XML, or exceeds a limit of reading. Permitted: what was read before that place is
+    # used. If that is nothing, as before some of the limits, it has no Node either.
     NOT_WELL_FORMED = 128
-    # The document has no Node. Permitted: it is ignored.
+    # The document has no Node. Permitted: it is ignored, and its targets look free.
     NO_NODE = 256
     # The document has several Nodes that are not inside another one. Permitted: only the last one counts.
     SEVERAL_ROOTS = 512
@@ -77,8 +79,10 @@ class State(enum.IntEnum):
     NO_STATE = -1
     # The backup agrees with the configuration and keeps its targets.
     KEPT = 0
-    # The backup does not agree with the configuration, or one of its targets is held already: by a newer backup, by one
-    # with the same time stamp, or by another pair of this backup.
+    # The backup does not agree with the configuration, and claims nothing: all its targets may be chosen, even if it is
+    # excluded. Or one of its targets is held already: by a newer backup, by one with the same time stamp, or by another
+    # pair of this backup. Then its other targets stay used until its document is removed. It is never released: a
+    # person must correct the configuration, or delete the backup and its document.
     INVALID = 1
     # The targets of the backup were released for the new backup.
     ROTATED = 2
@@ -99,7 +103,8 @@ class Backup:
     problems: ProblemKind = ProblemKind(0)
     # The text of its document's timeStamp; None when it does not agree with the configuration.
     time_stamp: str | None = None
-    # The targets that it held before backups were released, each ENCLOSURE##DEVICE; empty when it is invalid.
+    # The targets that it held before backups were released, each ENCLOSURE##DEVICE. Empty when it is invalid,
+    # although some may stay used.
     targets: tuple[str, ...] = ()
     # Why it is in its state; None when there is no state and no reason is known. `reason` is a word for programs:
     # "newest_holder", "holds_nothing", "excluded", "rotation_stopped", "needed", "in_vain",
@@ -135,7 +140,7 @@ class Target:
 
     # ENCLOSURE##DEVICE.
     name: str
-    # None when it is free.
+    # It may be an invalid one. None when the target is free.
     holder: Backup | None
 
 

@@ -177,18 +177,38 @@ def rotate(configuration: str | bytes, backups: Iterable[FileName], *,
     permit             the problems for which Refused is not raised; ProblemKind says what happens then.
     keep_at_least      how many backups of each configuration must be kept. A configuration that has fewer must keep
                        all.
-    limit_document     how many bytes a document may have; 128 MiB unless given.
+    limit_document     how many bytes a document may have; 128 MiB unless given. Give ten times the size of your largest
+                       document: one that was made to be slow costs time and memory in proportion to its bytes.
     allow_no_backups   whether `backups` may be empty, as it is for the first backup of all. Otherwise an empty list is
                        an error, because it usually means a wrong folder, and every target would count as free.
-    trace              a function that is called in this thread with each line of the trace: a level (3 for failures,
-                       4 for progress) and a text. rotate() raises what it raises.
+    trace              a function that is called in this thread with each line of the trace, more than a hundred for
+                       each document: a level (3 for failures, 4 for progress) and a text. rotate() raises what it
+                       raises.
 
     rotate() reads the documents and writes nothing. Several threads may call it at the same time; their calls run one
     after the other.
 
-    Raises NoFreeTarget, TooFewBackups or Refused (each is a RotationError) when there is no selection; ValueError or
-    TypeError for wrong arguments, such as an excluded backup that is not listed; MemoryError; and RuntimeError when
-    `trace` calls rotate(), or in a process that was forked while another thread was in rotate().
+    Returns an outcome with these attributes. Reasons are always worked out.
+
+    selection          "[FIRST;CHOSEN]" for each configuration in order, with nothing in between
+    configurations     in order, each with `first` (the device that is backed up), `chosen` (the target to use), `kept`
+                       (how many kept backups hold a target of it after the rotation) and `targets`, each of these with
+                       `name` and `holder` (a backup, which may be invalid; None when the target is free)
+    backups            in the order given, each with `file`, `state` (State.KEPT, INVALID or ROTATED, or NO_STATE for a
+                       document that was ignored), `reason` (a word for programs), `reason_text`, `time_stamp`,
+                       `targets` (those it held before the rotation; empty when it is invalid) and `problems`
+    problems           those that were permitted, each with `kind`, `backup` (None for the configuration) and `text`
+    kind, message      OutcomeKind.SELECTED and a sentence
+
+    Take the new backup only while no state is State.INVALID: targets of an invalid backup may be among the chosen. A
+    person must correct the configuration, or delete that backup and its document.
+
+    Raises NoFreeTarget, TooFewBackups or Refused (each is a RotationError) when there is no selection; the attribute
+    `outcome` of each has the attributes above, except `selection`, and `problems` of Refused tells what is wrong with
+    which input. Raises ValueError or TypeError for wrong arguments, such as an excluded backup that is not listed;
+    MemoryError, after which a later call works; and RuntimeError when `trace` calls rotate(), when the XML library
+    could not be set up (call again later, and if it fails again, start the program anew), or in a process that was
+    forked while another thread was in rotate().
 
     >>> import fi_rotation, glob
     >>> with open("resource.conf") as file:
