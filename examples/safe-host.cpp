@@ -3,6 +3,8 @@
 //   c++ -std=c++17 safe-host.cpp $(pkg-config --cflags --libs fi_rotation_host) -o safe-host
 //   ./safe-host "$(cat resource.conf)" backup-*.xml
 //
+// It only prints. A product takes no backup while one is invalid: a person must look at that one first.
+//
 // Exit status: 0 a selection was made, 1 no target may be used, 2 it could not be decided.
 #include <exception>
 #include <iostream>

@@ -3,6 +3,8 @@
 
    ./safe-host.py resource.conf backup-*.xml
 
+It only prints. A product takes no backup while one is invalid: a person must look at that one first.
+
 Exit status: 0 a selection was made, 1 none was, and standard error says why.
 """
 import pathlib
