@@ -97,6 +97,17 @@ int CHostLibraryProcess::statusOfChildDuringARun(const std::function<int()>& bod
     return status;
 }
 
+// The first test, so that it makes the first run of the process even when all are run in one.
+TEST_F(CHostLibraryProcess, SetsTheXmlLibraryUpInARunWithoutDocuments) {
+    // The XML library has its memory manager as long as it is set up.
+    const auto* const manager = static_cast<void* const*>(
+        dlsym(RTLD_DEFAULT, "_ZN11xercesc_3_216XMLPlatformUtils15fgMemoryManagerE"));
+    ASSERT_NE(manager, nullptr);
+    ASSERT_EQ(*manager, nullptr);
+    EXPECT_EQ(fi_rotation_call_run(newCall(kConfiguration).get()), FI_ROTATION_SELECTED);
+    EXPECT_NE(*manager, nullptr);
+}
+
 TEST_F(CHostLibraryProcess, LeavesTheTraceFunctionOfTheProcessAlone) {
     EXPECT_EQ(fi_rotation_call_run(goodCall().get()), FI_ROTATION_SELECTED);
     EXPECT_FALSE(isTraced);
