@@ -50,6 +50,21 @@ std::string describeMissingOfExcluded(std::size_t found, std::size_t expected) {
                             : std::string("lines that say which backups are excluded, or which were rotated");
 }
 
+// What the parser's line of a target has between its names.
+constexpr std::string_view kBehindEnclosure = "][";
+
+// Where the enclosure ends in the names of a parser's line, if the printed line is that of the same target.
+// It has the device of a further target alone; both names of a first target are there with a ':' in between,
+// so the first character that differs stands behind the enclosure.
+std::size_t endOfEnclosure(std::string_view names, bool isFirst, const TraceArguments& printed) {
+    if (!isFirst) {
+        return names.size() - std::min(names.size(), kBehindEnclosure.size() + printed[0].size());
+    }
+    const std::string joined = fmt::format("{}:{}", printed[0], printed[1]);
+    const auto differing = std::mismatch(names.begin(), names.end(), joined.begin(), joined.end());
+    return static_cast<std::size_t>(differing.first - names.begin());
+}
+
 // The arguments of a line, if it is of this kind. Of three kinds only the beginning is compared, and no
 // arguments are taken: when the configuration holds line breaks, a line of a log holds only the beginning of
 // the text.
@@ -236,7 +251,8 @@ void CAccountReader::readPrintedTarget(bool isFirst, const TraceArguments& print
         noteContradiction(printed.front());
         return;
     }
-    const SParsedTarget& target = parsedTargets[usedTargets++];
+    SParsedTarget& target = parsedTargets[usedTargets++];
+    splitAsPrinted(target, isFirst, printed);
     if (!isPrinted(target, isFirst, printed) || (!isFirst && account.configurations.empty())) {
         noteContradiction(printed.front());
         return;
@@ -258,6 +274,18 @@ bool CAccountReader::isPrinted(const SParsedTarget& target, bool isFirst, const 
     }
     return (printed[0] == target.enclosure && printed[1] == target.device) ||
            fmt::format("{}:{}", printed[0], printed[1]) == target.enclosure + ":" + target.device;
+}
+
+// In a log, the parser's line does not tell where the enclosure ends when a name holds what stands behind it.
+void CAccountReader::splitAsPrinted(SParsedTarget& target, bool isFirst, const TraceArguments& printed) {
+    if (isPrinted(target, isFirst, printed)) {
+        return;
+    }
+    const std::string names = fmt::format("{}{}{}", target.enclosure, kBehindEnclosure, target.device);
+    const std::size_t end = endOfEnclosure(names, isFirst, printed);
+    if (names.compare(end, kBehindEnclosure.size(), kBehindEnclosure) == 0) {
+        target = {names.substr(0, end), names.substr(end + kBehindEnclosure.size())};
+    }
 }
 
 // Takes a line that names a backup or tells the end of the rotation.

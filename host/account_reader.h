@@ -82,6 +82,7 @@ private:
 
     void readPrintedTarget(bool isFirst, const TraceArguments& printed);
     static bool isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed);
+    static void splitAsPrinted(SParsedTarget& target, bool isFirst, const TraceArguments& printed);
     void noteContradiction(std::string_view text);
 
     // The index of the next backup of this name in the pass that traced the line. A name listed twice stands

@@ -7,8 +7,8 @@
 namespace fi_rotate {
 namespace {
 
-// Where a line is split when the text between two arguments occurs several times in it: at the first place
-// where no name comes before it, else at the last.
+// Where a line is split when the text between two arguments occurs several times in it: kFirst when only
+// indentation stands before that text, kLast when a name does.
 enum class ESplit { kFirst, kLast };
 
 enum class ELevel { kFailure, kProgress };
@@ -28,7 +28,7 @@ constexpr std::array<STraceText, kTextCount> kTexts{{
     {ETraceText::kNodeObjid, ELevel::kProgress, "%s [%s]", ESplit::kFirst},
     {ETraceText::kNodeAltobjid, ELevel::kProgress, "%s {%s}", ESplit::kFirst},
     {ETraceText::kNodeType, ELevel::kProgress, "%s <%d %s>", ESplit::kFirst},
-    {ETraceText::kTarget, ELevel::kProgress, "CFiResourceParser::parse : [%s][%s]", ESplit::kFirst},
+    {ETraceText::kTarget, ELevel::kProgress, "CFiResourceParser::parse : [%s][%s]"},
     {ETraceText::kFirstTarget, ELevel::kProgress, "[%s:%s](%s)"},
     {ETraceText::kFurtherTarget, ELevel::kProgress, "{%s,%s}"},
     {ETraceText::kInvalidParameter, ELevel::kFailure, "fi_process_backups : Invalid/empty parameter"},

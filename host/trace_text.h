@@ -62,6 +62,8 @@ std::optional<ETraceText> kindOf(const char* format);
 // The arguments that were formatted into `text`; nothing when it is another line. File names and identifiers
 // may hold anything, also what stands between two arguments, so that a line may be split in several ways.
 // What comes behind a name is short and holds no such text, so a name ends at the last place where it can.
+// Only a kTarget has another name there; CAccountReader finds out from the printed target where the first one
+// ends.
 using TraceArguments = std::vector<std::string_view>;
 std::optional<TraceArguments> argumentsOf(ETraceText kind, std::string_view text);
 

@@ -180,6 +180,31 @@ TEST(HostAccountReader, KnowsAPrintedTargetWhoseDeviceHoldsWhatStandsBehindAnEnc
     EXPECT_THAT(reader.gaps(), IsEmpty());
 }
 
+// The parser's line has "][" between the two names.
+TEST(HostAccountReader, FindsWhereAnEnclosureEndsWhenNamesHoldWhatStandsBehindIt) {
+    const CAccountReader reader =
+        readerOf({"CFiResourceParser::parse : Resource specification [A][B##x][y:z;1][2;3]",
+                  "CFiResourceParser::parse : [A][B][x][y:z]", "CFiResourceParser::parse : [A][B][1][2]",
+                  "CFiResourceParser::parse : [A][B][3]", "CFiResourceManager::print : printing resource set",
+                  "[A][B:x][y:z](Available)", "{1][2,Available}", "{3,Available}"});
+    ASSERT_THAT(reader.account.configurations, SizeIs(1));
+    EXPECT_EQ(reader.account.configurations[0].first, "A][B##x][y:z");
+    EXPECT_THAT(reader.account.configurations[0].targets, ElementsAre("A][B##1][2", "A][B##3"));
+    EXPECT_THAT(reader.gaps(), IsEmpty());
+}
+
+TEST(HostAccountReader, NoticesAPrintedTargetThatNoSplitOfTheParsedOneGives) {
+    const Lines beginning{"CFiResourceParser::parse : Resource specification [A##x][y]",
+                          "CFiResourceParser::parse : [A][x][y]",
+                          "CFiResourceManager::print : printing resource set"};
+    for (const std::string_view printed :
+         {"[A:x:y](Available)", "[A:x][](Available)", "[A:x][yy](Available)", "[:](Available)"}) {
+        const CAccountReader reader = readerOf(beginning + Lines{std::string(printed)});
+        EXPECT_THAT(reader.account.configurations, IsEmpty()) << printed;
+        EXPECT_THAT(reader.gaps(), SizeIs(1)) << printed;
+    }
+}
+
 TEST(HostAccountReader, TakesNoLineOfABackupThatWasNotLoaded) {
     const Lines others{
         "fi_process_backups : [RESOURCES MATCH] [other]",

@@ -34,12 +34,12 @@ TEST(HostTraceText, TakesTheLastPlaceThatFitsForTheEndOfAName) {
     EXPECT_THAT(argumentsOf(ETraceText::kClaimed, "fi_process_backups : [RESERVE GOOD] a - T: b - T: 1"),
                 Optional(ElementsAre("a - T: b", "1")));
     EXPECT_THAT(argumentsOf(ETraceText::kFurtherTarget, "{a,b,Used}"), Optional(ElementsAre("a,b", "Used")));
+    EXPECT_THAT(argumentsOf(ETraceText::kTarget, "CFiResourceParser::parse : [A][1][2]"),
+                Optional(ElementsAre("A][1", "2")));
 }
 
-TEST(HostTraceText, TakesTheFirstPlaceThatFitsBehindWhatHoldsNoName) {
+TEST(HostTraceText, TakesTheFirstPlaceThatFitsBehindIndentation) {
     EXPECT_THAT(argumentsOf(ETraceText::kNodeObjid, " [a [b]]"), Optional(ElementsAre("", "a [b]")));
-    EXPECT_THAT(argumentsOf(ETraceText::kTarget, "CFiResourceParser::parse : [A][1][2]"),
-                Optional(ElementsAre("A", "1][2")));
 }
 
 TEST(HostTraceText, KnowsALineThatLostTheBlankAtItsEnd) {
