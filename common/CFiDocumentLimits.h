@@ -6,10 +6,10 @@
 #include <unordered_set>
 
 // What a document may ask of a reader, so that reading takes time and memory in proportion to the bytes of
-// the document. The hardened library, the host library and fi-rotate all use this class, so that they stop
-// reading the same documents at the same places. What follows differs: the hardened library uses the Nodes
-// before that place and goes on with the call, the host library decides nothing unless the host permits such
-// documents, and `fi-rotate check` reports it.
+// the document. The first library when it is built hardened, the host library and fi-rotate all use this
+// class, so that they stop reading the same documents at the same places. What follows differs: the first
+// library uses the Nodes before that place and goes on with the call, the host library decides nothing unless
+// the host permits such documents, and `fi-rotate check` reports it.
 //
 // The XML library looks names up in hash tables whose hash everybody can foresee: names that collide cost as
 // many comparisons as there are names before them. So different element names are counted, and start tags,

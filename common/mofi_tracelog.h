@@ -5,7 +5,8 @@
 //
 // `format` and the arguments follow printf. Formats carry a line end only where the text does;
 // texts taken from documents or configurations are always arguments, never part of a format. The
-// call is made on the thread that called the library and must not throw.
+// call is made on the thread that called the library and must not throw, because destructors trace
+// too. (That of host/library_call.cpp throws when memory runs out, but never for their lines.)
 //
 // The public header declares it for hosts; where both are included, the compiler compares them.
 // NOLINTNEXTLINE(readability-redundant-declaration)

@@ -131,8 +131,9 @@ void releaseOldest(const std::vector<SFiResourceList>& resourceSet, const Target
     }
 }
 
-// What fiidFlags will hold: for a name that was loaded, the state of the first of `backups` with that name;
-// for any other name, its flag word.
+// What fiidFlags will hold. `backups` oldest first: for a name that was loaded, the state of the first of
+// them with that name; for any other name, its flag word. A name listed twice stands for two backups with one
+// time stamp, so which of them comes first is not specified.
 std::vector<std::int32_t> finalFlags(const std::vector<std::string>& fiidNames, const std::int32_t* fiidFlags,
                                      const Backups& backups) {
     std::unordered_map<std::string_view, std::int32_t> states;

@@ -15,7 +15,7 @@ using xercesc::XMLPlatformUtils;
 
 namespace {
 
-// GCOVR_EXCL_START: in the host library and the hardened library only.
+// GCOVR_EXCL_START: in the host library, and in the first library when that is built hardened.
 void tracePlace(const xercesc::SAXParseException& report) {
     std::string words;
     toLocalCodePage(report.getMessage(), words);
@@ -143,8 +143,8 @@ void CFiFiidHandler::error(const xercesc::SAXParseException& report) {
 
 void CFiFiidHandler::fatalError(const xercesc::SAXParseException& report) {
     traceEntering("CFiFiidHandler::fatalError");
-    // The bare function traces only which limit is exceeded, and where; its hosts know its trace of other
-    // ill-formed documents without that line.
+    // The bare function has this line only for a limit that is exceeded. For other ill-formed documents, its
+    // trace stays as its hosts know it.
     if (kInHostLibrary || dynamic_cast<const CFiXmlExcess*>(&report) != nullptr) {
         tracePlace(report);  // GCOVR_EXCL_LINE
     }

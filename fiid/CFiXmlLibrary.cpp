@@ -17,7 +17,7 @@ using xercesc::XMLPlatformUtils;
 
 namespace {
 
-// The library's own handler ends the process, which is the host's.
+// Throws, because the XML library's own handler ends the process, which belongs to the host.
 class CThrowingPanicHandler : public xercesc::PanicHandler {
 public:
     void panic(const PanicReasons reason) override {
@@ -25,7 +25,7 @@ public:
         throw std::runtime_error(getPanicReasonString(reason));
     }
 
-    // Of the local code page; the library cannot be given one later.
+    // Whether the XML library got no converter for the local code page; it cannot be given one later.
     bool isWithoutConverter = false;
 };
 
@@ -42,7 +42,8 @@ void requireFreeHeap() {
     const std::unique_ptr<void, SHeapDelete> second(operator new(kSize));
 }
 
-// The last step of the library's set-up, which it keeps from its users.
+// Gives access to the last step of the XML library's set-up, which that library offers to derived classes
+// only.
 class CStaticData : private xercesc::XMLInitializer {
 public:
     using XMLInitializer::initializeStaticData;
@@ -50,19 +51,20 @@ public:
 
 }  // namespace
 
-// What the library uses as long as anybody holds it.
+// What the XML library uses as long as any part of the process keeps it initialised.
 struct CFiXmlLibrary::SSurroundings {
     CFiXmlMemory memory;
     CThrowingPanicHandler panicHandler;
 };
 
-// Of the process, since the library is. Plain pointers: the library may be in use until the process ends.
+// One for the process, because there is one XML library in it. Plain pointers: what they point to may be in
+// use until the process ends, and so must not be destroyed before.
 struct CFiXmlLibrary::SProcess {
-    // Of a set-up that failed on its way.
+    // Those of a set-up that failed in the middle.
     static inline SSurroundings* halfSetUp = nullptr;
-    // Of a call that ended while somebody else held the library.
+    // Those of a call that ended while another part of the process kept the XML library initialised.
     static inline SSurroundings* left = nullptr;
-    // In the host library only: from its first call on.
+    // In the host library only: those that it keeps from its first call on.
     static inline SSurroundings* held = nullptr;
 };
 
@@ -77,11 +79,11 @@ CFiXmlLibrary::CFiXmlLibrary() {
     requireFreeHeap();
     try {
         initialize();
-        // GCOVR_EXCL_START: nothing is known that makes the set-up end with one.
+        // GCOVR_EXCL_START: nothing is known that makes the set-up throw one.
     } catch (const xercesc::XMLException&) {
         terminate();
         if constexpr (kInHostLibrary) {
-            // No parser of it sets the library up by itself.
+            // The parsers of the host library do not initialise the XML library themselves.
             throw std::runtime_error("The XML library could not be set up.");
         }
         // GCOVR_EXCL_STOP
@@ -137,7 +139,7 @@ void CFiXmlLibrary::terminate() {
     surroundings->memory.drawOnReserve(true);
     XMLPlatformUtils::Terminate();
     if (XMLPlatformUtils::fgMemoryManager == &surroundings->memory) {
-        // Somebody initialised the library meanwhile and holds it still.
+        // Another part of the process has initialised the XML library meanwhile and still uses it.
         surroundings->memory.leaveToOthers();
         SProcess::left = surroundings.release();
     }

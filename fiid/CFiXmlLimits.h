@@ -10,7 +10,8 @@
 
 #include "common/CFiDocumentLimits.h"
 
-// Whether the library was built to keep documents within these limits.
+// Whether this library is built hardened, so that it keeps documents within these limits. The host library
+// is.
 #ifdef FI_ROTATION_HARDENED_XML
 constexpr bool kHardenedXml = true;
 #else

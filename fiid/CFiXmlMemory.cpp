@@ -48,7 +48,7 @@ void CFiXmlMemory::deallocate(void* memory) {
         return;
     }
     if (!isOwnersThread()) {
-        // It stays until this object ends: its place may be changing hands in the owner's thread just now.
+        // It stays allocated until this object ends, because only the owner's thread may change the lists.
         return;
     }
     if (units != kLarge) {

@@ -33,11 +33,11 @@ std::optional<BackupTargets> matchAll(const CFiFiidNode& root, const CFiTargetIn
         for (const auto& [objid, node] : lastNodes) {
             key.parse(node->objid);
             value.parse(node->altobjid);
-            const STargetPlace place = index.find(key, value);
-            if (place.resource == nullptr) {
+            const STargetInList target = index.find(key, value);
+            if (target.resource == nullptr) {
                 return std::nullopt;
             }
-            targets.push_back(place);
+            targets.push_back(target);
         }
     } catch (const CFiUdidException&) {
         return std::nullopt;
@@ -47,7 +47,7 @@ std::optional<BackupTargets> matchAll(const CFiFiidNode& root, const CFiTargetIn
 
 // Here it is decided whether a claim succeeds: returns false, and changes nothing, when the target is Used
 // already.
-bool claimTarget(const STargetPlace& target) {
+bool claimTarget(const STargetInList& target) {
     if (target.resource->state == kResourceUsed) {
         return false;
     }
@@ -57,7 +57,7 @@ bool claimTarget(const STargetPlace& target) {
 }
 
 // The list stays Used: its state says that it was claimed in this call, not that it is full.
-void releaseTarget(const STargetPlace& target) {
+void releaseTarget(const STargetInList& target) {
     target.resource->state = kResourceAvailable;
 }
 
@@ -74,7 +74,7 @@ bool validateInOrder(const CFiFiidNode& node, const CFiTargetIndex& index, int m
         for (const auto& [objid, altobjid] : pairs) {
             key.parse(objid);
             value.parse(altobjid);
-            const STargetPlace target = index.find(key, value);
+            const STargetInList target = index.find(key, value);
             if (target.resource == nullptr) {
                 result = false;
                 if (mode == CFiResourceManager::kCheck) {
@@ -123,14 +123,14 @@ std::optional<BackupTargets> findTargets(const CFiFiidNode& root, const CFiTarge
 // All pairs of the backup matched, so the outcome of a claim does not depend on their order.
 bool claim(const BackupTargets& targets) {
     bool result = true;
-    for (const STargetPlace& target : targets) {
+    for (const STargetInList& target : targets) {
         result = claimTarget(target) && result;
     }
     return result;
 }
 
 void release(const BackupTargets& targets) {
-    for (const STargetPlace& target : targets) {
+    for (const STargetInList& target : targets) {
         releaseTarget(target);
     }
 }

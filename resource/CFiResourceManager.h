@@ -43,7 +43,7 @@ public:
 };
 
 // The targets of one backup, where they stand in a resource set; the set's records must stay where they are.
-using BackupTargets = std::vector<STargetPlace>;
+using BackupTargets = std::vector<STargetInList>;
 
 // The three functions below do what validateResources does in its three modes, in less time: the check finds
 // the targets of a backup, through an index that serves all backups, and the claim and the release take them

@@ -18,16 +18,16 @@ CFiTargetIndex::CFiTargetIndex(std::vector<SFiResourceList>& resourceSet) {
         }
         for (SFiResource& resource : list.resources) {
             // The first of several targets of the same name counts.
-            targets.try_emplace({resource.device, resource.enclosure}, STargetPlace{&list, &resource});
+            targets.try_emplace({resource.device, resource.enclosure}, STargetInList{&list, &resource});
         }
     }
 }
 
-STargetPlace CFiTargetIndex::find(const CFiUdid& key, const CFiUdid& value) const {
+STargetInList CFiTargetIndex::find(const CFiUdid& key, const CFiUdid& value) const {
     const auto table = tables.find({key.device, key.enclosure});
     if (table == tables.end()) {
         return {};
     }
     const auto found = table->second.find({value.device, value.enclosure});
-    return found == table->second.end() ? STargetPlace() : found->second;
+    return found == table->second.end() ? STargetInList() : found->second;
 }

@@ -10,8 +10,8 @@
 
 class CFiUdid;
 
-// Where a target stands in a resource set; both members are null when it was not found.
-struct STargetPlace {
+// A further target and the configuration that it stands in; both are null when none was found.
+struct STargetInList {
     SFiResourceList* list = nullptr;
     SFiResource* resource = nullptr;
 };
@@ -24,7 +24,7 @@ public:
 
     // The first further target, in set order, that `value` names in a configuration whose first target
     // `key` names. Several configurations may share a first target.
-    [[nodiscard]] STargetPlace find(const CFiUdid& key, const CFiUdid& value) const;
+    [[nodiscard]] STargetInList find(const CFiUdid& key, const CFiUdid& value) const;
 
 private:
     // Device and enclosure.
@@ -32,7 +32,7 @@ private:
     struct SNameHash {
         std::size_t operator()(const Name& name) const;
     };
-    using Targets = std::unordered_map<Name, STargetPlace, SNameHash>;
+    using Targets = std::unordered_map<Name, STargetInList, SNameHash>;
 
     // A table for each first target: one table for all would be too large for the processor's cache while it
     // is filled.

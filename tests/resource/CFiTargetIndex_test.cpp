@@ -43,9 +43,9 @@ TEST(CFiTargetIndex, FindsNothingInAnEmptySet) {
 TEST(CFiTargetIndex, FindsATargetWithItsList) {
     Set set{{"lun1", "encA", 0, {{"snap1", "encA"}}}, {"lun2", "encA", 0, {{"snap2", "encA"}}}};
     const CFiTargetIndex index(set);
-    const STargetPlace place = index.find(named("encA", "lun2"), named("encA", "snap2"));
-    EXPECT_EQ(place.list, &set[1]);
-    EXPECT_EQ(place.resource, &set[1].resources[0]);
+    const STargetInList target = index.find(named("encA", "lun2"), named("encA", "snap2"));
+    EXPECT_EQ(target.list, &set[1]);
+    EXPECT_EQ(target.resource, &set[1].resources[0]);
     EXPECT_EQ(index.find(named("encA", "lun1"), named("encA", "snap2")).list, nullptr);
 }
 
