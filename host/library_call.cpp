@@ -201,6 +201,9 @@ public:
     CTraceReceiver(const CTraceReceiver&) = delete;
     CTraceReceiver& operator=(const CTraceReceiver&) = delete;
 
+    // Throws std::bad_alloc when memory runs out, but never for a line that a destructor traces. These are
+    // the entries and exits of destructors: enter allocates only at CFiFiidParser::parse, and tell keeps what
+    // is thrown.
     void receive(int level, const char* format, std::va_list arguments);
 
     // What the XML reader found in each document that it came to, in order.
@@ -259,7 +262,7 @@ void CTraceReceiver::receive(int level, const char* format, std::va_list argumen
     if (level <= heardLevel) {
         tell(level, format, arguments);
     }
-    // Nearly all lines are entries and exits, so they are told first.
+    // Nearly all lines are entries and exits, so these are recognised first, by the address of their format.
     if (format == entering) {
         enter(va_arg(arguments, const char*));
     } else if (format == exiting) {

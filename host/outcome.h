@@ -85,6 +85,7 @@ void copyReasons(SOutcome& outcome);
 void withdraw(SOutcome& outcome);
 
 // The words for states. In outputs they say the state of a backup; on the command line they select backups.
+// A backup whose document is ignored has no state, and "not loaded" stands in its place.
 constexpr std::string_view kNotLoaded = "not loaded";
 constexpr std::array<std::string_view, 4> kStateWords{"kept", "invalid", "rotated", kNotLoaded};
 

@@ -118,7 +118,8 @@ private:
         wishesNow.account = wishes.account || safety.leastKept != 0;
         const CProcessLock lock;
         decision.outcome = runCall(usable, wishesNow);
-        const bool isAccountNeeded = !decision.outcome.exception.has_value() && !isToldBySelection();
+        const bool isAccountNeeded =
+            !decision.outcome.exception.has_value() && !hasConfigurationsInSelection();
         if (isAccountNeeded && !wishesNow.account) {
             wishesNow.account = true;
             wishesNow.trace = nullptr;
@@ -153,8 +154,9 @@ private:
         }
     }
 
-    // Otherwise it takes an account to tell what is short, or what the configurations are.
-    [[nodiscard]] bool isToldBySelection() const {
+    // Whether the selection tells the configurations. If there is none, or a name in it keeps it from being
+    // split, only an account tells which configurations are short, or what they are called.
+    [[nodiscard]] bool hasConfigurationsInSelection() const {
         return decision.outcome.selection.has_value() && choices(*decision.outcome.selection).has_value();
     }
 

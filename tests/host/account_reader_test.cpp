@@ -28,26 +28,27 @@ Lines tree(const std::string& altobjid) {
     return {" [UDID##a##b##A##x]", " {" + altobjid + "}", " <0 >"};
 }
 
+// The newer backup is rotated, because the older one is excluded.
 const Lines kBeginning{
     "CFiResourceParser::parse : Resource specification [A##x;1;2]",
     "CFiResourceParser::parse : [A][x]",
     "CFiResourceParser::parse : [A][1]",
     "CFiResourceParser::parse : [A][2]",
-    "fi_process_backups :  Fiid [old] exclude rotation flag [0] ",
+    "fi_process_backups :  Fiid [rotated] exclude rotation flag [0] ",
     "fi_process_backups :  Fiid [kept] exclude rotation flag [4] ",
 };
-const Lines kTreeOfOld = tree("UDID##a##b##A##1");
+const Lines kTreeOfRotated = tree("UDID##a##b##A##1");
 const Lines kTreeOfKept = tree("UDID##a##b##A##2");
-const Lines kLoading = Lines{"fi_process_backups : parsed [old]"} + kTreeOfOld +
+const Lines kLoading = Lines{"fi_process_backups : parsed [rotated]"} + kTreeOfRotated +
                        Lines{"fi_process_backups : parsed [kept]"} + kTreeOfKept +
                        Lines{"CFiResourceManager::print : printing resource set", "[A:x](Available)",
                              "{1,Available}", "{2,Available}"};
 const Lines kChecks{
-    "fi_process_backups : [RESOURCES MATCH] [old]",
+    "fi_process_backups : [RESOURCES MATCH] [rotated]",
     "fi_process_backups : [RESOURCES MATCH] [kept]",
 };
 const Lines kClaims{
-    "fi_process_backups : [RESERVE GOOD] old - T: 2",
+    "fi_process_backups : [RESERVE GOOD] rotated - T: 2",
     "fi_process_backups : [RESERVE GOOD] kept - T: 1",
 };
 const Lines kSkip{"fi_process_backups : Skipped Rotation for fiid [kept]"};
@@ -57,7 +58,7 @@ const Lines kEnd = Lines{"fi_process_backups : resource_config_string [[A##x;A##
                          "{1,Available}",
                          "{2,Used}",
                          "fi_process_backups : parsed [kept] state=[0]"} +
-                   kTreeOfKept + Lines{"fi_process_backups : parsed [old] state=[2]"} + kTreeOfOld;
+                   kTreeOfKept + Lines{"fi_process_backups : parsed [rotated] state=[2]"} + kTreeOfRotated;
 
 CAccountReader readerOf(const Lines& lines) {
     CAccountReader reader;
@@ -72,7 +73,7 @@ TEST(HostAccountReader, KeepsWhatEveryPassDid) {
     EXPECT_THAT(reader.gaps(), IsEmpty());
     EXPECT_TRUE(reader.isLoadingOver());
     EXPECT_TRUE(reader.isEnded());
-    EXPECT_THAT(reader.flagWords, ElementsAre(Pair("old", 0), Pair("kept", 4)));
+    EXPECT_THAT(reader.flagWords, ElementsAre(Pair("rotated", 0), Pair("kept", 4)));
     EXPECT_THAT(reader.claims, ElementsAre(Pair(0, true), Pair(1, true)));
     EXPECT_THAT(reader.skipped, ElementsAre(1));
     EXPECT_THAT(reader.failedCheck, IsEmpty());
@@ -88,7 +89,7 @@ TEST(HostAccountReader, KeepsConfigurationsAndBackups) {
     EXPECT_THAT(reader.account.configurations[0].targets, ElementsAre("A##1", "A##2"));
     EXPECT_EQ(reader.account.selection, "[A##x;A##1]");
     ASSERT_THAT(reader.account.backups, SizeIs(2));
-    EXPECT_EQ(reader.account.backups[0].file, "old");
+    EXPECT_EQ(reader.account.backups[0].file, "rotated");
     EXPECT_EQ(reader.account.backups[0].timeStamp, "2");
     EXPECT_EQ(reader.account.backups[0].state, FI_BACKUP_ROTATED);
     const auto pairs = reader.account.backups[0].pairs.inOrder();
@@ -138,7 +139,7 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
 
 TEST(HostAccountReader, NamesOnlyTheBeginningWhereThatIsMissing) {
     const Lines all = kBeginning + kLoading + kChecks + kClaims + kSkip + kEnd;
-    for (std::size_t lost = 1; lost < all.size() - kTreeOfOld.size(); ++lost) {
+    for (std::size_t lost = 1; lost < all.size() - kTreeOfRotated.size(); ++lost) {
         const CAccountReader reader =
             readerOf(Lines(all.begin() + static_cast<std::ptrdiff_t>(lost), all.end()));
         EXPECT_THAT(reader.gaps(), ElementsAre(testing::StartsWith("its beginning, "))) << all[lost];
@@ -152,7 +153,7 @@ TEST(HostAccountReader, NamesNoMissingLinesWhenACallBreaksOffAtItsEnd) {
             readerOf(Lines(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(size)));
         EXPECT_THAT(reader.gaps(), IsEmpty()) << all[size - 1];
         // A call has ended although lines of the last tree may still follow.
-        EXPECT_EQ(reader.isEnded(), size >= all.size() - kTreeOfOld.size()) << all[size - 1];
+        EXPECT_EQ(reader.isEnded(), size >= all.size() - kTreeOfRotated.size()) << all[size - 1];
     }
 }
 
@@ -227,12 +228,12 @@ TEST(HostAccountReader, CountsTheLinesThatCannotFollow) {
 }
 
 TEST(HostAccountReader, NoticesThatATreeLacksALine) {
-    for (std::size_t lost = 0; lost < kTreeOfOld.size(); ++lost) {
-        Lines lines = kTreeOfOld;
+    for (std::size_t lost = 0; lost < kTreeOfRotated.size(); ++lost) {
+        Lines lines = kTreeOfRotated;
         lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(lost));
         const CAccountReader reader =
-            readerOf(kBeginning + Lines{"fi_process_backups : parsed [old]"} + lines + kTreeOfKept);
-        EXPECT_THAT(reader.gaps(), SizeIs(1)) << kTreeOfOld[lost];
+            readerOf(kBeginning + Lines{"fi_process_backups : parsed [rotated]"} + lines + kTreeOfKept);
+        EXPECT_THAT(reader.gaps(), SizeIs(1)) << kTreeOfRotated[lost];
     }
 }
 
@@ -248,7 +249,7 @@ TEST(HostAccountReader, EndsACallWithoutASelection) {
 }
 
 TEST(HostAccountReader, EndsACallWithAMalformedIdentifierOfItsOwn) {
-    const Lines loading = Lines{"fi_process_backups : parsed [old]"} + tree("UDID##a") +
+    const Lines loading = Lines{"fi_process_backups : parsed [rotated]"} + tree("UDID##a") +
                           Lines{"CFiResourceManager::print : printing resource set", "[A:x](Available)",
                                 "{1,Available}", "{2,Available}"};
     EXPECT_FALSE(readerOf(kBeginning + loading + Lines{"ERROR: disk full"}).isEnded());
@@ -263,11 +264,11 @@ TEST(HostAccountReader, ExpectsNoPrintOfARejectedConfiguration) {
               "CFiResourceParser::parse : [A][x]", "CFiResourceParser::parse : [A][1]",
               "CFiResourceParser::parse : [][y]",
               "CFiResourceParser::parse : resource configuration \"y\" has no enclosure data specified.",
-              "fi_process_backups :  Fiid [old] exclude rotation flag [0] ",
-              "fi_process_backups : parsed [old]"} +
+              "fi_process_backups :  Fiid [rotated] exclude rotation flag [0] ",
+              "fi_process_backups : parsed [rotated]"} +
         tree("UDID##x") +
         Lines{"CFiResourceManager::print : printing resource set", "[A:x](Available)", "{1,Available}",
-              "fi_process_backups : [RESOURCES MATCH] [old]"});
+              "fi_process_backups : [RESOURCES MATCH] [rotated]"});
     EXPECT_THAT(reader.gaps(), IsEmpty());
     EXPECT_THAT(reader.account.configurations, SizeIs(1));
 }

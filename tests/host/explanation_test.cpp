@@ -49,8 +49,8 @@ protected:
         return runCall(call, withAccount());
     }
 
-    static const SReason& reasonFor(const SOutcome& outcome, std::size_t place) {
-        return outcome.backups.at(place).reason.value();
+    static const SReason& reasonFor(const SOutcome& outcome, std::size_t index) {
+        return outcome.backups.at(index).reason.value();
     }
 };
 
@@ -247,8 +247,8 @@ std::int32_t stateOf(EReason kind) {
 // The configuration that a reason names had no free target before the release. With the reason kNeeded the
 // backup held one of its targets, with kInVain none. Several configurations may have its name.
 void expectTrueReleases(const SAccount& account) {
-    for (std::size_t place = 0; place < account.backups.size(); ++place) {
-        const SReason& reason = *account.backups[place].reason;
+    for (std::size_t index = 0; index < account.backups.size(); ++index) {
+        const SReason& reason = *account.backups[index].reason;
         if (stateOf(reason.kind) != FI_BACKUP_ROTATED) {
             continue;
         }
@@ -261,7 +261,7 @@ void expectTrueReleases(const SAccount& account) {
             if (account.configurations[i].first == reason.configuration) {
                 ++ofName;
                 wasShort = wasShort || isFull;
-                heldOne = heldOne || (isFull && std::find(row.begin(), row.end(), place) != row.end());
+                heldOne = heldOne || (isFull && std::find(row.begin(), row.end(), index) != row.end());
             }
         }
         EXPECT_TRUE(wasShort) << inWords(reason);
