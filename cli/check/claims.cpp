@@ -26,26 +26,26 @@ void CClaims::report() {
     sortClaimants();
     for (const SGroup& group : groups()) {
         std::map<const CFindings*, std::size_t> order;
-        for (std::size_t place = 0; place < group.claimants.size(); ++place) {
-            const CFindings* const findings = backups[group.claimants[place]].findings;
-            order.emplace(findings, place);
+        for (std::size_t index = 0; index < group.claimants.size(); ++index) {
+            const CFindings* const findings = backups[group.claimants[index]].findings;
+            order.emplace(findings, index);
             reportsOn[findings].push_back(reports.size());
-            if (place > 0) {
-                reportLoss(group, place);
+            if (index > 0) {
+                reportLoss(group, index);
             }
         }
         reports.push_back(std::move(order));
     }
 }
 
-// Tells the backup at `place` in the order of claims that it finds the targets used.
-void CClaims::reportLoss(const SGroup& group, std::size_t place) {
-    const SBackup& loser = backups[group.claimants[place]];
+// Adds to the backup with this index among the claimants the finding that its targets were claimed before.
+void CClaims::reportLoss(const SGroup& group, std::size_t index) {
+    const SBackup& loser = backups[group.claimants[index]];
     const STarget& first = **std::min_element(
-        group.targets.begin(), group.targets.end(), [place](const STarget* left, const STarget* right) {
-            return left->claimants[place].offset < right->claimants[place].offset;
+        group.targets.begin(), group.targets.end(), [index](const STarget* left, const STarget* right) {
+            return left->claimants[index].offset < right->claimants[index].offset;
         });
-    loser.findings->add({EHazard::kTargetHeldBySeveral, loser.document->spotAt(first.claimants[place].offset),
+    loser.findings->add({EHazard::kTargetHeldBySeveral, loser.document->spotAt(first.claimants[index].offset),
                          textOf(group, first, loser)});
 }
 
@@ -114,9 +114,9 @@ std::optional<std::string> CClaims::reportOf(const CFindings& one, const CFindin
     }
     for (const std::size_t index : found->second) {
         const std::map<const CFindings*, std::size_t>& order = reports[index];
-        if (const auto place = order.find(&other); place != order.end()) {
+        if (const auto ofOther = order.find(&other); ofOther != order.end()) {
             // The first of them to claim it is told nothing.
-            return (place->second > order.at(&one) ? other : one).input();
+            return (ofOther->second > order.at(&one) ? other : one).input();
         }
     }
     return std::nullopt;

@@ -64,14 +64,14 @@ private:
 
     void sortClaimants();
     [[nodiscard]] std::vector<SGroup> groups() const;
-    void reportLoss(const SGroup& group, std::size_t place);
+    void reportLoss(const SGroup& group, std::size_t index);
     [[nodiscard]] std::string textOf(const SGroup& group, const STarget& first, const SBackup& loser) const;
 
     std::vector<SBackup> backups;
     std::map<std::pair<std::size_t, std::string>, STarget> targets;
     // Indices of the backups that do not get every target that they try to claim.
     std::set<std::size_t> losers;
-    // Who claims the same targets, each with its place in the order of their claims.
+    // Who claims the same targets, each with its index in the order of their claims.
     std::vector<std::map<const CFindings*, std::size_t>> reports;
     // Indices of reports by who is in them.
     std::map<const CFindings*, std::vector<std::size_t>> reportsOn;

@@ -344,7 +344,7 @@ private:
         return isMark ? EHazard::kByteOrderMark : causeAt(reading.used.size());
     }
 
-    // The causes that come first are those that are told of a target.
+    // The order matters: of several causes for one target, the one that is added first is reported.
     void gatherUnread() {
         if (cut == EHazard::kUtf16) {
             unread.setCauseOfAll(EHazard::kUtf16);

@@ -7,9 +7,9 @@
 namespace fi_rotate {
 namespace {
 
-// What the same findings have in common. Names and values that are quoted differ from document to document
-// where the mistake is one. Those of a pair that matches nothing, and of a target that several backups hold,
-// are the mistake.
+// Equal for findings that report the same mistake: the text without what is quoted, because the quoted names
+// and values differ between documents. For a pair that matches nothing, and for a target that several backups
+// hold, the quoted names are the mistake itself, so they are compared too.
 std::pair<EHazard, std::string> kindOfFault(const SFinding& finding) {
     if (finding.hazard == EHazard::kPairMatchesNothing || finding.hazard == EHazard::kTargetHeldBySeveral) {
         return {finding.hazard, finding.text};
@@ -25,7 +25,8 @@ std::pair<EHazard, std::string> kindOfFault(const SFinding& finding) {
     return {finding.hazard, words};
 }
 
-// Hazards of a document that are told only of earlier ones, and of which.
+// The hazards of an input whose findings there are all repetitions or consequences of others, each with the
+// hazard of the earlier input that is repeated.
 std::map<SCause, SCause> repetitionsIn(const CFindings& findings) {
     std::map<SCause, SCause> repetitions;
     const std::vector<SFinding> rows = findings.inOrder();

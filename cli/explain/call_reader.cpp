@@ -36,15 +36,15 @@ using States = std::unordered_map<std::string, std::int32_t>;
 
 States finalStates(const CAccountReader& account) {
     States states;
-    for (const std::size_t place : account.oldestFirst) {
-        const SAccountBackup& backup = account.account.backups[place];
+    for (const std::size_t index : account.oldestFirst) {
+        const SAccountBackup& backup = account.account.backups[index];
         states.emplace(backup.file, backup.state);
     }
     return states;
 }
 
-// Where the lines of one call are not all there, a name that is listed twice may be listed by two calls, and
-// a backup that is excluded and rotated by one of them each.
+// Whether lines that seem to be of one call may be of two: a name has two flag words, or a backup is excluded
+// and yet rotated. To be asked only when lines are missing, because a whole call may list a name twice.
 bool isOfSeveralCalls(const CAccountReader& account) {
     const States states = finalStates(account);
     std::set<std::string> names;
@@ -109,8 +109,8 @@ bool isPlausible(const SAccount& account) {
     for (std::size_t i = 0; i < chosen->size(); ++i) {
         const auto& holders = account.heldAfter[i];
         const auto free = std::find(holders.begin(), holders.end(), std::nullopt);
-        const auto place = static_cast<std::size_t>(free - holders.begin());
-        if (free == holders.end() || account.configurations[i].targets[place] != (*chosen)[i].chosen) {
+        const auto index = static_cast<std::size_t>(free - holders.begin());
+        if (free == holders.end() || account.configurations[i].targets[index] != (*chosen)[i].chosen) {
             return false;
         }
     }
@@ -211,7 +211,7 @@ bool CCallReader::seemsMixed(const std::vector<std::string>& gaps) const {
     return order.isBroken() || (!gaps.empty() && isOfSeveralCalls(account));
 }
 
-// Which line is of which call is not known, so neither is what any of them came to.
+// It is not known which line belongs to which call, so no outcome is given for any of them.
 void CCallReader::endMixed() {
     SOutcome& outcome = call.outcome;
     call.missing.emplace_back(
@@ -263,8 +263,8 @@ void CCallReader::endDecision() {
     copyReasons(outcome);
 }
 
-// The last pass tells the states, that of the newest backup last: where it is there, others are missing
-// before it.
+// The last pass traces the states oldest first. So if the state of the newest backup is there, the missing
+// ones stood before it.
 std::string CCallReader::missingEnd() const {
     const std::vector<std::size_t>& told = account.oldestFirst;
     const std::size_t all = account.account.backups.size();

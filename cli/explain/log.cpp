@@ -79,7 +79,7 @@ std::optional<std::size_t> findProgress(std::string_view line) {
     for (const ETraceText kind : {ETraceText::kEntering, ETraceText::kExiting}) {
         const std::string_view start = startOf(kind);
         const std::size_t place = line.rfind(start);
-        // One that is not found has no place, which is beyond any prefix.
+        // `place` is npos when it is not found, and so greater than kLongestPrefix.
         if (place <= kLongestPrefix &&
             line.find_first_of(" \t", place + start.size()) == std::string_view::npos) {
             return place;
@@ -123,7 +123,8 @@ std::optional<SFound> findUnnamed(const CWriters& writers, std::size_t log, std:
             continue;
         }
         const SPrefix prefix = prefixOf(line.substr(0, end));
-        // The longest prefix counts: the trees' own blank must not be taken from one that ends in several.
+        // Of several prefixes that fit, the longest counts: the text of a tree begins with one blank, and
+        // further blanks before it belong to the prefix.
         if (const auto writer = writers.writerOfExactly(log, prefix)) {
             found = SFound{*writer, text, prefix.time, ELogText::kUnnamed};
         }

@@ -5,7 +5,7 @@
 namespace fi_rotate {
 namespace {
 
-// Of more writers that take turns no log is told apart without the beginnings of their calls.
+// At most so many writers are recognised by the fact that their lines alternate.
 constexpr std::size_t kRecentWords = 16;
 
 }  // namespace
@@ -81,8 +81,9 @@ bool CWriters::namesWriter(const SWordPosition& position) {
     return !isLevel && (ofBegun > all / 2 || isOfWriters(position, all, ofBegun != 0));
 }
 
-// Where most calls had begun before the log: few words, each in many lines, are those of writers when no call
-// begins in the log at all, and when they alternate, as those of a clock never do.
+// Decides for logs in which most lines belong to calls that had begun before. Few words, each in many lines,
+// name writers in two cases: no line with one of them begins a call; or they alternate, which the words of a
+// clock never do.
 bool CWriters::isOfWriters(const SWordPosition& position, std::size_t lines, bool isBegun) {
     constexpr std::size_t kLeastLines = 4;
     if (lines < kLeastLines * position.words.size()) {

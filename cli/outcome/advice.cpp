@@ -90,7 +90,7 @@ std::vector<SChange> changesOfHolders(const SAccount& account) {
     return changes;
 }
 
-// The places of the backups that were not released: those first that hold the most targets of short
+// The indices of the backups that were not released: those first that hold the most targets of short
 // configurations, and of those that hold as many the oldest.
 std::vector<std::size_t> byUse(const SAccount& account) {
     std::vector<std::size_t> held(account.backups.size());
@@ -99,17 +99,17 @@ std::vector<std::size_t> byUse(const SAccount& account) {
             ++held[target.holder];
         }
     }
-    std::vector<std::size_t> places;
+    std::vector<std::size_t> indices;
     for (std::size_t i = 0; i < account.backups.size(); ++i) {
         if (account.backups[i].state != FI_BACKUP_ROTATED) {
-            places.push_back(i);
+            indices.push_back(i);
         }
     }
-    std::stable_sort(places.begin(), places.end(), [&account, &held](std::size_t one, std::size_t other) {
+    std::stable_sort(indices.begin(), indices.end(), [&account, &held](std::size_t one, std::size_t other) {
         return std::tie(held[other], account.backups[one].timeStamp) <
                std::tie(held[one], account.backups[other].timeStamp);
     });
-    return places;
+    return indices;
 }
 
 // Of all backups. An invalid one may be excluded too: when another is left out it may become valid.
@@ -121,8 +121,8 @@ std::vector<SChange> allChanges(const SCall& call, const SAccount& account) {
         }
     }
     std::vector<SChange> changes;
-    for (const std::size_t place : byUse(account)) {
-        const SAccountBackup& backup = account.backups[place];
+    for (const std::size_t index : byUse(account)) {
+        const SAccountBackup& backup = account.backups[index];
         if (excluded.count(backup.file) != 0) {
             changes.push_back({EChange::kAllowRotation, backup.file});
         }

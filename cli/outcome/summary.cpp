@@ -12,8 +12,8 @@ STotals totalsOf(const SOutcome& outcome) {
             ++totals.withoutState;
             continue;
         }
-        const auto place = std::find(kStateWords.begin(), kStateWords.end(), *word) - kStateWords.begin();
-        ++totals.ofState.at(static_cast<std::size_t>(place));
+        const auto index = std::find(kStateWords.begin(), kStateWords.end(), *word) - kStateWords.begin();
+        ++totals.ofState.at(static_cast<std::size_t>(index));
         const bool isInVain = backup.reason.has_value() && backup.reason->kind == EReason::kInVain;
         totals.inVain += isInVain ? 1 : 0;
     }

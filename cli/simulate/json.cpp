@@ -65,7 +65,7 @@ Json configurationsOf(const SSimulationReport& report) {
             {"held", summary.held},
             {"lost", summary.lost},
             {"seconds_until_rotated", agesOf(summary.ages)},
-            {"fewest_restore_points", keptOf(summary.fewestKept.everSince)},
+            {"fewest_restore_points", keptOf(summary.fewestKept.sinceFirstBackup)},
             {"fewest_restore_points_since_rotation", keptOf(summary.fewestKept.sinceRotation)},
             {"shortage",
              shortageOf(summary, report.simulation.configurations[i], report.simulation.plan.from)},

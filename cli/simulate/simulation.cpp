@@ -158,8 +158,8 @@ private:
             const std::size_t kept =
                 outcome.selection.has_value() ? keptHolders(*outcome.account, i) : before;
             SFewestKept& fewest = simulation.fewestKept[i];
-            if (before != 0 || fewest.everSince.has_value()) {
-                keepFewer(fewest.everSince, {kept, round});
+            if (before != 0 || fewest.sinceFirstBackup.has_value()) {
+                keepFewer(fewest.sinceFirstBackup, {kept, round});
                 if (hasRotated) {
                     keepFewer(fewest.sinceRotation, {kept, round});
                 }
@@ -246,10 +246,10 @@ private:
         backup.snapshots = chosen.size();
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             const auto& targets = simulation.configurations[i].targets;
-            const auto place = std::find(targets.begin(), targets.end(), chosen[i].chosen);
+            const auto found = std::find(targets.begin(), targets.end(), chosen[i].chosen);
             SSnapshot snapshot;
             snapshot.configuration = static_cast<std::uint32_t>(i);
-            snapshot.target = static_cast<std::uint32_t>(place - targets.begin());
+            snapshot.target = static_cast<std::uint32_t>(found - targets.begin());
             snapshot.taken = static_cast<std::uint32_t>(round);
             overwriteHolder(snapshot);
             overwriteUnprotected(snapshot);

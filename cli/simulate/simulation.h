@@ -123,7 +123,7 @@ struct SKept {
 // The fewest restore points of a configuration, each with the first round that had so few.
 struct SFewestKept {
     // Counted from the first call that has a backup of this configuration.
-    std::optional<SKept> everSince;
+    std::optional<SKept> sinceFirstBackup;
     // Counted from the first call that rotates a backup; before it the number of backups only grows.
     std::optional<SKept> sinceRotation;
 };
@@ -131,7 +131,8 @@ struct SFewestKept {
 struct SSimulation {
     SPlan plan;
     std::vector<SAccountConfiguration> configurations;
-    // Fewer than planned when the simulation was stopped.
+    // Fewer than planned only when `mayContinue` returned false. The summary then says that the simulation
+    // was interrupted.
     std::size_t finishedRounds = 0;
     // One for each of SPlan::from.
     std::vector<STakenOver> takenOver;

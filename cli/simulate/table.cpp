@@ -108,10 +108,10 @@ std::string fewestKeptLines(const SSimulationReport& report) {
     const SPlan& plan = report.simulation.plan;
     std::string text;
     for (const SConfigurationSummary& summary : report.summaries) {
-        const auto& [everSince, sinceRotation] = summary.fewestKept;
-        if (everSince.has_value()) {
-            text += fmt::format("  {}: {}", asPrintable(summary.first), inWords(plan, *everSince));
-            text += sinceRotation.has_value() && sinceRotation->count != everSince->count
+        const auto& [sinceFirstBackup, sinceRotation] = summary.fewestKept;
+        if (sinceFirstBackup.has_value()) {
+            text += fmt::format("  {}: {}", asPrintable(summary.first), inWords(plan, *sinceFirstBackup));
+            text += sinceRotation.has_value() && sinceRotation->count != sinceFirstBackup->count
                         ? fmt::format(", since the first rotation {}\n", inWords(plan, *sinceRotation))
                         : "\n";
         }

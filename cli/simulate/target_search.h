@@ -14,8 +14,7 @@ enum class ESearch {
     // `targets` is the fewest with which the goal is met.
     kFound,
     // The configuration names a target twice, and so loses snapshots, however many targets it has and
-    // whatever is
-    // excluded.
+    // whatever is excluded.
     kNever,
     // Exclusions that never end keep one target after another: the more rounds, the more targets are needed.
     kNoLimit,
@@ -37,8 +36,9 @@ using ContinueSearchCallback = std::function<bool(std::size_t targets, std::size
 // round: fewer targets than there are could not hold it.
 //
 // Fewer targets than it has are its first ones; more are its own and invented ones. The number is doubled
-// until the goal is met, then halved in: a target more lets each snapshot live a round longer and moves the
-// first round without a target later, so with the fewest targets any larger number meets the goal too.
+// until the goal is met; then the fewest is found by bisection. That is correct because one more target lets
+// each snapshot live a round longer and moves the first round without a target later, so that every number
+// above the fewest meets the goal too.
 SFewestTargets findFewestTargets(const SPlan& plan, const SAccountConfiguration& configuration,
                                  std::int64_t goal, const ContinueSearchCallback& mayContinue);
 

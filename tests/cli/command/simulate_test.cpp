@@ -103,8 +103,9 @@ TEST(FiRotateSimulate, OneRoundIsSingularWhereverItIsNamed) {
     EXPECT_THAT(atTheEnd.output, HasSubstr("\n  not shown (no target was found either): 5\n"));
 }
 
-// Excluded for four days each, so that the two targets serve two rounds of four. A round needs a target;
-// those of the three before it are excluded still.
+// Each backup is excluded for four days, so that the two targets serve two rounds of four. Four targets would
+// be enough: one for the round, three for the backups of the three rounds before it, which are still
+// excluded.
 TEST(FiRotateSimulate, ShowsEveryStretchOfRoundsWithoutATarget) {
     const auto result = runFiRotate(
         daily("encA##lun1;s1;s2", "9", {"--exclude-every", "1", "--exclude-for", "4d", "--keep-days", "3"}));

@@ -393,7 +393,7 @@ TEST_F(FiRotateLog, FollowsACallIntoTheNextLog) {
         EXPECT_THAT(calls[0].missing, IsEmpty());
         EXPECT_EQ(calls[0].first.log, "log.1");
         EXPECT_EQ(calls[0].first.line, 2U);
-        // Behind the last of a tree's own lines come those that say nothing of the call.
+        // A trace ends with the last tree, so the last line of the log is the last one of the call.
         EXPECT_EQ(calls[0].last.log, "log");
         EXPECT_EQ(calls[0].last.line, lines.size() - cut);
     }
@@ -458,7 +458,7 @@ TEST_F(FiRotateLogTabs, AreReadInEveryEscapeOfALogger) {
     }
 }
 
-TEST_F(FiRotateLogTabs, AreMissedFirstWhereAnythingElseReplacedThem) {
+TEST_F(FiRotateLogTabs, AreNamedAsMissingWhereAnythingElseReplacedThem) {
     for (const char* const text : {" ", "?", ".", "        ", "\xEF\xBF\xBD"}) {
         SCOPED_TRACE(text);
         const SLoggedCall logged = callOfLogWith(text);
@@ -475,7 +475,7 @@ TEST_F(FiRotateLogTabs, AreMissedFirstWhereAnythingElseReplacedThem) {
     }
 }
 
-TEST_F(FiRotateLogTabs, OfLinesThatTellOfNoTreeAreNotMissed) {
+TEST_F(FiRotateLogTabs, AreNotNamedAsMissingWhereALineIsOfNoTree) {
     std::vector<std::string> log;
     for (const std::string& line : lines) {
         log.push_back("backupd: " + line.substr(2));

@@ -31,7 +31,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// What a host writes before a message of this process, at this level of the library, and second of a day.
+// Returns what a host writes before a message: of a process, at a level of the library, in a second of the
+// day.
 using Format = std::string (*)(int process, char level, int second);
 
 std::string clock(int second) {
@@ -57,7 +58,7 @@ std::string log4(int process, char level, int second) {
                        second * 7 % 1000, level == '3' ? "WARN" : "TRACE", 9 + process);
 }
 
-// With a counter, an uptime and letters for levels of the host's own.
+// With a counter, an uptime, and the host's own letters for the levels.
 std::string counted(int process, char level, int second) {
     return fmt::format("{} [{:5}.{:06}] {}/t:0x7f{:x}\t", second * 3, second, second * 17 % 1000000,
                        level == '3' ? 'F' : 'P', process);
@@ -286,7 +287,7 @@ TEST_F(FiRotateLogWriters, AreSeparatedWhenTheLogBeginsWithinACall) {
     }
 }
 
-// Where each of several writers has begun its call before the log, their lines one after the other by turns.
+// Two processes had begun their calls before the log, and their lines alternate.
 TEST_F(FiRotateLogWriters, AreToldApartWhenAllCallsWereCutOffAtTheBeginningOfTheLog) {
     for (std::size_t i = 0; i < kFormats.size(); ++i) {
         SCOPED_TRACE(i);

@@ -29,7 +29,7 @@ bool operator==(const SKept& one, const SKept& other) {
 }
 
 bool operator==(const SFewestKept& one, const SFewestKept& other) {
-    return one.everSince == other.everSince && one.sinceRotation == other.sinceRotation;
+    return one.sinceFirstBackup == other.sinceFirstBackup && one.sinceRotation == other.sinceRotation;
 }
 
 std::ostream& operator<<(std::ostream& stream, const SFewestKept& fewest) {
@@ -38,7 +38,7 @@ std::ostream& operator<<(std::ostream& stream, const SFewestKept& fewest) {
             stream << kept->count << " in round " << kept->round << ", ";
         }
     };
-    show(fewest.everSince);
+    show(fewest.sinceFirstBackup);
     show(fewest.sinceRotation);
     return stream;
 }
@@ -95,8 +95,8 @@ SSnapshot lost(std::uint32_t configuration, std::uint32_t target, std::uint32_t 
     return {configuration, target, taken, ended, EEnd::kLost};
 }
 
-SFewestKept fewestKept(const SKept& everSince, const std::optional<SKept>& sinceRotation) {
-    return {everSince, sinceRotation};
+SFewestKept fewestKept(const SKept& sinceFirstBackup, const std::optional<SKept>& sinceRotation) {
+    return {sinceFirstBackup, sinceRotation};
 }
 
 TEST(FiRotateSimulation, TheOldestBackupGivesItsTargetToTheRoundThatFindsNoneFree) {
@@ -187,7 +187,7 @@ TEST(FiRotateSimulation, ARoundWithoutATargetTakesNoRestorePoint) {
 
 TEST(FiRotateSimulation, WithoutABackupThereAreNoFewestRestorePoints) {
     for (const std::string configuration : {"encA##lun1", "encA##lun1;s1"}) {
-        EXPECT_FALSE(run(daily(configuration, 1)).fewestKept.at(0).everSince.has_value());
+        EXPECT_FALSE(run(daily(configuration, 1)).fewestKept.at(0).sinceFirstBackup.has_value());
     }
 }
 
