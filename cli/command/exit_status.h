@@ -41,7 +41,8 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitException, "simulate", "an exception left the library"},
     {kExitWarnings, "check", "warnings were found, but no errors"},
     {kExitNotWhole, "select",
-     "documents were ignored; with --strict, an input is missing or damaged and nothing is decided"},
+     "documents were ignored or read only in part; with --strict, an input is missing or damaged and nothing "
+     "is decided"},
     {kExitTooFewKept, "select", "too few backups would be kept for --keep-at-least, and nothing is decided"},
     {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},
 };

@@ -53,8 +53,8 @@ constexpr const char* kFooter = R"(Example:
 
 FIID is the document of an earlier backup. Give the documents of all of them, or none for the first backup. They are
 loaded in the order given. When one cannot be opened, it and all documents after it are ignored, and so is a document
-without a Node: they are "not loaded", and the targets of their backups may be chosen. With --strict nothing
-is decided then. State "-" (null in JSON): there is no selection, so the library returns no states.
+without a Node: they are "not loaded", and the targets of their backups may be chosen; so may those that a
+damaged document does not name any more. With --strict nothing is decided then. State "-" (null in JSON): there is no selection, so the library returns no states.
 
 A request is a file with a whole call as JSON; the JSON Schema fi-rotate-request.json describes it. Relative file
 names in it are relative to the current folder.)";
@@ -146,14 +146,18 @@ struct SShownCall {
     bool isTooFew = false;
 };
 
-bool areAllLoaded(const SOutcome& outcome) {
+bool isMalformed(const SBackupOutcome& backup) {
+    return backup.reading.has_value() && backup.reading->isMalformed;
+}
+
+bool areAllReadWhole(const SOutcome& outcome) {
     return std::all_of(outcome.backups.begin(), outcome.backups.end(),
-                       [](const SBackupOutcome& backup) { return backup.isLoaded; });
+                       [](const SBackupOutcome& backup) { return backup.isLoaded && !isMalformed(backup); });
 }
 
 std::string whyNotLoaded(const SBackupOutcome& backup, bool isFirstUnread) {
     if (backup.reading.has_value()) {
-        return backup.reading->isMalformed ? "it cannot be read to its end as XML" : "it has no Node";
+        return isMalformed(backup) ? "it cannot be read to its end as XML" : "it has no Node";
     }
     if (!isFirstUnread) {
         return "a document before it cannot be opened";
@@ -162,15 +166,20 @@ std::string whyNotLoaded(const SBackupOutcome& backup, bool isFirstUnread) {
     return "it " + (fault.empty() ? "could not be opened" : fault);
 }
 
-void reportNotLoaded(const SOutcome& outcome) {
+// A document that was read in part names a backup without all of its targets, which look free then.
+void reportNotReadWhole(const SOutcome& outcome) {
     bool isFirstUnread = true;
     for (const SBackupOutcome& backup : outcome.backups) {
         if (!backup.isLoaded) {
             printError(backup.given.file + " was ignored: " + whyNotLoaded(backup, isFirstUnread));
             isFirstUnread = isFirstUnread && backup.reading.has_value();
+        } else if (isMalformed(backup)) {
+            printError(
+                backup.given.file +
+                " was read only in part: it cannot be read to its end as XML; fi-rotate check shows where");
         }
     }
-    if (outcome.selection.has_value() && !areAllLoaded(outcome)) {
+    if (outcome.selection.has_value() && !areAllReadWhole(outcome)) {
         printError(
             "the chosen targets may hold the snapshots of these backups; make the documents readable first");
     }
@@ -200,7 +209,7 @@ void reportWhatWentWrong(const SShownCall& call, bool isTraceShown) {
         printError("nothing was decided, because these inputs are missing or damaged");
         return;
     }
-    reportNotLoaded(outcome);
+    reportNotReadWhole(outcome);
     if (call.isTooFew) {
         printError("nothing was decided, because too few backups would be kept");
         return;
@@ -223,7 +232,7 @@ int exitStatusOf(const SShownCall& call) {
     if (!call.outcome.selection.has_value()) {
         return kExitNegative;
     }
-    return areAllLoaded(call.outcome) ? kExitDone : kExitNotWhole;
+    return areAllReadWhole(call.outcome) ? kExitDone : kExitNotWhole;
 }
 
 // The trace contains the time stamps of only some backups, so all are read from the documents.

@@ -164,6 +164,22 @@ TEST(FiRotateSelect, CallsADocumentWithoutANodeNotLoaded) {
                                 "the documents readable first\n");
 }
 
+TEST(FiRotateSelect, NamesADocumentThatWasReadOnlyInPartAndExitsWith6) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string file =
+        folder.write("a.xml", std::string("<Node>") + kHolder + "<Node><objid>UDID##a##b");
+    const auto result =
+        runFiRotate({"select", "--config", "encA##lun1;encA##snap1;snap2&encB##lun2;snap3", file});
+    EXPECT_EQ(result.exitStatus, 6);
+    EXPECT_THAT(result.output, HasSubstr("  kept\n"));
+    EXPECT_EQ(result.error,
+              "fi-rotate: " + file +
+                  " was read only in part: it cannot be read to its end as XML; fi-rotate check "
+                  "shows where\n"
+                  "fi-rotate: the chosen targets may hold the snapshots of these backups; make "
+                  "the documents readable first\n");
+}
+
 TEST(FiRotateSelect, StrictSelectsFromWholeInputsAsWithoutIt) {
     std::vector<std::string> arguments = selectExamples();
     const auto bare = runFiRotate(arguments);
