@@ -130,7 +130,8 @@ public:
         // Stamps and claims borrow findings, so these stay where they are.
         all.reserve(inputs.files.size() + 1);
         all.emplace_back(inputs.configurationName);
-        CDeviceCheck devices(checkConfiguration(inputs.configuration, all.front()), inputs.configurationName);
+        CDeviceCheck devices(checkConfiguration(inputs.configuration, all.front()), inputs.configuration,
+                             inputs.configurationName);
         const CXmlLibrary library;
         for (std::size_t i = 0; i < inputs.files.size(); ++i) {
             all.emplace_back(inputs.files[i]);

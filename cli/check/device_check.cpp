@@ -15,39 +15,53 @@
 namespace fi_rotate {
 namespace {
 
-// Whether `configured` begins with `name` and goes on behind what may have been meant as a semicolon.
+// What may have been meant as a semicolon.
+constexpr const char* kSeparators = ": \t";
+
+// Whether `configured` is `name` and another target, with what may have been meant as a semicolon between
+// them. The enclosure of the one behind it may be that of the one before it.
 bool isRunTogether(const std::string& name, const std::string& configured) {
-    constexpr const char* kSeparators = ": \t";
     const std::size_t rest = configured.find_first_not_of(kSeparators, name.size());
-    return startsWith(configured, name) && rest != std::string::npos && rest > name.size();
+    if (startsWith(configured, name) && rest != std::string::npos && rest > name.size()) {
+        return true;
+    }
+    const std::size_t device = name.find("##") + 2;
+    const std::size_t separator = configured.find_last_of(kSeparators);
+    return separator != std::string::npos && separator > device &&
+           configured.compare(separator + 1, std::string::npos, name, device) == 0 &&
+           configured.compare(0, device, name, 0, device) == 0;
 }
 
 // Finds the configured name that is most like one that is not configured, which may be a misspelling of it.
 class CNearest {
 public:
     explicit CNearest(const std::string& given)
-        : name(given), least(std::min(kFarthest, name.size() / kCharactersForEach) + 1) {}
+        : name(given), least(std::min(kFarthest, name.size() / kCharactersForEach)) {}
 
-    void consider(const std::string& candidate) {
+    void consider(const SConfiguredName& configured) {
+        const std::string& candidate = configured.name;
         if (isRunTogether(name, candidate)) {
-            runTogether = candidate;
+            runTogether = configured;
         }
         const std::size_t found = editDistance(name, candidate, least + 1);
         if (found < least) {
             least = found;
-            nearest = candidate;
-        } else if (found == least && candidate != nearest) {
-            nearest.clear();
+            nearest.reset();
+            areSeveral = false;
+        }
+        if (found == least && !differOnlyInDigits(name, candidate)) {
+            areSeveral = areSeveral || (nearest.has_value() && candidate != nearest->name);
+            nearest = configured;
         }
     }
 
-    // Empty when no name is similar, when several are equally similar, or when only digits differ: a guess
-    // could point to the wrong one.
-    [[nodiscard]] std::string result() const {
-        if (!runTogether.empty()) {
+    // Nothing when no name is similar, when several are equally similar, or when one in which only digits
+    // differ is more similar: a guess could point to the wrong one.
+    [[nodiscard]] std::optional<SConfiguredName> result() const {
+        if (runTogether.has_value()) {
             return runTogether;
         }
-        return differOnlyInDigits(name, nearest) ? "" : nearest;
+        return areSeveral ? std::nullopt : nearest;
     }
 
 private:
@@ -56,17 +70,11 @@ private:
 
     const std::string& name;
     std::size_t least;
-    std::string nearest;
-    std::string runTogether;
+    std::optional<SConfiguredName> nearest;
+    // Another name is as similar as `nearest`.
+    bool areSeveral = false;
+    std::optional<SConfiguredName> runTogether;
 };
-
-// `nearest` is what CNearest found for `name`.
-std::string suggestion(const std::string& name, const std::string& nearest) {
-    if (isRunTogether(name, nearest)) {
-        return "; the configuration has " + inQuotes(nearest) + ", but only a semicolon separates targets";
-    }
-    return nearest.empty() ? "" : "; did you mean " + inQuotes(nearest) + "?";
-}
 
 bool holdsIdentifier(const std::string& text) {
     return text.find("UDID##") != std::string::npos || text.find("UEID##") != std::string::npos;
@@ -209,9 +217,9 @@ private:
         }
         const std::string text =
             isFirst ? fmt::format("{} is not among the further targets of {}{}", inQuotes(further),
-                                  inQuotes(first), suggestion(further, owner.nearestFurther(first, further)))
+                                  inQuotes(first), owner.suggestFurther(first, further))
                     : fmt::format("no configuration has the first target {}{}", inQuotes(first),
-                                  suggestion(first, owner.nearestFirst(first)));
+                                  owner.suggestFirst(first));
         const std::size_t offset = isFirst ? offsetOf(*node.altobjid, further) : offsetOf(*node.objid, first);
         add(hazard, document.spotAt(offset), text, cause);
     }
@@ -265,16 +273,16 @@ private:
     std::set<std::pair<std::size_t, std::string>> held;
 };
 
-CDeviceCheck::CDeviceCheck(SConfigurations configurations, std::string inputName)
-    : unread(std::move(configurations.unread)), configurationName(std::move(inputName)) {
+CDeviceCheck::CDeviceCheck(SConfigurations configurations, const std::string& text, std::string inputName)
+    : unread(std::move(configurations.unread)), lines(text), configurationName(std::move(inputName)) {
     for (const SConfiguration& configuration : configurations.used) {
         SIndexed row;
-        row.first = configuration.first.name();
+        row.first = {configuration.first.name(), configuration.first.offset};
         for (const SConfiguredTarget& target : configuration.further) {
             row.further.insert(target.name());
-            row.inOrder.push_back(target.name());
+            row.inOrder.push_back({target.name(), target.offset});
         }
-        byFirst[row.first].push_back(indexed.size());
+        byFirst[row.first.name].push_back(indexed.size());
         indexed.push_back(std::move(row));
     }
 }
@@ -297,30 +305,42 @@ std::optional<std::size_t> CDeviceCheck::find(const std::string& first, const st
     return std::nullopt;
 }
 
-std::string CDeviceCheck::nearestFirst(const std::string& name) {
-    const auto [entry, isNew] = nearestNames.emplace(std::make_pair("", name), "");
+std::string CDeviceCheck::suggestFirst(const std::string& name) {
+    const auto [entry, isNew] = suggestions.emplace(std::make_pair("", name), "");
     if (isNew) {
         CNearest nearest(name);
         for (const SIndexed& row : indexed) {
             nearest.consider(row.first);
         }
-        entry->second = nearest.result();
+        entry->second = suggestion(name, nearest.result());
     }
     return entry->second;
 }
 
-std::string CDeviceCheck::nearestFurther(const std::string& first, const std::string& name) {
-    const auto [entry, isNew] = nearestNames.emplace(std::make_pair(first, name), "");
+std::string CDeviceCheck::suggestFurther(const std::string& first, const std::string& name) {
+    const auto [entry, isNew] = suggestions.emplace(std::make_pair(first, name), "");
     if (isNew) {
         CNearest nearest(name);
         for (const std::size_t configuration : byFirst.at(first)) {
-            for (const std::string& further : indexed[configuration].inOrder) {
+            for (const SConfiguredName& further : indexed[configuration].inOrder) {
                 nearest.consider(further);
             }
         }
-        entry->second = nearest.result();
+        entry->second = suggestion(name, nearest.result());
     }
     return entry->second;
+}
+
+std::string CDeviceCheck::suggestion(const std::string& name,
+                                     const std::optional<SConfiguredName>& nearest) const {
+    if (!nearest.has_value()) {
+        return "";
+    }
+    const std::string configured = fmt::format("{} in {}:{}", inQuotes(nearest->name), configurationName,
+                                               lines.at(nearest->offset).place.line);
+    return isRunTogether(name, nearest->name)
+               ? "; the configuration has " + configured + ", but only a semicolon separates targets"
+               : "; did you mean " + configured + "?";
 }
 
 }  // namespace fi_rotate

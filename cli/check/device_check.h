@@ -16,11 +16,18 @@
 
 namespace fi_rotate {
 
+// A target of the configuration, as ENCLOSURE##DEVICE.
+struct SConfiguredName {
+    std::string name;
+    // In the text of the configuration.
+    std::size_t offset = 0;
+};
+
 // Finds the targets that backups hold, as the library does. One object checks all documents of a call.
 class CDeviceCheck {
 public:
-    // `inputName` is the name of the configuration in a report.
-    CDeviceCheck(SConfigurations configurations, std::string inputName);
+    // `text` is the configuration as it was given, and is borrowed; `inputName` is its name in a report.
+    CDeviceCheck(SConfigurations configurations, const std::string& text, std::string inputName);
 
     // What is wrong with the devices of `tree`, which was read from `document`, is added to `findings`.
     // Returns the targets that the backup claims, in that order; none when a pair of it is malformed or
@@ -32,26 +39,28 @@ private:
     class CPairCheck;
 
     struct SIndexed {
-        std::string first;
+        SConfiguredName first;
         std::unordered_set<std::string> further;
-        std::vector<std::string> inOrder;
+        std::vector<SConfiguredName> inOrder;
     };
 
     // The configuration in which the library finds the target.
     std::optional<std::size_t> find(const std::string& first, const std::string& further) const;
     bool isFirst(const std::string& name) const { return byFirst.count(name) != 0; }
 
-    // A configured name that may have been meant, or that may be this one and another run together; empty
-    // when there is none.
-    std::string nearestFirst(const std::string& name);
-    std::string nearestFurther(const std::string& first, const std::string& name);
+    // The end of a message: which configured name may have been meant, or may be this one and another run
+    // together, and where it is; empty when there is none.
+    std::string suggestFirst(const std::string& name);
+    std::string suggestFurther(const std::string& first, const std::string& name);
+    std::string suggestion(const std::string& name, const std::optional<SConfiguredName>& nearest) const;
 
     CUnread unread;
+    CLines lines;
     std::string configurationName;
     std::vector<SIndexed> indexed;
     std::unordered_map<std::string, std::vector<std::size_t>> byFirst;
-    // What the two functions above found before, by first target (empty in nearestFirst) and name.
-    std::map<std::pair<std::string, std::string>, std::string> nearestNames;
+    // What the first two functions above returned before, by first target (empty in suggestFirst) and name.
+    std::map<std::pair<std::string, std::string>, std::string> suggestions;
 };
 
 }  // namespace fi_rotate

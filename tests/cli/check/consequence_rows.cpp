@@ -33,8 +33,7 @@ SCheckedCall of(const std::string& document) {
 std::string unknownFirst(const std::string& place, const std::string& first, const std::string& nearest,
                          const std::string& cause) {
     return "d:" + place + ": error: no configuration has the first target \"" + first + "\"" +
-           (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?") + " [pair-matches-nothing] <- " +
-           cause;
+           (nearest.empty() ? "" : "; did you mean " + nearest + "?") + " [pair-matches-nothing] <- " + cause;
 }
 
 std::string unknownFurther(const std::string& place, const std::string& further, const std::string& rest,
@@ -69,14 +68,14 @@ std::vector<SCheckRow> ofConfigurations() {
          with("encA##lun1;snap1\nencB##lun2;encC##;snap3"),
          {"config:2:12: error: configuration rejected: \"encC##\" has no device; configuration 2 is not "
           "used, but configuration 1 is [configuration-rejected]",
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", rejected)},
          clean},
         {"the first target of the malformed one ends in the device",
          EHazard::kConfigurationRejected,
          with("encA##lun1;snap1\nencB#lun2;snap4"),
          {"config:2:1: error: configuration rejected: \"encB#lun2\" has no enclosure, which a first target "
           "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", rejected)},
          clean},
         {"no further targets",
          EHazard::kNoFurtherTargets,
@@ -92,9 +91,9 @@ std::vector<SCheckRow> ofConfigurations() {
           "[blank-in-target]",
           "config:2:1: warning: \" encB##lun2\" has a name that begins or ends with a blank "
           "[blank-in-target]",
-          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"; did you mean \"encA##snap1 \"?",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"; did you mean \"encA##snap1 \" in config:1?",
                          "blank-in-target of config"),
-          unknownFirst("3:26", "encB##lun2", " encB##lun2", "blank-in-target of config")},
+          unknownFirst("3:26", "encB##lun2", "\" encB##lun2\" in config:2", "blank-in-target of config")},
          clean},
         {"a comma for a semicolon, with a blank behind it and before another enclosure",
          EHazard::kCommaInTarget,
@@ -105,15 +104,19 @@ std::vector<SCheckRow> ofConfigurations() {
           "config:2:1: warning: \"encB##lun2,encB##snap3\" is one target; a semicolon separates targets, not "
           "a "
           "comma [comma-in-target]",
-          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"", "comma-in-target of config"),
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", "comma-in-target of config")},
+          unknownFurther(
+              "2:66", "encA##snap1",
+              "\"encA##lun1\"; the configuration has \"encA##snap0, snap1\" in config:1, but only a "
+              "semicolon separates targets",
+              "comma-in-target of config"),
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", "comma-in-target of config")},
          clean},
         {"a NUL within a target",
          EHazard::kNulByte,
          with(std::string("encA##lun1;sn\0ap1\nencB##lun2;snap3", 34)),
          {"config:1:14: error: a NUL byte ends the configuration here [nul-byte]",
           unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"", "nul-byte of config"),
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", "nul-byte of config")},
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", "nul-byte of config")},
          clean},
         {"a NUL within a first target",
          EHazard::kNulByte,
@@ -121,14 +124,14 @@ std::vector<SCheckRow> ofConfigurations() {
          {"config:2:1: error: configuration rejected: \"encB##\" has no device; configuration 2 is not used, "
           "but configuration 1 is [configuration-rejected] <- nul-byte of config",
           "config:2:7: error: a NUL byte ends the configuration here [nul-byte]",
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", "nul-byte of config")},
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", "nul-byte of config")},
          clean},
         {"a byte-order mark",
          EHazard::kByteOrderMark,
          with("\xEF\xBB\xBF" + std::string(kConfiguration)),
          {"config:1:1: error: a byte-order mark becomes part of the name of the first enclosure, so no "
           "backup matches it; save the configuration without the mark [byte-order-mark]",
-          unknownFirst("2:26", "encA##lun1", "encB##lun2", "byte-order-mark of config")},
+          unknownFirst("2:26", "encA##lun1", "\"encB##lun2\" in config:2", "byte-order-mark of config")},
          clean},
         {"a byte-order mark and nothing else",
          EHazard::kByteOrderMark,
@@ -200,14 +203,14 @@ std::vector<SCheckRow> ofConfigurations() {
          with("encA##lun1;snap1;snap2\nencBlun2;encB##snap3"),
          {"config:2:1: error: configuration rejected: \"encBlun2\" has no enclosure, which a first target "
           "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", rejected)},
          clean},
         {"the first target of the malformed one is missing, so that a further one stands in its place",
          EHazard::kConfigurationRejected,
          with("encA##lun1;snap1;snap2\nsnap3;snap4"),
          {"config:2:1: error: configuration rejected: \"snap3\" has no enclosure, which a first target "
           "needs; configuration 2 is not used, but configuration 1 is [configuration-rejected]",
-          unknownFirst("3:26", "encB##lun2", "encA##lun1", rejected)},
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", rejected)},
          clean},
         {"a separator within a name cuts off further targets of the configuration before it, and no others",
          EHazard::kConfigurationRejected,

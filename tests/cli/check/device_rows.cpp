@@ -112,7 +112,8 @@ std::vector<SCheckRow> deviceRows() {
         {"a first target that is not configured",
          EHazard::kPairMatchesNothing,
          of(device("ENCA##LUN1", "encA##snap1")),
-         {"d:2:26: error: no configuration has the first target \"ENCA##LUN1\"; did you mean \"encA##lun1\"? "
+         {"d:2:26: error: no configuration has the first target \"ENCA##LUN1\"; did you mean \"encA##lun1\" "
+          "in config:1? "
           "[pair-matches-nothing]"},
          clean},
         {"a further target of another configuration",
@@ -126,7 +127,28 @@ std::vector<SCheckRow> deviceRows() {
          {"encA##lun10;snap1",
           {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1O", "encA##snap1") + "</Node>"}}},
          {"d:2:26: error: no configuration has the first target \"encA##lun1O\"; did you mean "
-          "\"encA##lun10\"? [pair-matches-nothing]"},
+          "\"encA##lun10\" in config:1? [pair-matches-nothing]"},
+         clean},
+        {"a letter for a digit beside targets in which another digit differs",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snap1\nencA##lun2;snap11;snap12;snapl3;snap14",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun2", "encA##snap13") + "</Node>"}}},
+         {"d:2:66: error: \"encA##snap13\" is not among the further targets of \"encA##lun2\"; did you mean "
+          "\"encA##snapl3\" in config:2? [pair-matches-nothing]"},
+         clean},
+        {"a letter for a digit in a target that is less similar than one in which a digit differs",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snap11;snapl2",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap13") + "</Node>"}}},
+         {"d:2:66: error: \"encA##snap13\" is not among the further targets of \"encA##lun1\" "
+          "[pair-matches-nothing]"},
+         clean},
+        {"a letter for a digit in two targets",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snapl3;snap1E",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap13") + "</Node>"}}},
+         {"d:2:66: error: \"encA##snap13\" is not among the further targets of \"encA##lun1\" "
+          "[pair-matches-nothing]"},
          clean},
         {"one digit more",
          EHazard::kPairMatchesNothing,
@@ -138,18 +160,28 @@ std::vector<SCheckRow> deviceRows() {
          {"encA##lun1:snap1;snap2",
           {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap2") + "</Node>"}}},
          {"d:2:26: error: no configuration has the first target \"encA##lun1\"; the configuration has "
-          "\"encA##lun1:snap1\", but only a semicolon separates targets [pair-matches-nothing]"},
+          "\"encA##lun1:snap1\" in config:1, but only a semicolon separates targets [pair-matches-nothing]"},
          // The name of such a target may hold a colon.
          {"iqn.2001-04.com.example:disk1##lun1;snap:1",
           {{"d", "<Node><timeStamp>1</timeStamp>" +
                      device("iqn.2001-04.com.example:disk1##lun1", "iqn.2001-04.com.example:disk1##snap:1") +
                      "</Node>"}}}},
+        {"a colon for the semicolon before a further target",
+         EHazard::kPairMatchesNothing,
+         {"encA##lun1;snap1;snap2:snap3",
+          {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap3") + "</Node>"}}},
+         {"d:2:66: error: \"encA##snap3\" is not among the further targets of \"encA##lun1\"; the "
+          "configuration has \"encA##snap2:snap3\" in config:1, but only a semicolon separates targets "
+          "[pair-matches-nothing]"},
+         {"encA##lun1;snap1;snap2:snap3",
+          {{"d",
+            "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap2:snap3") + "</Node>"}}}},
         {"a blank for a semicolon between further targets",
          EHazard::kPairMatchesNothing,
          {"encA##lun1;snap1 snap2",
           {{"d", "<Node><timeStamp>1</timeStamp>\n" + device("encA##lun1", "encA##snap1") + "</Node>"}}},
          {"d:2:66: error: \"encA##snap1\" is not among the further targets of \"encA##lun1\"; the "
-          "configuration has \"encA##snap1 snap2\", but only a semicolon separates targets "
+          "configuration has \"encA##snap1 snap2\" in config:1, but only a semicolon separates targets "
           "[pair-matches-nothing]"},
          clean},
         {"nothing like it is configured",
@@ -161,7 +193,7 @@ std::vector<SCheckRow> deviceRows() {
          EHazard::kPairMatchesNothing,
          of(node("UDID##v##m##encA##lun1", "\n      UDID##v##m##encA##snap2\n")),
          {"d:3:19: error: \"encA##snap2\n\" is not among the further targets of \"encA##lun1\"; did you mean "
-          "\"encA##snap2\"? [pair-matches-nothing]"},
+          "\"encA##snap2\" in config:1? [pair-matches-nothing]"},
          clean},
         {"a configuration that was lost",
          EHazard::kPairMatchesNothing,
