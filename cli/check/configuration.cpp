@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -11,6 +12,7 @@
 
 #include "cli/base/text.h"
 #include "cli/check/document_text.h"
+#include "cli/check/nearest.h"
 
 namespace fi_rotate {
 namespace {
@@ -114,14 +116,16 @@ struct SReading {
     std::vector<std::vector<std::string>> malformed;
 };
 
+constexpr std::string_view kSeparator = "##";
+
 // Reads one target. `carried` is the enclosure of the target before it.
 SConfiguredTarget parseTarget(const SPiece& piece, const std::string& carried) {
-    const std::size_t separator = piece.text.find("##");
+    const std::size_t separator = piece.text.find(kSeparator);
     if (separator == std::string_view::npos) {
         return {carried, std::string(piece.text), piece.offset, true};
     }
-    return {std::string(piece.text.substr(0, separator)), std::string(piece.text.substr(separator + 2)),
-            piece.offset, false};
+    return {std::string(piece.text.substr(0, separator)),
+            std::string(piece.text.substr(separator + kSeparator.size())), piece.offset, false};
 }
 
 std::optional<std::string> faultOf(const SConfiguredTarget& target, bool isFirst) {
@@ -243,6 +247,68 @@ SConfiguration withoutCommas(const SConfiguration& configuration) {
     return meant;
 }
 
+// Where the first blank within `text` from `begin` on is; npos when blanks are only at its ends.
+std::size_t innerBlank(const std::string& text, std::size_t begin) {
+    const std::size_t name = text.find_first_not_of(kBlanks, begin);
+    const std::size_t blank = text.find_first_of(kBlanks, name);
+    return text.find_first_not_of(kBlanks, blank) == std::string::npos ? std::string::npos : blank;
+}
+
+// The target at `position` of `configuration`, whose first target is at 0.
+const SConfiguredTarget& targetAt(const SConfiguration& configuration, std::size_t position) {
+    return position == 0 ? configuration.first : configuration.further[position - 1];
+}
+
+// Whether `device` looks like that of a target beside `position`, or `enclosure` is that of the first target.
+bool isLikeOthers(const SConfiguration& configuration, std::size_t position, std::string_view device,
+                  std::string_view enclosure) {
+    const auto isLike = [&](std::size_t other) {
+        return differOnlyInDigits(targetAt(configuration, other).device, device);
+    };
+    return enclosure == configuration.first.enclosure || (position > 0 && isLike(position - 1)) ||
+           (position < configuration.further.size() && isLike(position + 1));
+}
+
+// Where, in what is written for the target at `position`, a blank probably stands for a line end, so that the
+// first target of another configuration, with its enclosure, is behind it; npos when there is none.
+// Enclosures may be called so that a blank is in the name: then what is before the blank does not look like a
+// target.
+std::size_t lostLineEnd(const SConfiguration& configuration, std::size_t position) {
+    const SConfiguredTarget& target = targetAt(configuration, position);
+    if (target.isEnclosureCarried) {
+        return std::string::npos;
+    }
+    const std::string written = writtenAs(target);
+    const bool isInDevice = target.device.find(kSeparator) != std::string::npos;
+    const std::size_t begin = isInDevice ? target.enclosure.size() + kSeparator.size() : 0;
+    const std::size_t separator = written.find(kSeparator, begin);
+    const std::size_t blank = innerBlank(written, begin);
+    if (blank == std::string::npos || blank > separator) {
+        return std::string::npos;
+    }
+    const std::size_t enclosure = written.find_first_not_of(kBlanks, blank);
+    const bool isLost = isInDevice || isLikeOthers(configuration, position, written.substr(0, blank),
+                                                   written.substr(enclosure, separator - enclosure));
+    return isLost ? blank : std::string::npos;
+}
+
+// The configurations that `configuration` is with a line end in place of each blank that probably stands for
+// one.
+std::vector<SConfiguration> withLineEnds(const SConfiguration& configuration) {
+    std::string text;
+    for (std::size_t position = 0; position <= configuration.further.size(); ++position) {
+        std::string written = writtenAs(targetAt(configuration, position));
+        const std::size_t blank = lostLineEnd(configuration, position);
+        if (blank != std::string::npos) {
+            written[blank] = '\n';
+        }
+        text += written + ';';
+    }
+    SReading meant = parse(CConfigurationText(text));
+    std::move(meant.lost.begin(), meant.lost.end(), std::back_inserter(meant.used));
+    return std::move(meant.used);
+}
+
 bool isCopy(const SConfiguration& left, const SConfiguration& right) {
     return left.first.name() == right.first.name() &&
            std::equal(
@@ -269,8 +335,8 @@ public:
             checkFirst(i, used[i]);
         }
         for (std::size_t i = 0; i < used.size(); ++i) {
-            for (const SConfiguredTarget& target : used[i].further) {
-                checkFurther(i, target);
+            for (std::size_t position = 1; position <= used[i].further.size(); ++position) {
+                checkFurther(i, position);
             }
         }
         gatherUnread();
@@ -360,7 +426,9 @@ private:
         }
         if (findings.has(EHazard::kBlankInTarget)) {
             for (const SConfiguration& configuration : reading.used) {
-                unread.addConfiguration(changed(configuration, withoutBlanks), EHazard::kBlankInTarget);
+                for (const SConfiguration& meant : withLineEnds(configuration)) {
+                    unread.addConfiguration(changed(meant, withoutBlanks), EHazard::kBlankInTarget);
+                }
             }
         }
         if (findings.has(EHazard::kCommaInTarget)) {
@@ -412,10 +480,11 @@ private:
                    inQuotes(first.name()) + " has no further targets, so no call can succeed", cause);
             unread.addFurtherTargetsOf(first.name(), cause.value_or(EHazard::kNoFurtherTargets));
         }
-        checkName(first);
+        checkName(configuration, 0);
     }
 
-    void checkFurther(std::size_t index, const SConfiguredTarget& target) {
+    void checkFurther(std::size_t index, std::size_t position) {
+        const SConfiguredTarget& target = targetAt(reading.used[index], position);
         const std::string name = target.name();
         if (const auto found = firsts.find(name); found != firsts.end()) {
             report(EHazard::kFirstTargetRepeated, target.offset,
@@ -434,15 +503,20 @@ private:
                        : std::nullopt);
             earlier->second = index;
         }
-        checkName(target);
+        checkName(reading.used[index], position);
     }
 
-    void checkName(const SConfiguredTarget& target) {
+    void checkName(const SConfiguration& configuration, std::size_t position) {
+        const SConfiguredTarget& target = targetAt(configuration, position);
         const auto hasBlank = [](const std::string& name) {
             return !name.empty() && (std::strchr(kBlanks, name.front()) != nullptr ||
                                      std::strchr(kBlanks, name.back()) != nullptr);
         };
-        if (hasBlank(target.device) || (!target.isEnclosureCarried && hasBlank(target.enclosure))) {
+        if (lostLineEnd(configuration, position) != std::string::npos) {
+            report(EHazard::kBlankInTarget, target.offset,
+                   inQuotes(writtenAs(target)) +
+                       " is one target; line ends or & separate configurations, not blanks");
+        } else if (hasBlank(target.device) || (!target.isEnclosureCarried && hasBlank(target.enclosure))) {
             report(EHazard::kBlankInTarget, target.offset,
                    inQuotes(target.name()) + " has a name that begins or ends with a blank");
         }

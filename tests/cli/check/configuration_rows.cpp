@@ -93,6 +93,27 @@ std::vector<SCheckRow> configurationRows() {
          {"config:1:12: warning: \"encA##snap1 \" has a name that begins or ends with a blank "
           "[blank-in-target]"},
          of("encA##lun1;snap 1;snap2")},
+        {"a blank for the line end before another configuration",
+         EHazard::kBlankInTarget,
+         of("encA##lun1;snap1;snap2 encB##lun2;snap3;snap4 encC##lun3;snap5"),
+         {"config:1:18: warning: \"snap2 encB##lun2\" is one target; line ends or & separate configurations, "
+          "not blanks [blank-in-target]",
+          "config:1:41: warning: \"snap4 encC##lun3\" is one target; line ends or & separate configurations, "
+          "not blanks [blank-in-target]"},
+         // The name of an enclosure may hold a blank.
+         of("encA##lun1;snap1;encB 2##snap3;encB 3##snap2;snap 4")},
+        {"a blank for the line end behind the only further target",
+         EHazard::kBlankInTarget,
+         of("encA##lun1;copy encA##lun2;snap"),
+         {"config:1:12: warning: \"copy encA##lun2\" is one target; line ends or & separate configurations, "
+          "not blanks [blank-in-target]"},
+         of("encA##lun1;copy encB##lun2;snap")},
+        {"a blank for the line end behind a target with its enclosure",
+         EHazard::kBlankInTarget,
+         of("encA##lun1;encA##copy\tencB##lun2;snap"),
+         {"config:1:12: warning: \"encA##copy\tencB##lun2\" is one target; line ends or & separate "
+          "configurations, not blanks [blank-in-target]"},
+         of("encA##lun1;encA##copy encB#lun2;snap")},
         {"a comma between two targets",
          EHazard::kCommaInTarget,
          of("encA##lun1;snap1,snap2;snap3"),

@@ -95,6 +95,16 @@ std::vector<SCheckRow> ofConfigurations() {
                          "blank-in-target of config"),
           unknownFirst("3:26", "encB##lun2", "\" encB##lun2\" in config:2", "blank-in-target of config")},
          clean},
+        {"a blank for a line end",
+         EHazard::kBlankInTarget,
+         with("encA##lun1;snap2;snap1 encB##lun2;snap3 "),
+         {"config:1:18: warning: \"snap1 encB##lun2\" is one target; line ends or & separate configurations, "
+          "not blanks [blank-in-target]",
+          "config:1:35: warning: \"snap1 encB##snap3 \" has a name that begins or ends with a blank "
+          "[blank-in-target]",
+          unknownFurther("2:66", "encA##snap1", "\"encA##lun1\"", "blank-in-target of config"),
+          unknownFirst("3:26", "encB##lun2", "\"encA##lun1\" in config:1", "blank-in-target of config")},
+         clean},
         {"a comma for a semicolon, with a blank behind it and before another enclosure",
          EHazard::kCommaInTarget,
          with("encA##lun1;snap0, snap1\nencB##lun2,encB##snap3;snap4"),
