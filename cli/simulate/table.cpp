@@ -199,17 +199,17 @@ std::string noLimitLine(const SSimulationReport& report) {
                       : "";
 }
 
-std::string resultInWords(const SPlan& plan, const STakenOver& backup) {
+std::string resultInWords(const SSimulation& simulation, const STakenOver& backup) {
     if (!backup.whyInvalid.empty()) {
         return "invalid, not used: " + asPrintable(backup.whyInvalid);
     }
     switch (backup.end) {
         case EEnd::kRotated:
-            return fmt::format("rotated in {}", roundInWords(plan, backup.ended));
+            return fmt::format("rotated in {}", roundInWords(simulation.plan, backup.ended));
         case EEnd::kLost:
-            return fmt::format("lost in {}", roundInWords(plan, backup.ended));
+            return fmt::format("lost in {}", roundInWords(simulation.plan, backup.ended));
         default:
-            return "held";
+            return fmt::format("held after round {}", simulation.finishedRounds);
     }
 }
 
@@ -240,7 +240,7 @@ std::string takenOverTable(const SSimulation& simulation, std::size_t width, boo
             toRow({asPrintable(given.file), fmt::format("d{}", i + 1), letterOf(simulation, letters, i),
                    backup.time.has_value() ? toShownTime(*backup.time) : "-",
                    (given.flagWord & FI_EXCLUDE_ROTATION) != 0 ? "yes" : "no",
-                   fmt::to_string(backup.snapshots), resultInWords(simulation.plan, backup)}));
+                   fmt::to_string(backup.snapshots), resultInWords(simulation, backup)}));
     }
     const std::size_t all = simulation.takenOver.size();
     return fmt::format("\nThe rounds began with the backups of {} of {} documents\n", all - invalid, all) +

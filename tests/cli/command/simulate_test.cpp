@@ -274,7 +274,7 @@ TEST_F(FiRotateSimulateFrom, ShowsEachDocumentAndTheResultOfItsBackup) {
                   "  name  letter  taken             excluded  snapshots  result\n"
                   "  " +
                   excluded +
-                  "  d1    a       2026-09-26 00:00  yes       1          held\n"
+                  "  d1    a       2026-09-26 00:00  yes       1          held after round 2\n"
                   "  " +
                   older +
                   "     d2    b       2026-09-27 00:00  no        1          rotated in round 1 (2026-10-01 "
