@@ -222,7 +222,8 @@ then invalid: it claims none of its targets, and those that are configured count
 as free. Names are compared byte by byte.
 
 If the configuration lacks the target or misspells it, correct the
-configuration. If the device is no longer backed up, delete the backup in the
+configuration and check again: targets that another backup holds too are found
+only then. If the device is no longer backed up, delete the backup in the
 product; if another document names one of its targets too, first ask the maker
 of the product, because this may delete the snapshot of the other backup. If the
 document is wrong, tell the maker, and do not edit it.)"},
