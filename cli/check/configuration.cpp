@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -12,188 +11,10 @@
 
 #include "cli/base/text.h"
 #include "cli/check/document_text.h"
-#include "cli/check/nearest.h"
+#include "cli/check/meant_configuration.h"
 
 namespace fi_rotate {
 namespace {
-
-struct SReference {
-    std::string_view text;
-    char meaning;
-};
-// None of them can overlap another, and no meaning makes a new one but '&', which the library decodes last.
-// So one pass over the text decodes like its five.
-constexpr SReference kReferences[] = {
-    {"&#39;", '\''}, {"&quot;", '"'}, {"&gt;", '>'}, {"&lt;", '<'}, {"&amp;", '&'},
-};
-
-const SReference* referenceAt(std::string_view text) {
-    const auto* const found =
-        std::find_if(std::begin(kReferences), std::end(kReferences), [text](const SReference& reference) {
-            return text.substr(0, reference.text.size()) == reference.text;
-        });
-    return found == std::end(kReferences) ? nullptr : found;
-}
-
-// A part of the decoded text and where it stands in the text as it was given.
-struct SPiece {
-    std::string_view text;
-    std::size_t offset = 0;
-};
-
-// A configuration as the library reads it, up to its first NUL and with its references decoded, that
-// remembers where everything stood.
-class CConfigurationText {
-public:
-    // `text` is borrowed.
-    explicit CConfigurationText(const std::string& text);
-    ~CConfigurationText() = default;
-    CConfigurationText(const CConfigurationText&) = delete;
-    CConfigurationText& operator=(const CConfigurationText&) = delete;
-
-    [[nodiscard]] SPiece whole() const { return {decoded, 0}; }
-
-    // The parts of `piece`, which is one of this text, between runs of `separators`; none is empty.
-    std::vector<SPiece> split(const SPiece& piece, const char* separators) const;
-
-    // A finding with its place and the line around it.
-    [[nodiscard]] SFinding findingAt(EHazard hazard, std::size_t offset, std::string what) const;
-
-private:
-    std::string_view given;
-    CLines lines;
-    std::string decoded;
-    // Of each decoded character.
-    std::vector<std::size_t> offsets;
-};
-
-CConfigurationText::CConfigurationText(const std::string& text) : given(text), lines(given) {
-    const std::string_view read = given.substr(0, given.find('\0'));
-    for (std::size_t offset = 0; offset < read.size();) {
-        const SReference* const reference = read[offset] == '&' ? referenceAt(read.substr(offset)) : nullptr;
-        decoded += reference == nullptr ? read[offset] : reference->meaning;
-        offsets.push_back(offset);
-        offset += reference == nullptr ? 1 : reference->text.size();
-    }
-}
-
-std::vector<SPiece> CConfigurationText::split(const SPiece& piece, const char* separators) const {
-    std::vector<SPiece> pieces;
-    std::size_t begin = piece.text.find_first_not_of(separators);
-    while (begin != std::string_view::npos) {
-        const std::size_t end = std::min(piece.text.find_first_of(separators, begin), piece.text.size());
-        const std::string_view part = piece.text.substr(begin, end - begin);
-        pieces.push_back({part, offsets[static_cast<std::size_t>(part.data() - decoded.data())]});
-        begin = piece.text.find_first_not_of(separators, end);
-    }
-    return pieces;
-}
-
-SFinding CConfigurationText::findingAt(EHazard hazard, std::size_t offset, std::string what) const {
-    return {hazard, lines.at(offset), std::move(what)};
-}
-
-struct SFault {
-    // In the text as it was given.
-    std::size_t offset = 0;
-    std::string text;
-    // The targets of its configuration, as they are written.
-    std::vector<std::string> targets;
-    // What is malformed, as it is written.
-    std::string target;
-};
-
-// What the library makes of a configuration.
-struct SReading {
-    std::vector<SConfiguration> used;
-    // How many there are, the lost ones included.
-    std::size_t count = 0;
-    // What the first lost one is lost for.
-    std::optional<SFault> fault;
-    // Those of the lost ones whose first target can be read, with as many of the others as can.
-    std::vector<SConfiguration> lost;
-    // The targets of the others, as they are written.
-    std::vector<std::vector<std::string>> malformed;
-};
-
-constexpr std::string_view kSeparator = "##";
-
-// Reads one target. `carried` is the enclosure of the target before it.
-SConfiguredTarget parseTarget(const SPiece& piece, const std::string& carried) {
-    const std::size_t separator = piece.text.find(kSeparator);
-    if (separator == std::string_view::npos) {
-        return {carried, std::string(piece.text), piece.offset, true};
-    }
-    return {std::string(piece.text.substr(0, separator)),
-            std::string(piece.text.substr(separator + kSeparator.size())), piece.offset, false};
-}
-
-std::optional<std::string> faultOf(const SConfiguredTarget& target, bool isFirst) {
-    if (target.device.empty()) {
-        return "has no device";
-    }
-    if (isFirst && target.enclosure.empty()) {
-        return "has no enclosure, which a first target needs";
-    }
-    return std::nullopt;
-}
-
-std::vector<std::string> textsOf(const std::vector<SPiece>& pieces) {
-    std::vector<std::string> texts;
-    texts.reserve(pieces.size());
-    for (const SPiece& piece : pieces) {
-        texts.emplace_back(piece.text);
-    }
-    return texts;
-}
-
-// Reads one configuration into `configuration`.
-std::optional<SFault> parseConfiguration(const CConfigurationText& text, const SPiece& piece,
-                                         SConfiguration& configuration) {
-    const std::vector<SPiece> targets = text.split(piece, ";");
-    if (targets.empty()) {
-        return SFault{piece.offset, inQuotes(piece.text) + " has no targets", {}, std::string(piece.text)};
-    }
-    std::string carried;
-    for (std::size_t i = 0; i < targets.size(); ++i) {
-        SConfiguredTarget target = parseTarget(targets[i], carried);
-        if (const auto fault = faultOf(target, i == 0)) {
-            return SFault{targets[i].offset, inQuotes(targets[i].text) + " " + *fault, textsOf(targets),
-                          std::string(targets[i].text)};
-        }
-        carried = target.enclosure;
-        if (i == 0) {
-            configuration.first = std::move(target);
-        } else {
-            configuration.further.push_back(std::move(target));
-        }
-    }
-    return std::nullopt;
-}
-
-SReading parse(const CConfigurationText& text) {
-    SReading reading;
-    const std::vector<SPiece> pieces = text.split(text.whole(), "&\n\r");
-    reading.count = pieces.size();
-    for (const SPiece& piece : pieces) {
-        SConfiguration configuration;
-        const std::optional<SFault> fault = parseConfiguration(text, piece, configuration);
-        if (!reading.fault.has_value()) {
-            reading.fault = fault;
-        }
-        if (!reading.fault.has_value()) {
-            reading.used.push_back(std::move(configuration));
-        } else if (!configuration.first.device.empty()) {
-            reading.lost.push_back(std::move(configuration));
-        } else if (fault.has_value()) {
-            reading.malformed.push_back(fault->targets);
-        }
-    }
-    return reading;
-}
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr const char* kBlanks = " \t";
 
 // The encoding of `text` if its characters are wider than a byte: as a mark at its start tells, or NUL bytes
 // beside its first two.
@@ -207,106 +28,6 @@ std::optional<std::string_view> wideEncodingOf(std::string_view text) {
         form += byte == '\0' ? '0' : 'x';
     }
     return form == "x0x0" || form == "0x0x" ? std::optional<std::string_view>("UTF-16") : std::nullopt;
-}
-
-std::string withoutMark(const std::string& name) {
-    return startsWith(name, kByteOrderMark) ? name.substr(kByteOrderMark.size()) : name;
-}
-
-std::string withoutBlanks(const std::string& name) {
-    const std::size_t begin = std::min(name.find_first_not_of(kBlanks), name.size());
-    return name.substr(begin, name.find_last_not_of(kBlanks) + 1 - begin);
-}
-
-// `configuration` with other names.
-template <typename Change>
-SConfiguration changed(SConfiguration configuration, const Change& change) {
-    const auto apply = [&change](SConfiguredTarget& target) {
-        target.enclosure = change(target.enclosure);
-        target.device = change(target.device);
-    };
-    apply(configuration.first);
-    std::for_each(configuration.further.begin(), configuration.further.end(), apply);
-    return configuration;
-}
-
-std::string writtenAs(const SConfiguredTarget& target) {
-    return target.isEnclosureCarried ? target.device : target.name();
-}
-
-// `configuration` with a semicolon in place of each comma.
-SConfiguration withoutCommas(const SConfiguration& configuration) {
-    std::string text = writtenAs(configuration.first);
-    for (const SConfiguredTarget& target : configuration.further) {
-        text += ';' + writtenAs(target);
-    }
-    std::replace(text.begin(), text.end(), ',', ';');
-    const CConfigurationText separated(text);
-    SConfiguration meant;
-    parseConfiguration(separated, separated.whole(), meant);
-    return meant;
-}
-
-// Where the first blank within `text` from `begin` on is; npos when blanks are only at its ends.
-std::size_t innerBlank(const std::string& text, std::size_t begin) {
-    const std::size_t name = text.find_first_not_of(kBlanks, begin);
-    const std::size_t blank = text.find_first_of(kBlanks, name);
-    return text.find_first_not_of(kBlanks, blank) == std::string::npos ? std::string::npos : blank;
-}
-
-// The target at `position` of `configuration`, whose first target is at 0.
-const SConfiguredTarget& targetAt(const SConfiguration& configuration, std::size_t position) {
-    return position == 0 ? configuration.first : configuration.further[position - 1];
-}
-
-// Whether `device` looks like that of a target beside `position`, or `enclosure` is that of the first target.
-bool isLikeOthers(const SConfiguration& configuration, std::size_t position, std::string_view device,
-                  std::string_view enclosure) {
-    const auto isLike = [&](std::size_t other) {
-        return differOnlyInDigits(targetAt(configuration, other).device, device);
-    };
-    return enclosure == configuration.first.enclosure || (position > 0 && isLike(position - 1)) ||
-           (position < configuration.further.size() && isLike(position + 1));
-}
-
-// Where, in what is written for the target at `position`, a blank probably stands for a line end, so that the
-// first target of another configuration, with its enclosure, is behind it; npos when there is none.
-// Enclosures may be called so that a blank is in the name: then what is before the blank does not look like a
-// target.
-std::size_t lostLineEnd(const SConfiguration& configuration, std::size_t position) {
-    const SConfiguredTarget& target = targetAt(configuration, position);
-    if (target.isEnclosureCarried) {
-        return std::string::npos;
-    }
-    const std::string written = writtenAs(target);
-    const bool isInDevice = target.device.find(kSeparator) != std::string::npos;
-    const std::size_t begin = isInDevice ? target.enclosure.size() + kSeparator.size() : 0;
-    const std::size_t separator = written.find(kSeparator, begin);
-    const std::size_t blank = innerBlank(written, begin);
-    if (blank == std::string::npos || blank > separator) {
-        return std::string::npos;
-    }
-    const std::size_t enclosure = written.find_first_not_of(kBlanks, blank);
-    const bool isLost = isInDevice || isLikeOthers(configuration, position, written.substr(0, blank),
-                                                   written.substr(enclosure, separator - enclosure));
-    return isLost ? blank : std::string::npos;
-}
-
-// The configurations that `configuration` is with a line end in place of each blank that probably stands for
-// one.
-std::vector<SConfiguration> withLineEnds(const SConfiguration& configuration) {
-    std::string text;
-    for (std::size_t position = 0; position <= configuration.further.size(); ++position) {
-        std::string written = writtenAs(targetAt(configuration, position));
-        const std::size_t blank = lostLineEnd(configuration, position);
-        if (blank != std::string::npos) {
-            written[blank] = '\n';
-        }
-        text += written + ';';
-    }
-    SReading meant = parse(CConfigurationText(text));
-    std::move(meant.lost.begin(), meant.lost.end(), std::back_inserter(meant.used));
-    return std::move(meant.used);
 }
 
 bool isCopy(const SConfiguration& left, const SConfiguration& right) {
@@ -325,7 +46,7 @@ std::string range(std::size_t first, std::size_t last) {
 class CConfigurationCheck {
 public:
     CConfigurationCheck(const std::string& whole, const CConfigurationText& given, CFindings& receiver)
-        : bytes(whole), text(given), reading(parse(given)), findings(receiver) {}
+        : bytes(whole), text(given), reading(parseConfigurations(given)), findings(receiver) {}
 
     SConfigurations run() {
         checkBytes();
@@ -392,7 +113,7 @@ private:
         }
     }
 
-    void reportRejection(const SFault& fault) {
+    void reportRejection(const SConfigurationFault& fault) {
         const std::size_t used = reading.used.size();
         const std::string unused = range(used + 1, reading.count) +
                                    (used + 1 == reading.count ? " is not used, " : " are not used, ");
@@ -405,7 +126,7 @@ private:
                causeOfRejection(fault));
     }
 
-    [[nodiscard]] std::optional<EHazard> causeOfRejection(const SFault& fault) const {
+    [[nodiscard]] std::optional<EHazard> causeOfRejection(const SConfigurationFault& fault) const {
         const bool isMark = fault.target == kByteOrderMark;
         return isMark ? EHazard::kByteOrderMark : causeAt(reading.used.size());
     }
@@ -416,7 +137,7 @@ private:
             unread.setCauseOfAll(EHazard::kUtf16);
         }
         if (startsWith(bytes, kByteOrderMark) && !reading.used.empty()) {
-            unread.addConfiguration(changed(reading.used.front(), withoutMark), EHazard::kByteOrderMark);
+            unread.addConfiguration(withoutMark(reading.used.front()), EHazard::kByteOrderMark);
         }
         if (cut == EHazard::kNulByte) {
             gatherBehindNul();
@@ -427,14 +148,13 @@ private:
         if (findings.has(EHazard::kBlankInTarget)) {
             for (const SConfiguration& configuration : reading.used) {
                 for (const SConfiguration& meant : withLineEnds(configuration)) {
-                    unread.addConfiguration(changed(meant, withoutBlanks), EHazard::kBlankInTarget);
+                    unread.addConfiguration(meant, EHazard::kBlankInTarget);
                 }
             }
         }
         if (findings.has(EHazard::kCommaInTarget)) {
             for (const SConfiguration& configuration : reading.used) {
-                unread.addConfiguration(changed(withoutCommas(configuration), withoutBlanks),
-                                        EHazard::kCommaInTarget);
+                unread.addConfiguration(withoutCommas(configuration), EHazard::kCommaInTarget);
             }
         }
     }
@@ -458,7 +178,7 @@ private:
     void gatherBehindNul() {
         std::string whole = bytes;
         whole.erase(std::remove(whole.begin(), whole.end(), '\0'), whole.end());
-        const SReading meant = parse(CConfigurationText(whole));
+        const SReadConfigurations meant = parseConfigurations(CConfigurationText(whole));
         for (const auto* const configurations : {&meant.used, &meant.lost}) {
             for (const SConfiguration& configuration : *configurations) {
                 unread.addConfiguration(configuration, EHazard::kNulByte);
@@ -528,7 +248,7 @@ private:
 
     const std::string& bytes;
     const CConfigurationText& text;
-    SReading reading;
+    SReadConfigurations reading;
     CFindings& findings;
     // What cuts the text off.
     std::optional<EHazard> cut;
