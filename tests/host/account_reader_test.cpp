@@ -114,6 +114,8 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
     withoutTarget.erase(withoutTarget.begin() + 3);
     Lines withoutPrinted = kLoading;
     withoutPrinted.pop_back();
+    const Lines withoutTree =
+        Lines{"fi_process_backups : parsed [rotated]"} + Lines(kLoading.begin() + 4, kLoading.end());
     const Lines oneCheck(kChecks.begin(), kChecks.begin() + 1);
     const Lines oneClaim(kClaims.begin(), kClaims.begin() + 1);
     const struct {
@@ -123,6 +125,8 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
         {withoutStart + kLoading + kChecks + kClaims + kSkip + kEnd,
          {"its beginning, with the configuration: give the earlier log too, before this one"}},
         {kBeginning + withoutPrinted + kChecks, {"lines of the configuration"}},
+        {kBeginning + withoutTree + kChecks,
+         {"lines before the message with \"fi_process_backups : parsed [kept]\""}},
         {kBeginning + kLoading + oneCheck + kClaims, {"1 of 2 checks"}},
         {kBeginning + kLoading + kChecks + oneClaim + kSkip, {"1 of 2 claims"}},
         // Without the flag word 4, nobody knows that a backup is excluded.

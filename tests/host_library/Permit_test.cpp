@@ -138,6 +138,14 @@ TEST_F(CHostLibraryPermit, OnlyTheLastOfSeveralNodesCounts) {
     expectDecision(call.get(), FI_ROTATION_SEVERAL_ROOTS, kFirst);
 }
 
+TEST_F(CHostLibraryPermit, OnlyTheLastOfManyNodesCounts) {
+    const std::string other = documentOf("1", {{"encA##lun1", "encA##snap1"}});
+    const std::string last = documentOf("1", {{"encA##lun1", "encA##snap2"}});
+    const std::string text = "<x>" + other + other + other + other + last + "</x>";
+    const HostCall call = newCall(kConfiguration, {write("a.xml", text), write("b.xml", text)});
+    expectDecision(call.get(), FI_ROTATION_SEVERAL_ROOTS, kFirst);
+}
+
 TEST_F(CHostLibraryPermit, ConfigurationsBeforeTheMalformedOneAreUsed) {
     const HostCall call = newCall("encA##lun1;snap1&encB##&encC##lun3;snap3");
     expectDecision(call.get(), FI_ROTATION_CONFIGURATION_REJECTED, kFirst);

@@ -152,8 +152,8 @@ TEST_F(CHostLibraryProblem, OfADocumentBeyondALimitNamesTheLimitAndDoesNotCallIt
     }
     const std::string file = write("a.xml", text + "</Node>");
     const std::string refusal = textOfRefusal(file, FI_ROTATION_NOT_WELL_FORMED);
-    EXPECT_THAT(refusal, HasSubstr("cannot be read to its end as XML: line 1, column "));
-    EXPECT_THAT(refusal, HasSubstr(": more than 256 different element names"));
+    EXPECT_THAT(refusal, testing::ContainsRegex("cannot be read to its end as XML: line 1, column [0-9]+: "
+                                                "more than 256 different element names"));
 }
 
 // Cut anywhere inside its outermost element a document is refused, never read in part.

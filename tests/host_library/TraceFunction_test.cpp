@@ -108,6 +108,16 @@ TEST_F(CHostLibraryTraceFunction, ThatThrowsAtAnyLineEndsTheRunAndIsNotCalledAga
     expectCallsWork();
 }
 
+TEST_F(CHostLibraryTraceFunction, ThatThrowsLeavesNoProblemOfTheRunBefore) {
+    const HostCall call = newCall("encA##lun1;snap1", {write("a.xml", "<Node>")});
+    ASSERT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_REFUSED);
+    ASSERT_NE(fi_rotation_call_backup_problems(call.get(), 0), 0U);
+    SLines lines{[](int /*line*/, int /*level*/, const std::string& /*text*/) { throw 1; }};
+    fi_rotation_call_set_trace(call.get(), 4, handOn, &lines);
+    ASSERT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_TRACE_FAILED);
+    EXPECT_EQ(fi_rotation_call_backup_problems(call.get(), 0), 0U);
+}
+
 TEST_F(CHostLibraryTraceFunction, ThatThrowsAnythingEndsTheRun) {
     const std::vector<std::function<void()>> kThrowing = {[] { throw 1; }, [] { throw std::bad_alloc(); },
                                                           [] { throw std::string("text"); }};

@@ -272,6 +272,8 @@ TEST_F(CHostLibraryUse, SaysHowManyBackupsWouldBeLeftAndWhyWhenTheyAreTooFew) {
     EXPECT_EQ(fi_rotation_call_backup_state(call.get(), 1), FI_ROTATION_NO_STATE);
     EXPECT_STREQ(fi_rotation_call_backup_time_stamp(call.get(), 0), "2");
     EXPECT_STREQ(fi_rotation_call_backup_reason(call.get(), 1), "needed");
+    EXPECT_THAT(fi_rotation_call_backup_reason_text(call.get(), 1),
+                testing::StartsWith("would be released "));
     EXPECT_EQ(fi_rotation_call_backup_target_count(call.get(), 1), 1);
     EXPECT_THAT(fi_rotation_call_message(call.get()), testing::HasSubstr("encA##lun1"));
     fi_rotation_call_keep_at_least(call.get(), 0);
