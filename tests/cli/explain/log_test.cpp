@@ -227,14 +227,14 @@ TEST_F(FiRotateLog, SaysAfterWhichLineTheLastStatesAreMissing) {
                 ElementsAre("the states of 1 of 3 backups, after line " + std::to_string(last + 1)));
 }
 
-// Searching it to its end from each of its places would take hours.
-TEST_F(FiRotateLog, ReadsOnBehindALineOfAMillionBlanks) {
+// Searching it to its end from each of its places would take half an hour.
+TEST_F(FiRotateLog, ReadsOnBehindALineOfManyBlanks) {
     std::vector<std::string> lines;
     const SOutcome outcome = traced(rotation(), lines);
     for (std::string& line : lines) {
         line = "host[7]: " + line;
     }
-    lines.insert(lines.begin() + lineOfState("old", lines), "host[7]: " + std::string(1000000, ' ') + "x]");
+    lines.insert(lines.begin() + lineOfState("old", lines), "host[7]: " + std::string(100000, ' ') + "x]");
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_EQ(told(calls[0].outcome), told(outcome));
