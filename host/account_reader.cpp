@@ -206,12 +206,6 @@ void CAccountReader::expectTreeLine(ETreeLine line, ETreeLine next, std::string_
 }
 
 bool CAccountReader::takeOther(ETraceText kind, const TraceArguments& arguments) {
-    // Nothing that has a name follows the last pass: what seemed to be its states told of something else.
-    const bool isOfLastPass = kind == ETraceText::kFinalState || kind == ETraceText::kFirstTarget ||
-                              kind == ETraceText::kFurtherTarget || kind == ETraceText::kMalformedIdentifier;
-    if (!isOfLastPass) {
-        finalStates.clear();
-    }
     switch (kind) {
         case ETraceText::kTarget:
             parsedTargets.push_back({std::string(arguments[0]), std::string(arguments[1])});
@@ -340,35 +334,18 @@ bool CAccountReader::takeParsed(std::string_view file) {
 }
 
 bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
-    if (!account.selection.has_value() && !isOnlyLastPassRead()) {
-        // The name of a document that is loaded may end like a state.
-        if (isLoadingPast()) {
-            noteContradiction(arguments[0]);
-        }
-        return isLoadingPast();
+    if (!account.selection.has_value()) {
+        return false;
     }
-    const std::int32_t state = numberIn(arguments[1]);
-    finalStates.emplace_back(arguments[0], state);
     // A name that is listed twice stands for two backups, of which one is invalid. The trace does not tell
     // which of the two a line means, but their states do.
+    const std::int32_t state = numberIn(arguments[1]);
     if (const auto index =
             takeNextIndex(state == FI_BACKUP_INVALID ? EPass::kFinalInvalid : EPass::kFinal, arguments[0])) {
         account.backups[*index].state = state;
         oldestFirst.push_back(*index);
     }
     return true;
-}
-
-// Whether the log may begin behind the selection. The set that is printed there has the same text as the one
-// before the checks.
-bool CAccountReader::isOnlyLastPassRead() const {
-    return !isBegun && flagWords.empty() && account.backups.empty() && checked == 0 && claims.empty() &&
-           skipped.empty() && printedSets <= 1;
-}
-
-// Whether a line was read that stands behind the loading of all documents.
-bool CAccountReader::isLoadingPast() const {
-    return printedSets != 0 || checked != 0 || !claims.empty() || !skipped.empty();
 }
 
 void CAccountReader::takeCheck(bool isGood, std::string_view file) {

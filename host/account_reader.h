@@ -28,8 +28,6 @@ public:
     // Says which lines are missing before the last one that was read: they were lost, or stand among those of
     // another call. Empty when lines are missing only at the end of the call.
     std::vector<std::string> gaps() const;
-    // Whether the first line of the call was read, with the configuration.
-    bool hasBeginning() const { return isBegun; }
     // Whether all lines about the loading of documents were read.
     bool isLoadingOver() const { return printedSets != 0; }
     // Whether the next line may be one of a document's tree.
@@ -51,8 +49,6 @@ public:
     std::vector<std::size_t> failedCheck;
     // Indices of all backups in the order of the last pass; empty without a selection.
     std::vector<std::size_t> oldestFirst;
-    // The names and states of the last pass, in order: also those of backups whose loading was not read.
-    std::vector<std::pair<std::string, std::int32_t>> finalStates;
     bool isWithoutSelection = false;
     // The malformed identifier that ended the call, if one did.
     std::optional<std::string> malformed;
@@ -93,8 +89,6 @@ private:
     // for two backups with one content, so it does not matter which of them is taken first.
     std::optional<std::size_t> takeNextIndex(EPass pass, std::string_view file);
     bool isNamed(std::string_view identifier) const;
-    bool isOnlyLastPassRead() const;
-    bool isLoadingPast() const;
     bool isExcluded(std::size_t index) const;
     std::size_t expectedSkips() const;
 

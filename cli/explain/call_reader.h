@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,10 +33,6 @@ struct SLoggedCall {
     SOutcome outcome;
     // Lines of the call that the log should contain but does not, in words.
     std::vector<std::string> missing;
-    // Whether the log lacks the first line of the call, so that `first` is not that line.
-    bool isBeginningMissing = false;
-    // Whether the call had no other backups than those of the outcome.
-    bool areBackupsKnown = false;
 };
 
 enum class ELogText {
@@ -71,8 +66,7 @@ private:
     bool seemsMixed(const std::vector<std::string>& gaps) const;
     void endMixed();
     bool isOver() const;
-    bool areBackupsKnown(const std::vector<std::string>& gaps) const;
-    std::optional<std::string> missingEnd() const;
+    std::string missingEnd() const;
 
     std::vector<SLoggedCall> calls;
     // The call that is being read.
@@ -83,8 +77,6 @@ private:
     std::size_t stateLine = 0;
     bool isRefused = false;
     bool isFirstBackup = false;
-    // A line was read that is not at the level of failures.
-    bool hasProgressLevel = false;
     // Lines of a tree began with something else than tabs.
     bool isAltered = false;
     // A line break has cut off the first line of a document's tree, so it is not known which backup the lines
