@@ -53,8 +53,9 @@ constexpr const char* kFooter = R"(Example:
 
 FIID is the document of an earlier backup. Give the documents of all of them, or none for the first backup. They are
 loaded in the order given. When one cannot be opened, it and all documents after it are ignored, and so is a document
-without a Node: they are "not loaded", and the targets of their backups may be chosen; so may those that a
-damaged document does not name any more. With --strict nothing is decided then. State "-" (null in JSON): there is no selection, so the library returns no states.
+without a Node: they are "not loaded", and the targets of their backups may be chosen; so may those that a damaged
+document does not name any more. With --strict nothing is decided then. State "-" (null in JSON): there is no
+selection, so the library returns no states.
 
 A request is a file with a whole call as JSON; the JSON Schema fi-rotate-request.json describes it. Relative file
 names in it are relative to the current folder.)";

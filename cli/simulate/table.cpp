@@ -215,11 +215,12 @@ std::string resultInWords(const SSimulation& simulation, const STakenOver& backu
 
 // The letter of a backup of SPlan::from in the timeline; a dash when it has no snapshot.
 std::string letterOf(const SSimulation& simulation, const std::vector<char>& letters, std::size_t document) {
+    // Those of the rounds come behind those of documents, and may be millions.
     const auto found = std::find_if(simulation.snapshots.begin(), simulation.snapshots.end(),
                                     [document](const SSnapshot& snapshot) {
-                                        return snapshot.taken == 0 && snapshot.document == document;
+                                        return snapshot.taken != 0 || snapshot.document == document;
                                     });
-    return found == simulation.snapshots.end()
+    return found == simulation.snapshots.end() || found->taken != 0
                ? "-"
                : std::string(1, letters[static_cast<std::size_t>(found - simulation.snapshots.begin())]);
 }
