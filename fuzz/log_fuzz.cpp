@@ -28,11 +28,11 @@ bool isBefore(const fi_rotate::SLogPlace& left, const fi_rotate::SLogPlace& righ
 
 void requireOrder(const std::vector<SLoggedCall>& calls) {
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        const auto& [number, first, last, outcome, missing] = calls[i];
-        require(number == i + 1, "calls are numbered in order");
-        require(first.line != 0, "a call begins in a line");
-        require(i == 0 || isBefore(calls[i - 1].first, first), "a call begins behind the one before");
-        require(!isBefore(last, first), "a call ends behind its beginning");
+        const SLoggedCall& call = calls[i];
+        require(call.number == i + 1, "calls are numbered in order");
+        require(call.first.line != 0, "a call begins in a line");
+        require(i == 0 || isBefore(calls[i - 1].first, call.first), "a call begins behind the one before");
+        require(!isBefore(call.last, call.first), "a call ends behind its beginning");
     }
 }
 
@@ -52,8 +52,8 @@ void requireReasons(const SLoggedCall& call) {
     for (const auto& backup : call.outcome.backups) {
         require(!backup.reason.has_value() || !lacksLinesInBetween(call),
                 "a reason is given only where all is known");
-        require(!backup.state.has_value() || call.outcome.selection.has_value(),
-                "a state is handed back only with a selection");
+        require(!backup.state.has_value() || call.outcome.selection.has_value() || call.isBeginningMissing,
+                "a state is handed back only with a selection, which the log may lack");
     }
 }
 

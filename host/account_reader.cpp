@@ -43,6 +43,11 @@ std::string describeMissing(std::string_view lines, std::size_t seen, std::size_
                           : fmt::format("the loading of {} of {} backups", seen - backups, seen);
 }
 
+std::string describeMissingFlagWords(const std::vector<std::string>& files) {
+    return files.size() == 1 ? fmt::format("the flag word of \"{}\"", files.front())
+                             : fmt::format("the flag words of {} backups", files.size());
+}
+
 // Where more excluded backups are told to be kept than can have been, it is not known which are excluded, or
 // which were rotated.
 std::string describeMissingOfExcluded(std::size_t found, std::size_t expected) {
@@ -80,10 +85,11 @@ std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text
 }  // namespace
 
 void CAccountReader::read(std::string_view text) {
+    currentLine = text;
     if (isInTree && readTree(text)) {
         return;
     }
-    endTree(text);
+    endTree();
     for (const ETraceText kind : kInOrder) {
         const auto arguments = argumentsIn(kind, text);
         if (arguments.has_value() && takeOther(kind, *arguments)) {
@@ -95,9 +101,9 @@ void CAccountReader::read(std::string_view text) {
 void CAccountReader::take(ETraceText kind, const TraceArguments& arguments) {
     const bool isOfTree = std::find(kOfTree.begin(), kOfTree.end(), kind) != kOfTree.end();
     if (isOfTree && isInTree) {
-        takeOfTree(kind, arguments[1], formatOf(kind));
+        takeOfTree(kind, arguments[1]);
     } else {
-        endTree(formatOf(kind));
+        endTree();
         takeOther(kind, arguments);
     }
 }
@@ -112,25 +118,30 @@ std::vector<std::string> CAccountReader::gaps() const {
         return {"its beginning, with the configuration: give the earlier log too, before this one"};
     }
     std::vector<std::string> gaps;
+    // At another log level they are all missing, which leaves nothing else in doubt.
+    if (const auto without = filesWithoutFlagWord(); !flagWords.empty() && !without.empty()) {
+        gaps.push_back(describeMissingFlagWords(without));
+    }
     // The library does not print what it parsed of a configuration that it then rejected.
     if (isCheckBegun && (printedSets == 0 || (!isRejected && usedTargets != parsedTargets.size()))) {
         gaps.emplace_back("lines of the configuration");
     }
     if (isClaimBegun && checked != account.backups.size()) {
-        gaps.push_back(describeMissing("checks", checked, account.backups.size()));
+        gaps.push_back(describeMissing("lines that say whether a backup agrees with the configuration",
+                                       checked, account.backups.size()));
     }
     const std::size_t passed = account.backups.size() - failedCheck.size();
     if (isRotationBegun && claims.size() != passed) {
-        gaps.push_back(describeMissing("claims", claims.size(), passed));
+        gaps.push_back(
+            describeMissing("lines that say whether a backup claimed its targets", claims.size(), passed));
     }
     if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
         gaps.push_back(describeMissingOfExcluded(skipped.size(), expectedSkips()));
     }
     if (contradictions != 0) {
         gaps.push_back(contradictions == 1
-                           ? fmt::format("lines before the message with \"{}\"", firstContradiction)
-                           : fmt::format("lines in {} places, the first before the message with \"{}\"",
-                                         contradictions, firstContradiction));
+                           ? fmt::format("lines before \"{}\"", firstContradiction)
+                           : fmt::format("lines, the first of them before \"{}\"", firstContradiction));
     }
     return gaps;
 }
@@ -159,6 +170,16 @@ std::size_t CAccountReader::expectedSkips() const {
     return expected;
 }
 
+std::vector<std::string> CAccountReader::filesWithoutFlagWord() const {
+    std::vector<std::string> files;
+    for (const SAccountBackup& backup : account.backups) {
+        if (lastFlagWords.count(backup.file) == 0) {
+            files.push_back(backup.file);
+        }
+    }
+    return files;
+}
+
 bool CAccountReader::isEnded() const {
     constexpr int kSetsWithSelection = 2;
     const bool isHandedOver = account.selection.has_value() && printedSets == kSetsWithSelection &&
@@ -170,42 +191,48 @@ bool CAccountReader::readTree(std::string_view text) {
     return std::any_of(kOfTree.begin(), kOfTree.end(), [this, text](ETraceText kind) {
         const auto inner = nodeTextIn(kind, text);
         if (inner.has_value()) {
-            takeOfTree(kind, *inner, text);
+            takeOfTree(kind, *inner);
         }
         return inner.has_value();
     });
 }
 
-void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner, std::string_view text) {
+void CAccountReader::takeOfTree(ETraceText kind, std::string_view inner) {
     if (kind == ETraceText::kNodeObjid) {
-        expectTreeLine(ETreeLine::kObjid, ETreeLine::kAltobjid, text);
+        expectTreeLine(ETreeLine::kObjid, ETreeLine::kAltobjid);
         objid = inner;
     } else if (kind == ETraceText::kNodeAltobjid) {
-        expectTreeLine(ETreeLine::kAltobjid, ETreeLine::kType, text);
+        expectTreeLine(ETreeLine::kAltobjid, ETreeLine::kType);
         if (objid.find("UDID##") != std::string::npos) {
             account.backups.back().pairs.add(objid, inner);
         }
     } else {
-        expectTreeLine(ETreeLine::kType, ETreeLine::kObjid, text);
+        expectTreeLine(ETreeLine::kType, ETreeLine::kObjid);
     }
 }
 
-void CAccountReader::endTree(std::string_view text) {
+void CAccountReader::endTree() {
     if (isInTree && (!hasNode || nextOfTree != ETreeLine::kObjid)) {
-        noteContradiction(text);
+        noteContradiction();
     }
     isInTree = false;
 }
 
-void CAccountReader::expectTreeLine(ETreeLine line, ETreeLine next, std::string_view text) {
+void CAccountReader::expectTreeLine(ETreeLine line, ETreeLine next) {
     if (nextOfTree != line) {
-        noteContradiction(text);
+        noteContradiction();
     }
     nextOfTree = next;
     hasNode = true;
 }
 
 bool CAccountReader::takeOther(ETraceText kind, const TraceArguments& arguments) {
+    // Nothing that has a name follows the last pass: what seemed to be its states told of something else.
+    const bool isOfLastPass = kind == ETraceText::kFinalState || kind == ETraceText::kFirstTarget ||
+                              kind == ETraceText::kFurtherTarget || kind == ETraceText::kMalformedIdentifier;
+    if (!isOfLastPass) {
+        finalStates.clear();
+    }
     switch (kind) {
         case ETraceText::kTarget:
             parsedTargets.push_back({std::string(arguments[0]), std::string(arguments[1])});
@@ -248,13 +275,13 @@ bool CAccountReader::takePrinted(ETraceText kind, const TraceArguments& argument
 
 void CAccountReader::readPrintedTarget(bool isFirst, const TraceArguments& printed) {
     if (usedTargets == parsedTargets.size()) {
-        noteContradiction(printed.front());
+        noteContradiction();
         return;
     }
     SParsedTarget& target = parsedTargets[usedTargets++];
     splitAsPrinted(target, isFirst, printed);
     if (!isPrinted(target, isFirst, printed) || (!isFirst && account.configurations.empty())) {
-        noteContradiction(printed.front());
+        noteContradiction();
         return;
     }
     std::string name;
@@ -334,18 +361,45 @@ bool CAccountReader::takeParsed(std::string_view file) {
 }
 
 bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
-    if (!account.selection.has_value()) {
-        return false;
+    if (!account.selection.has_value() && !isOnlyLastPassRead()) {
+        return takeStateWithoutSelection(arguments);
     }
+    const std::int32_t state = numberIn(arguments[1]);
+    finalStates.emplace_back(arguments[0], state);
     // A name that is listed twice stands for two backups, of which one is invalid. The trace does not tell
     // which of the two a line means, but their states do.
-    const std::int32_t state = numberIn(arguments[1]);
     if (const auto index =
             takeNextIndex(state == FI_BACKUP_INVALID ? EPass::kFinalInvalid : EPass::kFinal, arguments[0])) {
         account.backups[*index].state = state;
         oldestFirst.push_back(*index);
     }
     return true;
+}
+
+// The state may be that of another call, so it is not used. While documents are loaded, it can also be the
+// name of one that ends like a state; the flag words tell all names.
+bool CAccountReader::takeStateWithoutSelection(const TraceArguments& arguments) {
+    const bool isName = lastFlagWords.count(fmt::format("{}] state=[{}", arguments[0], arguments[1])) != 0;
+    if (isName && !isLoadingPast()) {
+        return false;
+    }
+    if (!isSelectionSkipped) {
+        noteContradiction();
+    }
+    isSelectionSkipped = true;
+    return true;
+}
+
+// Whether the log may begin behind the selection. The set that is printed there has the same text as the one
+// before the checks.
+bool CAccountReader::isOnlyLastPassRead() const {
+    return !isBegun && flagWords.empty() && account.backups.empty() && checked == 0 && claims.empty() &&
+           skipped.empty() && printedSets <= 1;
+}
+
+// Whether a line was read that stands behind the loading of all documents.
+bool CAccountReader::isLoadingPast() const {
+    return printedSets != 0 || checked != 0 || !claims.empty() || !skipped.empty();
 }
 
 void CAccountReader::takeCheck(bool isGood, std::string_view file) {
@@ -381,7 +435,7 @@ std::optional<std::size_t> CAccountReader::takeNextIndex(EPass pass, std::string
             return index;
         }
     }
-    noteContradiction(file);
+    noteContradiction();
     return std::nullopt;
 }
 
@@ -403,9 +457,9 @@ bool CAccountReader::isNamed(std::string_view identifier) const {
     });
 }
 
-void CAccountReader::noteContradiction(std::string_view text) {
+void CAccountReader::noteContradiction() {
     if (contradictions == 0) {
-        firstContradiction = text;
+        firstContradiction = currentLine;
     }
     ++contradictions;
 }

@@ -28,6 +28,8 @@ public:
     // Says which lines are missing before the last one that was read: they were lost, or stand among those of
     // another call. Empty when lines are missing only at the end of the call.
     std::vector<std::string> gaps() const;
+    // Whether the first line of the call was read, with the configuration.
+    bool hasBeginning() const { return isBegun; }
     // Whether all lines about the loading of documents were read.
     bool isLoadingOver() const { return printedSets != 0; }
     // Whether the next line may be one of a document's tree.
@@ -49,7 +51,11 @@ public:
     std::vector<std::size_t> failedCheck;
     // Indices of all backups in the order of the last pass; empty without a selection.
     std::vector<std::size_t> oldestFirst;
+    // The names and states of the last pass, in order: also those of backups whose loading was not read.
+    std::vector<std::pair<std::string, std::int32_t>> finalStates;
     bool isWithoutSelection = false;
+    // States of the last pass were read, but not the selection before them.
+    bool isSelectionSkipped = false;
     // The malformed identifier that ended the call, if one did.
     std::optional<std::string> malformed;
 
@@ -67,15 +73,16 @@ private:
     enum class EPass { kCheck, kClaim, kRotation, kFinal, kFinalInvalid };
 
     bool readTree(std::string_view text);
-    void endTree(std::string_view text);
-    void expectTreeLine(ETreeLine line, ETreeLine next, std::string_view text);
-    void takeOfTree(ETraceText kind, std::string_view inner, std::string_view text);
+    void endTree();
+    void expectTreeLine(ETreeLine line, ETreeLine next);
+    void takeOfTree(ETraceText kind, std::string_view inner);
     // These return whether the line can stand here; if not, it is passed over.
     bool takeOther(ETraceText kind, const TraceArguments& arguments);
     bool takePrinted(ETraceText kind, const TraceArguments& arguments);
     bool takeOfBackup(ETraceText kind, const TraceArguments& arguments);
     bool takeParsed(std::string_view file);
     bool takeFinalState(const TraceArguments& arguments);
+    bool takeStateWithoutSelection(const TraceArguments& arguments);
     bool takeMalformed(std::string_view identifier);
     void takeCheck(bool isGood, std::string_view file);
     void takeClaim(bool isGood, const TraceArguments& arguments);
@@ -83,13 +90,17 @@ private:
     void readPrintedTarget(bool isFirst, const TraceArguments& printed);
     static bool isPrinted(const SParsedTarget& target, bool isFirst, const TraceArguments& printed);
     static void splitAsPrinted(SParsedTarget& target, bool isFirst, const TraceArguments& printed);
-    void noteContradiction(std::string_view text);
+    void noteContradiction();
 
     // The index of the next backup of this name in the pass that traced the line. A name listed twice stands
     // for two backups with one content, so it does not matter which of them is taken first.
     std::optional<std::size_t> takeNextIndex(EPass pass, std::string_view file);
     bool isNamed(std::string_view identifier) const;
+    bool isOnlyLastPassRead() const;
+    bool isLoadingPast() const;
     bool isExcluded(std::size_t index) const;
+    // The names of the loaded backups whose flag words were not read.
+    std::vector<std::string> filesWithoutFlagWord() const;
     std::size_t expectedSkips() const;
 
     // All targets in the parser's lines. The first `usedTargets` of them were found again in the printed set.
@@ -104,6 +115,8 @@ private:
     bool hasNode = false;
     std::string objid;
     std::size_t checked = 0;
+    // The line that is being read.
+    std::string_view currentLine;
     // The first line that cannot follow the one before it, and how many such lines there are.
     std::string firstContradiction;
     std::size_t contradictions = 0;

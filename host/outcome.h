@@ -34,12 +34,14 @@ struct SBackupOutcome {
     // is not known: the library traces it only of some backups.
     std::string timeStamp;
     bool isLoaded = false;
-    // FI_BACKUP_...; nothing when the library gave it no state.
+    // FI_BACKUP_...; nothing when the library gave it no state, or when a log does not tell it.
     std::optional<std::int32_t> state;
     // Why it came to its state; nothing unless asked for and known.
     std::optional<SReason> reason;
     // Nothing when its document was not read, because it or one before it could not be opened.
     std::optional<SReading> reading = std::nullopt;
+    // False only for a call in a log that lacks the line with the flag word.
+    bool isFlagWordKnown = true;
 };
 
 // The exception that left the library instead of a status.
@@ -92,7 +94,7 @@ constexpr std::array<std::string_view, 4> kStateWords{"kept", "invalid", "rotate
 // The word for a state, FI_BACKUP_...
 std::string_view stateWord(std::int32_t state);
 
-// The word for the state of this backup; nothing when the library gave it no state.
+// The word for the state of this backup; nothing when it has none, or when a log does not tell it.
 std::optional<std::string_view> stateWord(const SBackupOutcome& backup);
 
 }  // namespace fi_rotate

@@ -32,8 +32,8 @@ ignored. Calls that overlap are told apart by the process or thread in the prefi
 log. When lines that matter are missing, the output says which, and gives no reason that could be wrong: without the
 beginning of a call it knows no reasons and may miss backups, so give the older log first.
 
-The library's trace does not contain the selection of a first backup, nor the time stamp of a backup whose
-objid or altobjid matches no configuration.)";
+The trace does not contain the selection of a first backup, unless the product uses the host library, nor the
+time stamp of a backup whose objid or altobjid matches no configuration.)";
 
 struct SOptions {
     std::vector<std::string> logs{"-"};

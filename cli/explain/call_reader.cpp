@@ -35,18 +35,17 @@ std::int32_t firstBackupStatus(const std::vector<std::string>& messages) {
 using States = std::unordered_map<std::string, std::int32_t>;
 
 States finalStates(const CAccountReader& account) {
-    States states;
-    for (const std::size_t index : account.oldestFirst) {
-        const SAccountBackup& backup = account.account.backups[index];
-        states.emplace(backup.file, backup.state);
-    }
-    return states;
+    return {account.finalStates.begin(), account.finalStates.end()};
 }
 
-// Whether lines that seem to be of one call may be of two: a name has two flag words, or a backup is excluded
-// and yet rotated. To be asked only when lines are missing, because a whole call may list a name twice.
+// Whether lines that seem to be of one call may be of two: a name has two flag words or two states, or a
+// backup is excluded and yet rotated. To be asked only when lines are missing, because a whole call may list
+// a name twice.
 bool isOfSeveralCalls(const CAccountReader& account) {
     const States states = finalStates(account);
+    if (states.size() != account.finalStates.size()) {
+        return true;
+    }
     std::set<std::string> names;
     return std::any_of(
         account.flagWords.begin(), account.flagWords.end(), [&names, &states](const auto& listed) {
@@ -57,49 +56,99 @@ bool isOfSeveralCalls(const CAccountReader& account) {
         });
 }
 
-// The backups whose flag words are known; the others are added to `missing`. When lines of the loading are
+// The backups that are loaded or have a state, and whose flag words are missing.
+std::vector<SBackupOutcome> withoutFlagWord(const CAccountReader& account) {
+    std::set<std::string> known;
+    for (const auto& listed : account.flagWords) {
+        known.insert(listed.first);
+    }
+    std::vector<SBackupOutcome> backups;
+    const auto addUnlessKnown = [&known, &backups](const std::string& file) {
+        if (known.insert(file).second) {
+            SBackupOutcome backup;
+            backup.given.file = file;
+            backup.isFlagWordKnown = false;
+            backups.push_back(std::move(backup));
+        }
+    };
+    for (const SAccountBackup& backup : account.account.backups) {
+        addUnlessKnown(backup.file);
+    }
+    for (const auto& told : account.finalStates) {
+        addUnlessKnown(told.first);
+    }
+    return backups;
+}
+
+std::string missingFlagWords(const CAccountReader& account, const std::vector<SBackupOutcome>& without) {
+    if (account.hasBeginning() && account.flagWords.empty()) {
+        return "the flag words, and all other messages of level 3: set the product's log to levels 3 and 4";
+    }
+    return without.size() == 1 ? fmt::format("the flag word of \"{}\"", without.front().given.file)
+                               : fmt::format("the flag words of {} backups", without.size());
+}
+
+// All backups that the log names, first those whose flag words it lacks, which is added to `missing`. These
+// are left out unless the lines that name them are of one call for certain. When lines of the loading are
 // missing, it is not known which backups were ignored, so all count as loaded.
-std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, std::vector<std::string>& missing) {
+std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, bool areNamesOfOneCall,
+                                      std::vector<std::string>& missing) {
     const bool isLoadingKnown = missing.empty() && account.isLoadingOver();
     const States states = finalStates(account);
     std::unordered_map<std::string, std::string> loaded;
     for (const SAccountBackup& backup : account.account.backups) {
         loaded[backup.file] = backup.timeStamp;
     }
-    std::set<std::string> known;
-    std::vector<SBackupOutcome> backups;
+    std::vector<SBackupOutcome> backups = withoutFlagWord(account);
+    if (!backups.empty() && (!account.hasBeginning() || account.flagWords.empty())) {
+        missing.push_back(missingFlagWords(account, backups));
+    }
+    if (!areNamesOfOneCall) {
+        backups.clear();
+    }
     for (const auto& [file, flagWord] : account.flagWords) {
-        known.insert(file);
         SBackupOutcome backup;
         backup.given = {file, flagWord};
-        backup.isLoaded = !isLoadingKnown;
-        if (const auto found = loaded.find(file); found != loaded.end()) {
-            backup.isLoaded = true;
-            backup.timeStamp = found->second;
-        }
-        if (const auto state = states.find(file); state != states.end()) {
-            backup.state = state->second;
-        }
         backups.push_back(std::move(backup));
     }
-    for (const SAccountBackup& backup : account.account.backups) {
-        if (known.insert(backup.file).second) {
-            missing.push_back(fmt::format("the flag word of \"{}\"", backup.file));
+    for (SBackupOutcome& backup : backups) {
+        const auto found = loaded.find(backup.given.file);
+        const auto state = states.find(backup.given.file);
+        backup.isLoaded = !isLoadingKnown || found != loaded.end() || state != states.end();
+        backup.timeStamp = found != loaded.end() ? found->second : "";
+        if (state != states.end()) {
+            backup.state = state->second;
         }
     }
     return backups;
 }
 
-bool isReleaseWithoutNeed(const SAccountBackup& backup) {
-    const bool isRelease = backup.reason.has_value() && (backup.reason->kind == EReason::kNeeded ||
-                                                         backup.reason->kind == EReason::kInVain);
-    return isRelease && backup.reason->configuration.empty();
+// Whether no call can have this reason for this state. Backups are released and excluded ones skipped only
+// while a configuration is short, and no other valid one is passed over then.
+bool isContradicted(const SAccountBackup& backup) {
+    if (!backup.reason.has_value()) {
+        return false;
+    }
+    const SReason& reason = *backup.reason;
+    switch (reason.kind) {
+        case EReason::kNeeded:
+        case EReason::kInVain:
+            return reason.configuration.empty();
+        case EReason::kExcluded:
+            return backup.state == FI_BACKUP_INVALID || reason.configuration.empty();
+        case EReason::kNewestHolder:
+        case EReason::kHoldsNothing:
+        case EReason::kRotationStopped:
+            return backup.state == FI_BACKUP_INVALID || !reason.configuration.empty();
+        default:
+            return false;
+    }
 }
 
-// Where a line of a tree was lost, a backup seems to hold less than it did: then one may have been released
-// although nothing was short of a target, or a target that seems to be free was not chosen.
+// Where a line of a tree was lost, a backup seems to hold less than it did: then its state may have no
+// reason, or a target that seems to be free was not chosen.
 bool isPlausible(const SAccount& account) {
-    if (std::any_of(account.backups.begin(), account.backups.end(), isReleaseWithoutNeed)) {
+    if (std::any_of(account.backups.begin(), account.backups.end(), isContradicted)) {
         return false;
     }
     const auto chosen = choices(account.selection.value_or(""));
@@ -133,8 +182,10 @@ bool beginsCall(std::string_view text) {
            text == formatOf(ETraceText::kInvalidParameter);
 }
 
-void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& place) {
+void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& place,
+                       const std::vector<std::string_view>& words) {
     if (kind == ELogText::kProgress) {
+        hasProgressLevel = true;
         call.last = call.first.line != 0 && !isOver() ? place : call.last;
         return;
     }
@@ -152,9 +203,24 @@ void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& 
         call.first = place;
     }
     call.last = place;
-    const std::size_t states = account.oldestFirst.size();
+    const std::size_t states = account.finalStates.size();
+    const std::size_t loaded = account.account.backups.size();
+    const std::size_t flagWords = account.flagWords.size();
     readText(text);
-    stateLine = account.oldestFirst.size() > states ? place.line : stateLine;
+    stateLine = account.finalStates.size() > states ? place.line : stateLine;
+    if (account.finalStates.size() > states || account.account.backups.size() > loaded) {
+        prefixesOfBackups.note(words);
+    }
+    if (account.flagWords.size() > flagWords) {
+        prefixesOfFlagWords.note(words);
+    }
+}
+
+void CPrefixWords::note(const std::vector<std::string_view>& words) {
+    if (!first.has_value()) {
+        first.emplace(words.begin(), words.end());
+    }
+    areSame = areSame && std::equal(words.begin(), words.end(), first->begin(), first->end());
 }
 
 // Whether `text` is the first line of a call: because it can be no other, or because the call before it is
@@ -163,7 +229,9 @@ bool CCallReader::begins(const std::string& text, bool isNamed) const {
     // When other lines were lost, these can follow the end of a call and belong to it.
     const bool isOfAnyPass =
         startsAs(ETraceText::kParsed, text) || text == formatOf(ETraceText::kResourceSet);
-    return beginsCall(text) || ((account.isEnded() || isRefused) && isNamed && !isOfAnyPass);
+    const bool isEnded = account.isEnded() || isRefused;
+    const bool isWhole = isEnded && account.account.selection.has_value() && !isCut && account.gaps().empty();
+    return beginsCall(text) || (isEnded && isNamed && (!isOfAnyPass || isWhole));
 }
 
 bool CCallReader::isOver() const {
@@ -174,6 +242,9 @@ void CCallReader::readText(const std::string& text) {
     if (isCertainFailure(text)) {
         call.outcome.messages.push_back(text);
     }
+    const bool isOfFailureLevel = isCertainFailure(text) || startsAs(ETraceText::kFlagWord, text) ||
+                                  startsAs(ETraceText::kMalformedIdentifier, text);
+    hasProgressLevel = hasProgressLevel || !isOfFailureLevel;
     isCut =
         isCut || (startsAs(ETraceText::kParsed, text) && !argumentsOf(ETraceText::kParsed, text).has_value());
     isRefused = isRefused || text == formatOf(ETraceText::kInvalidParameter);
@@ -203,20 +274,30 @@ void CCallReader::endCall() {
     stateLine = 0;
     isRefused = false;
     isFirstBackup = false;
+    prefixesOfBackups = {};
+    prefixesOfFlagWords = {};
+    hasProgressLevel = false;
     isAltered = false;
     isCut = false;
 }
 
+bool CCallReader::areBackupsKnown(const std::vector<std::string>& gaps) const {
+    const bool areFlagWordsOver = !account.account.backups.empty() || account.isLoadingOver();
+    return isFirstBackup || (gaps.empty() && !account.flagWords.empty() && areFlagWordsOver);
+}
+
 bool CCallReader::seemsMixed(const std::vector<std::string>& gaps) const {
-    return order.isBroken() || (!gaps.empty() && isOfSeveralCalls(account));
+    return order.isBroken() || (!gaps.empty() && isOfSeveralCalls(account)) ||
+           (!hasProgressLevel && !prefixesOfFlagWords.areAllSame());
 }
 
 // It is not known which line belongs to which call, so no outcome is given for any of them.
 void CCallReader::endMixed() {
     SOutcome& outcome = call.outcome;
     call.missing.emplace_back(
-        "what tells calls apart, since lines of several are mixed here: explain the lines of each process or "
-        "thread alone");
+        "what tells calls apart, since lines of several calls are mixed here: set the product's log to write "
+        "the "
+        "process or thread in each line, and explain the lines of each alone");
     for (const auto& [file, flagWord] : account.flagWords) {
         SBackupOutcome backup;
         backup.given = {file, flagWord};
@@ -229,6 +310,8 @@ void CCallReader::endMixed() {
 void CCallReader::endDecision() {
     SOutcome& outcome = call.outcome;
     std::vector<std::string> gaps = account.gaps();
+    call.isBeginningMissing = !account.hasBeginning();
+    call.areBackupsKnown = areBackupsKnown(gaps);
     if (seemsMixed(gaps)) {
         endMixed();
         return;
@@ -241,14 +324,20 @@ void CCallReader::endDecision() {
     if (isAltered) {
         call.missing.emplace_back("tabs at the beginning of lines: something has replaced them in the log");
     }
+    if (call.isBeginningMissing && !hasProgressLevel) {
+        gaps = {
+            "its messages of level 4, only those of level 3 were found: set the product's log to levels 3 "
+            "and 4"};
+    }
     std::move(gaps.begin(), gaps.end(), std::back_inserter(call.missing));
     if (isCut) {
         call.missing.emplace_back("the rest of names with line breaks");
     }
-    outcome.backups = backupsOf(account, call.missing);
+    outcome.backups = backupsOf(account, prefixesOfBackups.areAllSame(), call.missing);
     const bool isEnded = isFirstBackup || account.isEnded();
-    if (!isEnded) {
-        call.missing.push_back(missingEnd());
+    const auto end = isEnded ? std::nullopt : missingEnd();
+    if (end.has_value()) {
+        call.missing.push_back(*end);
     }
     outcome.account = isCut || isAltered ? std::move(account.account) : explain(std::move(account));
     if (!isEnded) {
@@ -258,17 +347,27 @@ void CCallReader::endDecision() {
     }
     if (!isPlausible(*outcome.account)) {
         withdrawReasons(*outcome.account);
-        call.missing.emplace_back("lines that say what the backups hold");
+        if (isEnded) {
+            call.missing.emplace_back("lines that say what the backups hold");
+        }
     }
     copyReasons(outcome);
 }
 
 // The last pass traces the states oldest first. So if the state of the newest backup is there, the missing
-// ones stood before it.
-std::string CCallReader::missingEnd() const {
+// ones stood before it. Without the beginning of the call its backups are not all known: nothing is said when
+// each that is known has its state, or when nothing at the level of progress was found.
+std::optional<std::string> CCallReader::missingEnd() const {
     const std::vector<std::size_t>& told = account.oldestFirst;
     const std::size_t all = account.account.backups.size();
-    if (told.empty()) {
+    const bool areAllTold = !account.finalStates.empty() && told.size() == all;
+    if (call.isBeginningMissing && (areAllTold || !hasProgressLevel)) {
+        return std::nullopt;
+    }
+    if (account.isSelectionSkipped) {
+        return "the line with the selection";
+    }
+    if (account.finalStates.empty()) {
         return fmt::format("its end, after line {}", call.last.line);
     }
     if (told.size() == all) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,12 +28,16 @@ struct SLoggedCall {
     // Its first and its last line.
     SLogPlace first;
     SLogPlace last;
-    // With an account, unless the arguments were refused. The trace does not contain the selection of a first
-    // backup, the time stamp of a backup whose identifiers match no configuration, or the code of an
+    // With an account, unless the arguments were refused. The bare function does not trace the selection of a
+    // first backup, the time stamp of a backup whose identifiers match no configuration, or the code of an
     // exception. Status and exception are both missing when the end of the call is missing.
     SOutcome outcome;
     // Lines of the call that the log should contain but does not, in words.
     std::vector<std::string> missing;
+    // Whether the log lacks the first line of the call, so that `first` is not that line.
+    bool isBeginningMissing = false;
+    // Whether the call had no other backups than those of the outcome.
+    bool areBackupsKnown = false;
 };
 
 enum class ELogText {
@@ -49,11 +54,24 @@ enum class ELogText {
 // Whether this text of the library can only be the first line of a call.
 bool beginsCall(std::string_view text);
 
+// Compares the words in the prefixes of lines of one kind. If they differ, the lines may be of several
+// writers that nothing else tells apart.
+class CPrefixWords {
+public:
+    void note(const std::vector<std::string_view>& words);
+    [[nodiscard]] bool areAllSame() const { return areSame; }
+
+private:
+    std::optional<std::vector<std::string>> first;
+    bool areSame = true;
+};
+
 // Reads the library's texts that one writer wrote, and separates its calls.
 class CCallReader {
 public:
-    // `text` is without its line end.
-    void read(const std::string& text, ELogText kind, const SLogPlace& place);
+    // `text` is without its line end. `words` are those of the prefix (SPrefix::words).
+    void read(const std::string& text, ELogText kind, const SLogPlace& place,
+              const std::vector<std::string_view>& words);
 
     // The calls that were read, without numbers.
     std::vector<SLoggedCall> finish();
@@ -66,7 +84,8 @@ private:
     bool seemsMixed(const std::vector<std::string>& gaps) const;
     void endMixed();
     bool isOver() const;
-    std::string missingEnd() const;
+    bool areBackupsKnown(const std::vector<std::string>& gaps) const;
+    std::optional<std::string> missingEnd() const;
 
     std::vector<SLoggedCall> calls;
     // The call that is being read.
@@ -77,6 +96,11 @@ private:
     std::size_t stateLine = 0;
     bool isRefused = false;
     bool isFirstBackup = false;
+    // Of the lines that load a backup or tell its state, and of those that tell its flag word.
+    CPrefixWords prefixesOfBackups;
+    CPrefixWords prefixesOfFlagWords;
+    // A line was read that is not at the level of failures.
+    bool hasProgressLevel = false;
     // Lines of a tree began with something else than tabs.
     bool isAltered = false;
     // A line break has cut off the first line of a document's tree, so it is not known which backup the lines

@@ -43,7 +43,9 @@ std::optional<SReplacedTabs> replacedTabs(std::string_view text) {
     const auto* const word = std::find_if(text.begin(), text.end(), isWordCharacter);
     const auto marks = static_cast<std::size_t>(word - text.begin());
     for (std::size_t length = 1; length < marks; ++length) {
-        if (isOfTopNode(text.substr(length))) {
+        // The text of a Node begins with one blank. Comparing only there keeps long runs of blanks cheap.
+        const bool isLastBlank = text[length] == ' ' && text.substr(length + 1, 1) != " ";
+        if (isLastBlank && isOfTopNode(text.substr(length))) {
             return SReplacedTabs{length, false};
         }
     }

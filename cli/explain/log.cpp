@@ -92,7 +92,8 @@ std::optional<std::size_t> findProgress(std::string_view line) {
 struct SFound {
     std::string writer;
     std::string_view text;
-    std::string_view time;
+    // What stands before the text; borrowed from the line.
+    SPrefix prefix;
     ELogText kind = ELogText::kUnnamed;
 };
 
@@ -107,7 +108,7 @@ std::optional<SFound> findNamed(const CWriters& writers, std::size_t log, std::s
     if (!writer.has_value() || (!kindOfNamed(text).has_value() && !isCutOff(text))) {
         return std::nullopt;
     }
-    return SFound{*writer, text, prefix.time, ELogText::kNamed};
+    return SFound{*writer, text, prefix, ELogText::kNamed};
 }
 
 // A number in the prefix may have grown.
@@ -126,7 +127,7 @@ std::optional<SFound> findUnnamed(const CWriters& writers, std::size_t log, std:
         // Of several prefixes that fit, the longest counts: the text of a tree begins with one blank, and
         // further blanks before it belong to the prefix.
         if (const auto writer = writers.writerOfExactly(log, prefix)) {
-            found = SFound{*writer, text, prefix.time, ELogText::kUnnamed};
+            found = SFound{*writer, text, prefix, ELogText::kUnnamed};
         }
     }
     return found;
@@ -141,7 +142,7 @@ std::optional<SFound> findAltered(const CWriters& writers, std::size_t log, std:
         }
         const SPrefix prefix = prefixOf(line.substr(0, end));
         if (const auto writer = writers.writerOfExactly(log, prefix)) {
-            return SFound{*writer, line.substr(end + tabs->length), prefix.time,
+            return SFound{*writer, line.substr(end + tabs->length), prefix,
                           tabs->isCertain ? ELogText::kUnnamed : ELogText::kDoubtful};
         }
     }
@@ -157,7 +158,7 @@ std::optional<SFound> find(const CWriters& writers, std::size_t log, std::string
 std::optional<SFound> findProgressOf(const CWriters& writers, std::size_t log, std::string_view prefixText) {
     const SPrefix prefix = prefixOf(prefixText);
     const auto writer = writers.writerOfExactly(log, prefix);
-    return writer.has_value() ? std::optional(SFound{*writer, {}, prefix.time, ELogText::kProgress})
+    return writer.has_value() ? std::optional(SFound{*writer, {}, prefix, ELogText::kProgress})
                               : std::nullopt;
 }
 
@@ -231,8 +232,8 @@ std::vector<SLoggedCall> CLogReader::finish() {
         const auto found = line.isProgress ? findProgressOf(writers, line.log, line.text)
                                            : find(writers, line.log, line.text);
         if (found.has_value()) {
-            const SLogPlace place{logs[line.log], line.log, line.number, std::string(found->time)};
-            readers[found->writer].read(textOf(*found, line.text), found->kind, place);
+            const SLogPlace place{logs[line.log], line.log, line.number, std::string(found->prefix.time)};
+            readers[found->writer].read(textOf(*found, line.text), found->kind, place, found->prefix.words);
         }
     }
     return inOrder(readers);

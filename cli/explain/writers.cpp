@@ -39,7 +39,7 @@ void CWriters::learn(const SNamedLine& line) {
         ++lines.count;
         lines.hasBeginning = lines.hasBeginning || line.isBeginning;
         lines.hasFailure = lines.hasFailure || line.isFailure;
-        lines.hasProgress = lines.hasProgress || !line.isFailure;
+        lines.hasOther = lines.hasOther || !line.isFailure;
     }
 }
 
@@ -68,16 +68,16 @@ bool CWriters::namesWriter(const SWordPosition& position) {
     std::size_t all = 0;
     std::size_t ofBegun = 0;
     bool hasFailure = false;
-    bool hasProgress = false;
+    bool hasOther = false;
     bool isOfBothLevels = false;
     for (const auto& [word, lines] : position.words) {
         all += lines.count;
         ofBegun += lines.hasBeginning ? lines.count : 0;
         hasFailure = hasFailure || lines.hasFailure;
-        hasProgress = hasProgress || lines.hasProgress;
-        isOfBothLevels = isOfBothLevels || (lines.hasFailure && lines.hasProgress);
+        hasOther = hasOther || lines.hasOther;
+        isOfBothLevels = isOfBothLevels || (lines.hasFailure && lines.hasOther);
     }
-    const bool isLevel = hasFailure && hasProgress && !isOfBothLevels;
+    const bool isLevel = hasFailure && hasOther && !isOfBothLevels;
     return !isLevel && (ofBegun > all / 2 || isOfWriters(position, all, ofBegun != 0));
 }
 

@@ -45,7 +45,8 @@ private:
         std::size_t count = 0;
         bool hasBeginning = false;
         bool hasFailure = false;
-        bool hasProgress = false;
+        // One that is not at the level of failures.
+        bool hasOther = false;
     };
 
     // A position of a word in the prefixes of one format.

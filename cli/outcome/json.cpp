@@ -71,6 +71,11 @@ Json orNullIfEmpty(const std::string& text) {
     return text.empty() ? Json(nullptr) : Json(asUtf8(text));
 }
 
+// What the flag word of the backup tells.
+Json orNullIfUnknown(const SBackupOutcome& backup, const Json& told) {
+    return backup.isFlagWordKnown ? told : Json(nullptr);
+}
+
 Json reasonJson(const std::optional<SReason>& reason) {
     if (!reason.has_value()) {
         return nullptr;
@@ -109,8 +114,8 @@ Json backupsOf(const SOutcome& outcome, const SView& view, bool hasReasons) {
         rows.push_back({
             {"file", asUtf8(backup->given.file)},
             {"time_stamp", orNullIfEmpty(backup->timeStamp)},
-            {"flag_word", backup->given.flagWord},
-            {"excluded", (backup->given.flagWord & FI_EXCLUDE_ROTATION) != 0},
+            {"flag_word", orNullIfUnknown(*backup, backup->given.flagWord)},
+            {"excluded", orNullIfUnknown(*backup, (backup->given.flagWord & FI_EXCLUDE_ROTATION) != 0)},
             {"state", orNull(stateWord(*backup))},
         });
         if (hasReasons) {

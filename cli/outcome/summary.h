@@ -13,7 +13,7 @@ namespace fi_rotate {
 struct STotals {
     // By state, in the order of kStateWords.
     std::array<std::size_t, kStateWords.size()> ofState{};
-    // Backups without a state, because the library returned none.
+    // Backups without a state: the library returned none, or a log does not tell it.
     std::size_t withoutState = 0;
     // Rotated backups that held no target of a configuration that was short.
     std::size_t inVain = 0;

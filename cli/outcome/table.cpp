@@ -87,7 +87,20 @@ std::string selectionTable(const SOutcome& outcome, std::size_t width, bool colo
 
 using Backups = std::vector<const SBackupOutcome*>;
 
-std::string totalsLine(const SOutcome& outcome) {
+// The library returns no states without a selection. A state that it returned can be missing only in a log.
+bool isWithoutStates(const SOutcome& outcome) {
+    return outcome.exception.has_value() || outcome.status == FI_STATUS_FAILURE;
+}
+
+std::string_view wordsWithoutState(const SOutcome& outcome) {
+    return isWithoutStates(outcome) ? "without a state" : "of unknown state";
+}
+
+std::string_view mayBeMore(bool areAllKnown) {
+    return areAllKnown ? "" : "; there may be more backups, because lines are missing";
+}
+
+std::string totalsLine(const SOutcome& outcome, bool areAllKnown) {
     const STotals totals = totalsOf(outcome);
     std::vector<std::string> counts;
     for (std::size_t i = 0; i < kStateWords.size(); ++i) {
@@ -99,9 +112,10 @@ std::string totalsLine(const SOutcome& outcome) {
         }
     }
     if (totals.withoutState != 0) {
-        counts.push_back(fmt::format("{} without a state", totals.withoutState));
+        counts.push_back(fmt::format("{} {}", totals.withoutState, wordsWithoutState(outcome)));
     }
-    return counts.empty() ? "" : fmt::format("Total: {}\n", fmt::join(counts, ", "));
+    return counts.empty() ? ""
+                          : fmt::format("Total: {}{}\n", fmt::join(counts, ", "), mayBeMore(areAllKnown));
 }
 
 // The backups that --only leaves out: "2 in other states, 5 without a state".
@@ -112,53 +126,81 @@ std::string hiddenInWords(const SOutcome& outcome, std::size_t hidden) {
         counts.push_back(fmt::format("{} in other states", hidden - withoutState));
     }
     if (withoutState != 0) {
-        counts.push_back(fmt::format("{} without a state", withoutState));
+        counts.push_back(fmt::format("{} {}", withoutState, wordsWithoutState(outcome)));
     }
     return fmt::format("{}", fmt::join(counts, ", "));
 }
 
-std::string noneShown(const SOutcome& outcome, std::size_t hidden) {
-    // Any of them may be in the states that were asked for.
-    if (!isEndKnown(outcome) && totalsOf(outcome).withoutState == hidden) {
-        return fmt::format("Backups: the states of {} are not known\n", hidden);
+std::string noneShown(const SOutcome& outcome, std::size_t hidden, bool areAllKnown) {
+    const std::size_t withoutState = totalsOf(outcome).withoutState;
+    if (withoutState == 0 || isWithoutStates(outcome)) {
+        return fmt::format("Backups: none in these states, {}{}\n", hiddenInWords(outcome, hidden),
+                           mayBeMore(areAllKnown));
     }
-    return fmt::format("Backups: none in these states, {}\n", hiddenInWords(outcome, hidden));
+    // Any of them may be in the states that were asked for.
+    const std::size_t others = hidden - withoutState;
+    return fmt::format("Backups: the {} of {} {} not known{}{}\n", withoutState == 1 ? "state" : "states",
+                       withoutState, withoutState == 1 ? "is" : "are",
+                       others == 0 ? "" : fmt::format(", {} in other states", others),
+                       mayBeMore(areAllKnown));
+}
+
+// A flag word or a time stamp that only the missing lines of a log tell is not known.
+std::string flagsCell(const SBackupOutcome& backup) {
+    return backup.isFlagWordKnown ? fmt::to_string(backup.given.flagWord) : "not known";
+}
+
+std::string timeStampCell(const SBackupOutcome& backup) {
+    if (!backup.timeStamp.empty()) {
+        return asPrintable(backup.timeStamp);
+    }
+    return backup.isFlagWordKnown ? "-" : "not known";
+}
+
+SCell stateCell(const SOutcome& outcome, const SBackupOutcome& backup) {
+    const auto state = stateWord(backup);
+    if (state.has_value()) {
+        return {std::string(*state), styleOf(*state)};
+    }
+    return {isWithoutStates(outcome) ? "-" : "not known", {}};
 }
 
 std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areAllKnown, std::size_t width,
                         bool colour) {
     const std::size_t hidden = outcome.backups.size() - shown.size();
     if (shown.empty() && hidden != 0) {
-        return noneShown(outcome, hidden);
+        return noneShown(outcome, hidden, areAllKnown);
     }
     if (shown.empty()) {
         return areAllKnown ? "Backups: none; this is the first backup\n" : "Backups: not known\n";
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
     for (const SBackupOutcome* const backup : shown) {
-        Row row = toRow({asPrintable(backup->given.file),
-                         backup->timeStamp.empty() ? "-" : asPrintable(backup->timeStamp),
-                         fmt::to_string(backup->given.flagWord)});
-        const auto state = stateWord(*backup);
-        row.push_back(state.has_value() ? SCell{std::string(*state), styleOf(*state)} : SCell{"-", {}});
+        Row row = toRow({asPrintable(backup->given.file), timeStampCell(*backup), flagsCell(*backup)});
+        row.push_back(stateCell(outcome, *backup));
         rows.push_back(std::move(row));
     }
     return "Backups\n" + toTableOrLists(rows, width, colour) +
-           (hidden == 0 ? "" : fmt::format("  ({})\n", hiddenInWords(outcome, hidden))) + totalsLine(outcome);
+           (hidden == 0 ? "" : fmt::format("  ({})\n", hiddenInWords(outcome, hidden))) +
+           totalsLine(outcome, areAllKnown);
 }
 
-std::string reasonFor(const SBackupOutcome& backup) {
+std::string reasonFor(const SOutcome& outcome, const SBackupOutcome& backup) {
     if (!backup.reason.has_value()) {
+        if (!stateWord(backup).has_value() && !isWithoutStates(outcome)) {
+            return "lines are missing";
+        }
         return backup.isLoaded ? "the reason is not known" : "ignored";
     }
     return asPrintable(inWords(*backup.reason));
 }
 
-std::string reasonTable(const Backups& shown) {
+std::string reasonTable(const SOutcome& outcome, const Backups& shown) {
+    const std::string_view withoutState = isWithoutStates(outcome) ? "no state" : "state not known";
     std::string text = "Reasons\n";
     for (const SBackupOutcome* const backup : shown) {
         text += fmt::format("  {}\n    {}: {}\n", asPrintable(backup->given.file),
-                            stateWord(*backup).value_or("no state"), reasonFor(*backup));
+                            stateWord(*backup).value_or(withoutState), reasonFor(outcome, *backup));
     }
     return text;
 }
@@ -283,6 +325,10 @@ std::string toList(const char* heading, const std::vector<std::string>& texts) {
 std::string placeOf(const SLoggedCall& call) {
     const SLogPlace& first = call.first;
     const SLogPlace& last = call.last;
+    if (call.isBeginningMissing) {
+        // Lines before `first` may be its, too, but say nothing of it.
+        return fmt::format("{}, up to line {}", asPrintable(last.log), last.line);
+    }
     if (first.logNumber != last.logNumber) {
         return fmt::format("{}, line {}, to {}, line {}", asPrintable(first.log), first.line,
                            asPrintable(last.log), last.line);
@@ -299,7 +345,7 @@ std::string timeOf(const SLoggedCall& call) {
                : fmt::format("Time: {} to {}\n", asPrintable(call.first.time), asPrintable(call.last.time));
 }
 
-// `areAllKnown` is false when lines of the call are missing from the log, so that there may be more backups.
+// `areAllKnown` is false when lines are missing from a log, so that the call may have had more backups.
 std::string outcomeTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
                           bool areAllKnown, std::size_t width, bool colour) {
     const Backups shown = view.shownBackups(outcome);
@@ -309,7 +355,8 @@ std::string outcomeTables(const SOutcome& outcome, const SView& view, const std:
     }
     text += "\n" + backupTable(outcome, shown, areAllKnown, width, colour);
     if (view.withReasons && outcome.account.has_value() && !shown.empty()) {
-        text += "\n" + reasonTable(shown) + (advice.has_value() ? "" : shortageTable(*outcome.account));
+        text +=
+            "\n" + reasonTable(outcome, shown) + (advice.has_value() ? "" : shortageTable(*outcome.account));
     }
     return text;
 }
@@ -326,7 +373,7 @@ std::string toTables(const SLoggedCall& call, const SView& view, std::size_t wid
     return fmt::format("Call {}, {}\n", call.number, placeOf(call)) + timeOf(call) +
            toList("Missing from the log", call.missing) + "\n" +
            (outcome.account.has_value()
-                ? outcomeTables(outcome, view, std::nullopt, call.missing.empty(), width, colour)
+                ? outcomeTables(outcome, view, std::nullopt, call.areBackupsKnown, width, colour)
                 : "Selection: none\n") +
            toList("Messages", messagesInWords(outcome));
 }

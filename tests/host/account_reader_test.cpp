@@ -126,19 +126,19 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
          {"its beginning, with the configuration: give the earlier log too, before this one"}},
         {kBeginning + withoutPrinted + kChecks, {"lines of the configuration"}},
         {kBeginning + withoutTree + kChecks,
-         {"lines before the message with \"fi_process_backups : parsed [kept]\""}},
-        {kBeginning + kLoading + oneCheck + kClaims, {"1 of 2 checks"}},
-        {kBeginning + kLoading + kChecks + oneClaim + kSkip, {"1 of 2 claims"}},
+         {"lines before \"fi_process_backups : parsed [kept]\""}},
+        {kBeginning + kLoading + oneCheck + kClaims, {"1 of 2 lines that say whether a backup agrees with the configuration"}},
+        {kBeginning + kLoading + kChecks + oneClaim + kSkip, {"1 of 2 lines that say whether a backup claimed its targets"}},
         // Without the flag word 4, nobody knows that a backup is excluded.
         {withoutFlagWord + kLoading + kChecks + kClaims + kSkip + kEnd,
-         {"lines that say which backups are excluded, or which were rotated"}},
+         {"the flag word of \"kept\"", "lines that say which backups are excluded, or which were rotated"}},
         {kBeginning + kLoading + kChecks + kClaims + kEnd, {"lines about 1 of 1 excluded backups"}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(readerOf(row.lines).gaps(), row.gaps) << row.gaps.front();
     }
     EXPECT_THAT(readerOf(withoutTarget + kLoading + kChecks).gaps(),
-                ElementsAre("lines before the message with \"2\""));
+                ElementsAre("lines before \"{2,Available}\""));
 }
 
 TEST(HostAccountReader, NamesOnlyTheBeginningWhereThatIsMissing) {
@@ -166,13 +166,13 @@ TEST(HostAccountReader, TakesNoPrintedTargetThatTheParserDidNotRead) {
     const CAccountReader another = readerOf(kBeginning + Lines{heading, "[A:x](Available)", "{7,Available}"});
     ASSERT_THAT(another.account.configurations, SizeIs(1));
     EXPECT_THAT(another.account.configurations[0].targets, IsEmpty());
-    EXPECT_THAT(another.gaps(), ElementsAre("lines before the message with \"7\""));
+    EXPECT_THAT(another.gaps(), ElementsAre("lines before \"{7,Available}\""));
     const CAccountReader anotherFirst = readerOf(kBeginning + Lines{heading, "[A:z](Available)"});
     EXPECT_THAT(anotherFirst.account.configurations, IsEmpty());
-    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines before the message with \"A\""));
+    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines before \"[A:z](Available)\""));
     const CAccountReader withoutFirst = readerOf(kBeginning + Lines{heading, "{1,Available}"});
     EXPECT_THAT(withoutFirst.account.configurations, IsEmpty());
-    EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines before the message with \"1\""));
+    EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines before \"{1,Available}\""));
 }
 
 TEST(HostAccountReader, KnowsAPrintedTargetWhoseDeviceHoldsWhatStandsBehindAnEnclosure) {
@@ -220,15 +220,15 @@ TEST(HostAccountReader, TakesNoLineOfABackupThatWasNotLoaded) {
         const CAccountReader reader = readerOf(kBeginning + kLoading + kChecks + Lines{line});
         EXPECT_THAT(reader.claims, IsEmpty());
         EXPECT_THAT(reader.skipped, IsEmpty());
-        EXPECT_THAT(reader.gaps(), testing::Contains("lines before the message with \"other\"")) << line;
+        EXPECT_THAT(reader.gaps(), testing::Contains("lines before \"" + line + "\"")) << line;
     }
 }
 
-TEST(HostAccountReader, CountsTheLinesThatCannotFollow) {
+TEST(HostAccountReader, NamesTheFirstOfTheLinesThatCannotFollow) {
     const Lines twice{"fi_process_backups : [RESERVE GOOD] other - T: 3",
                       "fi_process_backups : [RESERVE GOOD] another - T: 3"};
     EXPECT_THAT(readerOf(kBeginning + kLoading + kChecks + twice).gaps(),
-                ElementsAre("lines in 2 places, the first before the message with \"other\""));
+                ElementsAre("lines, the first of them before \"" + twice.front() + "\""));
 }
 
 TEST(HostAccountReader, NoticesThatATreeLacksALine) {

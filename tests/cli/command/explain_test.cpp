@@ -125,31 +125,41 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
                      "app: fi_process_backups :  Fiid [a.xml] exclude rotation flag [4] \n");
     const auto result = runFiRotate({"explain", cut});
     EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.output, "Call 1, " + cut +
-                                 ", lines 1 to 4\n"
-                                 "\n"
-                                 "Missing from the log\n"
-                                 "  its end, after line 4\n"
-                                 "\n"
-                                 "Selection: not known\n"
-                                 "\n"
-                                 "Backups\n"
-                                 "  file   time stamp  flags  state\n"
-                                 "  a.xml  -           4      -\n"
-                                 "Total: 1 without a state\n"
-                                 "\n"
-                                 "Reasons\n"
-                                 "  a.xml\n"
-                                 "    no state: the reason is not known\n");
+    EXPECT_EQ(result.output,
+              "Call 1, " + cut +
+                  ", lines 1 to 4\n"
+                  "\n"
+                  "Missing from the log\n"
+                  "  its end, after line 4\n"
+                  "\n"
+                  "Selection: not known\n"
+                  "\n"
+                  "Backups\n"
+                  "  file   time stamp  flags  state\n"
+                  "  a.xml  -           4      not known\n"
+                  "Total: 1 of unknown state; there may be more backups, because lines are missing\n"
+                  "\n"
+                  "Reasons\n"
+                  "  a.xml\n"
+                  "    state not known: lines are missing\n");
 }
 
-TEST_F(FiRotateExplain, SaysThatBackupsAreNotKnownWhereTheLinesThatListThemAreMissing) {
+TEST_F(FiRotateExplain, ListsBackupsByTheirStatesWhereTheLinesThatListThemAreMissing) {
     call("A##x;1", {backup});
     std::string lines = fi_test::contentOf(log);
     lines.erase(0, lines.find("4 fi_process_backups : parsed ["));
     const auto result = runFiRotate({"explain", folder.write("cut", lines)});
     EXPECT_THAT(result.output, HasSubstr("  the flag word of \"" + backup + "\"\n"));
-    EXPECT_THAT(result.output, EndsWith("\nBackups: not known\n"));
+    EXPECT_THAT(
+        result.output,
+        HasSubstr(" rotated\nTotal: 1 rotated; there may be more backups, because lines are missing\n"));
+    EXPECT_THAT(result.output, HasSubstr(", up to line "));
+    const auto json = nlohmann::json::parse(runFiRotate({"explain", "--json", folder.path("cut")}).output);
+    const auto& shown = json["calls"][0]["outcome"]["backups"];
+    ASSERT_EQ(shown.size(), 1U);
+    EXPECT_EQ(shown[0]["state"], "rotated");
+    EXPECT_EQ(shown[0]["flag_word"], nullptr);
+    EXPECT_EQ(shown[0]["excluded"], nullptr);
 }
 
 TEST_F(FiRotateExplain, ReadsSeveralLogsOneAfterTheOther) {

@@ -292,7 +292,7 @@ std::vector<std::string> mixedWithoutBeginnings(std::vector<std::string> one, st
 
 bool saysMixed(const SLoggedCall& logged) {
     return !logged.missing.empty() &&
-           logged.missing[0].find("lines of several are mixed") != std::string::npos;
+           logged.missing[0].find("lines of several calls are mixed") != std::string::npos;
 }
 
 TEST_F(FiRotateLog, SaysFirstThatCallsWithoutABeginningAreMixed) {
@@ -339,7 +339,8 @@ TEST_F(FiRotateLog, ShowsNoStateThatNoneOfTheMixedCallsHas) {
             for (const auto& backup : logged.outcome.backups) {
                 const auto same = [&backup](const auto& known) {
                     return known.given.file == backup.given.file &&
-                           known.given.flagWord == backup.given.flagWord && known.state == backup.state;
+                           (!backup.isFlagWordKnown || known.given.flagWord == backup.given.flagWord) &&
+                           known.state == backup.state;
                 };
                 const bool isTold = backup.state.has_value();
                 EXPECT_TRUE(!isTold || std::any_of(ofOne.backups.begin(), ofOne.backups.end(), same) ||
@@ -519,7 +520,8 @@ TEST_F(FiRotateLogTabs, ThatHideWhatWasReleasedLeaveNoReason) {
 void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
     for (const auto& backup : logged.outcome.backups) {
         const auto same = [&backup](const auto& other) {
-            return other.given.file == backup.given.file && other.given.flagWord == backup.given.flagWord &&
+            return other.given.file == backup.given.file &&
+                   (!backup.isFlagWordKnown || other.given.flagWord == backup.given.flagWord) &&
                    (!backup.state.has_value() || backup.state == other.state) &&
                    (!backup.reason.has_value() || inWords(*backup.reason) == inWords(*other.reason));
         };
@@ -529,6 +531,192 @@ void expectNothingFalse(const SLoggedCall& logged, const SOutcome& outcome) {
     if (logged.outcome.selection.has_value()) {
         EXPECT_EQ(logged.outcome.selection, outcome.selection);
     }
+}
+
+bool hasNameTwice(const SCall& call) {
+    std::set<std::string> names;
+    for (const auto& backup : call.backups) {
+        names.insert(backup.file);
+    }
+    return names.size() != call.backups.size();
+}
+
+// The names in the lines that tell a state. No name in a random call looks like a state.
+std::multiset<std::string> namesWithState(const std::vector<std::string>& lines) {
+    const std::string start = "fi_process_backups : parsed [";
+    std::multiset<std::string> names;
+    for (const std::string& line : lines) {
+        const std::size_t from = line.find(start);
+        const std::size_t end = line.find("] state=[");
+        if (from != std::string::npos && end != std::string::npos) {
+            names.insert(line.substr(from + start.size(), end - from - start.size()));
+        }
+    }
+    return names;
+}
+
+std::multiset<std::string> namesShownWithState(const std::vector<SLoggedCall>& calls) {
+    std::multiset<std::string> names;
+    for (const SLoggedCall& logged : calls) {
+        for (const auto& backup : logged.outcome.backups) {
+            if (backup.state.has_value()) {
+                names.insert(backup.given.file);
+            }
+        }
+    }
+    return names;
+}
+
+TEST_F(FiRotateLog, ListsEachBackupWhoseStateItHasWhereverItIsCut) {
+    constexpr unsigned kCutCalls = 12;
+    for (unsigned seed = 0; seed < kCutCalls; ++seed) {
+        std::vector<std::string> lines;
+        const SCall call = CRandomCall(seed, folder).make();
+        const SOutcome outcome = traced(call, lines);
+        if (hasNameTwice(call)) {
+            continue;
+        }
+        const auto expectTrue = [&outcome](const std::vector<std::string>& part) {
+            const auto calls = callsOf(part);
+            EXPECT_LE(calls.size(), 1U);
+            EXPECT_EQ(namesShownWithState(calls), namesWithState(part));
+            for (const SLoggedCall& logged : calls) {
+                expectNothingFalse(logged, outcome);
+            }
+        };
+        for (auto cut = lines.begin(); cut != lines.end(); ++cut) {
+            SCOPED_TRACE(std::to_string(seed) + ", cut before " + *cut);
+            expectTrue({cut, lines.end()});
+            expectTrue({lines.begin(), cut});
+        }
+    }
+}
+
+TEST_F(FiRotateLog, TakesADocumentWhoseNameEndsLikeAStateForNoState) {
+    std::vector<std::string> lines;
+    SCall call = rotation();
+    call.backups[0].file = folder.write("old] state=[1", document("1", {{"A##x", "A##1"}}));
+    const SOutcome outcome = traced(call, lines);
+    for (auto cut = lines.begin(); cut != lines.end(); ++cut) {
+        SCOPED_TRACE(*cut);
+        for (const SLoggedCall& logged : callsOf({cut, lines.end()})) {
+            expectNothingFalse(logged, outcome);
+        }
+    }
+}
+
+TEST_F(FiRotateLog, ListsTheStatesOfALogThatBeginsBehindTheSelection) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    lines.erase(lines.begin(), lines.begin() + lineOfState("lost", lines));
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_TRUE(calls[0].isBeginningMissing);
+    EXPECT_FALSE(calls[0].areBackupsKnown);
+    EXPECT_THAT(
+        calls[0].missing,
+        ElementsAre("its beginning, with the configuration: give the earlier log too, before this one",
+                    "the flag words of 2 backups"));
+    const auto& backups = calls[0].outcome.backups;
+    ASSERT_EQ(backups.size(), 2U);
+    EXPECT_EQ(backups[0].given.file, folder.path("lost"));
+    EXPECT_EQ(backups[0].state, FI_BACKUP_INVALID);
+    EXPECT_EQ(backups[1].given.file, folder.path("new"));
+    EXPECT_EQ(backups[1].state, FI_BACKUP_KEPT);
+}
+
+// The states may be those of another call, but they are no documents.
+TEST_F(FiRotateLog, ShowsNoStateThatFollowsOnNoSelection) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto isSelection = [](const std::string& line) {
+        return line.find("resource_config_string [") != std::string::npos;
+    };
+    lines.erase(std::find_if(lines.begin(), lines.end(), isSelection));
+    const auto oldest = lines[static_cast<std::size_t>(lineOfState("old", lines))].substr(2);
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing,
+                ElementsAre("lines before \"" + oldest + "\"", "the line with the selection"));
+    EXPECT_THAT(calls[0].outcome.backups, testing::SizeIs(3));
+    for (const auto& backup : calls[0].outcome.backups) {
+        EXPECT_FALSE(backup.state.has_value());
+        EXPECT_FALSE(backup.reason.has_value());
+    }
+}
+
+TEST_F(FiRotateLog, GivesNoReasonWhereABackupOfALaterCallSeemsToBeOfThisOne) {
+    std::vector<std::string> lines;
+    SCall call = rotation();
+    traced(call, lines);
+    call.backups[0].file = folder.write("newer", document("4", {{"A##x", "A##2"}}));
+    std::vector<std::string> later;
+    traced(call, later);
+    const auto isParsed = [](const std::string& line) {
+        return line.find("fi_process_backups : parsed [") != std::string::npos;
+    };
+    // The first call breaks off before it loads documents, and the later one begins there.
+    lines.erase(std::find_if(lines.begin(), lines.end(), isParsed), lines.end());
+    lines.insert(lines.end(), std::find_if(later.begin(), later.end(), isParsed), later.end());
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing, ElementsAre("the flag word of \"" + call.backups[0].file + "\""));
+    EXPECT_THAT(calls[0].outcome.backups, testing::SizeIs(4));
+    for (const auto& backup : calls[0].outcome.backups) {
+        EXPECT_FALSE(backup.reason.has_value());
+        EXPECT_TRUE(backup.isLoaded);
+    }
+}
+
+TEST_F(FiRotateLog, ListsNoBackupByItsStateAloneWhereThePrefixesOfTheStatesDiffer) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    lines.erase(lines.begin(), lines.begin() + lineOfState("old", lines));
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        lines[i] = "host[" + std::to_string(i) + "]: " + lines[i];
+    }
+    for (const SLoggedCall& logged : callsOf(lines)) {
+        EXPECT_THAT(logged.outcome.backups, IsEmpty());
+        EXPECT_FALSE(logged.missing.empty());
+    }
+}
+
+TEST_F(FiRotateLog, DoesNotAddTheStatesOfALaterCallToAWholeOne) {
+    std::vector<std::string> lines;
+    const SOutcome outcome = traced(rotation(), lines);
+    std::vector<std::string> later;
+    SCall call = rotation();
+    call.backups[2].file = folder.write("newer", document("4", {{"A##x", "A##2"}}));
+    traced(call, later);
+    lines.insert(lines.end(), later.begin() + lineOfState("newer", later), later.end());
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_EQ(told(calls[0].outcome), told(outcome));
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+    ASSERT_EQ(calls[1].outcome.backups.size(), 1U);
+    EXPECT_EQ(calls[1].outcome.backups[0].given.file, folder.path("newer"));
+}
+
+TEST_F(FiRotateLog, SaysWhichLevelOfTheLibraryIsNotLogged) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    std::vector<std::string> failures;
+    std::vector<std::string> progress;
+    for (const std::string& line : lines) {
+        (line[0] == '3' ? failures : progress).push_back(line);
+    }
+    const auto ofFailures = callsOf(failures);
+    ASSERT_EQ(ofFailures.size(), 1U);
+    EXPECT_THAT(
+        ofFailures[0].missing,
+        ElementsAre("its messages of level 4, only those of level 3 were found: set the product's log to "
+                    "levels 3 and 4"));
+    const auto ofProgress = callsOf(progress);
+    ASSERT_EQ(ofProgress.size(), 1U);
+    EXPECT_THAT(
+        ofProgress[0].missing,
+        ElementsAre("the flag words, and all other messages of level 3: set the product's log to levels "
+                    "3 and 4"));
 }
 
 TEST_F(FiRotateLog, SaysNothingFalseAboutACallThatBreaksOff) {

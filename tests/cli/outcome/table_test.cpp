@@ -102,21 +102,39 @@ TEST(FiRotateTable, SaysOfHiddenBackupsWithoutAStateThatTheyAreNotInOthers) {
     SBackupOutcome unknown = backup("a.xml", "", 0, 0);
     unknown.state.reset();
     outcome.backups = {unknown, unknown};
-    EXPECT_EQ(shown(outcome), "Selection: not known\n\nBackups: the states of 2 are not known\n");
+    EXPECT_EQ(shown(outcome),
+              "Selection: not known\n\nBackups: the states of 2 are not known; there may be more backups, "
+              "because lines are missing\n");
     outcome.backups.push_back(backup("b.xml", "", 0, FI_BACKUP_KEPT));
-    EXPECT_EQ(
-        shown(outcome),
-        "Selection: not known\n\nBackups: none in these states, 1 in other states, 2 without a state\n");
+    EXPECT_EQ(shown(outcome),
+              "Selection: not known\n\nBackups: the states of 2 are not known, 1 in other states; there may "
+              "be more backups, because lines are missing\n");
     outcome.backups.push_back(backup("c.xml", "", 0, FI_BACKUP_ROTATED));
     EXPECT_EQ(shown(outcome),
               "Selection: not known\n\nBackups\n"
               "  file   time stamp  flags  state\n"
               "  c.xml  -           0      rotated\n"
-              "  (1 in other states, 2 without a state)\n"
-              "Total: 1 kept, 1 rotated, 2 without a state\n");
+              "  (1 in other states, 2 of unknown state)\n"
+              "Total: 1 kept, 1 rotated, 2 of unknown state; there may be more backups, because lines are "
+              "missing\n");
     outcome.status = FI_STATUS_FAILURE;
     outcome.backups = {unknown};
     EXPECT_EQ(shown(outcome), "Selection: none\n\nBackups: none in these states, 1 without a state\n");
+}
+
+TEST(FiRotateTable, SaysOfABackupWithoutItsFlagWordWhatIsNotKnown) {
+    SOutcome outcome;
+    outcome.status = FI_STATUS_SUCCESS;
+    SBackupOutcome told = backup("a.xml", "", 0, FI_BACKUP_ROTATED);
+    told.isFlagWordKnown = false;
+    SBackupOutcome untold = backup("b.xml", "1", 0, 0);
+    untold.state.reset();
+    outcome.backups = {told, untold};
+    EXPECT_THAT(fi_rotate::toTables(outcome, SView(), std::nullopt, kAnyWidth, false),
+                testing::EndsWith("  file   time stamp  flags      state\n"
+                                  "  a.xml  not known   not known  rotated\n"
+                                  "  b.xml  1           0          not known\n"
+                                  "Total: 1 rotated, 1 of unknown state\n"));
 }
 
 TEST(FiRotateTable, ShowsTheSelectionAsOneTextWhenItCannotBeSplit) {
