@@ -96,7 +96,8 @@ typedef enum fi_rotation_problem {
     FI_ROTATION_CONFIGURATION_REJECTED = 1,
     /* The document cannot be opened. Permitted: it and all documents after it are ignored. */
     FI_ROTATION_CANNOT_OPEN = 2,
-    /* It is a folder, a pipe or a device. Permitted: a folder counts as empty, a pipe is waited for. */
+    /* It is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is not
+     * well-formed and has no Node; a pipe is waited for. */
     FI_ROTATION_NOT_A_FILE = 4,
     /* It cannot be read to its end. Permitted: what could be read is used. */
     FI_ROTATION_READ_ERROR = 8,
@@ -105,8 +106,9 @@ typedef enum fi_rotation_problem {
     FI_ROTATION_TOO_LARGE = 16,
     /* It holds a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is ignored. */
     FI_ROTATION_NUL_BYTE = 32,
-    /* It was listed before, under this name or another. Permitted: where entries have the same name, the last
-     * of them says whether all are excluded. */
+    /* It was listed before, under this name or another. Permitted: it counts twice. Where entries have the
+     * same name, the last of them says whether all are excluded; under another name, each counts for itself,
+     * and one of the two becomes invalid if it holds a target. */
     FI_ROTATION_LISTED_TWICE = 64,
     /* It is not well-formed XML, or is beyond a limit of reading (SECURITY.md). Permitted: what was read
      * before that place is used. If that is nothing, as before some of the limits, it has no Node either. */

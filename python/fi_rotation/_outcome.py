@@ -7,84 +7,91 @@ from dataclasses import dataclass
 class OutcomeKind(enum.IntEnum):
     """The kind of outcome that a call of rotate() has.
 
+    SELECTED: Every configuration has a free target: rotate() returns the selection.
+    NO_FREE_TARGET: rotate() raises NoFreeTarget.
+    TOO_FEW_BACKUPS: rotate() raises TooFewBackups.
+    REFUSED: rotate() raises Refused.
+    OUT_OF_MEMORY: rotate() raises MemoryError: call it again later.
+    TRACE_FAILED: Not seen in Python: rotate() raises what the trace function raised.
+    MISUSED: rotate() raises RuntimeError: the trace function called rotate() again.
+    FAILED: rotate() raises RuntimeError: the XML library could not be set up, or the process was forked while
+        another thread was in rotate().
+
     >>> OutcomeKind.REFUSED
     <OutcomeKind.REFUSED: 3>
     """
 
-    # Every configuration has a free target: rotate() returns the selection.
     SELECTED = 0
-    # rotate() raises NoFreeTarget, TooFewBackups or Refused.
     NO_FREE_TARGET = 1
     TOO_FEW_BACKUPS = 2
     REFUSED = 3
-    # rotate() raises MemoryError: call it again later.
     OUT_OF_MEMORY = 4
-    # Not seen in Python: rotate() raises what the trace function raised.
     TRACE_FAILED = 5
-    # rotate() raises RuntimeError: the trace function called rotate() again.
     MISUSED = 6
-    # rotate() raises RuntimeError: the XML library could not be set up, or the process was forked while another thread
-    # was in rotate().
     FAILED = 7
 
 
 class ProblemKind(enum.IntFlag):
     """What can be wrong with an input. rotate() raises Refused for a problem that is not permitted.
 
-    The comment at each kind says what is wrong, and what happens when the kind is permitted.
+    CONFIGURATION_REJECTED: A configuration is malformed, or there is none. Permitted: those before the malformed
+        one are used.
+    CANNOT_OPEN: The document cannot be opened. Permitted: it and all documents after it are ignored.
+    NOT_A_FILE: The document is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is
+        NOT_WELL_FORMED and NO_NODE, too; a pipe or a device is read until it ends.
+    READ_ERROR: The document cannot be read to its end. Permitted: the part that was read is used.
+    TOO_LARGE: The document has more bytes than limit_document allows. Permitted: it is read. Beyond 128 MiB it is
+        NOT_WELL_FORMED, too, and has no Node.
+    NUL_BYTE: The document contains a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is not
+        used.
+    LISTED_TWICE: The document is listed a second time, under this name or another. Permitted: it counts twice.
+        Where entries have the same name, the last of them says whether all are excluded; under another name, each
+        entry counts for itself, and one of the two becomes invalid if it holds a target.
+    NOT_WELL_FORMED: The document is not well-formed XML, or exceeds a limit of reading. Permitted: what was read
+        before that place is used. If that is nothing, as before some of the limits, it has no Node either.
+    NO_NODE: The document has no Node. Permitted: it is ignored, and its targets look free.
+    SEVERAL_ROOTS: The document has several Nodes that are not inside another one. Permitted: only the last one
+        counts.
+    CHANGED: The document changed, or was replaced, during the call. Permitted: what was read is used.
+    MALFORMED_IDENTIFIER: An identifier in the document is malformed. This cannot be permitted.
 
     >>> permitted = ProblemKind.NO_NODE | ProblemKind.SEVERAL_ROOTS
     >>> ProblemKind.NO_NODE in permitted
     True
     """
 
-    # A configuration is malformed, or there is none. Permitted: those before the malformed one are used.
     CONFIGURATION_REJECTED = 1
-    # The document cannot be opened. Permitted: it and all documents after it are ignored.
     CANNOT_OPEN = 2
-    # The document is a folder, a pipe or a device. Permitted: a folder is read as an empty document, a pipe or a device
-    # until it ends.
     NOT_A_FILE = 4
-    # The document cannot be read to its end. Permitted: the part that was read is used.
     READ_ERROR = 8
-    # The document has more bytes than limit_document allows. Permitted: it is read. Beyond
-    # 128 MiB it is NOT_WELL_FORMED, too, and has no Node.
     TOO_LARGE = 16
-    # The document contains a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is not used.
     NUL_BYTE = 32
-    # The document is listed a second time, under this name or another. Permitted: it counts twice, and is excluded if
-    # its last entry is.
     LISTED_TWICE = 64
-    # The document is not well-formed XML, or exceeds a limit of reading. Permitted: what was read before that place is
-    # used. If that is nothing, as before some of the limits, it has no Node either.
     NOT_WELL_FORMED = 128
-    # The document has no Node. Permitted: it is ignored, and its targets look free.
     NO_NODE = 256
-    # The document has several Nodes that are not inside another one. Permitted: only the last one counts.
     SEVERAL_ROOTS = 512
-    # The document changed, or was replaced, during the call. Permitted: what was read is used.
     CHANGED = 1024
-    # An identifier in the document is malformed. This cannot be permitted.
     MALFORMED_IDENTIFIER = 2048
 
 
 class State(enum.IntEnum):
     """The state of an earlier backup after the call.
 
+    NO_STATE: The backup has no state, because there is no selection or its document was ignored.
+    KEPT: The backup agrees with the configuration and keeps its targets.
+    INVALID: The backup does not agree with the configuration, and claims nothing: all its targets may be chosen,
+        even if it is excluded. Or one of its targets is held already: by a newer backup, by one with the same time
+        stamp, or by another pair of this backup. Then its other targets stay used until its document is removed. It
+        is never released: a person must correct the configuration, or delete the backup and its document.
+    ROTATED: The targets of the backup were released for the new backup.
+
     >>> State.ROTATED.name.lower()
     'rotated'
     """
 
-    # The backup has no state, because there is no selection or its document was ignored.
     NO_STATE = -1
-    # The backup agrees with the configuration and keeps its targets.
     KEPT = 0
-    # The backup does not agree with the configuration, and claims nothing: all its targets may be chosen, even if it is
-    # excluded. Or one of its targets is held already: by a newer backup, by one with the same time stamp, or by another
-    # pair of this backup. Then its other targets stay used until its document is removed. It is never released: a
-    # person must correct the configuration, or delete the backup and its document.
     INVALID = 1
-    # The targets of the backup were released for the new backup.
     ROTATED = 2
 
 
@@ -92,24 +99,25 @@ class State(enum.IntEnum):
 class Backup:
     """An earlier backup and what the call made of it.
 
+    file: The name of its document, decoded by os.fsdecode; os.fsencode gives the same bytes again.
+    problems: The problems of its document, including permitted ones.
+    time_stamp: The text of its document's timeStamp; None when it does not agree with the configuration.
+    targets: The targets that it held before backups were released, each ENCLOSURE##DEVICE. Empty when it is
+        invalid, although some may stay used.
+    reason: Why it is in its state, as a word for programs: "newest_holder", "holds_nothing", "excluded",
+        "rotation_stopped", "needed", "in_vain", "unknown_target", "unknown_configuration", "held_already". None
+        when there is no state and no reason is known.
+    reason_text: The same for people, as a sentence without a full stop.
+
     >>> Backup(file="monday.xml").state
     <State.NO_STATE: -1>
     """
 
-    # The name of its document, decoded by os.fsdecode; os.fsencode gives the same bytes again.
     file: str
     state: State = State.NO_STATE
-    # The problems of its document, including permitted ones.
     problems: ProblemKind = ProblemKind(0)
-    # The text of its document's timeStamp; None when it does not agree with the configuration.
     time_stamp: str | None = None
-    # The targets that it held before backups were released, each ENCLOSURE##DEVICE. Empty when it is invalid,
-    # although some may stay used.
     targets: tuple[str, ...] = ()
-    # Why it is in its state; None when there is no state and no reason is known. `reason` is a word for programs:
-    # "newest_holder", "holds_nothing", "excluded", "rotation_stopped", "needed", "in_vain",
-    # "unknown_target", "unknown_configuration", "held_already". `reason_text` says the same to people, as a sentence
-    # without a full stop.
     reason: str | None = None
     reason_text: str | None = None
 
@@ -118,15 +126,16 @@ class Backup:
 class Problem:
     """A mistake in an input, permitted or not.
 
+    backup: The backup whose document it is in; None when it is in the configuration.
+    text: A text for people with the file and, where it is known, the line and column.
+
     >>> problem = Problem(ProblemKind.CANNOT_OPEN, Backup("monday.xml"), "monday.xml: cannot be opened")
     >>> problem.backup.file
     'monday.xml'
     """
 
     kind: ProblemKind
-    # The backup whose document it is in; None when it is in the configuration.
     backup: Backup | None
-    # A text for people with the file and, where it is known, the line and column.
     text: str
 
 
@@ -134,13 +143,14 @@ class Problem:
 class Target:
     """A target for the snapshots of a configuration, and the backup that holds it after the rotation.
 
+    name: ENCLOSURE##DEVICE.
+    holder: It may be an invalid one. None when the target is free.
+
     >>> Target("encA##snap1", holder=Backup("monday.xml")).holder.file
     'monday.xml'
     """
 
-    # ENCLOSURE##DEVICE.
     name: str
-    # It may be an invalid one. None when the target is free.
     holder: Backup | None
 
 
@@ -148,15 +158,16 @@ class Target:
 class Configuration:
     """A configuration: the device that is backed up and the targets for its snapshots.
 
+    first: The device that is backed up, ENCLOSURE##DEVICE.
+    chosen: The target to use; None without a selection.
+    kept: How many kept backups hold a target of this configuration after the rotation.
+
     >>> Configuration("encA##lun1", chosen="encA##snap1", kept=0, targets=(Target("encA##snap1", None),)).chosen
     'encA##snap1'
     """
 
-    # The device that is backed up, ENCLOSURE##DEVICE.
     first: str
-    # The target to use; None without a selection.
     chosen: str | None
-    # How many kept backups hold a target of this configuration after the rotation.
     kept: int
     targets: tuple[Target, ...]
 
@@ -164,6 +175,11 @@ class Configuration:
 @dataclass(frozen=True)
 class Outcome:
     """The outcome of a rotation, with or without a selection.
+
+    message: What happened, in words for people: one sentence, or several lines with a sentence each.
+    problems: All problems that were found, including permitted ones.
+    configurations: The configurations in the order given; empty when the kind is REFUSED, because they are not
+        known then.
 
     >>> import fi_rotation
     >>> try:
@@ -174,11 +190,8 @@ class Outcome:
     """
 
     kind: OutcomeKind
-    # What happened, in words for people: one sentence, or several lines with a sentence each.
     message: str
-    # All problems that were found, including permitted ones.
     problems: tuple[Problem, ...]
-    # The configurations in the order given; empty when the kind is REFUSED, because they are not known then.
     configurations: tuple[Configuration, ...]
     backups: tuple[Backup, ...]
 
@@ -186,6 +199,8 @@ class Outcome:
 @dataclass(frozen=True)
 class Selected(Outcome):
     """The outcome of a rotation that found a free target for every configuration.
+
+    selection: "[FIRST;CHOSEN]" for each configuration in order, with nothing in between.
 
     >>> import fi_rotation
     >>> outcome = fi_rotation.rotate("encA##lun1;encA##snap1;snap2", [], allow_no_backups=True)
@@ -195,7 +210,6 @@ class Selected(Outcome):
     ['encA##snap1']
     """
 
-    # "[FIRST;CHOSEN]" for each configuration in order, with nothing in between.
     selection: str
 
 
