@@ -14,6 +14,7 @@
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "host/configuration_text.h"
 #include "host/document_file.h"
 #include "host/process_lock.h"
 #include "host/trace_text.h"
@@ -40,6 +41,7 @@ public:
         : call(inputs), wishes(wished), safety(asked) {}
 
     SDecision decide() {
+        inspectConfiguration();
         inspectDocuments();
         run();
         findProblems();
@@ -64,6 +66,20 @@ private:
     [[nodiscard]] bool isRefused() const {
         return std::any_of(decision.problems.begin(), decision.problems.end(),
                            [this](const SProblem& problem) { return !isPermitted(problem.kind); });
+    }
+
+    void inspectConfiguration() {
+        const auto enclosure = findLongEnclosure(call.configuration);
+        if (!enclosure.has_value()) {
+            return;
+        }
+        constexpr std::size_t kShown = 32;
+        add(FI_ROTATION_CONFIGURATION_REJECTED, std::nullopt,
+            fmt::format(
+                "an enclosure of the configuration has {} bytes and may have {}: it begins with \"{}\"",
+                enclosure->length, kLongestEnclosure,
+                std::string_view(call.configuration).substr(enclosure->offset, kShown)));
+        isConfigurationUsable = isPermitted(FI_ROTATION_CONFIGURATION_REJECTED);
     }
 
     void inspectDocuments() {
@@ -96,12 +112,12 @@ private:
     SCall usableCall() {
         std::set<std::size_t> unusable;
         for (const SProblem& problem : decision.problems) {
-            if (!isPermitted(problem.kind)) {
+            if (problem.backup.has_value() && !isPermitted(problem.kind)) {
                 unusable.insert(*problem.backup);
             }
         }
         SCall usable;
-        usable.configuration = call.configuration;
+        usable.configuration = isConfigurationUsable ? call.configuration : "";
         for (std::size_t i = 0; i < call.backups.size(); ++i) {
             if (unusable.count(i) == 0) {
                 usable.backups.push_back(call.backups[i]);
@@ -185,6 +201,9 @@ private:
     }
 
     void findRejection(const std::string& message) {
+        if (!isConfigurationUsable) {
+            return;
+        }
         for (const SRejection& rejection : kRejections) {
             if (const auto arguments = argumentsOf(rejection.kind, message)) {
                 add(FI_ROTATION_CONFIGURATION_REJECTED, std::nullopt,
@@ -353,6 +372,8 @@ private:
     const SCall& call;
     const SWishes& wishes;
     const SSafety& safety;
+    // False when the cost of reading it has no limit. An empty one is then read in its place.
+    bool isConfigurationUsable = true;
     // By index in the call.
     std::vector<std::optional<CFiFileState>> fileStates;
     // Of the backups that the library was handed, their indices in the call.

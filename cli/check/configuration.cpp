@@ -12,6 +12,7 @@
 #include "cli/base/text.h"
 #include "cli/check/document_text.h"
 #include "cli/check/meant_configuration.h"
+#include "host/configuration_text.h"
 
 namespace fi_rotate {
 namespace {
@@ -46,10 +47,14 @@ std::string range(std::size_t first, std::size_t last) {
 class CConfigurationCheck {
 public:
     CConfigurationCheck(const std::string& whole, const CConfigurationText& given, CFindings& receiver)
-        : bytes(whole), text(given), reading(parseConfigurations(given)), findings(receiver) {}
+        : bytes(whole), text(given), findings(receiver) {}
 
     SConfigurations run() {
         checkBytes();
+        if (const auto enclosure = findLongEnclosure(bytes)) {
+            return withoutConfigurations(*enclosure);
+        }
+        reading = parseConfigurations(text);
         checkReading();
         const std::vector<SConfiguration>& used = reading.used;
         for (std::size_t i = 0; i < used.size(); ++i) {
@@ -95,6 +100,15 @@ private:
             report(EHazard::kNulByte, nul, "a NUL byte ends the configuration here", cut);
             cut = cut.value_or(EHazard::kNulByte);
         }
+    }
+
+    // Reading them could take more memory than there is.
+    SConfigurations withoutConfigurations(const SLongEnclosure& enclosure) {
+        report(EHazard::kLongEnclosure, enclosure.offset,
+               fmt::format("an enclosure has {} bytes and may have {}; the configuration is not checked",
+                           enclosure.length, kLongestEnclosure));
+        unread.setCauseOfAll(EHazard::kLongEnclosure);
+        return {{}, std::move(unread)};
     }
 
     // The last configuration can be wrong only because the text is cut off there.

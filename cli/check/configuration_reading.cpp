@@ -1,31 +1,13 @@
 #include "cli/check/configuration_reading.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "cli/base/text.h"
+#include "host/configuration_text.h"
 
 namespace fi_rotate {
 namespace {
-
-struct SReference {
-    std::string_view text;
-    char meaning;
-};
-// None of them can overlap another, and no meaning makes a new one but '&', which the library decodes last.
-// So one pass over the text decodes like its five.
-constexpr SReference kReferences[] = {
-    {"&#39;", '\''}, {"&quot;", '"'}, {"&gt;", '>'}, {"&lt;", '<'}, {"&amp;", '&'},
-};
-
-const SReference* referenceAt(std::string_view text) {
-    const auto* const found =
-        std::find_if(std::begin(kReferences), std::end(kReferences), [text](const SReference& reference) {
-            return text.substr(0, reference.text.size()) == reference.text;
-        });
-    return found == std::end(kReferences) ? nullptr : found;
-}
 
 // Reads one target. `carried` is the enclosure of the target before it.
 SConfiguredTarget parseTarget(const SPiece& piece, const std::string& carried) {

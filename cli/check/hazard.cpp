@@ -58,6 +58,12 @@ the next configuration.)"},
 targets, so the text on both sides of the comma is one target. A backup that holds
 one of the two is invalid, and its targets count as free. Write a semicolon instead
 of the comma if the target is not really called so.)"},
+    {EHazard::kLongEnclosure, "long-enclosure", ESeverity::kError, EMender::kAdministrator,
+     R"(The name of an enclosure has more than 256 bytes. Every target without an enclosure
+of its own gets a copy of it, so such a configuration can take more memory than
+there is. A product that uses the host library decides nothing; the bare function
+uses the name. The check reads nothing of the configuration. A separator was probably
+lost: write the name as the array has it.)"},
     {EHazard::kByteOrderMark, "byte-order-mark", ESeverity::kError, EMender::kAdministrator,
      R"(The configuration begins with the byte-order mark of UTF-8, the bytes EF BB BF,
 which some editors write before a text. It becomes part of the name of the first

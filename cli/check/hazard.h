@@ -18,6 +18,7 @@ enum class EHazard {
     kDeviceConfiguredTwice,
     kBlankInTarget,
     kCommaInTarget,
+    kLongEnclosure,
     kByteOrderMark,
     // The files of documents.
     kCannotOpen,

@@ -154,6 +154,15 @@ TEST_F(CHostLibraryPermit, ConfigurationsBeforeTheMalformedOneAreUsed) {
     expectDecision(none.get(), FI_ROTATION_CONFIGURATION_REJECTED, "");
 }
 
+TEST_F(CHostLibraryPermit, ALongEnclosureIsUsedAsItIs) {
+    const std::string enclosure(257, 'e');
+    const HostCall call = newCall(enclosure + "##lun1;snap1");
+    expectDecision(call.get(), FI_ROTATION_CONFIGURATION_REJECTED,
+                   "[" + enclosure + "##lun1;" + enclosure + "##snap1]");
+    const HostCall longest = newCall(enclosure.substr(1) + "##lun1;snap1");
+    EXPECT_EQ(fi_rotation_call_run(longest.get()), FI_ROTATION_SELECTED);
+}
+
 TEST_F(CHostLibraryPermit, AMalformedIdentifierIsRefusedNevertheless) {
     const HostCall call = newCall(kConfiguration, {write("a.xml", "<Node><objid>UDID##v</objid></Node>")});
     fi_rotation_call_permit(call.get(), 0xFFFFFFFFU);

@@ -283,6 +283,24 @@ TEST_F(CHostLibraryProblem, OfARejectedConfigurationIsNamedWhateverItHolds) {
     }
 }
 
+// Each of the other targets gets a copy of it.
+TEST_F(CHostLibraryProblem, OfALongEnclosureIsNamedBeforeItCostsMemory) {
+    std::string configuration = std::string(500000, 'e') + "##lun1";
+    for (int i = 0; i < 250000; ++i) {
+        configuration += ";s";
+    }
+    const HostCall call = newCall(configuration);
+    expectRefused(call.get(), {{FI_ROTATION_CONFIGURATION_REJECTED, -1}});
+    EXPECT_EQ(fi_rotation_call_message(call.get()),
+              "an enclosure of the configuration has 500000 bytes and may have 256: it begins with \"" +
+                  std::string(32, 'e') + "\"");
+}
+
+TEST_F(CHostLibraryProblem, OfADocumentIsNamedBesideALongEnclosure) {
+    const HostCall call = newCall(std::string(257, 'e') + "##lun1;snap1", {folder.path("gone.xml")});
+    expectRefused(call.get(), {{FI_ROTATION_CONFIGURATION_REJECTED, -1}, {FI_ROTATION_CANNOT_OPEN, 0}});
+}
+
 TEST_F(CHostLibraryProblem, OfAnEmptyConfigurationSaysThatThereIsNone) {
     const HostCall call(fi_rotation_call_new(nullptr));
     expectRefused(call.get(), {{FI_ROTATION_CONFIGURATION_REJECTED, -1}});

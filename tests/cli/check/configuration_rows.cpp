@@ -128,6 +128,12 @@ std::vector<SCheckRow> configurationRows() {
           "comma "
           "[comma-in-target]"},
          of("encA##lun1;snap1;snap2")},
+        {"an enclosure of more than 256 bytes",
+         EHazard::kLongEnclosure,
+         of("encA##lun1;snap1&" + std::string(257, 'e') + "##lun2;snap2"),
+         {"config:1:18: error: an enclosure has 257 bytes and may have 256; the configuration is not checked "
+          "[long-enclosure]"},
+         of("encA##lun1;snap1&" + std::string(256, 'e') + "##lun2;snap2")},
         {"places count characters, and references by what was given",
          EHazard::kBlankInTarget,
          of("\xC3\xA4&lt;##lun1;snap1; snap2"),
