@@ -31,25 +31,30 @@ bool isWordCharacter(char character) {
 
 }  // namespace
 
-std::optional<SReplacedTabs> replacedTabs(std::string_view text) {
+CReplacedTabs::CReplacedTabs(std::string_view text) : line(text) {
+    for (std::size_t i = 1; i < line.size(); ++i) {
+        if (line[i] == ' ' && isOfTopNode(line.substr(i))) {
+            nodes.push_back(i);
+        }
+    }
+}
+
+std::optional<SReplacedTabs> CReplacedTabs::at(std::size_t begin) const {
+    const auto node = std::upper_bound(nodes.begin(), nodes.end(), begin);
+    if (node == nodes.end()) {
+        return std::nullopt;
+    }
     constexpr std::array<std::string_view, 7> kEscapes{"#011", R"(\t)",     R"(\011)", R"(\x09)",
                                                        "^I",   R"(\u0009)", "<09>"};
     for (const std::string_view escape : kEscapes) {
-        const std::size_t length = lengthOfAll(escape, text);
-        if (length != 0 && isOfTopNode(text.substr(length))) {
+        const std::size_t length = lengthOfAll(escape, line.substr(begin));
+        if (length != 0 && std::binary_search(node, nodes.end(), begin + length)) {
             return SReplacedTabs{length, true};
         }
     }
-    const auto* const word = std::find_if(text.begin(), text.end(), isWordCharacter);
-    const auto marks = static_cast<std::size_t>(word - text.begin());
-    for (std::size_t length = 1; length < marks; ++length) {
-        // The text of a Node begins with one blank. Comparing only there keeps long runs of blanks cheap.
-        const bool isLastBlank = text[length] == ' ' && text.substr(length + 1, 1) != " ";
-        if (isLastBlank && isOfTopNode(text.substr(length))) {
-            return SReplacedTabs{length, false};
-        }
-    }
-    return std::nullopt;
+    const std::string_view marks = line.substr(begin, *node - begin);
+    const bool hasWord = std::any_of(marks.begin(), marks.end(), isWordCharacter);
+    return hasWord ? std::nullopt : std::optional<SReplacedTabs>({marks.size(), false});
 }
 
 }  // namespace fi_rotate

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace fi_rotate {
 
@@ -15,7 +16,19 @@ struct SReplacedTabs {
     bool isCertain = false;
 };
 
-// Nothing when `text` is no line of a tree whose tabs were replaced.
-std::optional<SReplacedTabs> replacedTabs(std::string_view text);
+// Finds them in one line.
+class CReplacedTabs {
+public:
+    // `text` is borrowed.
+    explicit CReplacedTabs(std::string_view text);
+
+    // Those that begin at `begin`; nothing when no line of a tree whose tabs were replaced begins there.
+    [[nodiscard]] std::optional<SReplacedTabs> at(std::size_t begin) const;
+
+private:
+    std::string_view line;
+    // Where the text of a top-level Node may begin, in order.
+    std::vector<std::size_t> nodes;
+};
 
 }  // namespace fi_rotate

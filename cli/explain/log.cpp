@@ -135,8 +135,9 @@ std::optional<SFound> findUnnamed(const CWriters& writers, std::size_t log, std:
 
 // A line of a tree, which begins with what a logger put in place of tabs.
 std::optional<SFound> findAltered(const CWriters& writers, std::size_t log, std::string_view line) {
+    const CReplacedTabs replaced(line);
     for (std::size_t end = 0; end < std::min(line.size(), writers.longestPrefix() + kGrowth); ++end) {
-        const auto tabs = replacedTabs(line.substr(end));
+        const auto tabs = replaced.at(end);
         if (!tabs.has_value()) {
             continue;
         }
