@@ -120,7 +120,8 @@ typedef enum fi_rotation_problem {
     FI_ROTATION_SEVERAL_ROOTS = 512,
     /* It changed, or was replaced, while the call ran. Permitted: what was read is used. */
     FI_ROTATION_CHANGED = 1024,
-    /* It holds a malformed identifier. This cannot be permitted. */
+    /* It holds a malformed identifier. This cannot be permitted. Pairs after the first that matches nothing
+     * are not looked at: such a backup is invalid. */
     FI_ROTATION_MALFORMED_IDENTIFIER = 2048
 } fi_rotation_problem;
 
@@ -266,8 +267,8 @@ FI_ROTATION_API const char* fi_rotation_call_backup_file(const fi_rotation_call*
 /* The problems of its document, a sum of values of fi_rotation_problem; 0 when it was read whole. */
 FI_ROTATION_API uint32_t fi_rotation_call_backup_problems(const fi_rotation_call* call, int32_t backup);
 FI_ROTATION_API fi_rotation_state fi_rotation_call_backup_state(const fi_rotation_call* call, int32_t backup);
-/* The time stamp of its document; null when it is not known, as for a backup that does not agree with the
- * configuration. */
+/* The time stamp of its document; null when that has none, or when it is not known, as for a backup that does
+ * not agree with the configuration. */
 FI_ROTATION_API const char* fi_rotation_call_backup_time_stamp(const fi_rotation_call* call, int32_t backup);
 /* The targets that it held before any was released, ENCLOSURE##DEVICE. Of an invalid backup none are named,
  * not even those that stay used. */

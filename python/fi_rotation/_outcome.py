@@ -101,7 +101,8 @@ class Backup:
 
     file: The name of its document, decoded by os.fsdecode; os.fsencode gives the same bytes again.
     problems: The problems of its document, including permitted ones.
-    time_stamp: The text of its document's timeStamp; None when it does not agree with the configuration.
+    time_stamp: The text of its document's timeStamp; None when the document has none, or when the backup does not agree
+        with the configuration.
     targets: The targets that it held before backups were released, each ENCLOSURE##DEVICE. Empty when it is
         invalid, although some may stay used.
     reason: Why it is in its state, as a word for programs: "newest_holder", "holds_nothing", "excluded",

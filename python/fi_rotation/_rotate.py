@@ -41,6 +41,8 @@ def _names_argument(files: Iterable[FileName], what: str) -> list[bytes]:
 
 
 def _number_argument(number: int, bits: int, what: str) -> int:
+    if not isinstance(number, int):
+        raise TypeError(f"{what} must be an int, not {type(number).__name__}")
     if not 0 <= number < 1 << bits:
         raise ValueError(f"{what} must be from 0 to {(1 << bits) - 1}, not {number}")
     return number
@@ -181,9 +183,10 @@ def rotate(configuration: str | bytes, backups: Iterable[FileName], *,
                        document: one that was made to be slow costs time and memory in proportion to its bytes.
     allow_no_backups   whether `backups` may be empty, as it is for the first backup of all. Otherwise an empty list is
                        an error, because it usually means a wrong folder, and every target would count as free.
-    trace              a function that is called in this thread with each line of the trace, more than a hundred for
-                       each document: a level (3 for failures, 4 for progress) and a text. rotate() raises what it
-                       raises.
+    trace              a function that is called in this thread with each line of the trace, often more than a hundred
+                       for each document: a level and a text. Level 3 is for failures, and for the flag word of each
+                       backup, which is none ("... exclude rotation flag [0] "); level 4 is for progress. rotate() raises
+                       what it raises.
 
     rotate() reads the documents and writes nothing. Several threads may call it at the same time; their calls run one
     after the other.
@@ -234,7 +237,7 @@ def rotate(configuration: str | bytes, backups: Iterable[FileName], *,
     with _new_call(_configuration_argument(configuration)) as call:
         for name in names:
             library.fi_rotation_call_add(call, name, name in excluded_names)
-        library.fi_rotation_call_permit(call, permit)
+        library.fi_rotation_call_permit(call, _number_argument(permit, 32, "permit"))
         library.fi_rotation_call_keep_at_least(call, _number_argument(keep_at_least, 31, "keep_at_least"))
         if limit_document is not None:
             library.fi_rotation_call_limit_document(call, _number_argument(limit_document, 64, "limit_document"))

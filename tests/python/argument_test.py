@@ -101,6 +101,13 @@ class Values(FolderTest):
             with self.subTest(option=option, value=value), self.assertRaisesRegex(ValueError, option):
                 fi_rotation.rotate(CONFIGURATION, self.two_backups(), **{option: value})
 
+    def test_numbers_that_are_none_are_type_errors(self):
+        for name in ("permit", "keep_at_least", "limit_document"):
+            for value in ("1", 1.5):
+                arguments = {name: value}
+                with self.subTest(arguments), self.assertRaisesRegex(TypeError, f"{name} must be an int"):
+                    fi_rotation.rotate(CONFIGURATION, [], allow_no_backups=True, **arguments)
+
     def test_the_largest_numbers_reach_the_library(self):
         backups = self.two_backups()
         self.assertEqual(fi_rotation.rotate(CONFIGURATION, backups, limit_document=(1 << 64) - 1).problems, ())
