@@ -44,12 +44,13 @@ std::string describeMissing(std::string_view lines, std::size_t seen, std::size_
 }
 
 std::string describeMissingFlagWords(const std::vector<std::string>& files) {
-    return files.size() == 1 ? fmt::format("the flag word of \"{}\"", files.front())
-                             : fmt::format("the flag words of {} backups", files.size());
+    constexpr std::string_view kDoubt = "lines of two calls may look like one here";
+    return files.size() == 1 ? fmt::format("the flag word of \"{}\"; {}", files.front(), kDoubt)
+                             : fmt::format("the flag words of {} backups; {}", files.size(), kDoubt);
 }
 
-// Where more excluded backups are told to be kept than can have been, it is not known which are excluded, or
-// which were rotated.
+// Where the trace tells of more skipped backups than there can have been, it is not known which are excluded,
+// or which were rotated.
 std::string describeMissingOfExcluded(std::size_t found, std::size_t expected) {
     return found < expected ? fmt::format("lines about {} of {} excluded backups", expected - found, expected)
                             : std::string("lines that say which backups are excluded, or which were rotated");
@@ -71,8 +72,8 @@ std::size_t endOfEnclosure(std::string_view names, bool isFirst, const TraceArgu
 }
 
 // The arguments of a line, if it is of this kind. Of three kinds only the beginning is compared, and no
-// arguments are taken: when the configuration holds line breaks, a line of a log holds only the beginning of
-// the text.
+// arguments are taken: the texts of two end with the configuration, whose line breaks cut them off in a log;
+// and the third has no argument, and is told from all others by its beginning.
 std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text) {
     const bool isKnownByStart = kind == ETraceText::kConfiguration || kind == ETraceText::kNoConfiguration ||
                                 kind == ETraceText::kNotAvailable;
@@ -84,8 +85,9 @@ std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text
 
 }  // namespace
 
-void CAccountReader::read(std::string_view text) {
+void CAccountReader::read(std::string_view text, std::size_t number) {
     currentLine = text;
+    currentNumber = number;
     if (isInTree && readTree(text)) {
         return;
     }
@@ -135,13 +137,17 @@ std::vector<std::string> CAccountReader::gaps() const {
         gaps.push_back(
             describeMissing("lines that say whether a backup claimed its targets", claims.size(), passed));
     }
-    if (isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
+    // Any other gap can be the cause of this one.
+    const bool isOtherwiseWhole = gaps.empty() && contradictions == 0 && !flagWords.empty();
+    if (isOtherwiseWhole && isRotationOver && isEnded() && skipped.size() != expectedSkips()) {
         gaps.push_back(describeMissingOfExcluded(skipped.size(), expectedSkips()));
     }
     if (contradictions != 0) {
-        gaps.push_back(contradictions == 1
-                           ? fmt::format("lines before \"{}\"", firstContradiction)
-                           : fmt::format("lines, the first of them before \"{}\"", firstContradiction));
+        gaps.push_back(
+            contradictions == 1
+                ? fmt::format("lines somewhere before line {}, \"{}\"", firstNumber, firstContradiction)
+                : fmt::format("lines, the first of them somewhere before line {}, \"{}\"", firstNumber,
+                              firstContradiction));
     }
     return gaps;
 }
@@ -227,7 +233,8 @@ void CAccountReader::expectTreeLine(ETreeLine line, ETreeLine next) {
 }
 
 bool CAccountReader::takeOther(ETraceText kind, const TraceArguments& arguments) {
-    // Nothing that has a name follows the last pass: what seemed to be its states told of something else.
+    // Only lines of trees and targets follow the last pass: what seemed to be its states told of something
+    // else.
     const bool isOfLastPass = kind == ETraceText::kFinalState || kind == ETraceText::kFirstTarget ||
                               kind == ETraceText::kFurtherTarget || kind == ETraceText::kMalformedIdentifier;
     if (!isOfLastPass) {
@@ -380,7 +387,7 @@ bool CAccountReader::takeFinalState(const TraceArguments& arguments) {
 // name of one that ends like a state; the flag words tell all names.
 bool CAccountReader::takeStateWithoutSelection(const TraceArguments& arguments) {
     const bool isName = lastFlagWords.count(fmt::format("{}] state=[{}", arguments[0], arguments[1])) != 0;
-    if (isName && !isLoadingPast()) {
+    if (isName && !isLoadingOver()) {
         return false;
     }
     if (!isSelectionSkipped) {
@@ -398,7 +405,7 @@ bool CAccountReader::isOnlyLastPassRead() const {
 }
 
 // Whether a line was read that stands behind the loading of all documents.
-bool CAccountReader::isLoadingPast() const {
+bool CAccountReader::isLoadingOver() const {
     return printedSets != 0 || checked != 0 || !claims.empty() || !skipped.empty();
 }
 
@@ -460,6 +467,7 @@ bool CAccountReader::isNamed(std::string_view identifier) const {
 void CAccountReader::noteContradiction() {
     if (contradictions == 0) {
         firstContradiction = currentLine;
+        firstNumber = currentNumber;
     }
     ++contradictions;
 }

@@ -20,8 +20,8 @@ namespace fi_rotate {
 // library's are passed over.
 class CAccountReader {
 public:
-    // The text of one line of a log, without its line end.
-    void read(std::string_view text);
+    // The text of one line of a log, without its line end, and the number of that line.
+    void read(std::string_view text, std::size_t number);
     // The same for a line that is known already: its text, and the arguments that were formatted into it.
     void take(ETraceText kind, const TraceArguments& arguments);
 
@@ -30,8 +30,8 @@ public:
     std::vector<std::string> gaps() const;
     // Whether the first line of the call was read, with the configuration.
     bool hasBeginning() const { return isBegun; }
-    // Whether all lines about the loading of documents were read.
-    bool isLoadingOver() const { return printedSets != 0; }
+    // Whether the configurations were printed, which follows the loading of all documents.
+    bool isFirstSetPrinted() const { return printedSets != 0; }
     // Whether the next line may be one of a document's tree.
     bool isTreeBegun() const { return isInTree; }
     // Whether the call is over: only lines of the last tree may follow.
@@ -97,7 +97,7 @@ private:
     std::optional<std::size_t> takeNextIndex(EPass pass, std::string_view file);
     bool isNamed(std::string_view identifier) const;
     bool isOnlyLastPassRead() const;
-    bool isLoadingPast() const;
+    bool isLoadingOver() const;
     bool isExcluded(std::size_t index) const;
     // The names of the loaded backups whose flag words were not read.
     std::vector<std::string> filesWithoutFlagWord() const;
@@ -115,10 +115,12 @@ private:
     bool hasNode = false;
     std::string objid;
     std::size_t checked = 0;
-    // The line that is being read.
+    // The line that is being read, and its number.
     std::string_view currentLine;
+    std::size_t currentNumber = 0;
     // The first line that cannot follow the one before it, and how many such lines there are.
     std::string firstContradiction;
+    std::size_t firstNumber = 0;
     std::size_t contradictions = 0;
     // For each name, its indices in `account.backups`, and its last flag word.
     std::unordered_map<std::string, std::vector<std::size_t>> indices;

@@ -93,7 +93,7 @@ std::string missingFlagWords(const CAccountReader& account, const std::vector<SB
 // missing, it is not known which backups were ignored, so all count as loaded.
 std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, bool areNamesOfOneCall,
                                       std::vector<std::string>& missing) {
-    const bool isLoadingKnown = missing.empty() && account.isLoadingOver();
+    const bool isLoadingKnown = missing.empty() && account.isFirstSetPrinted();
     const States states = finalStates(account);
     std::unordered_map<std::string, std::string> loaded;
     for (const SAccountBackup& backup : account.account.backups) {
@@ -251,7 +251,7 @@ void CCallReader::readText(const std::string& text) {
     isFirstBackup = isFirstBackup || text == formatOf(ETraceText::kFirstBackup);
     const bool wasMalformed = account.malformed.has_value();
     order.read(text);
-    account.read(text);
+    account.read(text, call.last.line);
     if (account.malformed.has_value() && !wasMalformed) {
         call.outcome.messages.push_back(text);
     }
@@ -282,7 +282,7 @@ void CCallReader::endCall() {
 }
 
 bool CCallReader::areBackupsKnown(const std::vector<std::string>& gaps) const {
-    const bool areFlagWordsOver = !account.account.backups.empty() || account.isLoadingOver();
+    const bool areFlagWordsOver = !account.account.backups.empty() || account.isFirstSetPrinted();
     return isFirstBackup || (gaps.empty() && !account.flagWords.empty() && areFlagWordsOver);
 }
 
@@ -295,9 +295,9 @@ bool CCallReader::seemsMixed(const std::vector<std::string>& gaps) const {
 void CCallReader::endMixed() {
     SOutcome& outcome = call.outcome;
     call.missing.emplace_back(
-        "what tells calls apart, since lines of several calls are mixed here: set the product's log to write "
-        "the "
-        "process or thread in each line, and explain the lines of each alone");
+        "what tells calls apart: lines of several calls are mixed here, or the lines between two calls are "
+        "missing. Give "
+        "all logs, or the lines of one process or thread alone");
     for (const auto& [file, flagWord] : account.flagWords) {
         SBackupOutcome backup;
         backup.given = {file, flagWord};
@@ -369,6 +369,10 @@ std::optional<std::string> CCallReader::missingEnd() const {
     }
     if (account.finalStates.empty()) {
         return fmt::format("its end, after line {}", call.last.line);
+    }
+    if (told.size() < all && account.finalStates.size() >= all) {
+        // All states are there. What is missing before them is named elsewhere.
+        return std::nullopt;
     }
     if (told.size() == all) {
         return fmt::format("lines between the selection and line {}", stateLine);

@@ -150,11 +150,12 @@ std::string flagsCell(const SBackupOutcome& backup) {
     return backup.isFlagWordKnown ? fmt::to_string(backup.given.flagWord) : "not known";
 }
 
-std::string timeStampCell(const SBackupOutcome& backup) {
+std::string timeStampCell(const SOutcome& outcome, const SBackupOutcome& backup, bool areAllKnown) {
     if (!backup.timeStamp.empty()) {
         return asPrintable(backup.timeStamp);
     }
-    return backup.isFlagWordKnown ? "-" : "not known";
+    const bool isStateKnown = stateWord(backup).has_value() || isWithoutStates(outcome);
+    return areAllKnown && isStateKnown && backup.isFlagWordKnown ? "-" : "not known";
 }
 
 SCell stateCell(const SOutcome& outcome, const SBackupOutcome& backup) {
@@ -176,7 +177,8 @@ std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areA
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
     for (const SBackupOutcome* const backup : shown) {
-        Row row = toRow({asPrintable(backup->given.file), timeStampCell(*backup), flagsCell(*backup)});
+        Row row = toRow({asPrintable(backup->given.file), timeStampCell(outcome, *backup, areAllKnown),
+                         flagsCell(*backup)});
         row.push_back(stateCell(outcome, *backup));
         rows.push_back(std::move(row));
     }

@@ -62,8 +62,8 @@ const Lines kEnd = Lines{"fi_process_backups : resource_config_string [[A##x;A##
 
 CAccountReader readerOf(const Lines& lines) {
     CAccountReader reader;
-    for (const std::string& line : lines) {
-        reader.read(line);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        reader.read(lines[i], i + 1);
     }
     return reader;
 }
@@ -71,7 +71,7 @@ CAccountReader readerOf(const Lines& lines) {
 TEST(HostAccountReader, KeepsWhatEveryPassDid) {
     const CAccountReader reader = readerOf(kBeginning + kLoading + kChecks + kClaims + kSkip + kEnd);
     EXPECT_THAT(reader.gaps(), IsEmpty());
-    EXPECT_TRUE(reader.isLoadingOver());
+    EXPECT_TRUE(reader.isFirstSetPrinted());
     EXPECT_TRUE(reader.isEnded());
     EXPECT_THAT(reader.flagWords, ElementsAre(Pair("rotated", 0), Pair("kept", 4)));
     EXPECT_THAT(reader.claims, ElementsAre(Pair(0, true), Pair(1, true)));
@@ -125,21 +125,26 @@ TEST(HostAccountReader, NamesTheLinesThatACallLacks) {
         {withoutStart + kLoading + kChecks + kClaims + kSkip + kEnd,
          {"its beginning, with the configuration: give the earlier log too, before this one"}},
         {kBeginning + withoutPrinted + kChecks, {"lines of the configuration"}},
-        {kBeginning + withoutTree + kChecks, {"lines before \"fi_process_backups : parsed [kept]\""}},
+        {kBeginning + withoutTree + kChecks,
+         {"lines somewhere before line 8, \"fi_process_backups : parsed [kept]\""}},
         {kBeginning + kLoading + oneCheck + kClaims,
          {"1 of 2 lines that say whether a backup agrees with the configuration"}},
         {kBeginning + kLoading + kChecks + oneClaim + kSkip,
          {"1 of 2 lines that say whether a backup claimed its targets"}},
         // Without the flag word 4, nobody knows that a backup is excluded.
         {withoutFlagWord + kLoading + kChecks + kClaims + kSkip + kEnd,
-         {"the flag word of \"kept\"", "lines that say which backups are excluded, or which were rotated"}},
+         {"the flag word of \"kept\"; lines of two calls may look like one here"}},
         {kBeginning + kLoading + kChecks + kClaims + kEnd, {"lines about 1 of 1 excluded backups"}},
+        // A backup that is not excluded was skipped.
+        {withoutFlagWord + Lines{"fi_process_backups :  Fiid [kept] exclude rotation flag [0] "} + kLoading +
+             kChecks + kClaims + kSkip + kEnd,
+         {"lines that say which backups are excluded, or which were rotated"}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(readerOf(row.lines).gaps(), row.gaps) << row.gaps.front();
     }
     EXPECT_THAT(readerOf(withoutTarget + kLoading + kChecks).gaps(),
-                ElementsAre("lines before \"{2,Available}\""));
+                ElementsAre("lines somewhere before line 17, \"{2,Available}\""));
 }
 
 TEST(HostAccountReader, NamesOnlyTheBeginningWhereThatIsMissing) {
@@ -167,13 +172,13 @@ TEST(HostAccountReader, TakesNoPrintedTargetThatTheParserDidNotRead) {
     const CAccountReader another = readerOf(kBeginning + Lines{heading, "[A:x](Available)", "{7,Available}"});
     ASSERT_THAT(another.account.configurations, SizeIs(1));
     EXPECT_THAT(another.account.configurations[0].targets, IsEmpty());
-    EXPECT_THAT(another.gaps(), ElementsAre("lines before \"{7,Available}\""));
+    EXPECT_THAT(another.gaps(), ElementsAre("lines somewhere before line 9, \"{7,Available}\""));
     const CAccountReader anotherFirst = readerOf(kBeginning + Lines{heading, "[A:z](Available)"});
     EXPECT_THAT(anotherFirst.account.configurations, IsEmpty());
-    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines before \"[A:z](Available)\""));
+    EXPECT_THAT(anotherFirst.gaps(), ElementsAre("lines somewhere before line 8, \"[A:z](Available)\""));
     const CAccountReader withoutFirst = readerOf(kBeginning + Lines{heading, "{1,Available}"});
     EXPECT_THAT(withoutFirst.account.configurations, IsEmpty());
-    EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines before \"{1,Available}\""));
+    EXPECT_THAT(withoutFirst.gaps(), ElementsAre("lines somewhere before line 8, \"{1,Available}\""));
 }
 
 TEST(HostAccountReader, KnowsAPrintedTargetWhoseDeviceHoldsWhatStandsBehindAnEnclosure) {
@@ -221,7 +226,8 @@ TEST(HostAccountReader, TakesNoLineOfABackupThatWasNotLoaded) {
         const CAccountReader reader = readerOf(kBeginning + kLoading + kChecks + Lines{line});
         EXPECT_THAT(reader.claims, IsEmpty());
         EXPECT_THAT(reader.skipped, IsEmpty());
-        EXPECT_THAT(reader.gaps(), testing::Contains("lines before \"" + line + "\"")) << line;
+        EXPECT_THAT(reader.gaps(), testing::Contains("lines somewhere before line 21, \"" + line + "\""))
+            << line;
     }
 }
 
@@ -229,7 +235,7 @@ TEST(HostAccountReader, NamesTheFirstOfTheLinesThatCannotFollow) {
     const Lines twice{"fi_process_backups : [RESERVE GOOD] other - T: 3",
                       "fi_process_backups : [RESERVE GOOD] another - T: 3"};
     EXPECT_THAT(readerOf(kBeginning + kLoading + kChecks + twice).gaps(),
-                ElementsAre("lines, the first of them before \"" + twice.front() + "\""));
+                ElementsAre("lines, the first of them somewhere before line 21, \"" + twice.front() + "\""));
 }
 
 TEST(HostAccountReader, NoticesThatATreeLacksALine) {

@@ -136,7 +136,7 @@ TEST_F(FiRotateExplain, SaysWhatALogLacks) {
                   "\n"
                   "Backups\n"
                   "  file   time stamp  flags  state\n"
-                  "  a.xml  -           4      not known\n"
+                  "  a.xml  not known   4      not known\n"
                   "Total: 1 of unknown state; there may be more backups, because lines are missing\n"
                   "\n"
                   "Reasons\n"

@@ -292,7 +292,7 @@ std::vector<std::string> mixedWithoutBeginnings(std::vector<std::string> one, st
 
 bool saysMixed(const SLoggedCall& logged) {
     return !logged.missing.empty() &&
-           logged.missing[0].find("lines of several calls are mixed") != std::string::npos;
+           logged.missing[0].find("lines of several calls are mixed here") != std::string::npos;
 }
 
 TEST_F(FiRotateLog, SaysFirstThatCallsWithoutABeginningAreMixed) {
@@ -637,7 +637,9 @@ TEST_F(FiRotateLog, ShowsNoStateThatFollowsOnNoSelection) {
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls[0].missing,
-                ElementsAre("lines before \"" + oldest + "\"", "the line with the selection"));
+                ElementsAre("lines somewhere before line " + std::to_string(lineOfState("old", lines) + 1) +
+                                ", \"" + oldest + "\"",
+                            "the line with the selection"));
     EXPECT_THAT(calls[0].outcome.backups, testing::SizeIs(3));
     for (const auto& backup : calls[0].outcome.backups) {
         EXPECT_FALSE(backup.state.has_value());
@@ -660,7 +662,8 @@ TEST_F(FiRotateLog, GivesNoReasonWhereABackupOfALaterCallSeemsToBeOfThisOne) {
     lines.insert(lines.end(), std::find_if(later.begin(), later.end(), isParsed), later.end());
     const auto calls = callsOf(lines);
     ASSERT_EQ(calls.size(), 1U);
-    EXPECT_THAT(calls[0].missing, ElementsAre("the flag word of \"" + call.backups[0].file + "\""));
+    EXPECT_THAT(calls[0].missing, ElementsAre("the flag word of \"" + call.backups[0].file +
+                                              "\"; lines of two calls may look like one here"));
     EXPECT_THAT(calls[0].outcome.backups, testing::SizeIs(4));
     for (const auto& backup : calls[0].outcome.backups) {
         EXPECT_FALSE(backup.reason.has_value());

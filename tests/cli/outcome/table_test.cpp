@@ -113,7 +113,7 @@ TEST(FiRotateTable, SaysOfHiddenBackupsWithoutAStateThatTheyAreNotInOthers) {
     EXPECT_EQ(shown(outcome),
               "Selection: not known\n\nBackups\n"
               "  file   time stamp  flags  state\n"
-              "  c.xml  -           0      rotated\n"
+              "  c.xml  not known   0      rotated\n"
               "  (1 in other states, 2 of unknown state)\n"
               "Total: 1 kept, 1 rotated, 2 of unknown state; there may be more backups, because lines are "
               "missing\n");
