@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Usage: table.py RESULTS PYTHON MEMORY
 
-Prints one table of what scripts/bench measured: RESULTS is the benchmark program's JSON, PYTHON has a line
+Prints the tables of what scripts/bench measured: RESULTS is the benchmark program's JSON, PYTHON has a line
 "corpus milliseconds" for each corpus that the Python script ran on, MEMORY a line "corpus calls bytes
 first last" for each corpus that memory was measured on.
 """

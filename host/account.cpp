@@ -61,7 +61,7 @@ std::size_t countHolders(const SAccount& account, const Holders& holders, std::s
 }
 
 // Several configurations may have the same name, and the release may have freed another one of that name.
-std::string withoutShortOne(const SReason& reason) {
+std::string shortOneNotFreed(const SReason& reason) {
     const bool isNameFreed =
         std::find(reason.freed.begin(), reason.freed.end(), reason.configuration) != reason.freed.end();
     return isNameFreed ? ", but not of the one that was short" : ", none of " + reason.configuration;
@@ -73,7 +73,7 @@ std::string targetsHeldBefore(const SReason& reason) {
     }
     return fmt::format("it {} targets of {}{}", reason.isUndone ? "holds" : "held",
                        fmt::join(reason.freed, ", "),
-                       reason.kind == EReason::kInVain ? withoutShortOne(reason) : "");
+                       reason.kind == EReason::kInVain ? shortOneNotFreed(reason) : "");
 }
 
 }  // namespace

@@ -88,8 +88,8 @@ typedef enum fi_rotation_outcome {
 /*
  * What can be wrong with an input. Each is a bit, so that a number can hold several. The call goes on in
  * spite of a problem that is permitted (fi_rotation_call_permit). With most of them, targets of a backup that
- * exists can then be given away: even such as fi_process_backups keeps, which reads a document beyond a limit
- * whole unless it was built hardened.
+ * exists can then be given away. With FI_ROTATION_NOT_WELL_FORMED these can be targets that
+ * fi_process_backups does not give away, because it has no limits of reading unless it was built hardened.
  */
 typedef enum fi_rotation_problem {
     /* A configuration is malformed, or there is none, or an enclosure in it has more than 256 bytes.

@@ -4,8 +4,8 @@
 
 namespace fi_rotate {
 
-// For a table with a row for each enumerator: whether each row stands at the place of its enumerator, so that
-// none is missing. `kind` points to the member of the row that names the enumerator.
+// For a table with a row for each enumerator: whether the index of each row is the value of its enumerator,
+// so that none is missing. `kind` points to the member of the row that names the enumerator.
 template <typename Rows, typename Member>
 constexpr bool areInOrder(const Rows& rows, Member kind) {
     for (std::size_t i = 0; i < rows.size(); ++i) {

@@ -34,6 +34,7 @@ std::string toLocalCodePage(const XMLCh* text) {
 }
 
 void stopReading() {
+    // The code only has to be one of the XML library's: who stops the reading has noted why.
     ThrowXMLwithMemMgr(xercesc::RuntimeException, xercesc::XMLExcepts::Gen_CouldNotOpenExtEntity,
                        xercesc::XMLPlatformUtils::fgMemoryManager);
 }

@@ -16,7 +16,7 @@ bool isOfTopNode(std::string_view text) {
            });
 }
 
-// Of as many of them as `text` begins with.
+// The length of all copies of `escape` that `text` begins with.
 std::size_t lengthOfAll(std::string_view escape, std::string_view text) {
     std::size_t length = 0;
     while (text.substr(length, escape.size()) == escape) {

@@ -10,7 +10,8 @@
 namespace fi_rotate {
 namespace {
 
-// Single changes, and then once more of changes taken back. Each takes a call.
+// At most so many single changes are tried, and at most as often a change is taken back. Each time takes a
+// call.
 constexpr std::size_t kMostTrials = 200;
 
 // A target that no configuration names and that no backup is likely to name.
@@ -133,7 +134,7 @@ std::vector<SChange> allChanges(const SCall& call, const SAccount& account) {
     return changes;
 }
 
-// Those from `first` on up to `last` taken away.
+// All `changes` but those from `first` on up to `last`.
 std::vector<SChange> without(std::size_t first, std::size_t last, const std::vector<SChange>& changes) {
     std::vector<SChange> left;
     for (std::size_t i = 0; i < changes.size(); ++i) {

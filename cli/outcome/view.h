@@ -23,7 +23,8 @@ enum class EOrder {
 struct SView {
     // The states whose backups are shown; all backups when it is empty.
     std::set<std::string> states;
-    // Show why each backup is in its state and which targets are missing, if the outcome has an account.
+    // Show why each backup is in its state, and of each short configuration who holds its targets, if the
+    // outcome has an account.
     bool withReasons = false;
     EOrder order = EOrder::kArgument;
 

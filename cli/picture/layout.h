@@ -7,7 +7,7 @@
 
 namespace fi_rotate {
 
-// In pixels.
+// Lengths are in pixels, but for the longest name, which is in characters.
 constexpr double kPictureMargin = 16;
 constexpr double kPictureLine = 18;
 constexpr double kPictureLane = 16;

@@ -77,7 +77,8 @@ private:
         Backups lost;
     };
 
-    // A backup that was there before is rotated even if it has no snapshot, since it holds no target.
+    // A document that holds no target has no snapshot. Its backup can be rotated nevertheless, and so gets a
+    // row.
     void addRotatedDocuments() {
         for (std::size_t i = 0; i < simulation.takenOver.size(); ++i) {
             const STakenOver& backup = simulation.takenOver[i];

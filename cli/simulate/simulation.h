@@ -72,8 +72,8 @@ struct STakenOver {
     EEnd end = EEnd::kHeld;
 };
 
-// A target that a backup of SPlan::from names that is invalid, and that no other backup holds before the
-// first round. A snapshot may be on it, but the library keeps it from nobody: it may choose the target.
+// A target that an invalid backup of SPlan::from names and that no other backup holds before the first round.
+// A snapshot may be on it, but nothing protects it: the library may choose the target.
 struct SUnprotected {
     // Indexes as in SSnapshot.
     std::uint32_t configuration = 0;

@@ -56,7 +56,7 @@ std::string faultOfTime(const SAccountBackup& backup, const SPlan& plan) {
                : fmt::format("was taken {}, which is not before the first round", toShownTime(*time));
 }
 
-void requirePlacesInTime(const SAccount& account, const SPlan& plan) {
+void requireUsableTimeStamps(const SAccount& account, const SPlan& plan) {
     std::vector<std::string> faults;
     for (const SAccountBackup& backup : account.backups) {
         // The library does not ask for the time stamp of one that fails the check.
@@ -135,7 +135,7 @@ std::vector<SUnprotected> unprotectedTargets(const SAccount& account) {
 
 STakeOver takeOver(const SPlan& plan) {
     const SAccount account = accountOf(plan);
-    requirePlacesInTime(account, plan);
+    requireUsableTimeStamps(account, plan);
     const auto snapshots = snapshotsOf(account);
     STakeOver result;
     result.unprotected = unprotectedTargets(account);

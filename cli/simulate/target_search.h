@@ -32,8 +32,8 @@ struct SFewestTargets {
 using ContinueSearchCallback = std::function<bool(std::size_t targets, std::size_t rounds)>;
 
 // The fewest targets with which the rounds of `plan`, run with this configuration alone, all find a
-// target and rotate no snapshot that is younger than `goal` seconds. No backup is there before the first
-// round: fewer targets than there are could not hold it.
+// target and rotate no snapshot that is younger than `goal` seconds. SPlan::from must be empty: the fewer
+// targets that are tried may not be those that the earlier backups hold.
 //
 // Fewer targets than it has are its first ones; more are its own and invented ones. The number is doubled
 // until the goal is met; then the fewest is found by bisection. That is correct because one more target lets

@@ -57,19 +57,19 @@ Entries entriesOf(const Holders& holders) {
     return entries;
 }
 
-bool isHeldByANewerOne(const Place& place, const SHolder& than, const Holders& holders) {
+bool isHeldByANewerOne(const TargetIndex& index, const SHolder& than, const Holders& holders) {
     return std::any_of(holders.begin(), holders.end(),
-                       [&](const SHolder& other) { return other.age > than.age && other.holds(place); });
+                       [&](const SHolder& other) { return other.age > than.age && other.holds(index); });
 }
 
 // Whether no backup holds the target, or one of its newest holders is among the released. (A holder that is
 // not the newest, or that was behind another one of the same age, lost the target and is never released.)
-bool isFree(const Place& place, const Entries& released, const Holders& holders) {
+bool isFree(const TargetIndex& index, const Entries& released, const Holders& holders) {
     bool isHeld = false;
     for (const SHolder& holder : holders) {
-        if (holder.holds(place)) {
+        if (holder.holds(index)) {
             isHeld = true;
-            if (released.count(holder.entry) > 0 && !isHeldByANewerOne(place, holder, holders)) {
+            if (released.count(holder.entry) > 0 && !isHeldByANewerOne(index, holder, holders)) {
                 return true;
             }
         }
@@ -98,18 +98,18 @@ bool everyConfigurationHasAFreeTarget(const Entries& released, const SDecision& 
 }
 
 bool losesNoTarget(const SHolder& holder, const Holders& holders) {
-    const auto isAlone = [&](const Place& place) {
+    const auto isAlone = [&](const TargetIndex& index) {
         return std::none_of(holders.begin(), holders.end(), [&](const SHolder& other) {
-            return other.entry != holder.entry && other.age >= holder.age && other.holds(place);
+            return other.entry != holder.entry && other.age >= holder.age && other.holds(index);
         });
     };
     return holder.agreement == EAgreement::kAgrees && !holder.namesATargetTwice() &&
-           std::all_of(holder.places.begin(), holder.places.end(), isAlone);
+           std::all_of(holder.indexes.begin(), holder.indexes.end(), isAlone);
 }
 
 bool shareATarget(const SHolder& one, const SHolder& other) {
-    return std::any_of(one.places.begin(), one.places.end(),
-                       [&](const Place& place) { return other.holds(place); });
+    return std::any_of(one.indexes.begin(), one.indexes.end(),
+                       [&](const TargetIndex& index) { return other.holds(index); });
 }
 
 bool namesEachTargetOnce(const SWorld& world) {
@@ -122,8 +122,8 @@ bool namesEachTargetOnce(const SWorld& world) {
     return names.size() == count;
 }
 
-const std::string& nameOf(const Place& place, const SWorld& world) {
-    return world.configurations[place.first].targets[place.second];
+const std::string& nameOf(const TargetIndex& index, const SWorld& world) {
+    return world.configurations[index.first].targets[index.second];
 }
 
 std::vector<std::int32_t> givenFlags(const SWorld& world) {
@@ -142,8 +142,8 @@ bool aChosenTargetIsHeldByNoKeptBackup(const SDecision& decision) {
     }
     const std::string selection = decision.answer.selection.value_or("");
     for (const SHolder& kept : holdersWithState(kKept, decision)) {
-        for (const Place& place : kept.places) {
-            if (selection.find(";" + nameOf(place, decision.world) + "]") != std::string::npos) {
+        for (const TargetIndex& index : kept.indexes) {
+            if (selection.find(";" + nameOf(index, decision.world) + "]") != std::string::npos) {
                 return false;
             }
         }

@@ -14,6 +14,10 @@
 // The flag words tell the states of backups only when a call succeeds and no name is listed twice, since one
 // flag word would then stand for two backups. Rules about single states are applied to such calls only.
 
+//
+// A backup holds a target here when its document agrees with the configuration and names it, so that two
+// backups can hold one target. Which of them claimed it is for the rules to say.
+
 namespace fi_model {
 
 // A world, what was answered, and who holds what.
@@ -24,7 +28,7 @@ struct SDecision {
 };
 
 // A backup that holds a chosen target is not kept. This holds where the configuration names each target once:
-// of a target that is named twice, a backup holds one place, and the other one is free.
+// of a target that is named twice, a backup holds one entry, and the other one is free.
 bool aChosenTargetIsHeldByNoKeptBackup(const SDecision& decision);
 
 // An excluded backup is never rotated. When a name is listed twice, its last flag word says whether both are

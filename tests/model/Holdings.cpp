@@ -8,14 +8,14 @@
 namespace fi_model {
 namespace {
 
-// A pair takes the first place of its target in the configurations of its first target.
-std::optional<Place> placeOf(const SWorldPair& pair, const SWorld& world) {
+// A pair takes the first index of its target in the configurations of its first target.
+std::optional<TargetIndex> targetIndexOf(const SWorldPair& pair, const SWorld& world) {
     for (std::size_t one = 0; one < world.configurations.size(); ++one) {
         const SWorldConfiguration& configuration = world.configurations[one];
         const auto& targets = configuration.targets;
         const auto found = std::find(targets.begin(), targets.end(), pair.target);
         if (configuration.first == pair.first && found != targets.end()) {
-            return Place{one, static_cast<std::size_t>(found - targets.begin())};
+            return TargetIndex{one, static_cast<std::size_t>(found - targets.begin())};
         }
     }
     return std::nullopt;
@@ -35,28 +35,29 @@ std::vector<SWorldPair> pairsThatCount(const std::vector<SWorldPair>& pairs) {
     return counting;
 }
 
-// The first pair that is malformed or has no place decides what is noted of the backup.
+// The first pair that is malformed or has no index decides what is noted of the backup.
 void look(const std::vector<SWorldPair>& pairs, const SWorld& world, SHolder& holder) {
     for (const SWorldPair& pair : pairsThatCount(pairs)) {
         const bool isMalformed = pair.first.empty() || pair.target.empty();
-        const std::optional<Place> place = placeOf(pair, world);
-        if (isMalformed || !place) {
+        const std::optional<TargetIndex> index = targetIndexOf(pair, world);
+        if (isMalformed || !index) {
             holder.agreement = isMalformed ? EAgreement::kMalformed : EAgreement::kDisagrees;
-            holder.places.clear();
+            holder.indexes.clear();
             return;
         }
-        holder.places.push_back(*place);
+        holder.indexes.push_back(*index);
     }
 }
 
 }  // namespace
 
-bool SHolder::holds(const Place& place) const {
-    return agreement == EAgreement::kAgrees && std::find(places.begin(), places.end(), place) != places.end();
+bool SHolder::holds(const TargetIndex& index) const {
+    return agreement == EAgreement::kAgrees &&
+           std::find(indexes.begin(), indexes.end(), index) != indexes.end();
 }
 
 bool SHolder::namesATargetTwice() const {
-    return std::set<Place>(places.begin(), places.end()).size() < places.size();
+    return std::set<TargetIndex>(indexes.begin(), indexes.end()).size() < indexes.size();
 }
 
 Holders holdersOf(const SWorld& world) {
@@ -79,14 +80,14 @@ Holders holdersOf(const SWorld& world) {
     return holders;
 }
 
-std::set<Place> placesOf(const SWorld& world) {
-    std::set<Place> places;
+std::set<TargetIndex> targetIndexesOf(const SWorld& world) {
+    std::set<TargetIndex> indexes;
     for (std::size_t one = 0; one < world.configurations.size(); ++one) {
         for (std::size_t target = 0; target < world.configurations[one].targets.size(); ++target) {
-            places.emplace(one, target);
+            indexes.emplace(one, target);
         }
     }
-    return places;
+    return indexes;
 }
 
 }  // namespace fi_model

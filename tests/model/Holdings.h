@@ -12,21 +12,21 @@
 namespace fi_model {
 
 // A further target, by the numbers of its configuration and of itself in there.
-using Place = std::pair<std::size_t, std::size_t>;
+using TargetIndex = std::pair<std::size_t, std::size_t>;
 
 enum class EAgreement { kAgrees, kDisagrees, kMalformed };
 
 // A backup whose document is read.
 struct SHolder {
-    // Its place in the caller's list.
+    // Its index in the caller's list.
     std::size_t entry = 0;
     std::size_t age = 0;
     bool isExcluded = false;
     EAgreement agreement = EAgreement::kAgrees;
     // The target of each pair, if the backup agrees with the configuration.
-    std::vector<Place> places;
+    std::vector<TargetIndex> indexes;
 
-    bool holds(const Place& place) const;
+    bool holds(const TargetIndex& index) const;
     bool namesATargetTwice() const;
 };
 
@@ -36,6 +36,6 @@ using Holders = std::vector<SHolder>;
 // listed twice has the flag of its last entry.
 Holders holdersOf(const SWorld& world);
 
-std::set<Place> placesOf(const SWorld& world);
+std::set<TargetIndex> targetIndexesOf(const SWorld& world);
 
 }  // namespace fi_model
