@@ -93,7 +93,8 @@ typedef enum fi_rotation_outcome {
  */
 typedef enum fi_rotation_problem {
     /* A configuration is malformed, or there is none, or an enclosure in it has more than 256 bytes.
-     * Permitted: the configurations before the malformed one are used, and an enclosure of any length. */
+     * Permitted: the configurations before the malformed one are used, and an enclosure of any length. If
+     * there is none, the selection is an empty text. */
     FI_ROTATION_CONFIGURATION_REJECTED = 1,
     /* The document cannot be opened. Permitted: it and all documents after it are ignored. */
     FI_ROTATION_CANNOT_OPEN = 2,

@@ -35,7 +35,8 @@ class ProblemKind(enum.IntFlag):
     """What can be wrong with an input. rotate() raises Refused for a problem that is not permitted.
 
     CONFIGURATION_REJECTED: A configuration is malformed, or there is none, or an enclosure in it has more than 256
-        bytes. Permitted: those before the malformed one are used, and an enclosure of any length.
+        bytes. Permitted: those before the malformed one are used, and an enclosure of any length. If there is none,
+        the selection is an empty text.
     CANNOT_OPEN: The document cannot be opened. Permitted: it and all documents after it are ignored.
     NOT_A_FILE: The document is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is
         NOT_WELL_FORMED and NO_NODE, too; a pipe or a device is read until it ends.
