@@ -93,7 +93,8 @@ std::string missingFlagWords(const CAccountReader& account, const std::vector<SB
 // missing, it is not known which backups were ignored, so all count as loaded.
 std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, bool areNamesOfOneCall,
                                       std::vector<std::string>& missing) {
-    const bool isLoadingKnown = missing.empty() && account.isFirstSetPrinted();
+    // That none of these lines is missing is known only by the claims.
+    const bool isLoadingKnown = missing.empty() && (!account.claims.empty() || account.isEnded());
     const States states = finalStates(account);
     std::unordered_map<std::string, std::string> loaded;
     for (const SAccountBackup& backup : account.account.backups) {
