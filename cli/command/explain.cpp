@@ -29,8 +29,8 @@ constexpr const char* kFooter = R"(Example:
 A log is a file that select --trace-file has written, or any log that contains the messages of the library at the
 levels 3 and 4, each after a prefix of the host such as time, process and level. Other lines between them are
 ignored. Calls that overlap are told apart by the process or thread in the prefix. A call may continue in the next
-log. When lines that matter are missing, the output says which, and gives no reasons: without the beginning of a call
-it may miss backups, too, so give the older log first.
+log. When lines that matter are missing, the output says which, and gives no reason that depends on them: without
+the beginning of a call it gives none and may miss backups, too, so give the older log first.
 
 The trace does not contain the selection of a first backup, unless the product uses the host library, nor the
 time stamp of a backup whose objid or altobjid matches no configuration.)";
