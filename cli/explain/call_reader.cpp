@@ -215,6 +215,9 @@ void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& 
     if (account.flagWords.size() > flagWords) {
         prefixesOfFlagWords.note(words);
     }
+    if (account.isEnded() && !isEndedWhole.has_value()) {
+        isEndedWhole = account.account.selection.has_value() && !isCut && account.gaps().empty();
+    }
 }
 
 void CPrefixWords::note(const std::vector<std::string_view>& words) {
@@ -231,8 +234,7 @@ bool CCallReader::begins(const std::string& text, bool isNamed) const {
     const bool isOfAnyPass =
         startsAs(ETraceText::kParsed, text) || text == formatOf(ETraceText::kResourceSet);
     const bool isEnded = account.isEnded() || isRefused;
-    const bool isWhole = isEnded && account.account.selection.has_value() && !isCut && account.gaps().empty();
-    return beginsCall(text) || (isEnded && isNamed && (!isOfAnyPass || isWhole));
+    return beginsCall(text) || (isEnded && isNamed && (!isOfAnyPass || isEndedWhole.value_or(false)));
 }
 
 bool CCallReader::isOver() const {
@@ -277,6 +279,7 @@ void CCallReader::endCall() {
     isFirstBackup = false;
     prefixesOfBackups = {};
     prefixesOfFlagWords = {};
+    isEndedWhole.reset();
     hasProgressLevel = false;
     isAltered = false;
     isCut = false;

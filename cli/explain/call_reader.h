@@ -99,6 +99,9 @@ private:
     // Of the lines that load a backup or tell its state, and of those that tell its flag word.
     CPrefixWords prefixesOfBackups;
     CPrefixWords prefixesOfFlagWords;
+    // Once the call has ended, whether no line was missing then. Noted, since finding it out takes time in
+    // proportion to the backups, and lines of other calls can follow.
+    std::optional<bool> isEndedWhole;
     // A line was read that is not at the level of failures.
     bool hasProgressLevel = false;
     // Lines of a tree began with something else than tabs.
