@@ -300,8 +300,7 @@ void CCallReader::endMixed() {
     SOutcome& outcome = call.outcome;
     call.missing.emplace_back(
         "what tells calls apart: lines of several calls are mixed here, or the lines between two calls are "
-        "missing. Give "
-        "all logs, or the lines of one process or thread alone");
+        "missing. Give all logs, or the lines of one process or thread alone");
     for (const auto& [file, flagWord] : account.flagWords) {
         SBackupOutcome backup;
         backup.given = {file, flagWord};

@@ -684,6 +684,31 @@ TEST_F(FiRotateLog, ListsNoBackupByItsStateAloneWhereThePrefixesOfTheStatesDiffe
     }
 }
 
+// Comparing each line behind the call with all its backups would take half an hour.
+TEST_F(FiRotateLog, ReadsOnBehindADamagedCallOfManyBackups) {
+    constexpr int kBackups = 100000;
+    std::vector<std::string> lines{"4 CFiResourceParser::parse : Resource specification [A##x;1]",
+                                   "4 CFiResourceParser::parse : [A][x]",
+                                   "4 CFiResourceParser::parse : [A][1]"};
+    const auto addForEach = [&lines](const std::string& before, const std::string& after) {
+        for (int i = 0; i < kBackups; ++i) {
+            lines.push_back(before + std::to_string(i) + after);
+        }
+    };
+    const std::string parsed = "4 fi_process_backups : parsed [b";
+    addForEach("3 fi_process_backups :  Fiid [b", "] exclude rotation flag [0] ");
+    addForEach(parsed, "]");
+    lines.emplace_back("4 CFiResourceManager::print : printing resource set");
+    lines.emplace_back("4 fi_process_backups : resource_config_string [[A##x;A##1]] ");
+    lines.emplace_back("4 CFiResourceManager::print : printing resource set");
+    addForEach(parsed, "] state=[0]");
+    addForEach(parsed, "]");
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].outcome.backups, testing::SizeIs(kBackups));
+    EXPECT_FALSE(calls[0].missing.empty());
+}
+
 TEST_F(FiRotateLog, DoesNotAddTheStatesOfALaterCallToAWholeOne) {
     std::vector<std::string> lines;
     const SOutcome outcome = traced(rotation(), lines);
