@@ -12,6 +12,8 @@ public:
     void read(std::string_view text);
 
     [[nodiscard]] bool isBroken() const { return broken; }
+    // Whether the call has come to its selection, or to the end without one.
+    [[nodiscard]] bool isDecided() const { return step >= EStep::kDecision; }
 
 private:
     enum class EStep {

@@ -254,6 +254,7 @@ void CCallReader::readText(const std::string& text) {
     isFirstBackup = isFirstBackup || text == formatOf(ETraceText::kFirstBackup);
     const bool wasMalformed = account.malformed.has_value();
     order.read(text);
+    prints.read(text, order.isDecided());
     account.read(text, call.last.line);
     if (account.malformed.has_value() && !wasMalformed) {
         call.outcome.messages.push_back(text);
@@ -274,6 +275,7 @@ void CCallReader::endCall() {
     call = {};
     account = {};
     order = {};
+    prints = {};
     stateLine = 0;
     isRefused = false;
     isFirstBackup = false;
@@ -348,7 +350,7 @@ void CCallReader::endDecision() {
         outcome.account->heldBefore.clear();
         outcome.account->heldAfter.clear();
     }
-    if (!isPlausible(*outcome.account)) {
+    if (prints.isFirstIncomplete() || !isPlausible(*outcome.account)) {
         withdrawReasons(*outcome.account);
         if (isEnded) {
             call.missing.emplace_back("lines that say what the backups hold");

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/explain/call_order.h"
+#include "cli/explain/repeated_print.h"
 #include "host/account_reader.h"
 #include "host/outcome.h"
 
@@ -92,6 +93,7 @@ private:
     SLoggedCall call;
     CAccountReader account;
     CCallOrder order;
+    CRepeatedPrint prints;
     // The last line that told a state that the call handed back.
     std::size_t stateLine = 0;
     bool isRefused = false;

@@ -780,4 +780,68 @@ TEST_F(FiRotateLog, SaysNothingFalseAboutACallThatLacksALine) {
     EXPECT_GT(noticed, kRandomCalls / 5);
 }
 
+// Whether the line of fi-rotate's trace is the first one of a Node in a tree.
+bool beginsNode(const std::string& line) {
+    const std::size_t text = std::string("4 ").size();
+    const std::size_t name = line.find_first_not_of('\t', text);
+    return line.compare(std::min(name, line.size()), 2, " [") == 0;
+}
+
+TEST_F(FiRotateLog, NoticesThatAnyNodeIsMissingFromTheTreesBeforeASelection) {
+    constexpr unsigned kCalls = 40;
+    constexpr std::ptrdiff_t kLinesOfNode = 3;
+    std::size_t nodes = 0;
+    for (unsigned seed = 0; seed < kCalls; ++seed) {
+        std::vector<std::string> lines;
+        const SCall call = CRandomCall(seed, folder).make();
+        const SOutcome outcome = traced(call, lines);
+        if (hasNameTwice(call) || !outcome.account->selection.has_value()) {
+            continue;
+        }
+        const auto isSelection = [](const std::string& line) {
+            return line.find("resource_config_string [") != std::string::npos;
+        };
+        const auto end = std::find_if(lines.begin(), lines.end(), isSelection);
+        for (auto node = std::find_if(lines.begin(), end, beginsNode); node != end;
+             node = std::find_if(node + kLinesOfNode, end, beginsNode)) {
+            SCOPED_TRACE(std::to_string(seed) + ", without " + *node);
+            std::vector<std::string> rest(lines.begin(), node);
+            rest.insert(rest.end(), node + kLinesOfNode, lines.end());
+            const auto calls = callsOf(rest);
+            ASSERT_EQ(calls.size(), 1U);
+            EXPECT_FALSE(calls[0].missing.empty());
+            expectNothingFalse(calls[0], outcome);
+            ++nodes;
+        }
+    }
+    EXPECT_GT(nodes, 2 * kCalls);
+}
+
+TEST_F(FiRotateLog, NoticesThatATargetIsMissingBothFromTheConfigurationAndFromItsFirstPrint) {
+    std::vector<std::string> lines;
+    const SOutcome outcome = traced(rotation(), lines);
+    const auto drop = [&lines](const std::string& line) {
+        const auto found = std::find(lines.begin(), lines.end(), line);
+        ASSERT_NE(found, lines.end());
+        lines.erase(found);
+    };
+    drop("4 CFiResourceParser::parse : [A][2]");
+    drop("4 {2,Available}");
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_FALSE(calls[0].missing.empty());
+    expectNothingFalse(calls[0], outcome);
+}
+
+TEST_F(FiRotateLog, GivesReasonsWhereANodeIsMissingOnlyBehindTheSelection) {
+    std::vector<std::string> lines;
+    const SOutcome outcome = traced(rotation(), lines);
+    const auto last = std::find_if(lines.rbegin(), lines.rend(), beginsNode).base() - 1;
+    lines.erase(last, last + 3);
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+    EXPECT_EQ(told(calls[0].outcome), told(outcome));
+}
+
 }  // namespace
