@@ -96,7 +96,8 @@ typedef enum fi_rotation_problem {
      * Permitted: the configurations before the malformed one are used, and an enclosure of any length. If
      * there is none, the selection is an empty text. */
     FI_ROTATION_CONFIGURATION_REJECTED = 1,
-    /* The document cannot be opened. Permitted: it and all documents after it are ignored. */
+    /* The document cannot be opened. Permitted: it and all documents after it are ignored, and each of these
+     * has this problem, too. */
     FI_ROTATION_CANNOT_OPEN = 2,
     /* It is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is not
      * well-formed and has no Node; a pipe is waited for. */

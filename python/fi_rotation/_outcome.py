@@ -37,7 +37,8 @@ class ProblemKind(enum.IntFlag):
     CONFIGURATION_REJECTED: A configuration is malformed, or there is none, or an enclosure in it has more than 256
         bytes. Permitted: those before the malformed one are used, and an enclosure of any length. If there is none,
         the selection is an empty text.
-    CANNOT_OPEN: The document cannot be opened. Permitted: it and all documents after it are ignored.
+    CANNOT_OPEN: The document cannot be opened. Permitted: it and all documents after it are ignored, and each of these
+        has this problem, too.
     NOT_A_FILE: The document is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is
         NOT_WELL_FORMED and NO_NODE, too; a pipe or a device is read until it ends.
     READ_ERROR: The document cannot be read to its end. Permitted: the part that was read is used.
