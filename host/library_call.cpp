@@ -147,8 +147,7 @@ EOperation operationOf(const char* name) {
     if (std::strcmp(name, "CFiFiidHandler::endElement") == 0) {
         return EOperation::kEndElement;
     }
-    return std::strcmp(name, "CFiFiidHandler::fatalError") == 0 ? EOperation::kFatalError
-                                                                : EOperation::kOther;
+    return name == kDamageOperation ? EOperation::kFatalError : EOperation::kOther;
 }
 
 // What a format says of the lines that are made with it.

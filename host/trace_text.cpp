@@ -176,6 +176,11 @@ bool isCertainFailure(std::string_view text) {
     });
 }
 
+bool entersDamage(std::string_view text) {
+    return startsAs(ETraceText::kEntering, text) &&
+           text.substr(startOf(ETraceText::kEntering).size()) == kDamageOperation;
+}
+
 bool isOfParser(std::string_view text) {
     return startsWith(text, kParserOperation);
 }

@@ -92,12 +92,19 @@ constexpr std::string_view kAvailable = "Available";
 
 // The names of operations that lines begin with.
 constexpr std::string_view kParserOperation = "CFiResourceParser::parse : ";
-constexpr std::array<std::string_view, 4> kOperations{
+constexpr std::array<std::string_view, 5> kOperations{
     "fi_process_backups : ",
     kParserOperation,
     "CFiResourceManager::print : ",
     "CFiFiidLoader::load: ERROR: ",
+    "CFiFiidHandler::fatalError : ",
 };
+
+// The operation that is entered when a document is found to be damaged.
+constexpr std::string_view kDamageOperation = "CFiFiidHandler::fatalError";
+// Whether a line says that this operation is entered.
+bool entersDamage(std::string_view text);
+
 // Whether it is a line without such a name, known by its form: of a tree, of a printed target, or of a
 // malformed identifier.
 bool isUnnamed(std::string_view text);

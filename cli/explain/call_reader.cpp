@@ -185,9 +185,8 @@ bool beginsCall(std::string_view text) {
 
 void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& place,
                        const std::vector<std::string_view>& words) {
-    if (kind == ELogText::kProgress) {
-        hasProgressLevel = true;
-        call.last = call.first.line != 0 && !isOver() ? place : call.last;
+    if (kind == ELogText::kProgress || kind == ELogText::kDamage) {
+        goOn(kind, place);
         return;
     }
     const bool isNamed = kind == ELogText::kNamed;
@@ -220,6 +219,18 @@ void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& 
     }
 }
 
+void CCallReader::goOn(ELogText kind, const SLogPlace& place) {
+    hasProgressLevel = true;
+    if (call.first.line == 0 || isOver()) {
+        return;
+    }
+    call.last = place;
+    if (kind == ELogText::kDamage) {
+        call.outcome.messages.push_back(
+            fmt::format("{}{}", startOf(ETraceText::kEntering), kDamageOperation));
+    }
+}
+
 void CPrefixWords::note(const std::vector<std::string_view>& words) {
     if (!first.has_value()) {
         first.emplace(words.begin(), words.end());
@@ -242,8 +253,14 @@ bool CCallReader::isOver() const {
 }
 
 void CCallReader::readText(const std::string& text) {
+    std::vector<std::string>& messages = call.outcome.messages;
+    if (startsAs(ETraceText::kMalformedDocument, text) && !messages.empty() &&
+        entersDamage(messages.back())) {
+        // It says more.
+        messages.pop_back();
+    }
     if (isCertainFailure(text)) {
-        call.outcome.messages.push_back(text);
+        messages.push_back(text);
     }
     const bool isOfFailureLevel = isCertainFailure(text) || startsAs(ETraceText::kFlagWord, text) ||
                                   startsAs(ETraceText::kMalformedIdentifier, text);

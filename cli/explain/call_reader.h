@@ -50,6 +50,8 @@ enum class ELogText {
     kDoubtful,
     // An operation is entered or left, which says no more than that the call goes on.
     kProgress,
+    // The same, and a document was found to be damaged.
+    kDamage,
 };
 
 // Whether this text of the library can only be the first line of a call.
@@ -78,6 +80,7 @@ public:
     std::vector<SLoggedCall> finish();
 
 private:
+    void goOn(ELogText kind, const SLogPlace& place);
     void readText(const std::string& text);
     bool begins(const std::string& text, bool isNamed) const;
     void endCall();

@@ -197,21 +197,24 @@ void CLogReader::readLine(std::string_view line) {
         line.remove_suffix(1);
     }
     if (findName(line) != std::string_view::npos || mayEndWithUnnamed(line)) {
-        lines.push_back({logs.size() - 1, lineCount, std::string(line), false});
+        lines.push_back({logs.size() - 1, lineCount, std::string(line)});
     } else if (const auto place = findProgress(line)) {
-        keepProgress(line.substr(0, *place));
+        keepProgress(line, *place);
     }
 }
 
-// Of several in a row the last one tells how far the call went on.
-void CLogReader::keepProgress(std::string_view prefix) {
+// Of several in a row the last one tells how far the call went on, but all damages are kept.
+void CLogReader::keepProgress(std::string_view whole, std::size_t text) {
+    const std::string_view prefix = whole.substr(0, text);
+    const bool tellsDamage = entersDamage(whole.substr(text));
     const auto isOfSame = [prefix](const SLine& last) {
         const SPrefix before = prefixOf(last.text);
         const SPrefix now = prefixOf(prefix);
         return before.shape == now.shape && before.words == now.words;
     };
-    const SLine line{logs.size() - 1, lineCount, std::string(prefix), true};
-    if (!lines.empty() && lines.back().isProgress && isOfSame(lines.back())) {
+    const SLine line{logs.size() - 1, lineCount, std::string(prefix), true, tellsDamage};
+    const bool isReplaceable = !lines.empty() && lines.back().isProgress && !lines.back().tellsDamage;
+    if (isReplaceable && isOfSame(lines.back())) {
         lines.back() = line;
     } else {
         lines.push_back(line);
@@ -234,7 +237,8 @@ std::vector<SLoggedCall> CLogReader::finish() {
                                            : find(writers, line.log, line.text);
         if (found.has_value()) {
             const SLogPlace place{logs[line.log], line.log, line.number, std::string(found->prefix.time)};
-            readers[found->writer].read(textOf(*found, line.text), found->kind, place, found->prefix.words);
+            const ELogText kind = line.tellsDamage ? ELogText::kDamage : found->kind;
+            readers[found->writer].read(textOf(*found, line.text), kind, place, found->prefix.words);
         }
     }
     return inOrder(readers);

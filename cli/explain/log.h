@@ -32,9 +32,11 @@ private:
         std::string text;
         // It says that an operation is entered or left, and only what stands in front of that is kept.
         bool isProgress = false;
+        // It says so of the operation that is entered when a document is damaged.
+        bool tellsDamage = false;
     };
 
-    void keepProgress(std::string_view prefix);
+    void keepProgress(std::string_view line, std::size_t text);
 
     std::vector<std::string> logs{std::string()};
     std::size_t lineCount = 0;

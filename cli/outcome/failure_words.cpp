@@ -44,9 +44,13 @@ std::string failureInWords(const std::string& traced) {
             return fmt::format("{} {}{}", inQuotes(arguments->front()), failure.words, kRest);
         }
     }
-    // Only a hardened library traces it.
+    if (entersDamage(traced)) {
+        return "a document was read only in part: it cannot be read to its end as XML; fi-rotate check shows "
+               "where";
+    }
+    // Only a hardened library traces it, and the host library.
     if (const auto arguments = argumentsOf(ETraceText::kMalformedDocument, traced)) {
-        return fmt::format("a document is read only up to line {}, column {}: {}", arguments->at(0),
+        return fmt::format("a document was read only up to line {}, column {}: {}", arguments->at(0),
                            arguments->at(1), arguments->at(2));
     }
     if (argumentsOf(ETraceText::kInvalidParameter, traced).has_value()) {

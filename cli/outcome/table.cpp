@@ -166,14 +166,14 @@ SCell stateCell(const SOutcome& outcome, const SBackupOutcome& backup) {
     return {isWithoutStates(outcome) ? "-" : "not known", {}};
 }
 
-std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areAllKnown, std::size_t width,
-                        bool colour) {
+std::string backupTable(const SOutcome& outcome, const Backups& shown, bool areAllKnown,
+                        std::string_view ifNone, std::size_t width, bool colour) {
     const std::size_t hidden = outcome.backups.size() - shown.size();
     if (shown.empty() && hidden != 0) {
         return noneShown(outcome, hidden, areAllKnown);
     }
     if (shown.empty()) {
-        return areAllKnown ? "Backups: none; this is the first backup\n" : "Backups: not known\n";
+        return fmt::format("Backups: {}\n", ifNone);
     }
     std::vector<Row> rows{toRow({"file", "time stamp", "flags", "state"}, fmt::emphasis::bold)};
     for (const SBackupOutcome* const backup : shown) {
@@ -347,15 +347,27 @@ std::string timeOf(const SLoggedCall& call) {
                : fmt::format("Time: {} to {}\n", asPrintable(call.first.time), asPrintable(call.last.time));
 }
 
+constexpr std::string_view kFirstBackup = "none; this is the first backup";
+
+// What is said when no backup is known of the call. A host library's call without backups has the same trace
+// as one all of whose documents it left out.
+std::string_view withoutBackups(const SLoggedCall& call) {
+    if (call.areBackupsKnown) {
+        return kFirstBackup;
+    }
+    return call.missing.empty() ? "none was read" : "not known";
+}
+
 // `areAllKnown` is false when lines are missing from a log, so that the call may have had more backups.
+// `ifNone` is said instead of a table of none.
 std::string outcomeTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
-                          bool areAllKnown, std::size_t width, bool colour) {
+                          bool areAllKnown, std::string_view ifNone, std::size_t width, bool colour) {
     const Backups shown = view.shownBackups(outcome);
     std::string text = selectionTable(outcome, width, colour);
     if (advice.has_value()) {
         text += adviceLines(*outcome.account, *advice) + trialsTable(*outcome.account, *advice);
     }
-    text += "\n" + backupTable(outcome, shown, areAllKnown, width, colour);
+    text += "\n" + backupTable(outcome, shown, areAllKnown, ifNone, width, colour);
     if (view.withReasons && outcome.account.has_value() && !shown.empty()) {
         text +=
             "\n" + reasonTable(outcome, shown) + (advice.has_value() ? "" : shortageTable(*outcome.account));
@@ -367,16 +379,16 @@ std::string outcomeTables(const SOutcome& outcome, const SView& view, const std:
 
 std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
                      std::size_t width, bool colour) {
-    return outcomeTables(outcome, view, advice, isEndKnown(outcome), width, colour);
+    return outcomeTables(outcome, view, advice, isEndKnown(outcome), kFirstBackup, width, colour);
 }
 
 std::string toTables(const SLoggedCall& call, const SView& view, std::size_t width, bool colour) {
     const SOutcome& outcome = call.outcome;
     return fmt::format("Call {}, {}\n", call.number, placeOf(call)) + timeOf(call) +
            toList("Missing from the log", call.missing) + "\n" +
-           (outcome.account.has_value()
-                ? outcomeTables(outcome, view, std::nullopt, call.areBackupsKnown, width, colour)
-                : "Selection: none\n") +
+           (outcome.account.has_value() ? outcomeTables(outcome, view, std::nullopt, call.areBackupsKnown,
+                                                        withoutBackups(call), width, colour)
+                                        : "Selection: none\n") +
            toList("Messages", messagesInWords(outcome));
 }
 

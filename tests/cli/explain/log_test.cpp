@@ -16,6 +16,7 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/base/file.h"
+#include "host/library_call.h"
 #include "tests/cli/explain/Traced.h"
 #include "tests/host/RandomCall.h"
 #include "tests/support/TemporaryFolder.h"
@@ -159,6 +160,43 @@ TEST_F(FiRotateLog, RecognisesFirstBackups) {
     EXPECT_EQ(calls[1].outcome.status, FI_STATUS_FAILURE);
     EXPECT_THAT(calls[0].missing, IsEmpty());
     EXPECT_THAT(calls[1].missing, IsEmpty());
+}
+
+// The host library gives the library a list without entries, so that it traces the configurations.
+TEST_F(FiRotateLog, FindsNothingMissingInTheFirstBackupOfAHostLibrary) {
+    std::vector<std::string> lines;
+    fi_rotate::SWishes wishes;
+    wishes.configurationsOfFirstBackup = true;
+    wishes.trace = [&lines](int level, const std::string& text) {
+        lines.push_back(std::to_string(level) + ' ' + text);
+    };
+    fi_rotate::runCall({"A##x;1", {}}, wishes);
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].outcome.selection, "[A##x;A##1]");
+    EXPECT_THAT(calls[0].outcome.backups, IsEmpty());
+    EXPECT_THAT(calls[0].missing, IsEmpty());
+}
+
+TEST_F(FiRotateLog, TellsOfEachDocumentThatWasReadInPart) {
+    SCall call = rotation();
+    for (const char* name : {"torn", "torn, too"}) {
+        const std::string whole = document("0", {{"A##x", "A##1"}});
+        call.backups.push_back({folder.write(name, whole.substr(0, whole.size() - 2)), 0});
+    }
+    std::vector<std::string> lines;
+    traced(call, lines);
+    const std::string damage = "Entering CFiFiidHandler::fatalError";
+    auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].outcome.messages, ElementsAre(damage, damage));
+
+    // The host library tells the place as well.
+    const std::string place = "CFiFiidHandler::fatalError : line 1, column 9 : a tag is not closed";
+    lines.insert(std::find(lines.begin(), lines.end(), "4 " + damage) + 1, "3 " + place);
+    calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].outcome.messages, ElementsAre(place, damage));
 }
 
 TEST_F(FiRotateLog, SaysThatTheEndIsMissing) {

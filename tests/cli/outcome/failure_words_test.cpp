@@ -36,7 +36,13 @@ TEST(FiRotateFailureWords, LeaveOutWhatIsReportedElsewhere) {
 TEST(FiRotateFailureWords, SayWhereAHardenedLibraryStopsReading) {
     EXPECT_EQ(failureInWords(
                   "CFiFiidHandler::fatalError : line 2, column 9 : more than 256 different element names"),
-              "a document is read only up to line 2, column 9: more than 256 different element names");
+              "a document was read only up to line 2, column 9: more than 256 different element names");
+}
+
+TEST(FiRotateFailureWords, SayThatADocumentIsReadInPart) {
+    EXPECT_EQ(
+        failureInWords("Entering CFiFiidHandler::fatalError"),
+        "a document was read only in part: it cannot be read to its end as XML; fi-rotate check shows where");
 }
 
 // A message of ours may begin as the line of a malformed identifier does: with the name of a file.

@@ -122,6 +122,19 @@ TEST(FiRotateTable, SaysOfHiddenBackupsWithoutAStateThatTheyAreNotInOthers) {
     EXPECT_EQ(shown(outcome), "Selection: none\n\nBackups: none in these states, 1 without a state\n");
 }
 
+// The host library's trace of a first backup is that of a call whose documents were all left out.
+TEST(FiRotateTable, DoesNotCallALoggedCallAFirstBackupThatMayHaveHadBackups) {
+    fi_rotate::SLoggedCall call;
+    call.outcome.status = FI_STATUS_FAILURE;
+    call.outcome.account.emplace();
+    const auto shown = [&call] { return fi_rotate::toTables(call, SView(), kAnyWidth, false); };
+    EXPECT_THAT(shown(), testing::EndsWith("Selection: none\n\nBackups: none was read\n"));
+    call.missing = {"its end"};
+    EXPECT_THAT(shown(), testing::EndsWith("Selection: none\n\nBackups: not known\n"));
+    call.areBackupsKnown = true;
+    EXPECT_THAT(shown(), testing::EndsWith("Selection: none\n\nBackups: none; this is the first backup\n"));
+}
+
 TEST(FiRotateTable, SaysOfABackupWithoutItsFlagWordWhatIsNotKnown) {
     SOutcome outcome;
     outcome.status = FI_STATUS_SUCCESS;
