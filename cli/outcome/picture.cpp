@@ -292,6 +292,23 @@ void markChosenTargets(SPicture& picture, const SOutcome& outcome) {
     }
 }
 
+// Marks the targets that an invalid backup names and nobody holds. To the library they are free.
+void markUnprotectedTargets(SPicture& picture) {
+    for (SPictureGroup& group : picture.groups) {
+        for (SPictureRow& row : group.rows) {
+            if (row.state != ETarget::kFree && row.state != ETarget::kChosen) {
+                continue;
+            }
+            for (SBar& bar : row.bars) {
+                if (bar.kind == EBar::kInvalid) {
+                    bar.kind = EBar::kUnprotected;
+                    row.state = row.state == ETarget::kFree ? ETarget::kUnprotected : row.state;
+                }
+            }
+        }
+    }
+}
+
 void warnOfNoSelection(SPicture& picture, const SOutcome& outcome) {
     if (outcome.exception.has_value()) {
         picture.warnings.push_back("An exception ended the call: " + outcome.exception->reason);
@@ -382,6 +399,8 @@ void explainBars(SPicture& picture, const SOutcome& outcome) {
     picture.rotatedMeaning = explain(EBar::kRotated, "rotated: ends with this call");
     picture.excludedMeaning = explain(EBar::kExcluded, "excluded from rotation");
     picture.invalidMeaning = explain(EBar::kInvalid, "invalid");
+    picture.unprotectedMeaning =
+        explain(EBar::kUnprotected, "named by an invalid backup only: the library may choose it");
 }
 
 }  // namespace
@@ -400,6 +419,7 @@ SPicture pictureOf(const SOutcome& outcome) {
     }
     picture.areTargetsKnown = setStatesIfKnown(picture, outcome);
     markChosenTargets(picture, outcome);
+    markUnprotectedTargets(picture);
     sortAndShorten(picture);
     explainBars(picture, outcome);
     return picture;
