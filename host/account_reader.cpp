@@ -43,12 +43,6 @@ std::string describeMissing(std::string_view lines, std::size_t seen, std::size_
                           : fmt::format("the loading of {} of {} backups", seen - backups, seen);
 }
 
-std::string describeMissingFlagWords(const std::vector<std::string>& files) {
-    constexpr std::string_view kDoubt = "lines of two calls may look like one here";
-    return files.size() == 1 ? fmt::format("the flag word of \"{}\"; {}", files.front(), kDoubt)
-                             : fmt::format("the flag words of {} backups; {}", files.size(), kDoubt);
-}
-
 // Where the trace tells of more skipped backups than there can have been, it is not known which are excluded,
 // or which were rotated.
 std::string describeMissingOfExcluded(std::size_t found, std::size_t expected) {
@@ -84,6 +78,11 @@ std::optional<TraceArguments> argumentsIn(ETraceText kind, std::string_view text
 }
 
 }  // namespace
+
+std::string describeMissingFlagWords(const std::string& first, std::size_t count) {
+    return count == 1 ? fmt::format("the flag word of \"{}\"", first)
+                      : fmt::format("the flag words of {} backups", count);
+}
 
 void CAccountReader::read(std::string_view text, std::size_t number) {
     currentLine = text;
@@ -122,7 +121,8 @@ std::vector<std::string> CAccountReader::gaps() const {
     std::vector<std::string> gaps;
     // At another log level they are all missing, which leaves nothing else in doubt.
     if (const auto without = filesWithoutFlagWord(); !flagWords.empty() && !without.empty()) {
-        gaps.push_back(describeMissingFlagWords(without));
+        gaps.push_back(describeMissingFlagWords(without.front(), without.size()) +
+                       "; lines of two calls may look like one here");
     }
     // The library does not print what it parsed of a configuration that it then rejected.
     if (isCheckBegun && (printedSets == 0 || (!isRejected && usedTargets != parsedTargets.size()))) {

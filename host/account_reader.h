@@ -16,6 +16,9 @@
 
 namespace fi_rotate {
 
+// Says that the flag words of so many backups are missing; one backup is named.
+std::string describeMissingFlagWords(const std::string& first, std::size_t count);
+
 // Reads the lines of one call and keeps what each pass of the rotation did, in order. Lines that are not the
 // library's are passed over.
 class CAccountReader {

@@ -4,14 +4,14 @@
 #include <cstdint>
 #include <iterator>
 #include <optional>
-#include <set>
-#include <unordered_map>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include <fi_rotation/fi_process_backups.h>
 
+#include "cli/explain/backup_list.h"
+#include "cli/explain/plausibility.h"
 #include "host/explanation.h"
 #include "host/trace_text.h"
 
@@ -28,152 +28,6 @@ std::optional<std::int32_t> statusOf(const CAccountReader& account) {
 std::int32_t firstBackupStatus(const std::vector<std::string>& messages) {
     const bool isShort = !messages.empty() && messages.back() == formatOf(ETraceText::kNoResource);
     return isShort ? FI_STATUS_FAILURE : FI_STATUS_SUCCESS;
-}
-
-// The states that the library returns, by the name of the backup: of several backups with one name, that of
-// the oldest.
-using States = std::unordered_map<std::string, std::int32_t>;
-
-States finalStates(const CAccountReader& account) {
-    return {account.finalStates.begin(), account.finalStates.end()};
-}
-
-// Whether lines that seem to be of one call may be of two: a name has two flag words or two states, or a
-// backup is excluded and yet rotated. To be asked only when lines are missing, because a whole call may list
-// a name twice.
-bool isOfSeveralCalls(const CAccountReader& account) {
-    const States states = finalStates(account);
-    if (states.size() != account.finalStates.size()) {
-        return true;
-    }
-    std::set<std::string> names;
-    return std::any_of(
-        account.flagWords.begin(), account.flagWords.end(), [&names, &states](const auto& listed) {
-            const auto& [file, flagWord] = listed;
-            const auto state = states.find(file);
-            const bool isRotated = state != states.end() && state->second == FI_BACKUP_ROTATED;
-            return !names.insert(file).second || (isRotated && (flagWord & FI_EXCLUDE_ROTATION) != 0);
-        });
-}
-
-// The backups that are loaded or have a state, and whose flag words are missing.
-std::vector<SBackupOutcome> withoutFlagWord(const CAccountReader& account) {
-    std::set<std::string> known;
-    for (const auto& listed : account.flagWords) {
-        known.insert(listed.first);
-    }
-    std::vector<SBackupOutcome> backups;
-    const auto addUnlessKnown = [&known, &backups](const std::string& file) {
-        if (known.insert(file).second) {
-            SBackupOutcome backup;
-            backup.given.file = file;
-            backup.isFlagWordKnown = false;
-            backups.push_back(std::move(backup));
-        }
-    };
-    for (const SAccountBackup& backup : account.account.backups) {
-        addUnlessKnown(backup.file);
-    }
-    for (const auto& told : account.finalStates) {
-        addUnlessKnown(told.first);
-    }
-    return backups;
-}
-
-std::string missingFlagWords(const CAccountReader& account, const std::vector<SBackupOutcome>& without) {
-    if (account.hasBeginning() && account.flagWords.empty()) {
-        return "the flag words, and all other messages of level 3: set the product's log to levels 3 and 4";
-    }
-    return without.size() == 1 ? fmt::format("the flag word of \"{}\"", without.front().given.file)
-                               : fmt::format("the flag words of {} backups", without.size());
-}
-
-// All backups that the log names, first those whose flag words it lacks, which is added to `missing`. These
-// are left out unless the lines that name them are of one call for certain. When lines of the loading are
-// missing, it is not known which backups were ignored, so all count as loaded.
-std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, bool areNamesOfOneCall,
-                                      std::vector<std::string>& missing) {
-    // That none of these lines is missing is known only by the claims.
-    const bool isLoadingKnown = missing.empty() && (!account.claims.empty() || account.isEnded());
-    const States states = finalStates(account);
-    std::unordered_map<std::string, std::string> loaded;
-    for (const SAccountBackup& backup : account.account.backups) {
-        loaded[backup.file] = backup.timeStamp;
-    }
-    std::vector<SBackupOutcome> backups = withoutFlagWord(account);
-    if (!backups.empty() && (!account.hasBeginning() || account.flagWords.empty())) {
-        missing.push_back(missingFlagWords(account, backups));
-    }
-    if (!areNamesOfOneCall) {
-        backups.clear();
-    }
-    for (const auto& [file, flagWord] : account.flagWords) {
-        SBackupOutcome backup;
-        backup.given = {file, flagWord};
-        backups.push_back(std::move(backup));
-    }
-    for (SBackupOutcome& backup : backups) {
-        const auto found = loaded.find(backup.given.file);
-        const auto state = states.find(backup.given.file);
-        backup.isLoaded = !isLoadingKnown || found != loaded.end() || state != states.end();
-        backup.timeStamp = found != loaded.end() ? found->second : "";
-        if (state != states.end()) {
-            backup.state = state->second;
-        }
-    }
-    return backups;
-}
-
-// Whether no call can have this reason for this state. Backups are released and excluded ones skipped only
-// while a configuration is short, and no other valid one is passed over then.
-bool isContradicted(const SAccountBackup& backup) {
-    if (!backup.reason.has_value()) {
-        return false;
-    }
-    const SReason& reason = *backup.reason;
-    switch (reason.kind) {
-        case EReason::kNeeded:
-        case EReason::kInVain:
-            return reason.configuration.empty();
-        case EReason::kExcluded:
-            return backup.state == FI_BACKUP_INVALID || reason.configuration.empty();
-        case EReason::kNewestHolder:
-        case EReason::kHoldsNothing:
-        case EReason::kRotationStopped:
-            return backup.state == FI_BACKUP_INVALID || !reason.configuration.empty();
-        default:
-            return false;
-    }
-}
-
-// Where a line of a tree was lost, a backup seems to hold less than it did: then its state may have no
-// reason, or a target that seems to be free was not chosen.
-bool isPlausible(const SAccount& account) {
-    if (std::any_of(account.backups.begin(), account.backups.end(), isContradicted)) {
-        return false;
-    }
-    const auto chosen = choices(account.selection.value_or(""));
-    if (!chosen.has_value() || chosen->size() != account.heldAfter.size()) {
-        return true;
-    }
-    for (std::size_t i = 0; i < chosen->size(); ++i) {
-        const auto& holders = account.heldAfter[i];
-        const auto free = std::find(holders.begin(), holders.end(), std::nullopt);
-        const auto index = static_cast<std::size_t>(free - holders.begin());
-        if (free == holders.end() || account.configurations[i].targets[index] != (*chosen)[i].chosen) {
-            return false;
-        }
-    }
-    return true;
-}
-
-void withdrawReasons(SAccount& account) {
-    for (SAccountBackup& backup : account.backups) {
-        backup.reason.reset();
-    }
-    account.shortages.clear();
-    account.heldBefore.clear();
-    account.heldAfter.clear();
 }
 
 }  // namespace
