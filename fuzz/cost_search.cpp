@@ -136,12 +136,15 @@ struct SLength {
 
 class CSearch {
 public:
-    CSearch(CMutator changes, std::vector<std::string> first, bool areEnclosuresLimited)
-        : mutator(std::move(changes)), seeds(std::move(first)), isLimited(areEnclosuresLimited) {}
+    CSearch(CMutator changes, std::vector<std::string> first, std::string kept, bool areEnclosuresLimited)
+        : mutator(std::move(changes)),
+          seeds(std::move(first)),
+          folder(std::move(kept)),
+          isLimited(areEnclosuresLimited) {}
 
     // One round: starts from the seeds again and, but for every third round, from the costliest input so far.
-    // It ends at `end`, a processor time. The input that costs most is kept in `folder`.
-    void run(SLength& length, double end, const std::string& folder) {
+    // It ends at `end`, a processor time.
+    void run(SLength& length, double end) {
         CCostliest costliest;
         const auto addBeginningOf = [&](const std::string& seed) {
             const std::string text = seed.substr(0, length.longest);
@@ -161,8 +164,7 @@ public:
         if (costliest.most() > length.most) {
             length.most = costliest.most();
             length.bytes = costliest.all().front().size();
-            std::ofstream(folder + "/" + std::to_string(length.longest), std::ios::binary)
-                << costliest.all().front();
+            keep(std::to_string(length.longest), costliest.all().front());
         }
         if (costliest.most() > mostOfAll) {
             mostOfAll = costliest.most();
@@ -174,12 +176,22 @@ public:
 
 private:
     double costOf(const std::string& text, double least) {
-        const bool isRefused = isLimited && fi_rotate::findLongEnclosure(text).has_value();
-        return isRefused ? 0 : cost.perByte(text, least);
+        if (isLimited && fi_rotate::findLongEnclosure(text).has_value()) {
+            return 0;
+        }
+        // If it breaks a rule of the fuzzer's program, that ends here.
+        keep("last", text);
+        return cost.perByte(text, least);
+    }
+
+    void keep(const std::string& name, const std::string& text) const {
+        std::ofstream(folder + "/" + name, std::ios::binary) << text;
     }
 
     CMutator mutator;
     std::vector<std::string> seeds;
+    // The costliest input of each length and the last one are written there.
+    std::string folder;
     // Whether inputs are passed over that the host library and fi-rotate refuse before they read them.
     bool isLimited = false;
     CCost cost;
@@ -205,13 +217,12 @@ int main(int count, char** arguments) {
     const double seconds = std::stod(arguments[1]);
     std::vector<std::string> seeds;
     std::transform(arguments + kFirstInput, arguments + count, std::back_inserter(seeds), contentOf);
-    CSearch search({wordsIn(arguments[4]), std::stoull(arguments[2])}, std::move(seeds),
+    CSearch search({wordsIn(arguments[4]), std::stoull(arguments[2])}, std::move(seeds), arguments[3],
                    std::string(arguments[5]) == "limited");
 
     std::array<SLength, 4> lengths{{{4096}, {16384}, {32768}, {131072}}};
     for (std::size_t round = 0; processorTime() < seconds; ++round) {
-        search.run(lengths.at(round % lengths.size()), std::min(seconds, processorTime() + kRound),
-                   arguments[3]);
+        search.run(lengths.at(round % lengths.size()), std::min(seconds, processorTime() + kRound));
     }
     std::fprintf(stderr, "%.0f s, %zu inputs\n", processorTime(), search.inputs());
     for (const SLength& length : lengths) {
