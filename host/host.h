@@ -109,9 +109,9 @@ typedef enum fi_rotation_problem {
     FI_ROTATION_TOO_LARGE = 16,
     /* It holds a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is ignored. */
     FI_ROTATION_NUL_BYTE = 32,
-    /* It was listed before, under this name or another. Permitted: it counts twice. Where entries have the
-     * same name, the last of them says whether all are excluded; under another name, each counts for itself,
-     * and one of the two becomes invalid if it holds a target. */
+    /* It was listed before, under this name or another. Permitted: entries with the same name are one backup,
+     * with one state, excluded if the last of them is; under another name, each counts for itself, and one of
+     * the two becomes invalid if it holds a target. */
     FI_ROTATION_LISTED_TWICE = 64,
     /* It is not well-formed XML, or is beyond a limit of reading (SECURITY.md). Permitted: what was read
      * before that place is used. If that is nothing, as before some of the limits, it has no Node either. */
@@ -261,7 +261,7 @@ FI_ROTATION_API int32_t fi_rotation_call_target_holder(const fi_rotation_call* c
  * ---- the backups, in the order of adding ----
  *
  * Time stamp, targets and reason are known when reasons were asked for, and always with
- * FI_ROTATION_NO_FREE_TARGET and FI_ROTATION_TOO_FEW_BACKUPS.
+ * FI_ROTATION_NO_FREE_TARGET and FI_ROTATION_TOO_FEW_BACKUPS; never with FI_ROTATION_REFUSED.
  */
 
 FI_ROTATION_API int32_t fi_rotation_call_backup_count(const fi_rotation_call* call);
@@ -270,7 +270,7 @@ FI_ROTATION_API const char* fi_rotation_call_backup_file(const fi_rotation_call*
 FI_ROTATION_API uint32_t fi_rotation_call_backup_problems(const fi_rotation_call* call, int32_t backup);
 FI_ROTATION_API fi_rotation_state fi_rotation_call_backup_state(const fi_rotation_call* call, int32_t backup);
 /* The time stamp of its document; null when that has none, or when it is not known, as for a backup that does
- * not agree with the configuration. */
+ * not agree with the configuration or whose document was not read. */
 FI_ROTATION_API const char* fi_rotation_call_backup_time_stamp(const fi_rotation_call* call, int32_t backup);
 /* The targets that it held before any was released, ENCLOSURE##DEVICE. Of an invalid backup none are named,
  * not even those that stay used. */

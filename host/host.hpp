@@ -167,10 +167,10 @@ struct SBackupOutcome {
     std::set<EProblem> problems;
     // Nothing unless the outcome is kSelected and its document was not ignored.
     std::optional<EState> state;
-    // With reasons, and always with kNoFreeTarget and kTooFewBackups: the time stamp of its document, nothing
-    // if that has none, or for a backup that does not agree with the configuration; the reason of its state,
-    // nothing when that is not known; and the targets that it held before any was released. For an invalid
-    // backup none are named, not even those that stay used.
+    // With reasons, and always with kNoFreeTarget and kTooFewBackups, but never with kRefused: the time stamp
+    // of its document, nothing if that has none or was not read, or for a backup that does not agree with the
+    // configuration; the reason of its state, nothing when that is not known; and the targets that it held
+    // before any was released. For an invalid backup none are named, not even those that stay used.
     std::optional<std::string> timeStamp;
     std::optional<SReason> reason;
     std::vector<std::string> targets;

@@ -46,9 +46,9 @@ class ProblemKind(enum.IntFlag):
         NOT_WELL_FORMED, too, and has no Node.
     NUL_BYTE: The document contains a NUL byte, as text in UTF-16 does. Permitted: the rest of that line is not
         used.
-    LISTED_TWICE: The document is listed a second time, under this name or another. Permitted: it counts twice.
-        Where entries have the same name, the last of them says whether all are excluded; under another name, each
-        entry counts for itself, and one of the two becomes invalid if it holds a target.
+    LISTED_TWICE: The document is listed a second time, under this name or another. Permitted: entries with the same
+        name are one backup, with one state, excluded if the last of them is; under another name, each entry counts
+        for itself, and one of the two becomes invalid if it holds a target.
     NOT_WELL_FORMED: The document is not well-formed XML, or exceeds a limit of reading. Permitted: what was read
         before that place is used. If that is nothing, as before some of the limits, it has no Node either.
     NO_NODE: The document has no Node. Permitted: it is ignored, and its targets look free.
@@ -103,8 +103,8 @@ class Backup:
 
     file: The name of its document, decoded by os.fsdecode; os.fsencode gives the same bytes again.
     problems: The problems of its document, including permitted ones.
-    time_stamp: The text of its document's timeStamp; None when the document has none, or when the backup does not agree
-        with the configuration.
+    time_stamp: The text of its document's timeStamp; None when the document has none or was not read, when the backup
+        does not agree with the configuration, and after Refused.
     targets: The targets that it held before backups were released, each ENCLOSURE##DEVICE. Empty when it is
         invalid, although some may stay used.
     reason: Why it is in its state, as a word for programs: "newest_holder", "holds_nothing", "excluded",
