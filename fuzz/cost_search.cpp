@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -140,6 +141,7 @@ public:
         : mutator(std::move(changes)),
           seeds(std::move(first)),
           folder(std::move(kept)),
+          last(folder + "/last", std::ios::binary),
           isLimited(areEnclosuresLimited) {}
 
     // One round: starts from the seeds again and, but for every third round, from the costliest input so far.
@@ -179,9 +181,16 @@ private:
         if (isLimited && fi_rotate::findLongEnclosure(text).has_value()) {
             return 0;
         }
-        // If it breaks a rule of the fuzzer's program, that ends here.
-        keep("last", text);
+        keepLast(text);
         return cost.perByte(text, least);
+    }
+
+    // If an input breaks a rule of the fuzzer's program, that ends there. The file stays open, because
+    // closing it each time would wait for the disk.
+    void keepLast(const std::string& text) {
+        last.seekp(0);
+        last << text << std::flush;
+        std::filesystem::resize_file(folder + "/last", text.size());
     }
 
     void keep(const std::string& name, const std::string& text) const {
@@ -192,6 +201,7 @@ private:
     std::vector<std::string> seeds;
     // The costliest input of each length and the last one are written there.
     std::string folder;
+    std::ofstream last;
     // Whether inputs are passed over that the host library and fi-rotate refuse before they read them.
     bool isLimited = false;
     CCost cost;
