@@ -52,19 +52,23 @@ std::string describeMissing(const CAccountReader& account, const std::vector<SBa
 
 }  // namespace
 
-bool isOfSeveralCalls(const CAccountReader& account) {
-    const States states = finalStates(account);
-    if (states.size() != account.finalStates.size()) {
-        return true;
-    }
+bool isExcludedYetRotated(const CAccountReader& account) {
+    // The last flag word of a name counts.
+    const std::unordered_map<std::string, std::int32_t> flagWords(account.flagWords.rbegin(),
+                                                                  account.flagWords.rend());
+    return std::any_of(account.finalStates.begin(), account.finalStates.end(),
+                       [&flagWords](const auto& told) {
+                           const auto flagWord = flagWords.find(told.first);
+                           return told.second == FI_BACKUP_ROTATED && flagWord != flagWords.end() &&
+                                  (flagWord->second & FI_EXCLUDE_ROTATION) != 0;
+                       });
+}
+
+bool hasNameTwice(const CAccountReader& account) {
     std::set<std::string> names;
-    return std::any_of(
-        account.flagWords.begin(), account.flagWords.end(), [&names, &states](const auto& listed) {
-            const auto& [file, flagWord] = listed;
-            const auto state = states.find(file);
-            const bool isRotated = state != states.end() && state->second == FI_BACKUP_ROTATED;
-            return !names.insert(file).second || (isRotated && (flagWord & FI_EXCLUDE_ROTATION) != 0);
-        });
+    return finalStates(account).size() != account.finalStates.size() ||
+           std::any_of(account.flagWords.begin(), account.flagWords.end(),
+                       [&names](const auto& listed) { return !names.insert(listed.first).second; });
 }
 
 std::vector<SBackupOutcome> backupsOf(const CAccountReader& account, bool areNamesOfOneCall,

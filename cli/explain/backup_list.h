@@ -9,10 +9,13 @@
 // Which backups the lines of a call in a log tell of.
 namespace fi_rotate {
 
-// Whether lines that seem to be of one call may be of two: a name has two flag words or two states, or a
-// backup is excluded and yet rotated. To be asked only when lines are missing, because a whole call may list
-// a name twice.
-bool isOfSeveralCalls(const CAccountReader& account);
+// Whether an excluded backup seems to be rotated, which happens in no call: the flag words are those of one
+// call and the states those of another, and the lines between are missing.
+bool isExcludedYetRotated(const CAccountReader& account);
+
+// Whether a name has two flag words or two states. Where lines are missing, these may be of two calls. A
+// whole call may list a name twice, too.
+bool hasNameTwice(const CAccountReader& account);
 
 // All backups that the log names, first those whose flag words it lacks, which is added to `missing`. These
 // are left out unless the lines that name them are of one call for certain. When lines of the loading are

@@ -164,7 +164,7 @@ bool CCallReader::areBackupsKnown(const std::vector<std::string>& gaps) const {
 }
 
 bool CCallReader::seemsMixed(const std::vector<std::string>& gaps) const {
-    return order.isBroken() || (!gaps.empty() && isOfSeveralCalls(account)) ||
+    return order.isBroken() || isExcludedYetRotated(account) || (!gaps.empty() && hasNameTwice(account)) ||
            (!hasProgressLevel && !prefixesOfFlagWords.areAllSame());
 }
 

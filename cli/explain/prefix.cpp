@@ -241,4 +241,15 @@ bool hasTime(std::string_view shape) {
     return shape.find(kTime) != std::string_view::npos;
 }
 
+std::vector<bool> areProcessesIn(std::string_view shape) {
+    const std::string process{kWord, '[', kWord, ']'};
+    std::vector<bool> are;
+    for (std::size_t i = 0; i < shape.size(); ++i) {
+        if (shape[i] == kWord) {
+            are.push_back(i >= 2 && shape.substr(i - 2, process.size()) == process);
+        }
+    }
+    return are;
+}
+
 }  // namespace fi_rotate

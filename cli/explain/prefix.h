@@ -25,4 +25,8 @@ SPrefix prefixOf(std::string_view text);
 
 bool hasTime(std::string_view shape);
 
+// For each word of the prefixes with this shape, whether it stands in brackets behind another word, as the
+// process in "name[123]:".
+std::vector<bool> areProcessesIn(std::string_view shape);
+
 }  // namespace fi_rotate

@@ -15,8 +15,9 @@ CWriters::CWriters(const std::vector<SNamedLine>& lines) {
         learn(line);
     }
     for (auto& [shape, format] : formats) {
-        for (SWordPosition& position : format) {
-            position.isName = namesWriter(position);
+        const std::vector<bool> areProcesses = areProcessesIn(shape);
+        for (std::size_t i = 0; i < format.size(); ++i) {
+            format[i].isName = namesWriter(format[i], areProcesses[i]);
         }
     }
     for (const SNamedLine& line : lines) {
@@ -64,7 +65,7 @@ void CWriters::follow(SWordPosition& position, std::string_view word) {
 // Counters and clocks change with each line, so a first line rarely has the same word. The words at a
 // position name the level instead when each of them occurs at one level only, because each call has lines at
 // both levels.
-bool CWriters::namesWriter(const SWordPosition& position) {
+bool CWriters::namesWriter(const SWordPosition& position, bool isProcess) {
     std::size_t all = 0;
     std::size_t ofBegun = 0;
     bool hasFailure = false;
@@ -78,19 +79,19 @@ bool CWriters::namesWriter(const SWordPosition& position) {
         isOfBothLevels = isOfBothLevels || (lines.hasFailure && lines.hasOther);
     }
     const bool isLevel = hasFailure && hasOther && !isOfBothLevels;
-    return !isLevel && (ofBegun > all / 2 || isOfWriters(position, all, ofBegun != 0));
+    return !isLevel && (ofBegun > all / 2 || isOfWriters(position, all, isProcess, ofBegun != 0));
 }
 
 // Decides for logs in which most lines belong to calls that had begun before. Few words, each in many lines,
-// name writers in two cases: no line with one of them begins a call; or they alternate, which the words of a
-// clock never do.
-bool CWriters::isOfWriters(const SWordPosition& position, std::size_t lines, bool isBegun) {
+// name writers in three cases: they stand where syslog has the process; no line with one of them begins a
+// call; or they alternate, which the words of a clock never do.
+bool CWriters::isOfWriters(const SWordPosition& position, std::size_t lines, bool isProcess, bool isBegun) {
     constexpr std::size_t kLeastLines = 4;
     if (lines < kLeastLines * position.words.size()) {
         return false;
     }
     const bool alternates = position.words.size() <= kRecentWords && position.returns > position.changes / 2;
-    return !isBegun || alternates;
+    return isProcess || !isBegun || alternates;
 }
 
 void CWriters::learnWriter(const SNamedLine& line) {

@@ -73,8 +73,8 @@ private:
     };
 
     static void follow(SWordPosition& position, std::string_view word);
-    static bool namesWriter(const SWordPosition& position);
-    static bool isOfWriters(const SWordPosition& position, std::size_t lines, bool isBegun);
+    static bool namesWriter(const SWordPosition& position, bool isProcess);
+    static bool isOfWriters(const SWordPosition& position, std::size_t lines, bool isProcess, bool isBegun);
     void learn(const SNamedLine& line);
     void learnWriter(const SNamedLine& line);
     void ignoreIfQuoted(const SNamedLine& line);

@@ -709,6 +709,50 @@ TEST_F(FiRotateLog, GivesNoReasonWhereABackupOfALaterCallSeemsToBeOfThisOne) {
     }
 }
 
+// The end of a call that excludes "old" and the beginning of the next one, which rotates it, are lost.
+TEST_F(FiRotateLog, TakesAnExcludedBackupThatSeemsRotatedForOneOfTwoCalls) {
+    std::vector<std::string> first;
+    std::vector<std::string> second;
+    SCall call = rotation();
+    traced(call, second);
+    call.backups[0].flagWord = FI_EXCLUDE_ROTATION;
+    traced(call, first);
+    const auto isParsed = [](const std::string& line) {
+        return line.find("fi_process_backups : parsed [") != std::string::npos;
+    };
+    first.erase(std::find_if(first.begin(), first.end(), isParsed), first.end());
+    first.insert(first.end(), std::find_if(second.begin(), second.end(), isParsed), second.end());
+    const auto calls = callsOf(first);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_THAT(calls[0].missing, ElementsAre(testing::StartsWith("what tells calls apart: ")));
+    EXPECT_EQ(calls[0].outcome.selection, std::nullopt);
+    EXPECT_THAT(calls[0].outcome.backups, testing::SizeIs(3));
+    for (const auto& backup : calls[0].outcome.backups) {
+        EXPECT_FALSE(backup.state.has_value());
+        EXPECT_FALSE(backup.reason.has_value());
+    }
+}
+
+// Most lines are of the process whose call has no beginning in the log.
+TEST_F(FiRotateLog, TellsProcessesInBracketsApartWhereOnlyOneBeginsACall) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const std::size_t cut = 10;
+    std::vector<std::string> log;
+    for (std::size_t i = 0; i < cut; ++i) {
+        log.push_back("host backupd[101]: " + lines[i].substr(2));
+    }
+    for (std::size_t i = cut; i < lines.size(); ++i) {
+        log.push_back("host backupd[103]: " + lines[i].substr(2));
+    }
+    const auto calls = callsOf(log);
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_FALSE(calls[0].isBeginningMissing);
+    EXPECT_EQ(calls[0].outcome.selection, std::nullopt);
+    EXPECT_TRUE(calls[1].isBeginningMissing);
+    EXPECT_TRUE(calls[1].outcome.selection.has_value());
+}
+
 TEST_F(FiRotateLog, ListsNoBackupByItsStateAloneWhereThePrefixesOfTheStatesDiffer) {
     std::vector<std::string> lines;
     traced(rotation(), lines);

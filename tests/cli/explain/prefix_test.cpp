@@ -84,4 +84,11 @@ TEST(FiRotateLogPrefix, TakesNothingInItForItsOwnMarks) {
     EXPECT_THAT(prefixOf("").words, IsEmpty());
 }
 
+TEST(FiRotateLogPrefix, TellsWhichWordsStandWhereSyslogHasTheProcess) {
+    EXPECT_THAT(fi_rotate::areProcessesIn(prefixOf("Nov 22 01:30:00 host backupd[17]: ").shape),
+                ElementsAre(false, false, true));
+    EXPECT_THAT(fi_rotate::areProcessesIn(prefixOf("[17] host: [18] backupd(19)[ ").shape),
+                testing::AllOf(testing::SizeIs(5), testing::Each(false)));
+}
+
 }  // namespace
