@@ -33,7 +33,7 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitDone, "explain", "the calls are shown"},
     {kExitDone, "simulate", "the rounds were run, with or without a target for each"},
     {kExitNotWritten, "all", "the output could not be written, or the work could not be finished"},
-    {kExitUsage, "all", "wrong usage; nothing was done"},
+    {kExitUsage, "all", "wrong usage, or a configuration or log cannot be read; nothing was done"},
     {kExitNegative, "select", "there is no selection"},
     {kExitNegative, "check", "errors were found"},
     {kExitNegative, "explain", "the log does not contain the call"},
@@ -41,8 +41,8 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitException, "simulate", "an exception left the library"},
     {kExitWarnings, "check", "warnings were found, but no errors"},
     {kExitNotWhole, "select",
-     "documents were ignored or read only in part; with --strict, an input is missing or damaged and nothing "
-     "is decided"},
+     "documents were ignored or read only in part; with --strict, a document is missing or an input damaged, "
+     "and nothing is decided"},
     {kExitTooFewKept, "select", "too few backups would be kept for --keep-at-least, and nothing is decided"},
     {kExitSignal + SIGINT, "simulate", "interrupted with Ctrl-C; the finished rounds are shown"},
 };
