@@ -93,10 +93,8 @@ constexpr std::string_view kAvailable = "Available";
 // The names of operations that lines begin with.
 constexpr std::string_view kParserOperation = "CFiResourceParser::parse : ";
 constexpr std::array<std::string_view, 5> kOperations{
-    "fi_process_backups : ",
-    kParserOperation,
-    "CFiResourceManager::print : ",
-    "CFiFiidLoader::load: ERROR: ",
+    "fi_process_backups : ",         kParserOperation,
+    "CFiResourceManager::print : ",  "CFiFiidLoader::load: ERROR: ",
     "CFiFiidHandler::fatalError : ",
 };
 
