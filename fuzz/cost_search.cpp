@@ -49,12 +49,11 @@ public:
         }
     }
 
-    // Nanoseconds for each byte, the least of several runs, or less than `least` once a run takes less.
-    double perByte(const std::string& text, double least) {
+    // Nanoseconds for each byte, the least of several runs, or less than `least` once a run takes less. An
+    // input with fewer than `shortest` bytes counts as if it had so many.
+    double perByte(const std::string& text, std::size_t shortest, double least) {
         constexpr int kRuns = 4;
-        // What a call costs whatever its input is would count too much for a shorter one.
-        constexpr std::size_t kShortest = 1024;
-        const auto bytes = static_cast<double>(std::max(text.size(), kShortest));
+        const auto bytes = static_cast<double>(std::max(text.size(), shortest));
         double cost = (secondsFor(text) - ofEmpty) * kNanoseconds / bytes;
         for (int i = 1; i < kRuns && cost >= least; ++i) {
             cost = std::min(cost, (secondsFor(text) - ofEmpty) * kNanoseconds / bytes);
@@ -150,7 +149,7 @@ public:
         CCostliest costliest;
         const auto addBeginningOf = [&](const std::string& seed) {
             const std::string text = seed.substr(0, length.longest);
-            costliest.add(text, costOf(text, 0));
+            costliest.add(text, costOf(text, length, 0));
         };
         std::for_each(seeds.begin(), seeds.end(), addBeginningOf);
         if (rounds++ % 3 != 0) {
@@ -160,7 +159,7 @@ public:
             const std::vector<std::string>& all = costliest.all();
             const std::size_t index = std::min(mutator.below(all.size()), mutator.below(all.size()));
             std::string text = mutator.change(all[index], all, length.longest);
-            const double most = costOf(text, costliest.least());
+            const double most = costOf(text, length, costliest.least());
             costliest.add(std::move(text), most);
         }
         if (costliest.most() > length.most) {
@@ -177,12 +176,14 @@ public:
     std::size_t inputs() const { return cost.inputs; }
 
 private:
-    double costOf(const std::string& text, double least) {
+    // Inputs much shorter than the others of their round count as longer: the least inputs cost the most for
+    // each byte, and would hide what only large ones cost.
+    double costOf(const std::string& text, const SLength& length, double least) {
         if (isLimited && fi_rotate::findLongEnclosure(text).has_value()) {
             return 0;
         }
         keepLast(text);
-        return cost.perByte(text, least);
+        return cost.perByte(text, length.longest / 4, least);
     }
 
     // If an input breaks a rule of the fuzzer's program, that ends there. The file stays open, because
