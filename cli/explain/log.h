@@ -36,7 +36,7 @@ private:
         bool tellsDamage = false;
     };
 
-    void keepProgress(std::string_view line, std::size_t text);
+    void keepProgress(std::string_view whole, std::size_t text);
 
     std::vector<std::string> logs{std::string()};
     std::size_t lineCount = 0;
