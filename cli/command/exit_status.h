@@ -33,7 +33,7 @@ constexpr SExitStatus kExitStatuses[] = {
     {kExitDone, "explain", "the calls are shown"},
     {kExitDone, "simulate", "the rounds were run, with or without a target for each"},
     {kExitNotWritten, "all", "the output could not be written, or the work could not be finished"},
-    {kExitUsage, "all", "wrong usage, or a configuration or log cannot be read; nothing was done"},
+    {kExitUsage, "all", "wrong usage, or a file (not a document) cannot be used; nothing was done"},
     {kExitNegative, "select", "there is no selection"},
     {kExitNegative, "check", "errors were found"},
     {kExitNegative, "explain", "the log does not contain the call"},

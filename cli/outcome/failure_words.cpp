@@ -45,8 +45,8 @@ std::string failureInWords(const std::string& traced) {
         }
     }
     if (entersDamage(traced)) {
-        return "a document was read only in part: it cannot be read to its end as XML; fi-rotate check shows "
-               "where";
+        return "a document cannot be read to its end as XML, so no more than its beginning was used; "
+               "fi-rotate check shows where";
     }
     // Only a hardened library traces it, and the host library.
     if (const auto arguments = argumentsOf(ETraceText::kMalformedDocument, traced)) {

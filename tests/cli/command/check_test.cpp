@@ -390,7 +390,7 @@ TEST(FiRotateCheck, HelpEndsWithTheExitStatusesOfThisSubcommand) {
                 EndsWith("\n\nExit status:\n"
                          "    0  no errors and no warnings\n"
                          "    1  the output could not be written, or the work could not be finished\n"
-                         "    2  wrong usage, or a configuration or log cannot be read; nothing was done\n"
+                         "    2  wrong usage, or a file (not a document) cannot be used; nothing was done\n"
                          "    3  errors were found\n"
                          "    5  warnings were found, but no errors\n"));
 }

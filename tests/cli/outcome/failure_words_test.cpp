@@ -40,9 +40,9 @@ TEST(FiRotateFailureWords, SayWhereAHardenedLibraryStopsReading) {
 }
 
 TEST(FiRotateFailureWords, SayThatADocumentIsReadInPart) {
-    EXPECT_EQ(
-        failureInWords("Entering CFiFiidHandler::fatalError"),
-        "a document was read only in part: it cannot be read to its end as XML; fi-rotate check shows where");
+    EXPECT_EQ(failureInWords("Entering CFiFiidHandler::fatalError"),
+              "a document cannot be read to its end as XML, so no more than its beginning was used; "
+              "fi-rotate check shows where");
 }
 
 // A message of ours may begin as the line of a malformed identifier does: with the name of a file.
