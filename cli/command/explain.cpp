@@ -33,7 +33,7 @@ log. When lines that matter are missing, the output says which, and gives no rea
 the beginning of a call it gives none and may miss backups, too, so give the older log first.
 
 The trace does not contain the selection of a first backup, unless the product uses the host library, nor the
-time stamp of a backup whose objid or altobjid matches no configuration.)";
+time stamp of a backup whose objid or altobjid matches no configuration, nor any before an exception.)";
 
 struct SOptions {
     std::vector<std::string> logs{"-"};
