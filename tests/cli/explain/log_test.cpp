@@ -685,6 +685,17 @@ TEST_F(FiRotateLog, ShowsNoStateThatFollowsOnNoSelection) {
     }
 }
 
+// A log in which `first` breaks off before it loads documents, and `later` begins there.
+std::vector<std::string> joinedAtLoading(std::vector<std::string> first,
+                                         const std::vector<std::string>& later) {
+    const auto isParsed = [](const std::string& line) {
+        return line.find("fi_process_backups : parsed [") != std::string::npos;
+    };
+    first.erase(std::find_if(first.begin(), first.end(), isParsed), first.end());
+    first.insert(first.end(), std::find_if(later.begin(), later.end(), isParsed), later.end());
+    return first;
+}
+
 TEST_F(FiRotateLog, GivesNoReasonWhereABackupOfALaterCallSeemsToBeOfThisOne) {
     std::vector<std::string> lines;
     SCall call = rotation();
@@ -692,13 +703,7 @@ TEST_F(FiRotateLog, GivesNoReasonWhereABackupOfALaterCallSeemsToBeOfThisOne) {
     call.backups[0].file = folder.write("newer", document("4", {{"A##x", "A##2"}}));
     std::vector<std::string> later;
     traced(call, later);
-    const auto isParsed = [](const std::string& line) {
-        return line.find("fi_process_backups : parsed [") != std::string::npos;
-    };
-    // The first call breaks off before it loads documents, and the later one begins there.
-    lines.erase(std::find_if(lines.begin(), lines.end(), isParsed), lines.end());
-    lines.insert(lines.end(), std::find_if(later.begin(), later.end(), isParsed), later.end());
-    const auto calls = callsOf(lines);
+    const auto calls = callsOf(joinedAtLoading(lines, later));
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls[0].missing, ElementsAre("the flag word of \"" + call.backups[0].file +
                                               "\"; lines of two calls may look like one here"));
@@ -717,12 +722,7 @@ TEST_F(FiRotateLog, TakesAnExcludedBackupThatSeemsRotatedForOneOfTwoCalls) {
     traced(call, second);
     call.backups[0].flagWord = FI_EXCLUDE_ROTATION;
     traced(call, first);
-    const auto isParsed = [](const std::string& line) {
-        return line.find("fi_process_backups : parsed [") != std::string::npos;
-    };
-    first.erase(std::find_if(first.begin(), first.end(), isParsed), first.end());
-    first.insert(first.end(), std::find_if(second.begin(), second.end(), isParsed), second.end());
-    const auto calls = callsOf(first);
+    const auto calls = callsOf(joinedAtLoading(first, second));
     ASSERT_EQ(calls.size(), 1U);
     EXPECT_THAT(calls[0].missing, ElementsAre(testing::StartsWith("what tells calls apart: ")));
     EXPECT_EQ(calls[0].outcome.selection, std::nullopt);
