@@ -202,6 +202,12 @@ std::optional<std::string_view> nodeTextIn(ETraceText kind, std::string_view tex
     return arguments.has_value() ? std::optional(arguments->at(1)) : std::nullopt;
 }
 
+bool isOfTree(std::string_view text) {
+    return nodeTextIn(ETraceText::kNodeObjid, text).has_value() ||
+           nodeTextIn(ETraceText::kNodeAltobjid, text).has_value() ||
+           nodeTextIn(ETraceText::kNodeType, text).has_value();
+}
+
 bool isUnnamed(std::string_view text) {
     constexpr std::array<std::string_view, 4> kStates{kAvailable, "Used", "Invalid", "Unknown"};
     const auto isPrinted = [text, &kStates](ETraceText kind) {
@@ -209,10 +215,8 @@ bool isUnnamed(std::string_view text) {
         return arguments.has_value() &&
                std::find(kStates.begin(), kStates.end(), arguments->back()) != kStates.end();
     };
-    return nodeTextIn(ETraceText::kNodeObjid, text).has_value() ||
-           nodeTextIn(ETraceText::kNodeAltobjid, text).has_value() ||
-           nodeTextIn(ETraceText::kNodeType, text).has_value() || isPrinted(ETraceText::kFirstTarget) ||
-           isPrinted(ETraceText::kFurtherTarget) || startsAs(ETraceText::kMalformedIdentifier, text);
+    return isOfTree(text) || isPrinted(ETraceText::kFirstTarget) || isPrinted(ETraceText::kFurtherTarget) ||
+           startsAs(ETraceText::kMalformedIdentifier, text);
 }
 
 std::string toTraceLine(int level, std::string_view text) {

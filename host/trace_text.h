@@ -86,6 +86,8 @@ bool rejectsConfiguration(std::string_view text);
 
 // The argument behind the indentation of a tree's line, of the kind kNodeObjid, kNodeAltobjid or kNodeType.
 std::optional<std::string_view> nodeTextIn(ETraceText kind, std::string_view text);
+// Whether the text is such a line of a tree.
+bool isOfTree(std::string_view text);
 
 // How the line of a printed target names the state of a target that is free.
 constexpr std::string_view kAvailable = "Available";

@@ -45,7 +45,8 @@ std::vector<SBackupOutcome> withoutFlagWord(const CAccountReader& account) {
 
 std::string describeMissing(const CAccountReader& account, const std::vector<SBackupOutcome>& without) {
     if (account.hasBeginning() && account.flagWords.empty()) {
-        return "the flag words, and all other messages of level 3: set the product's log to levels 3 and 4";
+        return "the flag words, and all other messages of level 3: they are lost, or the product's log is "
+               "not set to levels 3 and 4";
     }
     return describeMissingFlagWords(without.front().given.file, without.size());
 }

@@ -9,12 +9,6 @@
 namespace fi_rotate {
 namespace {
 
-bool isOfTree(std::string_view text) {
-    return nodeTextIn(ETraceText::kNodeObjid, text).has_value() ||
-           nodeTextIn(ETraceText::kNodeAltobjid, text).has_value() ||
-           nodeTextIn(ETraceText::kNodeType, text).has_value();
-}
-
 // The names in a printed target, without its state, which changes.
 std::optional<std::string_view> targetIn(std::string_view text) {
     for (const ETraceText kind : {ETraceText::kFirstTarget, ETraceText::kFurtherTarget}) {

@@ -399,8 +399,7 @@ void explainBars(SPicture& picture, const SOutcome& outcome) {
     picture.rotatedMeaning = explain(EBar::kRotated, "rotated: ends with this call");
     picture.excludedMeaning = explain(EBar::kExcluded, "excluded from rotation");
     picture.invalidMeaning = explain(EBar::kInvalid, "invalid");
-    picture.unprotectedMeaning =
-        explain(EBar::kUnprotected, "named by an invalid backup only: the library may choose it");
+    picture.unprotectedMeaning = explain(EBar::kUnprotected, std::string(kUnprotectedMeaning));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // The contents of a picture with targets as rows and time as columns. Positions in time are numbers on the
@@ -19,6 +20,9 @@ enum class EBar {
     // Of an invalid backup that does not hold the target.
     kUnprotected,
 };
+
+// What a bar of the kind kUnprotected means.
+constexpr std::string_view kUnprotectedMeaning = "named by an invalid backup only: the library may choose it";
 
 struct SBar {
     double from = 0;

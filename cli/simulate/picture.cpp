@@ -291,8 +291,7 @@ SPicture pictureOf(const SSimulation& simulation) {
     picture.plainMeaning = picture.has(EBar::kPlain) ? "a snapshot, until it is rotated" : "";
     picture.excludedMeaning = picture.has(EBar::kExcluded) ? "excluded from rotation" : "";
     picture.invalidMeaning = picture.has(EBar::kInvalid) ? invalidMeaningOf(simulation) : "";
-    picture.unprotectedMeaning =
-        picture.has(EBar::kUnprotected) ? "named by an invalid backup only: the library may choose it" : "";
+    picture.unprotectedMeaning = picture.has(EBar::kUnprotected) ? kUnprotectedMeaning : "";
     picture.openMeaning = picture.hasRow([](const SPictureRow& row) {
         return std::any_of(row.bars.begin(), row.bars.end(), [](const SBar& bar) { return bar.isOpen; });
     })

@@ -13,6 +13,7 @@
 
 #include "cli/base/columns.h"
 #include "cli/base/text.h"
+#include "cli/picture/picture.h"
 #include "cli/simulate/report.h"
 
 namespace fi_rotate {
@@ -140,8 +141,7 @@ std::string legendOf(const Cells& cells) {
     std::string text =
         "  a letter: the backup that holds the target; a capital letter: an excluded one; .: free\n";
     if (areIn(cells, kUnprotected)) {
-        text +=
-            fmt::format("  {}: named by an invalid backup only: the library may choose it\n", kUnprotected);
+        text += fmt::format("  {}: {}\n", kUnprotected, kUnprotectedMeaning);
     }
     if (areIn(cells, kHeldByInvalid)) {
         text += fmt::format("  {}: held by an invalid backup: not free in the call of this round\n",

@@ -825,8 +825,9 @@ TEST_F(FiRotateLog, SaysWhichLevelOfTheLibraryIsNotLogged) {
     ASSERT_EQ(ofProgress.size(), 1U);
     EXPECT_THAT(
         ofProgress[0].missing,
-        ElementsAre("the flag words, and all other messages of level 3: set the product's log to levels "
-                    "3 and 4"));
+        ElementsAre(
+            "the flag words, and all other messages of level 3: they are lost, or the product's log is not "
+            "set to levels 3 and 4"));
 }
 
 TEST_F(FiRotateLog, SaysNothingFalseAboutACallThatBreaksOff) {
