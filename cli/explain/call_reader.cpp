@@ -11,6 +11,7 @@
 #include <fi_rotation/fi_process_backups.h>
 
 #include "cli/explain/backup_list.h"
+#include "cli/explain/log_time.h"
 #include "cli/explain/plausibility.h"
 #include "host/explanation.h"
 #include "host/trace_text.h"
@@ -39,6 +40,9 @@ bool beginsCall(std::string_view text) {
 
 void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& place,
                        const std::vector<std::string_view>& words) {
+    if (isMuchLater(place.time, call.last.time)) {
+        endCall();
+    }
     if (kind == ELogText::kProgress || kind == ELogText::kDamage) {
         goOn(kind, place);
         return;

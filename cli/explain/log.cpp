@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cli/explain/indentation.h"
+#include "cli/explain/log_time.h"
 #include "cli/explain/writers.h"
 #include "host/trace_text.h"
 
@@ -210,7 +211,7 @@ void CLogReader::keepProgress(std::string_view whole, std::size_t text) {
     const auto isOfSame = [prefix](const SLine& last) {
         const SPrefix before = prefixOf(last.text);
         const SPrefix now = prefixOf(prefix);
-        return before.shape == now.shape && before.words == now.words;
+        return before.shape == now.shape && before.words == now.words && !isMuchLater(now.time, before.time);
     };
     const SLine line{logs.size() - 1, lineCount, std::string(prefix), true, tellsDamage};
     const bool isReplaceable = !lines.empty() && lines.back().isProgress && !lines.back().tellsDamage;

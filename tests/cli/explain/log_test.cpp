@@ -807,6 +807,38 @@ TEST_F(FiRotateLog, DoesNotAddTheStatesOfALaterCallToAWholeOne) {
     EXPECT_EQ(calls[1].outcome.backups[0].given.file, folder.path("newer"));
 }
 
+// Each line with a time in front of it.
+std::vector<std::string> at(const std::string& time, std::vector<std::string> lines) {
+    for (std::string& line : lines) {
+        line.insert(0, time + " app[7]: ");
+    }
+    return lines;
+}
+
+TEST_F(FiRotateLog, TellsTheCallsOfTwoNightsApartWhenTheLinesBetweenThemAreMissing) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto middle = lines.begin() + static_cast<std::ptrdiff_t>(lines.size() / 2);
+    const auto callsAt = [&lines, middle](const std::string& first, const std::string& second) {
+        std::vector<std::string> log = at(first, {lines.begin(), middle});
+        const std::vector<std::string> rest = at(second, {middle, lines.end()});
+        log.insert(log.end(), rest.begin(), rest.end());
+        return callsOf(log);
+    };
+    const auto slow = callsAt("2026-10-10 23:30:00", "2026-10-11 01:30:00");
+    ASSERT_EQ(slow.size(), 1U);
+    EXPECT_THAT(slow[0].missing, IsEmpty());
+
+    const auto nights = callsAt("2026-10-10 23:30:00", "2026-10-11 23:30:00");
+    ASSERT_EQ(nights.size(), 2U);
+    EXPECT_EQ(nights[0].last.line, lines.size() / 2);
+    EXPECT_EQ(nights[0].outcome.status, std::nullopt);
+    EXPECT_THAT(nights[0].missing, testing::Not(IsEmpty()));
+    EXPECT_EQ(nights[0].outcome.backups.size(), 3U);
+    EXPECT_TRUE(nights[1].isBeginningMissing);
+    EXPECT_EQ(nights[1].last.line, lines.size());
+}
+
 TEST_F(FiRotateLog, SaysWhichLevelOfTheLibraryIsNotLogged) {
     std::vector<std::string> lines;
     traced(rotation(), lines);
