@@ -53,7 +53,7 @@ def main():
         run = runs[name]
         print(f"{name:<16}{run['first_ms']:>10.1f}{run['last_ms']:>10.1f}{run['exponent']:>10.2f}")
 
-    print(f"\n{'memory':<10}{'calls':>7}{'documents MB':>14}{'peak MB':>9}{'peak/document byte':>20}{'peak behind last MB':>21}")
+    print(f"\n{'memory':<10}{'calls':>7}{'documents MB':>14}{'peak MB':>9}{'peak/document byte':>20}{'peak after last MB':>21}")
     for name, calls, size, first, last in rows_of(memory_file):
         size, first, last = int(size), int(first), int(last)
         print(f"{name:<10}{calls:>7}{size / 1e6:>14.1f}{first / 1e6:>9.1f}{first / size:>20.2f}{last / 1e6:>21.1f}")

@@ -89,9 +89,9 @@ void requireNoFileIsDestroyed(const std::vector<SOutput>& outputs, const std::ve
             continue;
         }
         if (*output.file == "-") {
-            refuse(
-                output,
-                "is not a file name; give ./- for a file of this name, or /dev/stdout for standard output");
+            refuse(output,
+                   "is not a file name; give ./- for a file of this name, or /dev/stdout if standard output "
+                   "is a pipe");
         }
         requireEndOfLinks(output);
         const auto identity = identityOf(*output.file);
