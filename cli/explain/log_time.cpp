@@ -185,7 +185,7 @@ std::size_t secondsLength(std::string_view text) {
 
 bool isMuchLater(std::string_view time, std::string_view before) {
     // Above an hour, by which clocks are put forward.
-    constexpr std::int64_t kSeconds = 2 * 60 * 60;
+    constexpr std::int64_t kSeconds = 7200;
     if (time == before) {
         return false;
     }
