@@ -78,7 +78,8 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
 
 // Reads an open file, which is not too large as far as its size says.
 SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBytes) {
-    std::array<char, std::size_t{64} << 10> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    // Small, because hosts call from threads with small stacks.
+    std::array<char, std::size_t{8} << 10> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init)
     std::uint64_t bytes = 0;
     ssize_t count = 0;
     while ((count = readSome(descriptor, buffer.data(), buffer.size())) > 0) {

@@ -108,6 +108,29 @@ TEST_F(CHostLibraryProcess, SetsTheXmlLibraryUpInARunWithoutDocuments) {
     EXPECT_NE(*manager, nullptr);
 }
 
+#ifndef __SANITIZE_ADDRESS__  // which needs more
+TEST_F(CHostLibraryProcess, DecidesInAThreadWithAStackOf64KiB) {
+    std::string deep;
+    for (int i = 0; i < 250; ++i) {
+        deep = "<Node>" + deep + "</Node>";
+    }
+    const HostCall call = newCall(kConfiguration, {holder("a.xml", "snap1"), write("deep.xml", deep)});
+    fi_rotation_call_ask_reasons(call.get(), 1);
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{64} << 10), 0);
+    pthread_t thread{};
+    const auto run = [](void* argument) -> void* {
+        fi_rotation_call_run(static_cast<fi_rotation_call*>(argument));
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, call.get()), 0);
+    pthread_attr_destroy(&attributes);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    EXPECT_STREQ(fi_rotation_call_selection(call.get()), "[encA##lun1;encA##snap2]");
+}
+#endif
+
 TEST_F(CHostLibraryProcess, LeavesTheTraceFunctionOfTheProcessAlone) {
     EXPECT_EQ(fi_rotation_call_run(goodCall().get()), FI_ROTATION_SELECTED);
     EXPECT_FALSE(isTraced);
