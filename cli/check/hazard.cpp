@@ -49,10 +49,11 @@ targets of both, and the selection names a target for each of them. If you do
 not intend that, list all further targets in one configuration.)"},
     {EHazard::kBlankInTarget, "blank-in-target", ESeverity::kWarning, EMender::kAdministrator,
      R"(The name of an enclosure or of a device begins or ends with a space or a tab,
-or has one where a line end or & was probably lost. The library does not remove
-it: it is part of the name, and only an identifier that has it too matches the
-target. If the name does not really have it, remove it, or put a line end before
-the next configuration.)"},
+or has one where a line end or & was probably lost, which is noticed only if
+names before and after it are alike. The library does not remove it: it is part
+of the name, and only an identifier that has it too matches the target. If the
+name does not really have it, remove it, or put a line end before the next
+configuration.)"},
     {EHazard::kCommaInTarget, "comma-in-target", ESeverity::kWarning, EMender::kAdministrator,
      R"(The name of an enclosure or of a device has a comma in it. Only a semicolon separates
 targets, so the text on both sides of the comma is one target. A backup that holds

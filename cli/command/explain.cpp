@@ -91,7 +91,7 @@ std::string inWords(const std::vector<std::string>& logs) {
 void reportNoCall(const SOptions& options, std::size_t count) {
     if (count == 0) {
         printError("there is no call of the library in " + inWords(options.logs) +
-                   "; a log must contain the library's trace");
+                   "; a log must contain the library's trace, and not only the middle of a call");
     } else {
         printError(fmt::format("there is no call {} in {}; the calls are numbered from 1 to {}",
                                *options.call, inWords(options.logs), count));

@@ -49,6 +49,7 @@ void CCallReader::read(const std::string& text, ELogText kind, const SLogPlace& 
     }
     const bool isNamed = kind == ELogText::kNamed;
     if (begins(text, isNamed)) {
+        isInterrupted = call.first.line != 0;
         endCall();
     }
     const bool isInCall = call.first.line != 0;
@@ -158,6 +159,7 @@ void CCallReader::endCall() {
     prefixesOfFlagWords = {};
     isEndedWhole.reset();
     hasProgressLevel = false;
+    isInterrupted = false;
     isAltered = false;
     isCut = false;
 }
@@ -247,8 +249,10 @@ std::optional<std::string> CCallReader::missingEnd() const {
     if (account.isSelectionSkipped) {
         return "the line with the selection";
     }
+    const char* const next =
+        isInterrupted ? ", where another call begins: missing, or mixed with the lines of that call" : "";
     if (account.finalStates.empty()) {
-        return fmt::format("its end, after line {}", call.last.line);
+        return fmt::format("its end, after line {}{}", call.last.line, next);
     }
     if (told.size() < all && account.finalStates.size() >= all) {
         // All states are there. What is missing before them is named elsewhere.
@@ -259,8 +263,8 @@ std::optional<std::string> CCallReader::missingEnd() const {
     }
     const bool isEndThere = !account.claims.empty() &&
                             std::find(told.begin(), told.end(), account.claims.front().first) != told.end();
-    return fmt::format("the states of {} of {} backups, {} line {}", all - told.size(), all,
-                       isEndThere ? "before" : "after", stateLine);
+    return fmt::format("the states of {} of {} backups, {} line {}{}", all - told.size(), all,
+                       isEndThere ? "before" : "after", stateLine, isEndThere ? "" : next);
 }
 
 std::vector<SLoggedCall> CCallReader::finish() {

@@ -109,6 +109,8 @@ private:
     std::optional<bool> isEndedWhole;
     // A line was read that is not at the level of failures.
     bool hasProgressLevel = false;
+    // Another call of the same writer begins behind its last line.
+    bool isInterrupted = false;
     // Lines of a tree began with something else than tabs.
     bool isAltered = false;
     // A line break has cut off the first line of a document's tree, so it is not known which backup the lines

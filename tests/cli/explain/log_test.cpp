@@ -265,6 +265,20 @@ TEST_F(FiRotateLog, SaysAfterWhichLineTheLastStatesAreMissing) {
                 ElementsAre("the states of 1 of 3 backups, after line " + std::to_string(last + 1)));
 }
 
+TEST_F(FiRotateLog, SaysThatTheEndOfACallMayBeMixedWithTheNextCall) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const std::vector<std::string> next = lines;
+    lines.erase(lines.begin() + 20, lines.end());
+    lines.insert(lines.end(), next.begin(), next.end());
+    const auto calls = callsOf(lines);
+    ASSERT_EQ(calls.size(), 2U);
+    EXPECT_THAT(calls[0].missing,
+                ElementsAre("its end, after line 20, where another call begins: missing, or mixed with the "
+                            "lines of that call"));
+    EXPECT_THAT(calls[1].missing, IsEmpty());
+}
+
 // Searching it to its end from each of its places would take half an hour.
 TEST_F(FiRotateLog, ReadsOnBehindALineOfManyBlanks) {
     std::vector<std::string> lines;
