@@ -173,9 +173,9 @@ FI_ROTATION_API void fi_rotation_call_free(fi_rotation_call* call);
  * Adds an earlier backup by the file name of its document. A call without any is that of a first backup, for
  * which all targets are free; it is not refused, so check that no list is empty by mistake. When `excluded`
  * is not 0, the targets of the backup are never released, which does not protect it while it is invalid.
- * Returns its index, or -1 when memory ran out or `file` is null. After -1 every run of this call returns
+ * Returns its index, or -1 when memory ran out or `file` is null. Then every run of this call returns
  * FI_ROTATION_OUT_OF_MEMORY, because the targets of the missing backup would be taken for free; make a new
- * call.
+ * call. (From the call's own trace function it returns -1 and does nothing.)
  */
 FI_ROTATION_API int32_t fi_rotation_call_add(fi_rotation_call* call, const char* file, int32_t excluded);
 
