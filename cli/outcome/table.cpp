@@ -368,9 +368,9 @@ std::string outcomeTables(const SOutcome& outcome, const SView& view, const std:
         text += adviceLines(*outcome.account, *advice) + trialsTable(*outcome.account, *advice);
     }
     text += "\n" + backupTable(outcome, shown, areAllKnown, ifNone, width, colour);
-    if (view.withReasons && outcome.account.has_value() && !shown.empty()) {
-        text +=
-            "\n" + reasonTable(outcome, shown) + (advice.has_value() ? "" : shortageTable(*outcome.account));
+    if (view.withReasons && outcome.account.has_value()) {
+        text += shown.empty() ? "" : "\n" + reasonTable(outcome, shown);
+        text += advice.has_value() ? "" : shortageTable(*outcome.account);
     }
     return text;
 }

@@ -150,6 +150,27 @@ TEST(FiRotateTable, SaysOfABackupWithoutItsFlagWordWhatIsNotKnown) {
                                   "Total: 1 rotated, 1 of unknown state\n"));
 }
 
+TEST(FiRotateTable, SaysWhoHoldsTheTargetsOfAShortConfigurationThoughNoBackupIsShown) {
+    SOutcome outcome;
+    outcome.status = FI_STATUS_FAILURE;
+    outcome.backups = {backup("a.xml", "1", 4, 0)};
+    outcome.backups[0].state.reset();
+    fi_rotate::SAccount& account = outcome.account.emplace();
+    account.configurations.push_back({"A##x", {"A##1"}});
+    account.backups.emplace_back().file = "a.xml";
+    account.shortages.push_back({0, {{0, 0, true}}});
+    SView view;
+    view.states = {"rotated"};
+    view.withReasons = true;
+    EXPECT_EQ(fi_rotate::toTables(outcome, view, std::nullopt, kAnyWidth, false),
+              "Selection: none\n"
+              "\n"
+              "Backups: none in these states, 1 without a state\n"
+              "\n"
+              "A##x has no free target\n"
+              "  A##1 is held by a.xml, which would be rotated if it were not excluded\n");
+}
+
 TEST(FiRotateTable, ShowsTheSelectionAsOneTextWhenItCannotBeSplit) {
     SOutcome outcome = someOutcome();
     outcome.backups.clear();
