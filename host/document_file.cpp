@@ -86,10 +86,10 @@ SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBy
         const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
         const std::size_t nul = file.problem == 0 ? piece.find('\0') : std::string_view::npos;
         if (nul != std::string_view::npos) {
-            file =
-                withProblem(std::move(file), FI_ROTATION_NUL_BYTE,
-                            fmt::format("holds a NUL byte at byte {}; if it is in UTF-16, save it as UTF-8",
-                                        bytes + nul));
+            file = withProblem(std::move(file), FI_ROTATION_NUL_BYTE,
+                               fmt::format("holds a NUL byte at byte {}; restore it if it is damaged; if it "
+                                           "is in UTF-16, the backup product must write UTF-8",
+                                           bytes + nul));
         }
         bytes += piece.size();
         if (bytes > mostBytes) {
