@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <utility>
 
+#include <fi_rotation/fi_process_backups.h>
+
 namespace fi_rotate {
 namespace {
 
@@ -20,7 +22,9 @@ std::pair<int, std::size_t> releaseOf(const SBackupOutcome& backup) {
         case EReason::kNewestHolder:
         case EReason::kHoldsNothing:
         case EReason::kRotationStopped:
-            return {kReleasable, backup.reason->turn};
+            // An excluded one is only skipped when its turn comes.
+            return {(backup.given.flagWord & FI_EXCLUDE_ROTATION) != 0 ? kExcluded : kReleasable,
+                    backup.reason->turn};
         case EReason::kExcluded:
             return {kExcluded, backup.reason->turn};
         default:

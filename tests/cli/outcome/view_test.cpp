@@ -23,7 +23,7 @@ class FiRotateView : public fi_test::CGivenCall {
 protected:
     std::vector<std::string> filesIn(EOrder order) {
         SOutcome outcome = accountedOutcome(call);
-        const std::vector<std::string> stamps{"30", "20", "10", "40", ""};
+        const std::vector<std::string> stamps{"30", "20", "10", "40", "", "25"};
         for (std::size_t i = 0; i < outcome.backups.size(); ++i) {
             outcome.backups[i].timeStamp = stamps.at(i);
         }
@@ -36,15 +36,19 @@ protected:
 };
 
 TEST_F(FiRotateView, OrdersBackupsAsAskedFor) {
-    call.configuration = "A##x;1;2;3;4";
+    call.configuration = "A##x;1;2;3;4;5";
     give("invalid", "30", {{"A##z", "A##1"}});
     give("next", "20", {{"A##x", "A##2"}});
     give("released", "10", {{"A##x", "A##1"}});
     give("last", "40", {{"A##x", "A##3"}});
     give("excluded", "", {{"A##x", "A##4"}}, FI_EXCLUDE_ROTATION);
-    EXPECT_THAT(filesIn(EOrder::kArgument), ElementsAre("invalid", "next", "released", "last", "excluded"));
-    EXPECT_THAT(filesIn(EOrder::kTime), ElementsAre("excluded", "released", "next", "invalid", "last"));
-    EXPECT_THAT(filesIn(EOrder::kRelease), ElementsAre("released", "next", "last", "excluded", "invalid"));
+    give("excluded later", "25", {{"A##x", "A##5"}}, FI_EXCLUDE_ROTATION);
+    EXPECT_THAT(filesIn(EOrder::kArgument),
+                ElementsAre("invalid", "next", "released", "last", "excluded", "excluded later"));
+    EXPECT_THAT(filesIn(EOrder::kTime),
+                ElementsAre("excluded", "released", "next", "excluded later", "invalid", "last"));
+    EXPECT_THAT(filesIn(EOrder::kRelease),
+                ElementsAre("released", "next", "last", "excluded", "excluded later", "invalid"));
 }
 
 }  // namespace
