@@ -26,7 +26,7 @@ decodes &amp; before it separates configurations at &, so a name cannot contain
     {EHazard::kNoFurtherTargets, "no-further-targets", ESeverity::kError, EMender::kAdministrator,
      R"(A configuration has only its first target. There is no target for its snapshots,
 so no call can succeed, even when backups of other configurations are released.
-Add at least one further target.)"},
+Put back the further targets that it had. Otherwise add at least one.)"},
     {EHazard::kTargetRepeated, "target-repeated", ESeverity::kError, EMender::kAdministrator,
      R"(A target is listed twice in one configuration. When a backup holds it, only the
 first entry counts as used. The second entry counts as free and can be chosen;

@@ -251,6 +251,21 @@ bool hasDeletion(const std::vector<SChange>& changes) {
                        [](const SChange& change) { return change.kind == EChange::kLeaveOut; });
 }
 
+// Where targets were taken out of the configuration by mistake, a new one would let a call overwrite what the
+// backups hold that name them.
+std::string unknownTargetsLine(const SAccount& account) {
+    const auto count = std::count_if(account.backups.begin(), account.backups.end(), [](const auto& backup) {
+        return backup.reason.has_value() && (backup.reason->kind == EReason::kUnknownTarget ||
+                                             backup.reason->kind == EReason::kUnknownConfiguration);
+    });
+    return count == 0 ? ""
+                      : fmt::format(
+                            "Before that: {} {} targets that are not configured, so what {} can be "
+                            "overwritten; see --explain\n",
+                            countedBackups(static_cast<std::size_t>(count)), count == 1 ? "names" : "name",
+                            count == 1 ? "it holds" : "they hold");
+}
+
 // What is wrong and what to do about it; shown first, because it is what people look for.
 std::string adviceLines(const SAccount& account, const SAdvice& advice) {
     std::vector<std::string> names;
@@ -273,7 +288,7 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
         text += fmt::format("With new targets: add one to {} ({})\n", isOne ? "it" : "each of them",
                             wouldBeReleased(*advice.releasedWithTargets));
     }
-    return text;
+    return text + unknownTargetsLine(account);
 }
 
 std::string resultOf(const STrial& trial) {

@@ -322,7 +322,7 @@ TEST(FiRotateCheck, ExplainsInAParagraph) {
               "no-further-targets (error)\n\n"
               "A configuration has only its first target. There is no target for its snapshots,\n"
               "so no call can succeed, even when backups of other configurations are released.\n"
-              "Add at least one further target.\n");
+              "Put back the further targets that it had. Otherwise add at least one.\n");
 }
 
 TEST(FiRotateCheck, ExplainsWhoCanMendADocument) {

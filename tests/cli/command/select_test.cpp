@@ -362,6 +362,21 @@ TEST(FiRotateSelect, SaysThatOnlyATargetHelpsAConfigurationThatHasNone) {
                            "encA##lun1 has no free target\n"
                            "Without new targets: nothing helps, whichever backups are deleted\n"
                            "With new targets: add one to it (no backup would be released)\n"));
+    EXPECT_THAT(result.output, Not(HasSubstr("not configured")));
+}
+
+TEST(FiRotateSelect, SaysWhichShortageMayComeFromTargetsThatWereTakenOutOfTheConfiguration) {
+    const fi_test::CTemporaryFolder folder;
+    const std::string backup =
+        folder.write("a.xml",
+                     "<Node><timeStamp>1</timeStamp><objid>UDID##v##m##encA##lun1</objid>"
+                     "<altobjid>UDID##v##m##encA##snap1</altobjid></Node>");
+    const auto result = runFiRotate({"select", "--config", "encA##lun1", backup});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output,
+                HasSubstr("(no backup would be released)\n"
+                          "Before that: 1 backup names targets that are not configured, so what "
+                          "it holds can be overwritten; see --explain\n"));
 }
 
 }  // namespace
