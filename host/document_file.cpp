@@ -35,19 +35,13 @@ public:
     const int number;
 };
 
-SDocumentFile withProblem(SDocumentFile file, fi_rotation_problem problem, std::string fault) {
-    file.problem = problem;
-    file.fault = std::move(fault);
-    return file;
-}
-
 std::string lastError() {
     const char* const words = strerrordesc_np(errno);
     return words != nullptr ? words : fmt::format("error {}", errno);
 }
 
 SDocumentFile cannotOpen() {
-    return withProblem({}, FI_ROTATION_CANNOT_OPEN, fmt::format("cannot be opened: {}", lastError()));
+    return {{}, {{FI_ROTATION_CANNOT_OPEN, fmt::format("cannot be opened: {}", lastError())}}};
 }
 
 std::string_view kindOfFile(mode_t mode) {
@@ -58,12 +52,11 @@ std::string_view kindOfFile(mode_t mode) {
 }
 
 SDocumentFile notAFile(mode_t mode) {
-    return withProblem({}, FI_ROTATION_NOT_A_FILE, fmt::format("is {}, not a file", kindOfFile(mode)));
+    return {{}, {{FI_ROTATION_NOT_A_FILE, fmt::format("is {}, not a file", kindOfFile(mode))}}};
 }
 
-SDocumentFile tooLarge(SDocumentFile file, std::uint64_t bytes, std::uint64_t mostBytes) {
-    return withProblem(std::move(file), FI_ROTATION_TOO_LARGE,
-                       fmt::format("has {} bytes; at most {} are allowed", bytes, mostBytes));
+SFileProblem tooLarge(std::uint64_t bytes, std::uint64_t mostBytes) {
+    return {FI_ROTATION_TOO_LARGE, fmt::format("has {} bytes; at most {} are allowed", bytes, mostBytes)};
 }
 
 // Reads again when a signal interrupted it.
@@ -76,36 +69,38 @@ ssize_t readSome(int descriptor, char* buffer, std::size_t size) {
     }
 }
 
-// Reads an open file, which is not too large as far as its size says.
-SDocumentFile readToEnd(int descriptor, SDocumentFile file, std::uint64_t mostBytes) {
+// Reads an open file to its end, or up to a place behind `mostBytes`.
+std::vector<SFileProblem> readToEnd(int descriptor, std::uint64_t mostBytes, bool isReadBeyond) {
     // Small, because hosts call from threads with small stacks.
     std::array<char, std::size_t{8} << 10> buffer;  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::vector<SFileProblem> problems;
     std::uint64_t bytes = 0;
     ssize_t count = 0;
-    while ((count = readSome(descriptor, buffer.data(), buffer.size())) > 0) {
+    while ((isReadBeyond || bytes <= mostBytes) &&
+           (count = readSome(descriptor, buffer.data(), buffer.size())) > 0) {
         const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
-        const std::size_t nul = file.problem == 0 ? piece.find('\0') : std::string_view::npos;
+        const std::size_t nul = problems.empty() ? piece.find('\0') : std::string_view::npos;
         if (nul != std::string_view::npos) {
-            file = withProblem(std::move(file), FI_ROTATION_NUL_BYTE,
-                               fmt::format("holds a NUL byte at byte {}; restore it if it is damaged; if it "
-                                           "is in UTF-16, the backup product must write UTF-8",
-                                           bytes + nul));
+            problems.push_back({FI_ROTATION_NUL_BYTE,
+                                fmt::format("holds a NUL byte at byte {}; restore it if it is damaged; if it "
+                                            "is in UTF-16, the backup product must write UTF-8",
+                                            bytes + nul)});
         }
         bytes += piece.size();
-        if (bytes > mostBytes) {
-            return tooLarge(std::move(file), bytes, mostBytes);
-        }
     }
     if (count < 0) {
-        return withProblem(std::move(file), FI_ROTATION_READ_ERROR,
-                           fmt::format("cannot be read after byte {}: {}", bytes, lastError()));
+        problems.push_back(
+            {FI_ROTATION_READ_ERROR, fmt::format("cannot be read after byte {}: {}", bytes, lastError())});
     }
-    return file;
+    if (bytes > mostBytes) {
+        problems.push_back(tooLarge(bytes, mostBytes));
+    }
+    return problems;
 }
 
 }  // namespace
 
-SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes) {
+SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes, bool isReadBeyond) {
     struct stat state {};
     if (stat(file.c_str(), &state) != 0) {
         return cannotOpen();
@@ -120,11 +115,11 @@ SDocumentFile inspectDocument(const std::string& file, std::uint64_t mostBytes) 
     if (!S_ISREG(state.st_mode)) {
         return notAFile(state.st_mode);
     }
-    SDocumentFile inspected;
-    inspected.state.emplace(state);
     const auto size = static_cast<std::uint64_t>(state.st_size);
-    return size > mostBytes ? tooLarge(std::move(inspected), size, mostBytes)
-                            : readToEnd(descriptor.number, std::move(inspected), mostBytes);
+    if (size > mostBytes && !isReadBeyond) {
+        return {CFiFileState(state), {tooLarge(size, mostBytes)}};
+    }
+    return {CFiFileState(state), readToEnd(descriptor.number, mostBytes, isReadBeyond)};
 }
 
 std::optional<CFiFileState> stateOf(const std::string& file) {

@@ -100,7 +100,7 @@ typedef enum fi_rotation_problem {
      * has this problem, too. */
     FI_ROTATION_CANNOT_OPEN = 2,
     /* It is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is not
-     * well-formed and has no Node; a pipe is waited for. */
+     * well-formed and has no Node; a pipe is waited for, and its NUL bytes are not noticed. */
     FI_ROTATION_NOT_A_FILE = 4,
     /* It cannot be read to its end. Permitted: what could be read is used. */
     FI_ROTATION_READ_ERROR = 8,

@@ -84,9 +84,11 @@ private:
 
     void inspectDocuments() {
         for (std::size_t i = 0; i < call.backups.size(); ++i) {
-            SDocumentFile file = inspectDocument(call.backups[i].file, safety.mostBytes);
-            if (file.problem != 0) {
-                add(file.problem, i, file.fault);
+            // A document of any size that is permitted must have no other problem.
+            const SDocumentFile file =
+                inspectDocument(call.backups[i].file, safety.mostBytes, isPermitted(FI_ROTATION_TOO_LARGE));
+            for (const SFileProblem& problem : file.problems) {
+                add(problem.kind, i, problem.fault);
             }
             fileStates.push_back(file.state);
         }

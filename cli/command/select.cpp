@@ -163,8 +163,8 @@ std::string whyNotLoaded(const SBackupOutcome& backup, bool isFirstUnread) {
     if (!isFirstUnread) {
         return "a document before it cannot be opened";
     }
-    const std::string fault = inspectDocument(backup.given.file, SSafety().mostBytes).fault;
-    return "it " + (fault.empty() ? "could not be opened" : fault);
+    const SDocumentFile file = inspectDocument(backup.given.file, SSafety().mostBytes, false);
+    return "it " + (file.problems.empty() ? "could not be opened" : file.problems.front().fault);
 }
 
 // A document that was read in part names a backup without all of its targets, which look free then.

@@ -40,7 +40,7 @@ class ProblemKind(enum.IntFlag):
     CANNOT_OPEN: The document cannot be opened. Permitted: it and all documents after it are ignored, and each of these
         has this problem, too.
     NOT_A_FILE: The document is a folder, a pipe or a device. Permitted: a folder is read as an empty text, which is
-        NOT_WELL_FORMED and NO_NODE, too; a pipe or a device is read until it ends.
+        NOT_WELL_FORMED and NO_NODE, too; a pipe or a device is read until it ends, and its NUL bytes are not noticed.
     READ_ERROR: The document cannot be read to its end. Permitted: the part that was read is used.
     TOO_LARGE: The document has more bytes than limit_document allows. Permitted: it is read. Beyond 128 MiB it is
         NOT_WELL_FORMED, too, and has no Node.

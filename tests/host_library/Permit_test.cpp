@@ -79,6 +79,18 @@ TEST_F(CHostLibraryPermit, ALargeFileIsRead) {
     expectDecision(call.get(), FI_ROTATION_TOO_LARGE, kSecond);
 }
 
+TEST_F(CHostLibraryPermit, ALargeFileIsStillRefusedForItsOtherProblems) {
+    std::string text = documentOf("1", {{"encA##lun1", "encA##snap1"}});
+    text.insert(text.find("<objid>"), 1, '\0');
+    const HostCall call = newCall(kConfiguration, {write("a.xml", text)});
+    fi_rotation_call_limit_document(call.get(), 1);
+    fi_rotation_call_permit(call.get(), FI_ROTATION_TOO_LARGE);
+    EXPECT_EQ(fi_rotation_call_run(call.get()), FI_ROTATION_REFUSED);
+    EXPECT_EQ(
+        fi_rotation_call_backup_problems(call.get(), 0),
+        static_cast<std::uint32_t>(FI_ROTATION_TOO_LARGE) | static_cast<std::uint32_t>(FI_ROTATION_NUL_BYTE));
+}
+
 TEST_F(CHostLibraryPermit, ALineEndsAtItsNulByte) {
     const std::string hidden =
         "<Node><objid>UDID##v##m##encA##lun1</objid><altobjid>UDID##v##m##encA##snap1"
