@@ -298,10 +298,22 @@ SOutcome refusedOutcome(const SCall& call, const SDecision& decision) {
     return outcome;
 }
 
+SOutcome makeBareCall(const SCall& call, const SWishes& wishes) {
+    SOutcome outcome = runCall(call, wishes);
+    if (call.backups.empty() && !outcome.selection.has_value()) {
+        // The trace of a first backup does not tell which configuration is short, so the call is made again.
+        SWishes configurations;
+        configurations.account = true;
+        configurations.configurationsOfFirstBackup = true;
+        outcome.account = runCall(call, configurations).account;
+    }
+    return outcome;
+}
+
 SShownCall makeCall(const SCall& call, const SWishes& wishes, bool isStrict) {
     const CMutedStandardOutput muted;
     if (!isStrict) {
-        return {runCall(call, wishes)};
+        return {makeBareCall(call, wishes)};
     }
     SDecision decision = decideSafely(call, wishes, SSafety());
     const bool isRefused = decision.kind == FI_ROTATION_REFUSED;

@@ -365,6 +365,16 @@ TEST(FiRotateSelect, SaysThatOnlyATargetHelpsAConfigurationThatHasNone) {
     EXPECT_THAT(result.output, Not(HasSubstr("not configured")));
 }
 
+TEST(FiRotateSelect, NamesTheShortConfigurationOfAFirstBackup) {
+    const auto result = runFiRotate({"select", "--config", "encA##lun1;snap1&encA##lun2"});
+    EXPECT_EQ(result.exitStatus, 3);
+    EXPECT_THAT(result.output,
+                StartsWith("Selection: none\n"
+                           "encA##lun2 has no free target\n"
+                           "Without new targets: nothing helps, whichever backups are deleted\n"
+                           "With new targets: add one to it (no backup would be released)\n"));
+}
+
 TEST(FiRotateSelect, SaysWhichShortageMayComeFromTargetsThatWereTakenOutOfTheConfiguration) {
     const fi_test::CTemporaryFolder folder;
     const std::string backup =
