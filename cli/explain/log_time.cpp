@@ -22,8 +22,8 @@ std::size_t countDigits(std::string_view text) {
 }
 
 struct SForm {
-    // 9 is a digit, # one or two digits after an optional blank, A a letter, and * a character between a date
-    // and a time of day.
+    // 9 is a digit, 0 one or two digits, # the same after an optional blank, A a letter, and * a character
+    // between a date and a time of day.
     std::string_view pattern;
     // How strptime reads it when every mark is a blank; null for seconds, empty when a part is missing.
     const char* reading;
@@ -31,19 +31,20 @@ struct SForm {
 
 // A longer form comes before a shorter one that it begins with.
 constexpr std::array<SForm, 15> kForms{{
-    {"AAA AAA # #:#:# 9999", "%a %b %d %H %M %S %Y"},
-    {"AAA 9999-#-#*#:#:#", "%a %Y %m %d %H %M %S"},
-    {"9999-#-#*#:#:#", "%Y %m %d %H %M %S"},
-    {"9999-#-#*#:#", "%Y %m %d %H %M"},
-    {"9999/#/#*#:#:#", "%Y %m %d %H %M %S"},
-    {"#.#.9999*#:#:#", "%d %m %Y %H %M %S"},
-    {"#/AAA/9999*#:#:#", "%d %b %Y %H %M %S"},
-    {"AAA # 9999 #:#:#", "%b %d %Y %H %M %S"},
-    {"AAA # #:#:#", "%b %d %H %M %S"},
+    {"AAA AAA # #:0:0 9999", "%a %b %d %H %M %S %Y"},
+    {"AAA 9999-0-0*#:0:0", "%a %Y %m %d %H %M %S"},
+    {"9999-0-0*#:0:0", "%Y %m %d %H %M %S"},
+    {"9999-0-0*#:0", "%Y %m %d %H %M"},
+    {"9999/0/0*#:0:0", "%Y %m %d %H %M %S"},
+    {"0.0.9999*#:0:0", "%d %m %Y %H %M %S"},
+    {"0/AAA/9999*#:0:0", "%d %b %Y %H %M %S"},
+    {"AAA # 9999 #:0:0", "%b %d %Y %H %M %S"},
+    {"AAA # #:0:0", "%b %d %H %M %S"},
     {"99999999*999999", "%Y%m%d %H%M%S"},
-    {"9999-#-#", ""},
-    {"#:#:#", ""},
-    {"#:#", ""},
+    {"9999-0-0", ""},
+    {"0:0:0", ""},
+    // Otherwise the number of a process and what follows it, as in "thread-1:4", would be a time.
+    {"0:99", ""},
     {"1999999999999", nullptr},
     {"1999999999", nullptr},
 }};
@@ -62,10 +63,10 @@ bool fits(char wanted, char character) {
     }
 }
 
-// Of "7", "07" or " 7" at the start of `text`.
-std::size_t shortNumberLength(std::string_view text) {
+// Of "7" or "07" at the start of `text`; of " 7", too, when it may be padded.
+std::size_t shortNumberLength(std::string_view text, bool isPadded) {
     constexpr std::size_t kLongest = 2;
-    const std::size_t blanks = !text.empty() && text[0] == ' ' ? 1 : 0;
+    const std::size_t blanks = isPadded && !text.empty() && text[0] == ' ' ? 1 : 0;
     const std::size_t digits = countDigits(text.substr(blanks, kLongest - blanks));
     return digits == 0 ? 0 : blanks + digits;
 }
@@ -75,7 +76,8 @@ std::size_t lengthLike(std::string_view text, std::string_view pattern) {
     std::size_t length = 0;
     for (const char wanted : pattern) {
         const std::string_view rest = text.substr(length);
-        const std::size_t next = wanted == '#'                            ? shortNumberLength(rest)
+        const bool isNumber = wanted == '0' || wanted == '#';
+        const std::size_t next = isNumber ? shortNumberLength(rest, wanted == '#')
                                  : !rest.empty() && fits(wanted, rest[0]) ? 1
                                                                           : 0;
         if (next == 0) {

@@ -56,6 +56,11 @@ TEST(FiRotateLogTimes, EndWhereAnAddressOrAWordDoesNot) {
     EXPECT_EQ(timeLength("01:30:00 host"), 8U);
     EXPECT_EQ(timeLength("00:11:22:33:44:ab"), 0U);
     EXPECT_EQ(timeLength("2026-10-10x"), 0U);
+    EXPECT_EQ(timeLength("7:30 host"), 4U);
+    EXPECT_EQ(timeLength("Nov  2  7:05:09 host"), 15U);
+    // Of "thread-1: 4 Entering" and "thread-17:4 Entering".
+    EXPECT_EQ(timeLength("1: 4 Entering"), 0U);
+    EXPECT_EQ(timeLength("17:4 Entering"), 0U);
     EXPECT_EQ(secondsLength("812.123456] "), 10U);
     EXPECT_EQ(secondsLength("1.2 "), 0U);
 }

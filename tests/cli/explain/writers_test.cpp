@@ -68,7 +68,12 @@ std::string counted(int process, char level, int second) {
                        level == '3' ? 'F' : 'P', process);
 }
 
-constexpr std::array<Format, 5> kFormats{syslog, journal, iso, log4, counted};
+// The number of the thread stands directly in front of the level.
+std::string numbered(int process, char level, int second) {
+    return fmt::format("2026-10-10 {} thread-{}: {} ", clock(second), 1 + process, level);
+}
+
+constexpr std::array<Format, 6> kFormats{syslog, journal, iso, log4, counted, numbered};
 
 // A trace that is written to a log, line after line.
 struct SProcess {
