@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/trace_text.h"
+
 namespace fi_rotate {
 namespace {
 
@@ -64,7 +66,7 @@ void CWriters::follow(SWordPosition& position, std::string_view word) {
 // a word that the first line of a call has too, because a writer writes calls from their first line on.
 // Counters and clocks change with each line, so a first line rarely has the same word. The words at a
 // position name the level instead when each of them occurs at one level only, because each call has lines at
-// both levels.
+// both levels. Where all lines are of one level, it is the number that the library gives to that level.
 bool CWriters::namesWriter(const SWordPosition& position, bool isProcess) {
     std::size_t all = 0;
     std::size_t ofBegun = 0;
@@ -78,7 +80,10 @@ bool CWriters::namesWriter(const SWordPosition& position, bool isProcess) {
         hasOther = hasOther || lines.hasOther;
         isOfBothLevels = isOfBothLevels || (lines.hasFailure && lines.hasOther);
     }
-    const bool isLevel = hasFailure && hasOther && !isOfBothLevels;
+    const bool isNumberOfLevel =
+        position.words.size() == 1 && hasFailure != hasOther &&
+        position.words.begin()->first == std::to_string(hasFailure ? kFailureLevel : kProgressLevel);
+    const bool isLevel = (hasFailure && hasOther && !isOfBothLevels) || isNumberOfLevel;
     return !isLevel && (ofBegun > all / 2 || isOfWriters(position, all, isProcess, ofBegun != 0));
 }
 

@@ -246,9 +246,15 @@ std::string inWords(const std::vector<SChange>& changes) {
     return fmt::format("{}", fmt::join(words, ", and "));
 }
 
-bool hasDeletion(const std::vector<SChange>& changes) {
-    return std::any_of(changes.begin(), changes.end(),
-                       [](const SChange& change) { return change.kind == EChange::kLeaveOut; });
+std::string howToDelete(const std::vector<SChange>& changes) {
+    const auto deletions = std::count_if(changes.begin(), changes.end(), [](const SChange& change) {
+        return change.kind == EChange::kLeaveOut;
+    });
+    return deletions == 0 ? ""
+                          : fmt::format(
+                                "  Run without {} first, to try it. Delete in the product only if no "
+                                "other document names the targets.\n",
+                                deletions == 1 ? "that document" : "those documents");
 }
 
 // Where targets were taken out of the configuration by mistake, a new one would let a call overwrite what the
@@ -277,10 +283,7 @@ std::string adviceLines(const SAccount& account, const SAdvice& advice) {
     if (!advice.neededChanges.empty()) {
         text += fmt::format("Without new targets: {} ({})\n", inWords(advice.neededChanges),
                             wouldBeReleased(advice.released));
-        text += hasDeletion(advice.neededChanges)
-                    ? "  Run without that document first, to try it. Delete in the product only if no other "
-                      "document names the targets.\n"
-                    : "";
+        text += howToDelete(advice.neededChanges);
     } else {
         text += "Without new targets: nothing helps, whichever backups are deleted\n";
     }

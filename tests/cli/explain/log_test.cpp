@@ -821,6 +821,27 @@ TEST_F(FiRotateLog, DoesNotAddTheStatesOfALaterCallToAWholeOne) {
     EXPECT_EQ(calls[1].outcome.backups[0].given.file, folder.path("newer"));
 }
 
+TEST_F(FiRotateLog, KnowsTheNumberOfALevelWhenNoOtherLevelHasNamedLines) {
+    std::vector<std::string> lines;
+    traced(rotation(), lines);
+    const auto contains = [](const std::string& text) {
+        return [text](const std::string& line) { return line.find(text) != std::string::npos; };
+    };
+    const auto flagWord = std::find_if(lines.begin(), lines.end(), contains("exclude rotation flag"));
+    const auto parsed = std::find_if(lines.begin(), lines.end(), contains("parsed ["));
+    std::vector<std::string> middle(flagWord, parsed);
+    for (std::string& line : middle) {
+        line.insert(0, "app[7]: ");
+    }
+    const auto calls = callsOf(middle);
+    ASSERT_EQ(calls.size(), 1U);
+    EXPECT_EQ(calls[0].last.line, middle.size());
+    EXPECT_THAT(
+        calls[0].missing,
+        ElementsAre("its beginning, with the configuration: give the earlier log too, before this one",
+                    "its end, after line " + std::to_string(middle.size())));
+}
+
 // Each line with a time in front of it.
 std::vector<std::string> at(const std::string& time, std::vector<std::string> lines) {
     for (std::string& line : lines) {

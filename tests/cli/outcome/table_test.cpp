@@ -171,6 +171,25 @@ TEST(FiRotateTable, SaysWhoHoldsTheTargetsOfAShortConfigurationThoughNoBackupIsS
               "  A##1 is held by a.xml, which would be rotated if it were not excluded\n");
 }
 
+TEST(FiRotateTable, SaysHowToDeleteSeveralBackups) {
+    SOutcome outcome;
+    outcome.status = FI_STATUS_FAILURE;
+    outcome.account.emplace().configurations.push_back({"A##x", {"A##1"}});
+    outcome.account->shortages.push_back({0, {}});
+    fi_rotate::SAdvice advice;
+    advice.neededChanges = {{fi_rotate::EChange::kLeaveOut, "a.xml"},
+                            {fi_rotate::EChange::kLeaveOut, "b.xml"}};
+    EXPECT_THAT(
+        fi_rotate::toTables(outcome, {}, advice, kAnyWidth, false),
+        testing::StartsWith(
+            "Selection: none\n"
+            "A##x has no free target\n"
+            "Without new targets: delete the backup of a.xml, which is invalid, and delete the backup of "
+            "b.xml, which is invalid (no backup would be released)\n"
+            "  Run without those documents first, to try it. Delete in the product only if no other "
+            "document names the targets.\n"));
+}
+
 TEST(FiRotateTable, ShowsTheSelectionAsOneTextWhenItCannotBeSplit) {
     SOutcome outcome = someOutcome();
     outcome.backups.clear();
