@@ -393,6 +393,20 @@ std::string outcomeTables(const SOutcome& outcome, const SView& view, const std:
     return text;
 }
 
+// The library's trace says nothing of a document that it ignored.
+std::vector<std::string> messagesOf(const SOutcome& outcome) {
+    std::vector<std::string> messages = messagesInWords(outcome);
+    const auto ignored = std::count_if(outcome.backups.begin(), outcome.backups.end(),
+                                       [](const SBackupOutcome& backup) { return !backup.isLoaded; });
+    if (ignored != 0 && outcome.selection.has_value()) {
+        messages.push_back(
+            fmt::format("{} ignored; the chosen targets may hold the snapshots of {}",
+                        ignored == 1 ? "1 document was" : fmt::format("{} documents were", ignored),
+                        ignored == 1 ? "its backup" : "their backups"));
+    }
+    return messages;
+}
+
 }  // namespace
 
 std::string toTables(const SOutcome& outcome, const SView& view, const std::optional<SAdvice>& advice,
@@ -407,7 +421,7 @@ std::string toTables(const SLoggedCall& call, const SView& view, std::size_t wid
            (outcome.account.has_value() ? outcomeTables(outcome, view, std::nullopt, call.areBackupsKnown,
                                                         withoutBackups(call), width, colour)
                                         : "Selection: none\n") +
-           toList("Messages", messagesInWords(outcome));
+           toList("Messages", messagesOf(outcome));
 }
 
 }  // namespace fi_rotate

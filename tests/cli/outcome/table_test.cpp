@@ -135,6 +135,24 @@ TEST(FiRotateTable, DoesNotCallALoggedCallAFirstBackupThatMayHaveHadBackups) {
     EXPECT_THAT(shown(), testing::EndsWith("Selection: none\n\nBackups: none; this is the first backup\n"));
 }
 
+TEST(FiRotateTable, SaysOfALoggedCallThatDocumentsWereIgnored) {
+    fi_rotate::SLoggedCall call;
+    call.outcome = someOutcome();
+    call.outcome.account.emplace();
+    SView view;
+    view.states = {"invalid"};
+    const auto shown = [&call, &view] { return fi_rotate::toTables(call, view, kAnyWidth, false); };
+    EXPECT_THAT(shown(),
+                testing::EndsWith("\nMessages\n  1 document was ignored; the chosen targets may hold the "
+                                  "snapshots of its backup\n"));
+    call.outcome.backups.push_back(call.outcome.backups.back());
+    EXPECT_THAT(shown(),
+                testing::EndsWith("\nMessages\n  2 documents were ignored; the chosen targets may hold "
+                                  "the snapshots of their backups\n"));
+    call.outcome.selection.reset();
+    EXPECT_THAT(shown(), testing::Not(testing::HasSubstr("Messages")));
+}
+
 TEST(FiRotateTable, SaysOfABackupWithoutItsFlagWordWhatIsNotKnown) {
     SOutcome outcome;
     outcome.status = FI_STATUS_SUCCESS;

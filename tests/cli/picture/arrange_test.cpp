@@ -71,6 +71,13 @@ TEST(FiRotateArrange, FoldsThreeOrMoreFreeTargetsIntoOneRow) {
     EXPECT_THAT(picture.remarks, Contains("1 configuration, 12 targets, 10 free"));
 }
 
+TEST(FiRotateArrange, DoesNotCallAConfigurationThatARotationHelpsOneWithoutAFreeTarget) {
+    const SPicture picture = arranged({group("a", "hh"), group("b", "b")});
+    EXPECT_THAT(groupsOf(picture), ElementsAre("b", "a"));
+    EXPECT_EQ(picture.groups[0].remark, "1 target");
+    EXPECT_EQ(picture.groups[1].remark, "2 targets, none free before a rotation");
+}
+
 // An invalid backup may name it all the same.
 TEST(FiRotateArrange, FoldsNoFreeTargetThatHasABar) {
     SPictureGroup shown = group("a", "ffff");
