@@ -47,7 +47,7 @@ void countTargets(SPicture& picture) {
     std::size_t free = 0;
     for (SPictureGroup& group : picture.groups) {
         group.free = freeOf(group.rows);
-        // Of a short one it is said elsewhere. In another one, a rotation would free a target.
+        // Of a short one it is said elsewhere. In another one, a rotation may still free a target.
         const std::string rotation = group.free == 0 ? " before a rotation" : "";
         group.remark = countInWords(group.rows.size(), "target") +
                        (group.isShort ? "" : ", " + freeInWords(group.free) + rotation);
